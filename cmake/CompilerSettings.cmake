@@ -1,0 +1,20 @@
+# One interface target that every target of this project links: language, warnings, instrumentation.
+add_library(pm_settings INTERFACE)
+target_compile_features(pm_settings INTERFACE cxx_std_20)
+target_compile_options(pm_settings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+
+if(PM_WARNINGS_AS_ERRORS)
+    target_compile_options(pm_settings INTERFACE -Werror)
+endif()
+if(PM_SANITIZE)
+    target_compile_options(pm_settings INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
+                                                 -fno-omit-frame-pointer -O1)
+    target_link_options(pm_settings INTERFACE -fsanitize=address,undefined)
+endif()
+if(PM_COVERAGE)
+    target_compile_options(pm_settings INTERFACE --coverage)
+    target_link_options(pm_settings INTERFACE --coverage)
+endif()
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <pm/error_handler.h>
+#include <pm/mem_obj.h>
+
+// Compresses one block of bytes into a self-describing block, and back, with zlib (RFC 1950).
+//
+// The codec borrows its input and owns nothing. Each operation gives true with a new block in `out`, which
+// the caller releases with PM_Mem_Obj::operator delete(out), and its length in `out_size`. On false the
+// failure has been told to the handler, if there is one, and `out` and `out_size` are void; no exception
+// leaves a codec. Numbers: 55 no memory, 92 no tag, 93 to 95 deflate, 96 to 98 inflate.
+class PM_API PM_zlib_Codec : public PM_Mem_Obj {
+public:
+    // `data` must outlive the codec. `handler` may be null.
+    PM_zlib_Codec(const unsigned char* data, std::uint32_t size, ZT_Error_Handler* handler) noexcept;
+    ~PM_zlib_Codec() override;
+
+    // A plain block: "pmzlibcodec", the length of the data, the length of the stream, the stream.
+    bool encode(unsigned char*& out, std::uint32_t& out_size);
+    // A checked block: the Adler-32 of the stream stands in front of the two lengths.
+    bool encodeCRC(unsigned char*& out, std::uint32_t& out_size);
+
+    // Decoders look for the tag in the data taken as a zero-terminated text, trust the lengths behind it
+    // and don't read the size of the data. `out` has one zero byte behind its `out_size` bytes. A stream
+    // shorter than its stored length succeeds, the rest being zero.
+    bool decode(unsigned char*& out, std::uint32_t& out_size);
+    bool decodeCRC(unsigned char*& out, std::uint32_t& out_size);
+
+private:
+    template<class Operation>
+    bool guarded(Operation operation);
+    void encode_block(bool checked, unsigned char*& out, std::uint32_t& out_size) const;
+    void decode_block(bool checked, unsigned char*& out, std::uint32_t& out_size) const;
+
+    const unsigned char* m_input;
+    std::uint32_t m_input_size;
+    ZT_Error_Handler* m_handler;
+};
+
+// Compresses one block of bytes with a static Huffman code whose frequency table stands in the block.
+//
+// Shape, ownership and failures as PM_zlib_Codec; numbers: 55 no memory, 90 and 91 a broken code, 92 no
+// tag or no usable table. One object serves one call. decode() trusts its block and gives back the data
+// without its last byte: the format has always lost it.
+class PM_API PM_Huffman_Codec : public PM_Mem_Obj {
+public:
+    PM_Huffman_Codec(const unsigned char* data, std::uint32_t size, ZT_Error_Handler* handler) noexcept;
+    ~PM_Huffman_Codec() override;
+
+    // False for data with fewer than two distinct byte values.
+    bool encode(unsigned char*& out, std::uint32_t& out_size);
+    bool decode(unsigned char*& out, std::uint32_t& out_size);
+
+private:
+    struct FreqTrie;
+
+    const unsigned char* m_input;
+    std::uint32_t m_input_size;
+    std::uint32_t* m_freq_table = nullptr;
+    FreqTrie* m_freq_trie = nullptr;
+    ZT_Error_Handler* m_handler;
+};

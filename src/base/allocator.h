@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+namespace pm {
+
+// The library's one allocator, on malloc: PM_Mem_Obj::alloc and all blocks that callers come to own. Null
+// when there is no memory.
+void* allocate(std::size_t size) noexcept;
+// The block reads as zero and takes real memory only where it is written.
+void* allocate_zeroed(std::size_t size) noexcept;
+void release(void* block) noexcept;
+
+struct Releaser {
+    void operator()(void* block) const noexcept { release(block); }
+};
+
+// An owned block; release() hands it to the caller.
+template<class T>
+using Block = std::unique_ptr<T[], Releaser>;
+
+template<class T>
+Block<T> allocate_block(std::size_t count) noexcept {
+    return Block<T>(static_cast<T*>(allocate(count * sizeof(T))));
+}
+
+// Asked before each allocation while set: true makes that allocation give null. For tests.
+using AllocationFilter = bool (*)(std::size_t size);
+void set_allocation_filter(AllocationFilter filter) noexcept;
+
+} // namespace pm

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace pm {
+
+// Small text services with the C library's rules in the C locale, whatever the process's locale is.
+
+// The text as a view; null gives the empty text.
+inline std::u16string_view view(const char16_t* text) {
+    return text != nullptr ? std::u16string_view(text) : std::u16string_view();
+}
+
+// A null text as an empty one.
+inline const char16_t* or_empty(const char16_t* text) {
+    return text != nullptr ? text : u"";
+}
+
+constexpr bool is_digit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
+constexpr bool is_letter(char16_t unit) {
+    return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z');
+}
+constexpr bool is_blank(char16_t unit) { return unit == u' ' || unit == u'\t'; }
+// Blank, tab, line feed, vertical tab, form feed, carriage return.
+constexpr bool is_space(char16_t unit) { return unit == u' ' || (unit >= u'\t' && unit <= u'\r'); }
+// Of ASCII letters; other units are as they stand.
+constexpr char16_t to_lower(char16_t unit) {
+    return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
+}
+
+// Comparison that takes ASCII letters of both cases as equal.
+bool equals_ignoring_case(std::u16string_view a, std::u16string_view b);
+bool starts_with_ignoring_case(std::u16string_view text, std::u16string_view start);
+
+// `text` without the units of `set` at its start, or at its end.
+std::u16string_view skip_any(std::u16string_view text, std::u16string_view set);
+std::u16string_view trim_end(std::u16string_view text, std::u16string_view set);
+
+void append_decimal(std::u16string& out, std::int64_t value);
+std::u16string to_decimal(std::int64_t value);
+void append_ascii(std::u16string& out, std::string_view ascii);
+
+// The number at the start of `text`, after white space: decimal with an optional sign. Stops at the first
+// unit that doesn't fit; 0 for none; held at the ends of the 32-bit range. As _wtol.
+std::int32_t scan_long(std::u16string_view text);
+// The same for a double, in the forms of strtod. As _wtof.
+double scan_double(std::u16string_view text);
+
+struct ScannedDouble {
+    double value = 0;
+    std::size_t length = 0; // units taken, white space included; 0 if there is no number
+};
+ScannedDouble scan_double_at(std::u16string_view text);
+
+struct ScannedLong {
+    std::int32_t value = 0;
+    std::size_t length = 0; // as above
+};
+// An integer in the forms of strtol with the base; base 0 takes the prefixes "0x" and "0".
+ScannedLong scan_long_at(std::u16string_view text, int base);
+
+// printf's "%#.11g": eleven significant digits, trailing zeros and point kept.
+std::string format_11_digits(double value);
+
+} // namespace pm

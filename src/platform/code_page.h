@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace pm {
+
+// Code pages by their Windows numbers.
+inline constexpr unsigned default_code_page = 0; // the system's narrow code page, as set by the caller
+inline constexpr unsigned utf8_code_page = 65001;
+
+// Conversion between narrow text in one code page and wide text. Neither direction fails: a byte without a
+// meaning becomes U+FFFD (in single-byte pages a byte of 0x80 to 0x9F the C1 control of its value), a unit
+// without a counterpart becomes "?".
+class CodePage {
+public:
+    virtual ~CodePage() = default;
+
+    // Append the converted text. Pure ASCII touches no converter.
+    void decode(std::string_view narrow, std::u16string& wide) const;
+    void encode(std::u16string_view wide, std::string& narrow) const;
+
+    // Bytes of the character at the start of `text`, which is zero-terminated: at least 1, and never past
+    // the terminator. 1 at the terminator itself.
+    virtual std::size_t character_length(const char* text) const = 0;
+
+    unsigned number() const { return m_number; }
+
+protected:
+    explicit CodePage(unsigned number) : m_number(number) {}
+    virtual void decode_rest(std::string_view narrow, std::u16string& wide) const = 0;
+    virtual void encode_rest(std::u16string_view wide, std::string& narrow) const = 0;
+
+private:
+    unsigned m_number;
+};
+
+// The converter of a code page; 0 and a number that the machine can't convert give the system's narrow code
+// page. The object lives as long as the calling thread, and belongs to it.
+const CodePage& code_page(unsigned number);
+
+bool code_page_known(unsigned number);
+unsigned system_code_page();
+// `number` must be known; 0 sets 1252.
+void set_system_code_page(unsigned number);
+
+std::u16string to_wide(std::string_view narrow, unsigned code_page_number = default_code_page);
+std::string to_narrow(std::u16string_view wide, unsigned code_page_number = default_code_page);
+
+} // namespace pm

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+#include <pm/value_text.h>
+#include <string_view>
+
+namespace pm {
+
+// Units that the text of a double may take, terminator included.
+inline constexpr std::size_t double_text_capacity = 64;
+
+// The text of a double that parse_double() reads back to the same 64 bits: "2.5" for a number of at most
+// four decimals, otherwise eleven digits with the exact bits behind, "0.33333333333 (55555555U3_#T@)".
+// Negative zero is written as "0.0". Gives the length without the terminator.
+std::size_t format_double(double value, char16_t (&buffer)[double_text_capacity]);
+
+// Reads a double from the whole of `text`: the exact form, the short form, or whatever a scan for a number
+// takes completely. A visible number that was edited voids the exact bits behind it. False, with `out`
+// untouched, if the text is no number.
+bool parse_double(std::u16string_view text, double& out);
+
+} // namespace pm

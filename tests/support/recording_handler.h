@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <pm/error_handler.h>
+#include <string>
+#include <vector>
+
+namespace pm::test {
+
+struct Report {
+    int kind = 0; // of the operation that was called
+    std::uint32_t number = 0;
+    std::u16string place;
+    std::u16string detail;
+    std::u16string source;
+};
+
+// Keeps every report and answers each with `answer`.
+class RecordingHandler : public ZT_Error_Handler {
+public:
+    explicit RecordingHandler(int given_answer = 1) : answer(given_answer) {}
+
+    void on_kind_0(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
+                   const char16_t* source) override {
+        record(0, number, place, detail, source);
+    }
+    int on_warning(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
+                   const char16_t* source) override {
+        return record(1, number, place, detail, source);
+    }
+    void on_severe(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
+                   const char16_t* source) override {
+        record(4, number, place, detail, source);
+    }
+    int on_error(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
+                 const char16_t* source) override {
+        return record(2, number, place, detail, source);
+    }
+    int on_kind_3(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
+                  const char16_t* source) override {
+        return record(3, number, place, detail, source);
+    }
+    void on_kind_5(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
+                   const char16_t* source) override {
+        record(5, number, place, detail, source);
+    }
+    void set_arguments(const std::uint64_t*, std::int32_t count) override { argument_counts.push_back(count); }
+
+    std::vector<std::uint32_t> numbers() const {
+        std::vector<std::uint32_t> all;
+        for (const Report& report : reports) all.push_back(report.number);
+        return all;
+    }
+
+    int answer;
+    std::vector<Report> reports;
+    std::vector<std::int32_t> argument_counts;
+
+private:
+    int record(int kind, std::uint32_t number, const char16_t* place, const char16_t* detail,
+               const char16_t* source) {
+        reports.push_back({kind, number, place, detail, source});
+        return answer;
+    }
+};
+
+} // namespace pm::test
