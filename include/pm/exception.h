@@ -33,14 +33,14 @@ public:
     // Severity code: 1 warning, 2 error, 4 severe, 6 cancelled.
     virtual int kind() const noexcept;
 
-    std::uint64_t m_res_handle;             // GetPMErrResHandle() at the time of the throw
-    std::uint32_t m_number;                 // index into the texts of pmres9
-    std::int32_t m_arg_count = 0;           // entries of m_args in use
-    const char16_t* m_place;                // where it was raised, such as u"PM_Object::SetData()"; not owned
-    char* m_place_narrow = nullptr;         // m_place in the system's code page; owned, null without memory
-    char16_t m_detail[detail_capacity];     // what it concerns: a path, a file, a line; may be empty
-    const char16_t* m_source;               // marker of the source unit; not owned
-    std::uint64_t m_args[arg_capacity]{};   // arguments for the text of the number
+    std::uint64_t m_res_handle;           // GetPMErrResHandle() at the time of the throw
+    std::uint32_t m_number;               // index into the texts of pmres9
+    std::int32_t m_arg_count = 0;         // entries of m_args in use
+    const char16_t* m_place;              // where it was raised, such as u"PM_Object::SetData()"; not owned
+    char* m_place_narrow = nullptr;       // m_place in the system's code page; owned, null without memory
+    char16_t m_detail[detail_capacity];   // what it concerns: a path, a file, a line; may be empty
+    const char16_t* m_source;             // marker of the source unit; not owned
+    std::uint64_t m_args[arg_capacity]{}; // arguments for the text of the number
 
 private:
     void copy_place_narrow(const char* text) noexcept;
@@ -73,6 +73,8 @@ public:
 class PM_API ZT_Canceled_Error : public ZT_Exception {
 public:
     using ZT_Exception::ZT_Exception;
+    // With everything that the reported exception carries.
+    explicit ZT_Canceled_Error(const ZT_Exception& reported) noexcept : ZT_Exception(reported) {}
     ~ZT_Canceled_Error() override;
     int kind() const noexcept override;
 };

@@ -55,7 +55,6 @@ private:
     const char16_t* move_to(const PM_Node* node, PM_Object::NodeType step, PM_Object::NodeType& type);
     const char16_t* move_up(PM_Object::NodeType& type);
     const char16_t* end(PM_Object::NodeType& type);
-    void build_value(char*& value, std::size_t& size) const;
 
     const PM_Node* m_node = nullptr;
     const PM_Node* m_start = nullptr;

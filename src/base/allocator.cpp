@@ -1,5 +1,6 @@
 #include "base/allocator.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <new>
 #include <pm/mem_obj.h>
@@ -18,11 +19,11 @@ bool refused(std::size_t size) noexcept {
 } // namespace
 
 void* allocate(std::size_t size) noexcept {
-    return refused(size) ? nullptr : std::malloc(size);
+    return refused(size) ? nullptr : std::malloc(std::max<std::size_t>(size, 1));
 }
 
 void* allocate_zeroed(std::size_t size) noexcept {
-    return refused(size) ? nullptr : std::calloc(size, 1);
+    return refused(size) ? nullptr : std::calloc(std::max<std::size_t>(size, 1), 1);
 }
 
 void release(void* block) noexcept {

@@ -6,7 +6,7 @@
 namespace pm {
 
 // The library's one allocator, on malloc: PM_Mem_Obj::alloc and all blocks that callers come to own. Null
-// when there is no memory.
+// when there is no memory; a block of no bytes is a block.
 void* allocate(std::size_t size) noexcept;
 // The block reads as zero and takes real memory only where it is written.
 void* allocate_zeroed(std::size_t size) noexcept;

@@ -165,13 +165,15 @@ std::string format_11_digits(double value) {
 
     const auto scientific =
         std::to_chars(text, std::end(text), value, std::chars_format::scientific, digits - 1);
-    const char* mark = std::find(static_cast<const char*>(text), static_cast<const char*>(scientific.ptr), 'e');
+    const char* mark =
+        std::find(static_cast<const char*>(text), static_cast<const char*>(scientific.ptr), 'e');
     int exponent = 0;
     std::from_chars(mark[1] == '+' ? mark + 2 : mark + 1, scientific.ptr, exponent);
     if (exponent < -4 || exponent >= digits) return {text, scientific.ptr};
 
     const int decimals = digits - 1 - exponent;
-    std::string fixed(text, std::to_chars(text, std::end(text), value, std::chars_format::fixed, decimals).ptr);
+    std::string fixed(text,
+                      std::to_chars(text, std::end(text), value, std::chars_format::fixed, decimals).ptr);
     if (decimals == 0) fixed += '.';
     return fixed;
 }

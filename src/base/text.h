@@ -18,13 +18,19 @@ inline const char16_t* or_empty(const char16_t* text) {
     return text != nullptr ? text : u"";
 }
 
-constexpr bool is_digit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
+constexpr bool is_digit(char16_t unit) {
+    return unit >= u'0' && unit <= u'9';
+}
 constexpr bool is_letter(char16_t unit) {
     return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z');
 }
-constexpr bool is_blank(char16_t unit) { return unit == u' ' || unit == u'\t'; }
+constexpr bool is_blank(char16_t unit) {
+    return unit == u' ' || unit == u'\t';
+}
 // Blank, tab, line feed, vertical tab, form feed, carriage return.
-constexpr bool is_space(char16_t unit) { return unit == u' ' || (unit >= u'\t' && unit <= u'\r'); }
+constexpr bool is_space(char16_t unit) {
+    return unit == u' ' || (unit >= u'\t' && unit <= u'\r');
+}
 // Of ASCII letters; other units are as they stand.
 constexpr char16_t to_lower(char16_t unit) {
     return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;

@@ -25,7 +25,8 @@ int take_number(const char16_t*& at, std::va_list* arguments) {
         return va_arg(*arguments, int);
     }
     int number = 0;
-    for (; pm::is_digit(*at); ++at) number = number * 10 + (*at - u'0');
+    for (; pm::is_digit(*at); ++at)
+        number = number * 10 + (*at - u'0');
     return number;
 }
 
@@ -42,7 +43,8 @@ Conversion take_conversion(const char16_t*& at, std::va_list* arguments) {
         conversion.narrow += '-';
     }
     if (*at == u'.') conversion.precision = take_number(++at, arguments);
-    for (; *at == u'l'; ++at) ++conversion.longs;
+    for (; *at == u'l'; ++at)
+        ++conversion.longs;
     if (*at != 0) conversion.letter = *at++;
     return conversion;
 }

@@ -8,8 +8,8 @@
 
 namespace pm {
 
-// Reads a stream in blocks and hands it out line by line. The stream's own position runs ahead of what was
-// handed out.
+// Reads a stream in blocks and hands it out line by line. The stream's position runs ahead of what was handed
+// out, its state doesn't: end of file is marked when a line runs into it.
 class LineReader {
 public:
     // Starts at the stream's position. The stream is borrowed.
@@ -29,19 +29,19 @@ public:
     Line read_line(std::size_t limit = static_cast<std::size_t>(-1));
     // Passes over blanks, tabs, carriage returns, vertical tabs, form feeds and line feeds.
     void skip_white_space();
-    // Whether the stream has nothing more. Looks one byte ahead.
+    // Whether nothing more is to be had, because the stream ended or failed.
     bool at_end();
-    // Whether a read failed for another reason than the end of the stream.
-    bool failed() const;
 
 private:
     bool fill();
+    Line finish(std::string_view piece, End end);
 
     std::istream* m_stream = nullptr;
     std::array<char, 16384> m_buffer;
     std::size_t m_begin = 0;
     std::size_t m_end = 0;
-    std::string m_joined; // a line that lies in more than one block
+    bool m_stream_ended = false; // the block at hand is the last one
+    std::string m_joined;        // a line that lies in more than one block
 };
 
 } // namespace pm

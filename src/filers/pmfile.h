@@ -37,9 +37,9 @@ public:
     virtual int report(const ZT_Exception& exception);
 
 protected:
-    // PM_Object::setData for filers: index -1 and strict unless told otherwise.
+    // Write the tree; always strict.
     static void set_data(PM_Object& target, const char16_t* path, const void* data, std::size_t size,
-                         PropType type, int index = -1, bool strict = true);
+                         PropType type, int index = -1);
     static void set_long(PM_Object& target, const char16_t* path, std::int32_t value, int index = -1);
     static void set_double(PM_Object& target, const char16_t* path, double value, int index = -1);
     static void set_bool(PM_Object& target, const char16_t* path, bool value, int index = -1);

@@ -8,6 +8,10 @@
 #include <string>
 #include <string_view>
 
+namespace pm {
+class BodyStream;
+}
+
 // Reads and writes PIA files, and gives the readers of older text formats their stream handling, save and
 // line services. The format is told in docs/pia.md.
 class PM_PIAFile : public PM_File {
@@ -46,5 +50,29 @@ protected:
     std::unique_ptr<std::fstream> m_owned_file;
     std::int32_t m_indent = 1;
     bool m_utf8 = false;
-    LineReader m_reader;
+    pm::LineReader m_reader;
+
+private:
+    std::unique_ptr<pm::BodyStream> decode_body(bool checked);
+    void load_body(PM_Object& target, const char16_t* base, const std::ios& stream);
+    void load_line(PM_Object& target, pm::WorkingPath& path, std::u16string& line);
+    void property_line(PM_Object& target, pm::WorkingPath& path, const std::u16string& line);
+    void opening_line(pm::WorkingPath& path, std::u16string_view line);
+    void closing_line(pm::WorkingPath& path, std::u16string_view line);
+    void store_value(PM_Object& target, const char16_t* path, std::u16string_view value,
+                     const std::u16string& line);
+    void store_double(PM_Object& target, const char16_t* path, std::u16string_view value,
+                      std::u16string_view line);
+    void store_raw(PM_Object& target, const char16_t* path, std::u16string_view value,
+                   std::u16string_view line);
+    void report_unknown_value(const std::u16string& line);
+    template<class E>
+    void report_bad_line(std::u16string_view line);
+    [[noreturn]] void raise_bad_line(std::u16string_view line) const;
+
+    void write_header(std::u16string_view tag);
+    void write_body(PM_Iterator& walk, std::iostream& stream) const;
+    void encode_body(std::iostream& body);
+
+    int m_unopened = 0; // depth inside a block that is passed over
 };

@@ -26,17 +26,17 @@ struct ConverterName {
 
 // Windows numbers and ICU's names for the same tables.
 constexpr ConverterName converter_names[] = {
-    {437, "ibm-437"},        {720, "ibm-720"},        {737, "ibm-737"},         {775, "ibm-775"},
-    {850, "ibm-850"},        {852, "ibm-852"},        {855, "ibm-855"},         {857, "ibm-857"},
-    {858, "ibm-858"},        {860, "ibm-860"},        {861, "ibm-861"},         {862, "ibm-862"},
-    {863, "ibm-863"},        {864, "ibm-864"},        {865, "ibm-865"},         {866, "ibm-866"},
-    {869, "ibm-869"},        {874, "windows-874"},    {932, "ibm-943_P15A-2003"}, {936, "windows-936"},
-    {949, "windows-949"},    {950, "windows-950"},    {1250, "windows-1250"},   {1251, "windows-1251"},
-    {1252, "windows-1252"},  {1253, "windows-1253"},  {1254, "windows-1254"},   {1255, "windows-1255"},
-    {1256, "windows-1256"},  {1257, "windows-1257"},  {1258, "windows-1258"},   {20127, "us-ascii"},
-    {20866, "koi8-r"},       {21866, "koi8-u"},       {28591, "iso-8859-1"},    {28592, "iso-8859-2"},
-    {28593, "iso-8859-3"},   {28594, "iso-8859-4"},   {28595, "iso-8859-5"},    {28596, "iso-8859-6"},
-    {28597, "iso-8859-7"},   {28598, "iso-8859-8"},   {28599, "iso-8859-9"},    {28603, "iso-8859-13"},
+    {437, "ibm-437"},       {720, "ibm-720"},       {737, "ibm-737"},           {775, "ibm-775"},
+    {850, "ibm-850"},       {852, "ibm-852"},       {855, "ibm-855"},           {857, "ibm-857"},
+    {858, "ibm-858"},       {860, "ibm-860"},       {861, "ibm-861"},           {862, "ibm-862"},
+    {863, "ibm-863"},       {864, "ibm-864"},       {865, "ibm-865"},           {866, "ibm-866"},
+    {869, "ibm-869"},       {874, "windows-874"},   {932, "ibm-943_P15A-2003"}, {936, "windows-936"},
+    {949, "windows-949"},   {950, "windows-950"},   {1250, "windows-1250"},     {1251, "windows-1251"},
+    {1252, "windows-1252"}, {1253, "windows-1253"}, {1254, "windows-1254"},     {1255, "windows-1255"},
+    {1256, "windows-1256"}, {1257, "windows-1257"}, {1258, "windows-1258"},     {20127, "us-ascii"},
+    {20866, "koi8-r"},      {21866, "koi8-u"},      {28591, "iso-8859-1"},      {28592, "iso-8859-2"},
+    {28593, "iso-8859-3"},  {28594, "iso-8859-4"},  {28595, "iso-8859-5"},      {28596, "iso-8859-6"},
+    {28597, "iso-8859-7"},  {28598, "iso-8859-8"},  {28599, "iso-8859-9"},      {28603, "iso-8859-13"},
     {28605, "iso-8859-15"},
 };
 
@@ -58,7 +58,8 @@ Converter open_converter(unsigned number) {
 class SingleBytePage final : public CodePage {
 public:
     SingleBytePage(unsigned number, UConverter* converter) : CodePage(number) {
-        for (unsigned byte = 0; byte < m_wide.size(); ++byte) m_wide[byte] = decode_byte(converter, byte);
+        for (unsigned byte = 0; byte < m_wide.size(); ++byte)
+            m_wide[byte] = decode_byte(converter, byte);
         for (unsigned byte = 0x80; byte < m_wide.size(); ++byte) {
             if (m_wide[byte] != replacement) m_bytes.emplace_back(m_wide[byte], static_cast<char>(byte));
         }
@@ -112,7 +113,8 @@ public:
         const auto lead = static_cast<unsigned char>(text[0]);
         const std::size_t told = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
         std::size_t length = 1;
-        while (length < told && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) ++length;
+        while (length < told && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80)
+            ++length;
         return length;
     }
 
@@ -144,13 +146,15 @@ void U_CALLCONV write_question_marks(const void*, UConverterFromUnicodeArgs* arg
                                      UErrorCode* status) {
     if (reason > UCNV_IRREGULAR) return;
     *status = U_ZERO_ERROR;
-    for (int32_t unit = 0; unit < length; ++unit) ucnv_cbFromUWriteBytes(arguments, "?", 1, 0, status);
+    for (int32_t unit = 0; unit < length; ++unit)
+        ucnv_cbFromUWriteBytes(arguments, "?", 1, 0, status);
 }
 
 // A page of one or two bytes a character.
 class MultiBytePage final : public CodePage {
 public:
-    MultiBytePage(unsigned number, Converter converter) : CodePage(number), m_converter(std::move(converter)) {
+    MultiBytePage(unsigned number, Converter converter)
+        : CodePage(number), m_converter(std::move(converter)) {
         UErrorCode status = U_ZERO_ERROR;
         ucnv_setFromUCallBack(m_converter.get(), write_question_marks, nullptr, nullptr, nullptr, &status);
         ucnv_getStarters(m_converter.get(), m_lead_bytes.data(), &status);
@@ -165,9 +169,9 @@ private:
         const std::size_t start = wide.size();
         wide.resize(start + 2 * narrow.size());
         UErrorCode status = U_ZERO_ERROR;
-        const std::int32_t length =
-            ucnv_toUChars(m_converter.get(), wide.data() + start, static_cast<std::int32_t>(2 * narrow.size()),
-                          narrow.data(), static_cast<std::int32_t>(narrow.size()), &status);
+        const std::int32_t length = ucnv_toUChars(m_converter.get(), wide.data() + start,
+                                                  static_cast<std::int32_t>(2 * narrow.size()), narrow.data(),
+                                                  static_cast<std::int32_t>(narrow.size()), &status);
         wide.resize(start + static_cast<std::size_t>(U_SUCCESS(status) ? length : 0));
     }
 

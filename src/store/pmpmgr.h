@@ -13,9 +13,8 @@ class PM_PathStrings : public PM_Mem_Obj {
 public:
     class Entry : public PM_Mem_Obj {
     public:
-        Entry(pm::Block<char16_t> text, std::uint32_t print, Entry* next) noexcept
-            : m_text(text.release()), m_next(next), m_print(print) {}
-        ~Entry() override { pm::release(m_text); }
+        Entry(std::uint32_t print, Entry* next) noexcept : m_next(next), m_print(print) {}
+        ~Entry() override;
         Entry(const Entry&) = delete;
         Entry& operator=(const Entry&) = delete;
 
@@ -24,7 +23,9 @@ public:
 
     private:
         friend class PM_PathStrings;
-        char16_t* m_text;
+        bool set_text(std::u16string_view text) noexcept;
+
+        char16_t* m_text = nullptr; // the pointer to this entry stands in front of the units
         std::int32_t m_count = 1;
         Entry* m_next;
         std::uint32_t m_print; // tells most texts of a chain apart without looking at them
@@ -48,8 +49,9 @@ public:
     // place u"PM_PathStrings::Add()", detail u"entry" or empty, with nothing changed.
     const char16_t* Add(const char16_t* text) { return Add(Key(text)).m_text; }
     Entry& Add(const Key& key);
-    // One reference more on a name that is interned already.
-    const char16_t* AddInterned(const char16_t* name);
+    // One reference more, or less, on a name that is known to be interned here: no look-up.
+    static const char16_t* AddInterned(const char16_t* name);
+    void ReleaseInterned(const char16_t* name) { Release(entry_of(name)); }
 
     // Null if the text isn't there.
     Entry* Find(const char16_t* text) const { return Find(Key(text)); }
@@ -61,6 +63,8 @@ public:
     static void AddReference(Entry& entry) { ++entry.m_count; }
 
 private:
+    static Entry& entry_of(const char16_t* name);
+
     std::array<Entry*, 256> m_buckets{};
 };
 
@@ -83,8 +87,10 @@ public:
     int count() const { return m_count; }
     const char16_t* last() const { return component(m_count - 1); }
     // Index of the first component whose text was new to the table: no node or property of that name can
-    // exist. count() if there is none.
+    // exist. max_components if there is none.
     int first_new() const { return m_first_new; }
+    // To be called when nodes of these names have been made and the path is used on.
+    void mark_known() { m_first_new = max_components; }
 
     // Interns a name and puts it behind the last component; false, with nothing done, if there is no room.
     bool push(const char16_t* name);

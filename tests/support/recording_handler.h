@@ -44,11 +44,14 @@ public:
                    const char16_t* source) override {
         record(5, number, place, detail, source);
     }
-    void set_arguments(const std::uint64_t*, std::int32_t count) override { argument_counts.push_back(count); }
+    void set_arguments(const std::uint64_t*, std::int32_t count) override {
+        argument_counts.push_back(count);
+    }
 
     std::vector<std::uint32_t> numbers() const {
         std::vector<std::uint32_t> all;
-        for (const Report& report : reports) all.push_back(report.number);
+        for (const Report& report : reports)
+            all.push_back(report.number);
         return all;
     }
 

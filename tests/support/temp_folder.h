@@ -32,8 +32,8 @@ public:
     std::u16string wide(const std::string& name) const { return (m_path / name).u16string(); }
 
     std::u16string write(const std::string& name, std::string_view content) const {
-        std::ofstream(m_path / name, std::ios::binary).write(content.data(),
-                                                             static_cast<std::streamsize>(content.size()));
+        std::ofstream(m_path / name, std::ios::binary)
+            .write(content.data(), static_cast<std::streamsize>(content.size()));
         return wide(name);
     }
     std::string read(const std::string& name) const { return read_file(m_path / name); }

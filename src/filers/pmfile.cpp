@@ -1,0 +1,80 @@
+#include "filers/pmfile.h"
+
+#include "base/allocator.h"
+#include "base/deliver.h"
+#include <algorithm>
+#include <cerrno>
+#include <ios>
+
+namespace {
+
+constexpr std::uint32_t other_stream_error = 82;
+
+struct StreamErrorRow {
+    int code;
+    std::uint32_t number;
+};
+
+constexpr StreamErrorRow stream_errors[] = {
+    {ENOENT, 63}, {E2BIG, 71},  {ENOEXEC, 79}, {EBADF, 73},     {ECHILD, 74}, {EAGAIN, 72},
+    {ENOMEM, 64}, {EACCES, 61}, {EEXIST, 77},  {EXDEV, 81},     {EINVAL, 78}, {EMFILE, 62},
+    {ENOSPC, 65}, {EDOM, 76},   {ERANGE, 80},  {EDEADLOCK, 75},
+};
+
+} // namespace
+
+PM_File::~PM_File() = default;
+
+void* PM_File::operator new(std::size_t size) noexcept {
+    return pm::allocate(size);
+}
+
+void PM_File::operator delete(void* block) noexcept {
+    pm::release(block);
+}
+
+int PM_File::report(const ZT_Exception& exception) {
+    if (m_handler == nullptr) throw ZT_Exception(exception);
+    const int answer = pm::deliver(*m_handler, exception);
+    if (answer == 0) throw ZT_Canceled_Error(exception);
+    return answer;
+}
+
+void PM_File::set_data(PM_Object& target, const char16_t* path, const void* data, std::size_t size,
+                       PropType type, int index) {
+    target.setData(path, data, size, type, index, true);
+}
+
+void PM_File::set_long(PM_Object& target, const char16_t* path, std::int32_t value, int index) {
+    target.SetProperty(path, value, index);
+}
+
+void PM_File::set_double(PM_Object& target, const char16_t* path, double value, int index) {
+    target.SetProperty(path, value, index);
+}
+
+void PM_File::set_bool(PM_Object& target, const char16_t* path, bool value, int index) {
+    target.SetProperty(path, value, index);
+}
+
+void PM_File::set_string(PM_Object& target, const char16_t* path, const char16_t* text, int index) {
+    target.SetProperty(path, text, index);
+}
+
+void PM_File::copy_version(std::u16string_view text, char16_t* buffer, std::size_t size) {
+    if (size == 0) return;
+    const std::u16string_view kept = size == unchecked ? text : text.substr(0, size - 1);
+    *std::copy(kept.begin(), kept.end(), buffer) = u'\0';
+}
+
+void PM_File::check_stream(const char16_t* place, const char16_t* name, const std::ios& stream,
+                           const char16_t* source) {
+    if (stream.rdstate() == std::ios::goodbit) return;
+    throw PM_Severe(stream_error_number(errno), place, name, source);
+}
+
+std::uint32_t PM_File::stream_error_number(int code) {
+    const auto* row = std::find_if(std::begin(stream_errors), std::end(stream_errors),
+                                   [code](const StreamErrorRow& each) { return each.code == code; });
+    return row != std::end(stream_errors) ? row->number : other_stream_error;
+}

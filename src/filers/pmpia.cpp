@@ -1,0 +1,384 @@
+#include "filers/pmpia.h"
+
+#include "base/allocator.h"
+#include "base/text.h"
+#include "filers/body_stream.h"
+#include "filers/pia_frame.h"
+#include "filers/pia_writer.h"
+#include "platform/code_page.h"
+#include "platform/files.h"
+#include "store/value_text.h"
+#include <algorithm>
+#include <limits>
+#include <pm/codec.h>
+#include <pm/iterator.h>
+#include <pm/value_text.h>
+
+namespace {
+
+constexpr const char16_t* source = u"$Workfile: pmpia $ $Revision: #1 $";
+constexpr const char16_t* unit_place = u".\\pmpia";
+constexpr const char16_t* load_place = u"PM_PIAFile::load()";
+constexpr const char16_t* save_place = u"PM_PIAFile::save()";
+constexpr const char16_t* version_place = u"PM_PIAFile::getVersion()";
+
+constexpr std::uint32_t bad_raw_data = 53;
+constexpr std::uint32_t bad_line = 57;
+constexpr std::uint32_t no_such_file = 63;
+constexpr std::uint32_t not_decoded = 84;
+constexpr std::uint32_t not_encoded = 85;
+constexpr std::uint32_t unknown_value = 88;
+constexpr std::uint32_t not_a_header = 89;
+
+constexpr std::u16string_view version_1 = u"PIAFILEVERSION_1.0";
+constexpr std::u16string_view version_2 = u"PIAFILEVERSION_2.0";
+constexpr std::u16string_view compress_word = u"compress";
+
+constexpr std::size_t header_limit = 1023; // bytes
+constexpr std::size_t version_units = 512;
+constexpr std::size_t name_limit = 511;
+
+// What a node can't be called.
+constexpr std::u16string_view forbidden_in_node_name = u" *=\"'\t\r\n\v\b\f\a";
+
+[[noreturn]] void raise_no_memory(const char16_t* place, const char16_t* detail) {
+    throw PM_Memory_Exception(place, detail, source);
+}
+
+bool holds(std::u16string_view text, std::u16string_view word) {
+    return text.find(word) != std::u16string_view::npos;
+}
+
+// The whole stream in one block with a zero byte behind.
+struct FileBlock {
+    pm::Block<unsigned char> bytes;
+    std::size_t size = 0;
+};
+
+FileBlock read_whole(std::istream& stream) {
+    FileBlock file;
+    stream.seekg(0, std::ios::end);
+    const std::streamoff end = stream.tellg();
+    stream.seekg(0);
+    if (!stream) return file;
+    file.size = static_cast<std::size_t>(end);
+    file.bytes = pm::allocate_block<unsigned char>(file.size + 1);
+    if (!file.bytes) return file;
+    stream.read(reinterpret_cast<char*>(file.bytes.get()), end);
+    file.bytes[file.size] = 0;
+    return file;
+}
+
+} // namespace
+
+PM_PIAFile::~PM_PIAFile() = default;
+
+void PM_PIAFile::open(const char16_t* name, bool write) {
+    if (!m_owned_file) {
+        m_owned_file = std::make_unique<std::fstream>();
+        m_stream = m_owned_file.get();
+    }
+    if (m_owned_file->is_open()) return;
+    const std::u16string_view wide_name = pm::view(name);
+    if (!write && !pm::file_exists(wide_name)) throw PM_Severe(no_such_file, load_place, name, source);
+    m_owned_file->open(pm::native_file_name(wide_name),
+                       std::ios::binary | (write ? std::ios::out | std::ios::trunc : std::ios::in));
+    check_stream(u"PM_PIAFile::open()", name);
+    m_filename = wide_name;
+}
+
+void PM_PIAFile::attach(std::iostream* stream) {
+    m_stream = stream;
+    m_filename.clear();
+}
+
+void PM_PIAFile::close() {
+    if (m_owned_file) m_owned_file->close();
+}
+
+void PM_PIAFile::check_stream(const char16_t* place, const char16_t* name) const {
+    check_stream(place, name, *m_stream);
+}
+
+void PM_PIAFile::check_stream(const char16_t* place, const char16_t* name, const std::ios& stream) {
+    PM_File::check_stream(place, name, stream, source);
+}
+
+unsigned PM_PIAFile::text_code_page() const {
+    return m_utf8 ? pm::utf8_code_page : pm::default_code_page;
+}
+
+std::u16string PM_PIAFile::format_line_context(std::u16string_view line) const {
+    std::u16string text(1, u'\n');
+    pm::append_decimal(text, m_line_number);
+    text += u", ";
+    text += line;
+    text += u", ";
+    text += m_filename;
+    return text;
+}
+
+void PM_PIAFile::rewind_reader() {
+    m_stream->seekg(0);
+    m_reader.attach(*m_stream);
+}
+
+void PM_PIAFile::getVersion(char16_t* buffer, std::size_t size) {
+    rewind_reader();
+    pm::LineReader::Line line;
+    do {
+        ++m_line_number;
+        line = m_reader.read_line(header_limit);
+        if (line.end == pm::LineReader::End::too_long) m_stream->setstate(std::ios::failbit);
+    } while (line.text.empty() && line.end == pm::LineReader::End::line);
+    check_stream(version_place, file_name());
+
+    const std::string_view bytes = line.text.substr(0, line.text.find('\0'));
+    const std::u16string wide = pm::to_wide(bytes);
+    std::u16string_view text = wide;
+    if (text.ends_with(u'\r')) text.remove_suffix(1);
+    text = pm::skip_any(text, u" \t");
+    if (m_file_type == PM_Object::FILE_PIA && !pm::starts_with_ignoring_case(text, version_1) &&
+        !pm::starts_with_ignoring_case(text, version_2)) {
+        report(PM_Error(not_a_header, version_place, file_name(), source));
+    }
+    copy_version(text, buffer, size);
+}
+
+PropType PM_PIAFile::classify_value(std::u16string_view value) {
+    if (value.empty()) return PROP_NONE;
+    const char16_t first = value.front();
+    if (first == u'\\') return value.rfind(u'\\') > 0 ? PROP_VOID : PROP_NONE;
+    if (first == u'"') return PROP_STRING;
+    if (pm::is_letter(first)) {
+        const bool known =
+            pm::starts_with_ignoring_case(value, u"true") || pm::starts_with_ignoring_case(value, u"false");
+        return known ? PROP_BOOL : PROP_NONE;
+    }
+    const auto number = first == u'-' ? value.substr(1) : value;
+    const auto stop = std::find_if_not(
+        number.begin(), number.end(), [](char16_t unit) { return pm::is_digit(unit) || pm::is_blank(unit); });
+    if (stop == number.end()) return PROP_LONG;
+    return *stop == u'.' ? PROP_DOUBLE : PROP_NONE;
+}
+
+void PM_PIAFile::load(PM_Object* target, const char16_t* base, PM_Object::FileType type) {
+    m_file_type = type;
+    char16_t header[version_units] = {};
+    getVersion(header, version_units);
+
+    std::unique_ptr<pm::BodyStream> body;
+    const bool checked = std::u16string_view(header).starts_with(version_2);
+    if (holds(header, compress_word) && (checked || std::u16string_view(header).starts_with(version_1))) {
+        body = decode_body(checked);
+        m_reader.attach(body->stream());
+    }
+    load_body(*target, base, body ? body->stream() : *m_stream);
+}
+
+std::unique_ptr<pm::BodyStream> PM_PIAFile::decode_body(bool checked) {
+    const FileBlock file = read_whole(*m_stream);
+    check_stream(load_place, file_name());
+    if (!file.bytes) raise_no_memory(unit_place, u"buffer");
+
+    const auto failed = [] {
+        throw PM_Severe(not_decoded, unit_place, u"decompression of PIA data failed", source);
+    };
+    const auto frame = pm::find_pia_frame({file.bytes.get(), file.size}, checked);
+    if (!frame) failed();
+    PM_zlib_Codec codec(file.bytes.get(), static_cast<std::uint32_t>(file.size), m_handler);
+    unsigned char* decoded = nullptr;
+    std::uint32_t decoded_size = 0;
+    const bool good = checked ? codec.decodeCRC(decoded, decoded_size) : codec.decode(decoded, decoded_size);
+    if (!good) failed();
+    const pm::Block<unsigned char> text(decoded);
+
+    auto body = std::make_unique<pm::BodyStream>();
+    body->stream().write(reinterpret_cast<const char*>(text.get()),
+                         static_cast<std::streamsize>(frame->written_size(decoded_size)));
+    body->stream().seekg(0);
+    check_stream(load_place, file_name(), body->stream());
+    return body;
+}
+
+void PM_PIAFile::load_body(PM_Object& target, const char16_t* base, const std::ios& stream) {
+    pm::WorkingPath path(pm::view(base));
+    const pm::CodePage& page = pm::code_page(text_code_page());
+    std::u16string line;
+    bool more = true;
+    while (more) {
+        ++m_line_number;
+        m_reader.skip_white_space();
+        const pm::LineReader::Line read = m_reader.read_line();
+        more = read.end == pm::LineReader::End::line;
+        if (!more && !stream.eof()) check_stream(load_place, file_name(), stream);
+
+        line.clear();
+        page.decode(read.text.substr(0, read.text.find('\0')), line);
+        if (line.empty() || line.front() == u';') continue;
+        line.resize(pm::trim_end(line, u" ").size());
+        load_line(target, path, line);
+    }
+}
+
+void PM_PIAFile::load_line(PM_Object& target, pm::WorkingPath& path, std::u16string& line) {
+    if (line.find(u'=') != std::u16string::npos) {
+        if (m_unopened == 0) property_line(target, path, line);
+    } else if (line.find(u'{') != std::u16string::npos) {
+        opening_line(path, line);
+    } else if (line.find(u'}') != std::u16string::npos) {
+        closing_line(path, line);
+    } else {
+        raise_bad_line(line);
+    }
+}
+
+void PM_PIAFile::raise_bad_line(std::u16string_view line) const {
+    throw PM_Error(bad_line, load_place, format_line_context(line).c_str(), source);
+}
+
+template<class E>
+void PM_PIAFile::report_bad_line(std::u16string_view line) {
+    report(E(bad_line, load_place, format_line_context(line).c_str(), source));
+}
+
+void PM_PIAFile::property_line(PM_Object& target, pm::WorkingPath& path, const std::u16string& line) {
+    const std::u16string_view text = line;
+    const std::u16string_view name = text.substr(0, text.find_first_of(u" ="));
+    if (name.empty() || name.size() > name_limit || !path.push(name)) {
+        report_bad_line<PM_Warning>(line);
+        return;
+    }
+    const std::u16string_view value = pm::skip_any(text.substr(name.size()), u" =");
+    if (value.empty()) {
+        report_bad_line<PM_Error>(line);
+    } else {
+        store_value(target, path.text(), value, line);
+    }
+    if (!path.pop()) raise_bad_line(line);
+}
+
+// `value` runs to the end of `line`, and so is zero-terminated.
+void PM_PIAFile::store_value(PM_Object& target, const char16_t* path, std::u16string_view value,
+                             const std::u16string& line) {
+    switch (classify_value(value)) {
+    case PROP_LONG:
+        set_long(target, path, pm::scan_long(value));
+        break;
+    case PROP_DOUBLE:
+        store_double(target, path, value, line);
+        break;
+    case PROP_STRING:
+        set_string(target, path, value.data() + 1);
+        break;
+    case PROP_BOOL:
+        set_bool(target, path, pm::starts_with_ignoring_case(value, u"true"));
+        break;
+    case PROP_VOID:
+        store_raw(target, path, value, line);
+        break;
+    default:
+        report_unknown_value(line);
+    }
+}
+
+// The line itself is the place of this report.
+void PM_PIAFile::report_unknown_value(const std::u16string& line) {
+    auto place = std::make_shared<char16_t[]>(line.size() + 1);
+    std::copy(line.begin(), line.end(), place.get());
+    report(PM_Warning(unknown_value, std::shared_ptr<const char16_t[]>(std::move(place)), u"", u""));
+}
+
+void PM_PIAFile::store_double(PM_Object& target, const char16_t* path, std::u16string_view value,
+                              std::u16string_view line) {
+    double number = 0;
+    if (!pm::parse_double(value, number)) {
+        report_bad_line<PM_Warning>(line);
+        return;
+    }
+    set_double(target, path, number);
+}
+
+void PM_PIAFile::store_raw(PM_Object& target, const char16_t* path, std::u16string_view value,
+                           std::u16string_view line) {
+    const std::u16string_view start = pm::skip_any(value, u" \\");
+    const std::u16string_view digits = start.substr(0, start.find(u'\\'));
+    if (digits.empty() || digits.size() % 2 != 0) {
+        report_bad_line<PM_Warning>(line);
+        return;
+    }
+    const std::string narrow = pm::to_narrow(digits);
+    const auto data = pm::allocate_block<unsigned char>(narrow.size() / 2);
+    if (!data) raise_no_memory(unit_place, u"data");
+    if (!pm_hex_to_bin(narrow.c_str(), data.get())) {
+        throw PM_Error(bad_raw_data, unit_place, u"bad raw data value", source);
+    }
+    set_data(target, path, data.get(), narrow.size() / 2, PROP_VOID);
+}
+
+void PM_PIAFile::opening_line(pm::WorkingPath& path, std::u16string_view line) {
+    const std::u16string_view name = line.substr(0, line.find(u'{'));
+    if (name.empty() || name.find_first_of(forbidden_in_node_name) != std::u16string_view::npos) {
+        raise_bad_line(line);
+    }
+    if (m_unopened == 0 && name.size() <= name_limit && path.push(name)) return;
+    // A block whose name has no room is passed over whole.
+    if (m_unopened++ == 0) report_bad_line<PM_Error>(line);
+}
+
+void PM_PIAFile::closing_line(pm::WorkingPath& path, std::u16string_view line) {
+    if (m_unopened > 0) {
+        --m_unopened;
+    } else if (!path.pop()) {
+        raise_bad_line(line);
+    }
+}
+
+void PM_PIAFile::save(const PM_Object* saved, const char16_t* subtree, PM_Object::FileType type,
+                      const char16_t* tag) {
+    m_stream->seekp(0);
+    if (type == PM_Object::FILE_PIA) write_header(pm::view(tag));
+    check_stream(save_place, file_name());
+
+    const std::unique_ptr<PM_Iterator> walk(saved->newIterator(subtree, 0));
+    if (!walk) raise_no_memory(save_place, u"piter");
+    if (holds(pm::view(tag), compress_word)) {
+        pm::BodyStream body;
+        write_body(*walk, body.stream());
+        encode_body(body.stream());
+    } else {
+        write_body(*walk, *m_stream);
+    }
+    m_stream->flush();
+    check_stream(save_place, file_name());
+}
+
+void PM_PIAFile::write_header(std::u16string_view tag) {
+    pm::PiaWriter header(*m_stream, text_code_page(), m_indent);
+    header.write_text(version_2);
+    header.write_text(u",");
+    header.write_text(tag);
+    header.write_text(u"\r\n");
+    header.flush();
+}
+
+void PM_PIAFile::write_body(PM_Iterator& walk, std::iostream& stream) const {
+    pm::PiaWriter(stream, text_code_page(), m_indent).write_body(walk);
+    stream.flush();
+    check_stream(save_place, file_name(), stream);
+}
+
+void PM_PIAFile::encode_body(std::iostream& body) {
+    const FileBlock text = read_whole(body);
+    check_stream(save_place, file_name(), body);
+    if (!text.bytes) raise_no_memory(save_place, u"buffer");
+
+    unsigned char* block = nullptr;
+    std::uint32_t size = 0;
+    PM_zlib_Codec codec(text.bytes.get(), static_cast<std::uint32_t>(text.size), m_handler);
+    if (text.size > std::numeric_limits<std::uint32_t>::max() || !codec.encodeCRC(block, size)) {
+        throw PM_Severe(not_encoded, unit_place, u"compression of PIA data failed", source);
+    }
+    const pm::Block<unsigned char> owned(block);
+    m_stream->write(reinterpret_cast<const char*>(block), static_cast<std::streamsize>(size));
+}
