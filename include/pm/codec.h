@@ -4,6 +4,11 @@
 #include <pm/error_handler.h>
 #include <pm/mem_obj.h>
 
+namespace pm {
+class FreqTrie;
+struct ZlibLayout;
+} // namespace pm
+
 // Compresses one block of bytes into a self-describing block, and back, with zlib (RFC 1950).
 //
 // The codec borrows its input and owns nothing. Each operation gives true with a new block in `out`, which
@@ -28,10 +33,8 @@ public:
     bool decodeCRC(unsigned char*& out, std::uint32_t& out_size);
 
 private:
-    template<class Operation>
-    bool guarded(Operation operation);
-    void encode_block(bool checked, unsigned char*& out, std::uint32_t& out_size) const;
-    void decode_block(bool checked, unsigned char*& out, std::uint32_t& out_size) const;
+    void encode_block(const pm::ZlibLayout& layout, unsigned char*& out, std::uint32_t& out_size) const;
+    void decode_block(const pm::ZlibLayout& layout, unsigned char*& out, std::uint32_t& out_size) const;
 
     const unsigned char* m_input;
     std::uint32_t m_input_size;
