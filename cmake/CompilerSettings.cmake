@@ -9,7 +9,9 @@ endif()
 if(PM_SANITIZE)
     target_compile_options(pm_settings INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all
                                                  -fno-omit-frame-pointer -O1)
-    target_link_options(pm_settings INTERFACE -fsanitize=address,undefined)
+    # The sanitizer opens libraries in the program's place, so that only an RPATH, which counts for all that
+    # a program loads, leads it to pmres9. The linker's default is a RUNPATH, which doesn't.
+    target_link_options(pm_settings INTERFACE -fsanitize=address,undefined -Wl,--disable-new-dtags)
 endif()
 if(PM_COVERAGE)
     target_compile_options(pm_settings INTERFACE --coverage)
