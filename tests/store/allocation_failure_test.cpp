@@ -1,0 +1,148 @@
+#include "support/allocation_failures.h"
+#include "support/exceptions.h"
+#include <functional>
+#include <memory>
+#include <pm/pm.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+using pm::test::fail_each_allocation;
+using pm::test::FailingAllocation;
+
+// Number 55 of one failed allocation: where, and what was to be had.
+using Failures = std::vector<std::pair<std::u16string, std::u16string>>;
+
+void fill(PM_Object& object) {
+    object.SetProperty(u"known\\p", 1);
+    object.SetProperty(u"known\\n\\q", u"text");
+    object.setVoidProperty(u"raw\\v", "abc", 3);
+}
+
+// What each failing allocation of `operation` raises; the object must work afterwards.
+Failures failures_of(const std::function<void(PM_Object&)>& operation) {
+    Failures failures;
+    for (int place = 0;; ++place) {
+        PM_Object object;
+        fill(object);
+        {
+            const FailingAllocation failing(place);
+            const auto e = pm::test::thrown_by([&] { operation(object); });
+            if (!FailingAllocation::was_hit()) return failures;
+            EXPECT_TRUE(e.has_value());
+            if (e) {
+                EXPECT_EQ(55U, e->m_number);
+                failures.emplace_back(e->m_place, e->m_detail);
+            }
+        }
+        object.SetProperty(u"after\\all", 7);
+        int value = 0;
+        EXPECT_TRUE(object.GetProperty(u"after\\all", value));
+        EXPECT_TRUE(object.GetProperty(u"known\\p", value));
+    }
+}
+
+constexpr const char16_t* add_place = u"PM_PathStrings::Add()";
+
+TEST(AllocationFailure, MakingAnObjectTellsWhatFailed) {
+    Failures failures;
+    fail_each_allocation([&](int) {
+        const auto e = pm::test::thrown_by([] { const PM_Object object; });
+        if (e) failures.emplace_back(e->m_place, e->m_detail);
+    });
+    EXPECT_EQ((Failures{{u"PM_Object::PM_Object", u"m_strings"},
+                        {add_place, u"entry"},
+                        {add_place, u""},
+                        {u"PM_Object::PM_Object", u"m_root"}}),
+              failures);
+}
+
+TEST(AllocationFailure, SettingANewPropertyTellsWhatFailed) {
+    EXPECT_EQ((Failures{{add_place, u"entry"},
+                        {add_place, u""},
+                        {add_place, u"entry"},
+                        {add_place, u""},
+                        {u"PM_Node::AddNode()", u"node"},
+                        {u"PM_Node::AddProp", u"prop"},
+                        {u"PM_Property::SetData()", u"Property Manager"}}),
+              failures_of([](PM_Object& object) { object.SetProperty(u"new\\prop", 1); }));
+}
+
+TEST(AllocationFailure, OverwritingWithAnotherSizeLeavesNoValue) {
+    const auto overwrite = [](PM_Object& object) { object.SetProperty(u"known\\n\\q", u"longer text"); };
+    EXPECT_EQ((Failures{{u"PM_Property::SetData()", u"Property Manager"}}), failures_of(overwrite));
+
+    PM_Object object;
+    fill(object);
+    {
+        const FailingAllocation failing(0);
+        (void)pm::test::thrown_by([&] { overwrite(object); });
+    }
+    EXPECT_EQ(0U, object.getPropertySize(u"known\\n\\q"));
+    char16_t buffer[20];
+    pm::test::expect_thrown<PM_Warning>(
+        [&] { (void)object.GetProperty(u"known\\n\\q", buffer, sizeof buffer); }, 59,
+        u"PM_Property::GetData()", u"q");
+}
+
+TEST(AllocationFailure, OverwritingWithTheSameSizeTakesNoMemory) {
+    EXPECT_EQ(Failures{}, failures_of([](PM_Object& object) { object.SetProperty(u"known\\p", 2); }));
+}
+
+TEST(AllocationFailure, ReadsTakeNoMemory) {
+    EXPECT_EQ(Failures{}, failures_of([](PM_Object& object) {
+                  int value = 0;
+                  (void)object.GetProperty(u"known\\p", value);
+                  (void)object.getPropertySize(u"known\\n\\q");
+                  (void)object.pathExists(u"known\\n");
+                  object.deletePath(u"raw");
+              }));
+}
+
+TEST(AllocationFailure, DuplicateTellsWhatFailed) {
+    EXPECT_EQ((Failures{{add_place, u"entry"},
+                        {add_place, u""},
+                        {u"PM_Object::duplicate()", u"piter"},
+                        {u"PM_Node::AddNode()", u"node"},
+                        {u"PM_Node::AddProp", u"prop"},
+                        {u"PM_Object::duplicate()", u"data"},
+                        {u"PM_Property::SetData()", u"Property Manager"},
+                        {u"PM_Node::AddNode()", u"node"},
+                        {u"PM_Node::AddProp", u"prop"},
+                        {u"PM_Object::duplicate()", u"data"},
+                        {u"PM_Property::SetData()", u"Property Manager"}}),
+              failures_of([](PM_Object& object) { object.duplicate(u"known", u"copy"); }));
+}
+
+TEST(AllocationFailure, AnIteratorWithoutMemoryIsNull) {
+    PM_Object object;
+    const FailingAllocation failing(0);
+    EXPECT_EQ(nullptr, object.newIterator(u"\\", 0));
+}
+
+TEST(AllocationFailure, ValuesOfAWalkTellWhatFailed) {
+    PM_Object object;
+    object.SetProperty(u"l", 1);
+    object.SetProperty(u"s", u"text");
+    object.SetProperty(u"d", 0.1);
+    object.SetProperty(u"b", true);
+    object.setVoidProperty(u"v", "abc", 3);
+    Failures failures;
+    fail_each_allocation([&](int) {
+        char* value = nullptr;
+        std::size_t size = 0;
+        PropType type{};
+        const auto e = pm::test::thrown_by([&] {
+            const std::unique_ptr<PM_Iterator> walk(object.newIterator(u"\\", 0));
+            while (walk && walk->nextProp(value, size, type) != nullptr) {
+            }
+        });
+        PM_Mem_Obj::operator delete(value);
+        if (e) failures.emplace_back(e->m_place, e->m_detail);
+    });
+    const std::pair<std::u16string, std::u16string> no_value{u".\\pmobj", u"value"};
+    EXPECT_EQ((Failures{no_value, no_value, no_value, no_value, {u".\\pmobj", u"data"}, no_value}), failures);
+}
+
+} // namespace
