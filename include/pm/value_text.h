@@ -26,5 +26,6 @@ PM_API bool build_compound_str_ex(const char16_t* a, const char16_t* b, ZT_Strin
 PM_API bool drc_compound_str_from_list(const char** list, int count, ZT_String& out);
 
 // Takes a compound text of two strings apart. False if `text` is empty or of odd length, or if a string in
-// it is empty; what was taken before that stays in `a`.
+// it is empty or missing; what was taken before that stays in `a`. A null text raises number 55 with detail
+// u"input".
 PM_API bool extract_compound_str_ex(const char16_t* text, ZT_String& a, ZT_String& b);

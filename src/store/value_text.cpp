@@ -1,0 +1,378 @@
+#include "store/value_text.h"
+
+#include "base/allocator.h"
+#include "base/text.h"
+#include "platform/code_page.h"
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <pm/exception.h>
+#include <span>
+
+namespace {
+
+constexpr const char16_t* place = u".\\pmobj";
+constexpr const char16_t* source = u"$Workfile: pmobj $ $Revision: #1 $";
+
+[[noreturn]] void throw_no_memory(const char16_t* what) {
+    throw PM_Memory_Exception(place, what, source);
+}
+
+template<class T>
+pm::Block<T> allocate_or_throw(std::size_t count, const char16_t* what) {
+    pm::Block<T> block = pm::allocate_block<T>(count);
+    if (!block) throw_no_memory(what);
+    return block;
+}
+
+// CRC-16 of polynomial 0xA001, reflected.
+constexpr std::array<std::uint16_t, 256> make_crc_table() {
+    std::array<std::uint16_t, 256> table{};
+    for (unsigned byte = 0; byte < table.size(); ++byte) {
+        unsigned crc = byte;
+        for (int bit = 0; bit < 8; ++bit) {
+            crc = (crc & 1) != 0 ? (crc >> 1) ^ 0xA001U : crc >> 1;
+        }
+        table[byte] = static_cast<std::uint16_t>(crc);
+    }
+    return table;
+}
+
+constexpr std::array<std::uint16_t, 256> crc_table = make_crc_table();
+constexpr std::size_t check_size = 2; // the high byte comes first
+
+std::uint16_t string_crc(std::span<const std::uint8_t> bytes) {
+    unsigned crc = crc_table[1];
+    for (const std::uint8_t byte : bytes) {
+        crc = (crc >> 8) ^ crc_table[(crc ^ byte) & 0xFF];
+    }
+    return static_cast<std::uint16_t>(crc);
+}
+
+// Armoured text: 4 units of 6 bits for 3 bytes.
+constexpr std::size_t group_units = 4;
+constexpr std::size_t group_bytes = 3;
+
+bool is_armour(char16_t unit) {
+    return unit >= u' ' && unit <= u'_';
+}
+
+void encode_group(const std::uint8_t* bytes, char16_t* text) {
+    const unsigned bits = bytes[0] << 16U | bytes[1] << 8U | bytes[2];
+    for (std::size_t unit = 0; unit < group_units; ++unit) {
+        text[unit] = static_cast<char16_t>(u' ' + (bits >> (18 - 6 * unit) & 0x3F));
+    }
+}
+
+// Units that a cut group lacks count as zero bits.
+void decode_group(std::u16string_view text, std::uint8_t* bytes) {
+    unsigned bits = 0;
+    for (std::size_t unit = 0; unit < group_units; ++unit) {
+        bits = bits << 6U | (unit < text.size() ? text[unit] - u' ' : 0U);
+    }
+    for (std::size_t byte = 0; byte < group_bytes; ++byte) {
+        bytes[byte] = static_cast<std::uint8_t>(bits >> (16 - 8 * byte));
+    }
+}
+
+struct Payload {
+    pm::Block<std::uint8_t> bytes; // null if the text is not armoured or there is no memory
+    std::size_t size = 0;
+};
+
+Payload decode_armour(std::u16string_view text) {
+    constexpr std::size_t shortest = 3;
+    constexpr std::size_t excess = 2; // of a last group of two units
+    if (text.size() < shortest || text.size() % group_units == 1) return {};
+    if (!std::all_of(text.begin(), text.end(), is_armour)) return {};
+
+    const std::size_t size = text.size() * group_bytes / group_units - check_size;
+    auto bytes = pm::allocate_block<std::uint8_t>(size + check_size + excess);
+    if (!bytes) return {};
+    std::uint8_t* out = bytes.get();
+    for (std::size_t at = 0; at < text.size(); at += group_units, out += group_bytes) {
+        decode_group(text.substr(at, group_units), out);
+    }
+    const unsigned stored = bytes[size] << 8U | bytes[size + 1];
+    if (stored != string_crc({bytes.get(), size})) return {};
+    return {std::move(bytes), size};
+}
+
+// The text of a double: "0.33333333333 (55555555U3_#T@)" in the exact form.
+constexpr std::size_t armoured_units = 14;
+constexpr std::size_t bracketed_units = armoured_units + 2;
+constexpr double decimals_scale = 10000.0;
+
+// Null if there is no memory; `armoured_units` of it count.
+pm::Block<char16_t> armour_double(double value) {
+    std::array<std::uint8_t, 4 * group_bytes> bytes{};
+    const auto bits = std::bit_cast<std::uint64_t>(value);
+    for (std::size_t i = 0; i < sizeof bits; ++i) {
+        bytes[i] = static_cast<std::uint8_t>(bits >> 8 * i);
+    }
+    const unsigned check = string_crc({bytes.data(), sizeof bits});
+    bytes[sizeof bits] = static_cast<std::uint8_t>(check >> 8);
+    bytes[sizeof bits + 1] = static_cast<std::uint8_t>(check);
+
+    auto text = pm::allocate_block<char16_t>(bytes.size() / group_bytes * group_units);
+    if (!text) return text;
+    for (std::size_t group = 0; group < bytes.size() / group_bytes; ++group) {
+        encode_group(&bytes[group * group_bytes], text.get() + group * group_units);
+    }
+    return text;
+}
+
+bool disarm_double(std::u16string_view armoured, double& out) {
+    const Payload payload = decode_armour(armoured);
+    if (!payload.bytes) return false;
+    std::uint64_t bits = 0;
+    for (std::size_t i = sizeof bits; i-- > 0;) {
+        bits = bits << 8 | payload.bytes[i];
+    }
+    out = std::bit_cast<double>(bits);
+    return true;
+}
+
+bool same_ascii(std::u16string_view text, std::string_view ascii) {
+    return std::equal(text.begin(), text.end(), ascii.begin(), ascii.end(),
+                      [](char16_t unit, char c) { return unit == static_cast<unsigned char>(c); });
+}
+
+bool has_short_form(double magnitude) {
+    const double scaled = magnitude * decimals_scale;
+    return scaled <= std::numeric_limits<std::int32_t>::max() && scaled / decimals_scale == magnitude &&
+           static_cast<double>(static_cast<std::int32_t>(scaled)) == scaled;
+}
+
+std::size_t write_short_form(double magnitude, char16_t* out) {
+    const auto scaled = static_cast<std::int32_t>(magnitude * decimals_scale);
+    char digits[16];
+    char* end = std::to_chars(digits, std::end(digits), scaled / 10000).ptr;
+    *end++ = '.';
+    int decimals = scaled % 10000;
+    do {
+        *end++ = static_cast<char>('0' + decimals / 1000);
+        decimals = decimals % 1000 * 10;
+    } while (decimals != 0);
+    *std::copy(digits, end, out) = u'\0';
+    return static_cast<std::size_t>(end - digits);
+}
+
+std::size_t write_exact_form(double value, char16_t* out) {
+    const std::string visible = pm::format_11_digits(value);
+    char16_t* end = std::copy(visible.begin(), visible.end(), out);
+    if (const pm::Block<char16_t> armoured = armour_double(value)) {
+        *end++ = u' ';
+        *end++ = u'(';
+        end = std::copy_n(armoured.get(), armoured_units, end);
+        *end++ = u')';
+    }
+    *end = u'\0';
+    return static_cast<std::size_t>(end - out);
+}
+
+// The place of the blank in front of an armoured text, or npos.
+std::size_t find_armour(std::u16string_view text) {
+    if (text.size() < bracketed_units + 2 || text.back() != u')') return std::u16string_view::npos;
+    const std::size_t blank = text.size() - bracketed_units - 1;
+    return text.substr(blank, 2) == u" (" ? blank : std::u16string_view::npos;
+}
+
+bool parse_exact_form(std::u16string_view text, std::size_t blank, double& out) {
+    if (blank == std::u16string_view::npos) return false;
+    double value = 0;
+    if (!disarm_double(text.substr(blank + 2, armoured_units), value)) return false;
+    if (!same_ascii(text.substr(0, blank), pm::format_11_digits(value))) return false;
+    out = value;
+    return true;
+}
+
+// The decimal digits of `text`, none of which may be anything else, behind those in `value`.
+bool append_digits(std::u16string_view text, std::int64_t& value) {
+    for (const char16_t unit : text) {
+        if (!pm::is_digit(unit)) return false;
+        value = value * 10 + (unit - u'0');
+    }
+    return value <= std::numeric_limits<std::int32_t>::max();
+}
+
+bool parse_short_integer(std::u16string_view digits, std::int64_t& value) {
+    constexpr std::size_t longest = 6;
+    if (digits.empty() || digits.size() > longest || digits.front() == u'0') return false;
+    return append_digits(digits, value);
+}
+
+// The number times 10000.
+bool parse_short_decimal(std::u16string_view digits, std::size_t dot, std::int64_t& value) {
+    constexpr std::size_t longest = 11;
+    constexpr std::int64_t missing_decimals[] = {10000, 1000, 100, 10, 1};
+    const std::size_t decimals = digits.size() - dot - 1;
+    if (digits.size() > longest || decimals < 1 || decimals > 4 || digits.back() == u'0') return false;
+    if (!append_digits(digits.substr(0, dot), value) || !append_digits(digits.substr(dot + 1), value)) {
+        return false;
+    }
+    value *= missing_decimals[decimals];
+    return value <= std::numeric_limits<std::int32_t>::max();
+}
+
+// Reads what write_short_form() makes, and little else, without a general scan.
+bool parse_short_form(std::u16string_view text, double& out) {
+    const bool negative = !text.empty() && text.front() == u'-';
+    const std::u16string_view digits = text.substr(negative ? 1 : 0);
+    const std::size_t dot = digits.find(u'.');
+    std::int64_t whole = 0;
+    double value = 0;
+    if (dot == std::u16string_view::npos) {
+        if (!parse_short_integer(digits, whole)) return false;
+        value = static_cast<double>(whole);
+    } else {
+        if (!parse_short_decimal(digits, dot, whole)) return false;
+        value = static_cast<double>(whole) / decimals_scale;
+        if (value * decimals_scale != static_cast<double>(whole)) return false;
+    }
+    out = negative ? -value : value;
+    return true;
+}
+
+bool scan_whole(std::u16string_view text, std::size_t blank, double& out) {
+    const pm::ScannedDouble scanned = pm::scan_double_at(text);
+    if (scanned.length == 0) return false;
+    if (scanned.length != text.size() && scanned.length != blank) return false;
+    out = scanned.value;
+    return true;
+}
+
+// Null for a null text, and without memory.
+pm::Block<char> narrow_copy(const char16_t* text) {
+    if (text == nullptr) return nullptr;
+    try {
+        const std::string narrow = pm::to_narrow(text);
+        pm::Block<char> copy = pm::allocate_block<char>(narrow.size() + 1);
+        if (copy) std::copy_n(narrow.c_str(), narrow.size() + 1, copy.get());
+        return copy;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+// What a character counts as a hexadecimal digit; letters must be uppercase. The upper half of the characters
+// counts as negative and so lies below '9'.
+int hex_digit_value(char digit) {
+    const int code = static_cast<unsigned char>(digit);
+    return code > '9' && code < 0x80 ? code - ('A' - 10) : code - '0';
+}
+
+std::size_t compound_size(std::span<const char* const> list) {
+    std::size_t size = list.size() + 1;
+    for (const char* text : list) {
+        if (text == nullptr) throw_no_memory(u"strlist[idx]");
+        size += std::strlen(text);
+    }
+    return size;
+}
+
+void write_hex(std::span<const std::uint8_t> bytes, char* out) {
+    constexpr const char* digits = "0123456789ABCDEF";
+    for (const std::uint8_t byte : bytes) {
+        *out++ = digits[byte >> 4];
+        *out++ = digits[byte & 0xF];
+    }
+    *out = '\0';
+}
+
+void read_hex(std::string_view text, char* out) {
+    for (std::size_t at = 0; at + 1 < text.size(); at += 2) {
+        *out++ = static_cast<char>(16 * hex_digit_value(text[at]) + hex_digit_value(text[at + 1]));
+    }
+}
+
+} // namespace
+
+bool pm_bin_to_hex(const void* data, char* out, int size) {
+    if (data == nullptr || out == nullptr || size <= 0) return false;
+    write_hex({static_cast<const std::uint8_t*>(data), static_cast<std::size_t>(size)}, out);
+    return true;
+}
+
+bool pm_hex_to_bin(const char* text, void* out) {
+    if (text == nullptr || out == nullptr) return false;
+    const std::string_view digits(text);
+    if (digits.empty() || digits.size() % 2 != 0) return false;
+    read_hex(digits, static_cast<char*>(out));
+    return true;
+}
+
+int stringtobinary(const char16_t* text, char** out, unsigned* size) {
+    Payload payload = decode_armour(pm::view(text));
+    if (!payload.bytes) return 0;
+    *out = reinterpret_cast<char*>(payload.bytes.release());
+    *size = static_cast<unsigned>(payload.size);
+    return 1;
+}
+
+bool drc_compound_str_from_list(const char** list, int count, ZT_String& out) {
+    if (list == nullptr && count > 0) throw_no_memory(u"strlist[idx]");
+    const std::span<const char* const> strings(list, static_cast<std::size_t>(std::max(count, 0)));
+    const std::size_t size = compound_size(strings);
+    const auto compound = allocate_or_throw<std::uint8_t>(size, u"compound_str");
+    std::uint8_t* end = compound.get();
+    for (const char* text : strings) {
+        end = std::copy_n(text, std::strlen(text) + 1, end);
+    }
+    *end = 0;
+
+    const auto hex = allocate_or_throw<char>(2 * size + 1, u"c_str");
+    write_hex({compound.get(), size}, hex.get());
+    out.copy(pm::to_wide(hex.get()).c_str());
+    return true;
+}
+
+bool build_compound_str_ex(const char16_t* a, const char16_t* b, ZT_String& out) {
+    const pm::Block<char> narrow_a = narrow_copy(a);
+    const pm::Block<char> narrow_b = narrow_copy(b);
+    const char* list[] = {narrow_a.get(), narrow_b.get()};
+    return drc_compound_str_from_list(list, static_cast<int>(std::size(list)), out);
+}
+
+bool extract_compound_str_ex(const char16_t* text, ZT_String& a, ZT_String& b) {
+    const pm::Block<char> narrow = narrow_copy(text);
+    if (!narrow) throw_no_memory(u"input");
+    const std::string_view hex(narrow.get());
+    const auto compound = allocate_or_throw<char>(hex.size() / 2 + 1, u"compound_str");
+    if (hex.empty() || hex.size() % 2 != 0) return false;
+    read_hex(hex, compound.get());
+    compound[hex.size() / 2] = '\0';
+
+    std::string_view rest(compound.get(), hex.size() / 2);
+    for (ZT_String* target : {&a, &b}) {
+        const std::string_view string = rest.substr(0, rest.find('\0'));
+        if (string.empty()) return false;
+        target->copy(pm::to_wide(string).c_str());
+        rest.remove_prefix(std::min(string.size() + 1, rest.size()));
+    }
+    return true;
+}
+
+namespace pm {
+
+std::size_t format_double(double value, char16_t (&buffer)[double_text_capacity]) {
+    const bool negative = value < 0;
+    const double magnitude = negative ? -value : value;
+    if (!has_short_form(magnitude)) return write_exact_form(value, buffer);
+    if (!negative) return write_short_form(magnitude, buffer);
+    buffer[0] = u'-';
+    return 1 + write_short_form(magnitude, buffer + 1);
+}
+
+bool parse_double(std::u16string_view text, double& out) {
+    const std::size_t blank = find_armour(text);
+    return parse_exact_form(text, blank, out) || parse_short_form(text, out) || scan_whole(text, blank, out);
+}
+
+} // namespace pm
