@@ -10,60 +10,60 @@ namespace pm {
 
 namespace {
 
-// The longest number text that is scanned; what lies behind can't change a 64-bit float's value by more
-// than a unit in the last place, as no written form of one is that long.
-constexpr std::size_t number_limit = 1024;
+// The units that scans of numbers look at; "_()" stand in "nan(...)".
+bool may_stand_in_number(char16_t unit) {
+    return is_digit(unit) || is_letter(unit) ||
+           std::u16string_view(u"+-._()").find(unit) != std::u16string_view::npos;
+}
 
-struct Narrowed {
-    char text[number_limit];
-    std::size_t length = 0;
-    const char* begin() const { return text; }
-    const char* end() const { return text + length; }
-};
-
-void narrow_ascii(std::u16string_view text, Narrowed& out) {
-    for (char16_t unit : text.substr(0, number_limit)) {
-        if (unit == 0 || unit >= 0x80) return;
-        out.text[out.length++] = static_cast<char>(unit);
-    }
+std::string narrow_number(std::u16string_view text) {
+    return {text.begin(), std::find_if_not(text.begin(), text.end(), may_stand_in_number)};
 }
 
 std::size_t count_spaces(std::u16string_view text) {
-    return static_cast<std::size_t>(
-        std::find_if_not(text.begin(), text.end(), [](char16_t unit) { return is_space(unit); }) -
-        text.begin());
+    return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), is_space) - text.begin());
 }
 
-bool has_hex_prefix(const char* text, const char* end) {
-    return end - text > 2 && text[0] == '0' && (text[1] | 0x20) == 'x' &&
-           std::isxdigit(static_cast<unsigned char>(text[2])) != 0;
+bool has_hex_prefix(std::string_view text) {
+    if (text.size() < 3 || text[0] != '0' || (text[1] != 'x' && text[1] != 'X')) return false;
+    const std::size_t digit = text[2] == '.' ? 3 : 2;
+    return text.find_first_of("0123456789abcdefABCDEF", digit) == digit;
 }
 
-// from_chars leaves the value alone when it is out of range; the decimal exponent tells on which side.
-double out_of_range_value(const char* text, const char* end) {
-    const char* exponent = std::find_if(text, end, [](char c) { return c == 'e' || c == 'E'; });
-    const char* point = std::find(text, exponent, '.');
-    const char* digit = std::find_if(text, exponent, [](char c) { return c >= '1' && c <= '9'; });
-    long written = 0;
-    if (exponent != end) {
-        const char* first = exponent + 1 != end && exponent[1] == '+' ? exponent + 2 : exponent + 1;
-        const auto result = std::from_chars(first, end, written);
-        if (result.ec == std::errc::result_out_of_range) written = *first == '-' ? -1'000'000 : 1'000'000;
-    }
-    const long magnitude = digit < point ? point - digit : point - digit + 1;
-    return written + magnitude > 0 ? HUGE_VAL : 0.0;
+// `text` is empty or a letter, a sign or none, and digits. Held within what no text's length can outweigh.
+std::int64_t scan_exponent(std::string_view text) {
+    constexpr std::int64_t limit = 1'000'000'000'000'000;
+    if (text.empty()) return 0;
+    text.remove_prefix(text[1] == '+' ? 2 : 1);
+    std::int64_t exponent = text[0] == '-' ? -limit : limit;
+    std::from_chars(text.data(), text.data() + text.size(), exponent);
+    return std::clamp(exponent, -limit, limit);
 }
 
-// An unsigned number at `first`; gives the place behind it, or `first` if there is none.
-const char* scan_unsigned_double(const char* first, const char* last, double& value) {
-    const bool hex = has_hex_prefix(first, last);
-    const char* digits = hex ? first + 2 : first;
+// from_chars leaves the value alone when it is out of range; the power of the first digit that counts tells
+// on which side.
+double out_of_range_value(std::string_view number, bool hex) {
+    const std::size_t mark = std::min(number.find_first_of(hex ? "pP" : "eE"), number.size());
+    const std::string_view digits = number.substr(0, mark);
+    const auto point = static_cast<std::int64_t>(std::min(digits.find('.'), digits.size()));
+    const auto digit = static_cast<std::int64_t>(digits.find_first_not_of("0."));
+    return (point - digit) * (hex ? 4 : 1) + scan_exponent(number.substr(mark)) > 0 ? HUGE_VAL : 0.0;
+}
+
+// The number without a sign at the start of `text`; gives its length, 0 if there is none.
+std::size_t scan_unsigned_double(std::string_view text, double& value) {
+    const bool hex = has_hex_prefix(text);
+    const std::size_t prefix = hex ? 2 : 0;
+    const std::string_view number = text.substr(prefix);
+    if (number.starts_with('-')) return 0;
     const auto format = hex ? std::chars_format::hex : std::chars_format::general;
-    if (digits != last && *digits == '-') return first;
-    const auto result = std::from_chars(digits, last, value, format);
-    if (result.ec == std::errc::invalid_argument) return first;
-    if (result.ec == std::errc::result_out_of_range) value = out_of_range_value(digits, result.ptr);
-    return result.ptr;
+    const auto result = std::from_chars(number.data(), number.data() + number.size(), value, format);
+    if (result.ec == std::errc::invalid_argument) return 0;
+    const auto length = static_cast<std::size_t>(result.ptr - number.data());
+    if (result.ec == std::errc::result_out_of_range) {
+        value = out_of_range_value(number.substr(0, length), hex);
+    }
+    return prefix + length;
 }
 
 int effective_base(std::u16string_view digits, int base) {
@@ -146,36 +146,40 @@ double scan_double(std::u16string_view text) {
 
 ScannedDouble scan_double_at(std::u16string_view text) {
     const std::size_t spaces = count_spaces(text);
-    Narrowed narrow;
-    narrow_ascii(text.substr(spaces), narrow);
-
-    const char* first = narrow.begin();
-    const bool negative = first != narrow.end() && *first == '-';
-    if (first != narrow.end() && (*first == '-' || *first == '+')) ++first;
+    const std::string narrow = narrow_number(text.substr(spaces));
+    const bool negative = narrow.starts_with('-');
+    const std::size_t sign = negative || narrow.starts_with('+') ? 1 : 0;
     double value = 0;
-    const char* last = scan_unsigned_double(first, narrow.end(), value);
-    if (last == first) return {};
-    return {negative ? -value : value, spaces + static_cast<std::size_t>(last - narrow.begin())};
+    const std::size_t length = scan_unsigned_double(std::string_view(narrow).substr(sign), value);
+    if (length == 0) return {};
+    return {negative ? -value : value, spaces + sign + length};
 }
 
-std::string format_11_digits(double value) {
-    constexpr int digits = 11;
-    char text[64];
-    if (!std::isfinite(value)) return {text, std::to_chars(text, std::end(text), value).ptr};
+std::string print_double(double value, std::chars_format format, int precision) {
+    constexpr std::size_t ordinary_frame = 24;
+    constexpr std::size_t longest_frame = std::numeric_limits<double>::max_exponent10 + 8;
+    std::string text(static_cast<std::size_t>(precision) + ordinary_frame, '\0');
+    auto result = std::to_chars(text.data(), text.data() + text.size(), value, format, precision);
+    if (result.ec != std::errc()) {
+        text.resize(static_cast<std::size_t>(precision) + longest_frame);
+        result = std::to_chars(text.data(), text.data() + text.size(), value, format, precision);
+    }
+    text.resize(static_cast<std::size_t>(result.ptr - text.data()));
+    return text;
+}
 
-    const auto scientific =
-        std::to_chars(text, std::end(text), value, std::chars_format::scientific, digits - 1);
-    const char* mark =
-        std::find(static_cast<const char*>(text), static_cast<const char*>(scientific.ptr), 'e');
-    int exponent = 0;
-    std::from_chars(mark[1] == '+' ? mark + 2 : mark + 1, scientific.ptr, exponent);
-    if (exponent < -4 || exponent >= digits) return {text, scientific.ptr};
-
-    const int decimals = digits - 1 - exponent;
-    std::string fixed(text,
-                      std::to_chars(text, std::end(text), value, std::chars_format::fixed, decimals).ptr);
-    if (decimals == 0) fixed += '.';
-    return fixed;
+std::string format_significant(double value, int digits) {
+    std::string text = print_double(value, std::chars_format::scientific, digits - 1);
+    if (!std::isfinite(value)) return text;
+    const std::size_t mark = text.find('e');
+    const auto exponent = static_cast<int>(scan_exponent(std::string_view(text).substr(mark)));
+    if (exponent < -4 || exponent >= digits) {
+        if (digits == 1) text.insert(mark, 1, '.');
+        return text;
+    }
+    text = print_double(value, std::chars_format::fixed, digits - 1 - exponent);
+    if (exponent == digits - 1) text += '.';
+    return text;
 }
 
 } // namespace pm

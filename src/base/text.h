@@ -1,5 +1,6 @@
 #pragma once
 
+#include <charconv>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -51,7 +52,7 @@ void append_ascii(std::u16string& out, std::string_view ascii);
 // The number at the start of `text`, after white space: decimal with an optional sign. Stops at the first
 // unit that doesn't fit; 0 for none; held at the ends of the 32-bit range. As _wtol.
 std::int32_t scan_long(std::u16string_view text);
-// The same for a double, in the forms of strtod. As _wtof.
+// The same for a double, in the forms of strtod and of any length; infinite, or 0, out of range. As _wtof.
 double scan_double(std::u16string_view text);
 
 struct ScannedDouble {
@@ -67,7 +68,13 @@ struct ScannedLong {
 // An integer in the forms of strtol with the base; base 0 takes the prefixes "0x" and "0".
 ScannedLong scan_long_at(std::u16string_view text, int base);
 
-// printf's "%#.11g": eleven significant digits, trailing zeros and point kept.
-std::string format_11_digits(double value);
+// printf's "%.*f" and "%.*e"; "%.*g" for chars_format::general.
+std::string print_double(double value, std::chars_format format, int precision);
+// printf's "%#.*g": so many significant digits (at least 1), trailing zeros and point kept.
+std::string format_significant(double value, int digits);
+// printf's "%#.11g".
+inline std::string format_11_digits(double value) {
+    return format_significant(value, 11);
+}
 
 } // namespace pm
