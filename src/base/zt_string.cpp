@@ -2,6 +2,8 @@
 
 #include "base/text.h"
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <cstdarg>
 #include <cstdio>
 #include <memory>
@@ -9,120 +11,122 @@
 
 namespace {
 
-// One conversion of a format text: its letters, and what of it the argument list still holds.
+// One conversion of a format text, such as "%-08.3lf".
 struct Conversion {
-    std::string narrow = "%";
-    bool left = false;
+    std::string flags = "%"; // as they stand
+    bool width_from_argument = false;
+    bool precision_from_argument = false;
     int width = 0;
-    int precision = -1;
+    int precision = -1; // negative: none
     int longs = 0;
-    char16_t letter = 0;
+    char16_t letter = 0; // 0 if the text ends before it
+
+    bool has(char flag) const { return flags.find(flag) != std::string::npos; }
+    bool is_one_of(std::u16string_view letters) const {
+        return letter != 0 && letters.find(letter) != letters.npos;
+    }
+    void set_width(int given);
 };
 
-int take_number(const char16_t*& at, std::va_list* arguments) {
-    if (*at == u'*') {
-        ++at;
-        return va_arg(*arguments, int);
-    }
+// Wider than any text of use, and small enough to add up.
+constexpr int widest = 1'000'000;
+
+void Conversion::set_width(int given) {
+    if (given < 0) flags += '-';
+    width = given < 0 ? -std::max(given, -widest) : std::min(given, widest);
+}
+
+int take_number(const char16_t*& at) {
     int number = 0;
-    for (; pm::is_digit(*at); ++at)
-        number = number * 10 + (*at - u'0');
+    for (; pm::is_digit(*at); ++at) {
+        number = std::min(number * 10 + (*at - u'0'), widest);
+    }
     return number;
 }
 
-Conversion take_conversion(const char16_t*& at, std::va_list* arguments) {
-    Conversion conversion;
-    for (; *at != 0 && std::u16string_view(u"-+ #0").find(*at) != std::u16string_view::npos; ++at) {
-        conversion.left = conversion.left || *at == u'-';
-        conversion.narrow += static_cast<char>(*at);
-    }
-    conversion.width = take_number(at, arguments);
-    if (conversion.width < 0) {
-        conversion.left = true;
-        conversion.width = -conversion.width;
-        conversion.narrow += '-';
-    }
-    if (*at == u'.') conversion.precision = take_number(++at, arguments);
-    for (; *at == u'l'; ++at)
-        ++conversion.longs;
-    if (*at != 0) conversion.letter = *at++;
-    return conversion;
+bool take_star(const char16_t*& at) {
+    const bool star = *at == u'*';
+    if (star) ++at;
+    return star;
 }
 
-template<class Value>
-void append_number(std::u16string& out, const Conversion& conversion, const char* length, Value value) {
-    std::string format = conversion.narrow;
-    if (conversion.width > 0) format += std::to_string(conversion.width);
-    if (conversion.precision >= 0) format += '.' + std::to_string(conversion.precision);
-    format += length;
-    format += static_cast<char>(conversion.letter);
-    const int size = std::snprintf(nullptr, 0, format.c_str(), value);
-    std::string text(static_cast<std::size_t>(std::max(size, 0)) + 1, '\0');
-    std::snprintf(text.data(), text.size(), format.c_str(), value);
-    text.pop_back();
-    pm::append_ascii(out, text);
+// `at` stands behind the "%", and then behind the conversion.
+Conversion take_conversion(const char16_t*& at) {
+    Conversion conversion;
+    for (; *at != 0 && std::u16string_view(u"-+ #0").find(*at) != std::u16string_view::npos; ++at) {
+        conversion.flags += static_cast<char>(*at);
+    }
+    conversion.width_from_argument = take_star(at);
+    if (!conversion.width_from_argument) conversion.width = take_number(at);
+    if (*at == u'.') {
+        conversion.precision_from_argument = take_star(++at);
+        if (!conversion.precision_from_argument) conversion.precision = take_number(at);
+    }
+    for (; *at == u'l'; ++at) {
+        ++conversion.longs;
+    }
+    if (*at != 0) conversion.letter = *at++;
+    return conversion;
 }
 
 void append_padded(std::u16string& out, const Conversion& conversion, std::u16string_view text) {
     const auto width = static_cast<std::size_t>(conversion.width);
     const std::size_t blanks = width > text.size() ? width - text.size() : 0;
-    if (!conversion.left) out.append(blanks, u' ');
+    if (!conversion.has('-')) out.append(blanks, u' ');
     out.append(text);
-    if (conversion.left) out.append(blanks, u' ');
+    if (conversion.has('-')) out.append(blanks, u' ');
 }
 
-// snprintf writes the process locale's point; texts of this library always have ".".
+void append_text(std::u16string& out, const Conversion& conversion, const char16_t* text) {
+    const std::size_t limit =
+        conversion.precision < 0 ? std::u16string_view::npos : static_cast<std::size_t>(conversion.precision);
+    append_padded(out, conversion, pm::view(text).substr(0, limit));
+}
+
+// `value` has the bits of the argument.
+void append_integer(std::u16string& out, const Conversion& conversion, long long value) {
+    if (!conversion.is_one_of(u"di")) {
+        if (conversion.longs == 0) value = static_cast<unsigned>(value);
+        if (conversion.longs == 1) value = static_cast<long long>(static_cast<unsigned long>(value));
+    }
+    const std::string format = conversion.flags + "*.*ll" + static_cast<char>(conversion.letter);
+    const int size = std::snprintf(nullptr, 0, format.c_str(), conversion.width, conversion.precision, value);
+    std::string text(static_cast<std::size_t>(size) + 1, '\0');
+    std::snprintf(text.data(), text.size(), format.c_str(), conversion.width, conversion.precision, value);
+    text.pop_back();
+    pm::append_ascii(out, text);
+}
+
+std::string format_magnitude(const Conversion& conversion, double value) {
+    const int precision = conversion.precision < 0 ? 6 : conversion.precision;
+    if (conversion.is_one_of(u"gG")) {
+        return conversion.has('#') ? pm::format_significant(value, std::max(precision, 1))
+                                   : pm::print_double(value, std::chars_format::general, precision);
+    }
+    const bool fixed = conversion.is_one_of(u"fF");
+    std::string text =
+        pm::print_double(value, fixed ? std::chars_format::fixed : std::chars_format::scientific, precision);
+    if (conversion.has('#') && precision == 0 && std::isfinite(value)) {
+        text.insert(std::min(text.find('e'), text.size()), 1, '.');
+    }
+    return text;
+}
+
+// Not by snprintf, which writes the process locale's point.
 void append_double(std::u16string& out, const Conversion& conversion, double value) {
-    std::u16string text;
-    append_number(text, conversion, "", value);
-    const auto comma = std::find_if(text.begin(), text.end(), [](char16_t unit) {
-        return !pm::is_digit(unit) && !pm::is_letter(unit) &&
-               std::u16string_view(u"+- .").find(unit) == std::u16string_view::npos;
-    });
-    if (comma != text.end()) *comma = u'.';
-    out += text;
-}
-
-void append_integer(std::u16string& out, const Conversion& conversion, std::va_list* arguments) {
-    if (conversion.longs == 0) {
-        append_number(out, conversion, "", va_arg(*arguments, int));
-    } else if (conversion.longs == 1) {
-        append_number(out, conversion, "l", va_arg(*arguments, long));
-    } else {
-        append_number(out, conversion, "ll", va_arg(*arguments, long long));
+    std::string text = std::signbit(value) ? "-" : conversion.has('+') ? "+" : conversion.has(' ') ? " " : "";
+    const std::size_t sign = text.size();
+    text += format_magnitude(conversion, std::abs(value));
+    if (conversion.is_one_of(u"FEG")) {
+        for (char& c : text) {
+            if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+        }
     }
-}
-
-void append_conversion(std::u16string& out, const Conversion& conversion, std::va_list* arguments) {
-    const auto limit = static_cast<std::size_t>(std::max(conversion.precision, -1));
-    switch (conversion.letter) {
-    case u's':
-        append_padded(out, conversion, pm::view(va_arg(*arguments, const char16_t*)).substr(0, limit));
-        break;
-    case u'c': {
-        const auto unit = static_cast<char16_t>(va_arg(*arguments, int));
-        append_padded(out, conversion, {&unit, 1});
-        break;
+    const auto width = static_cast<std::size_t>(conversion.width);
+    if (conversion.has('0') && !conversion.has('-') && std::isfinite(value) && text.size() < width) {
+        text.insert(sign, width - text.size(), '0');
     }
-    case u'd':
-    case u'i':
-    case u'u':
-    case u'x':
-    case u'X':
-    case u'o':
-        append_integer(out, conversion, arguments);
-        break;
-    case u'f':
-    case u'e':
-    case u'g':
-    case u'F':
-    case u'E':
-    case u'G':
-        append_double(out, conversion, va_arg(*arguments, double));
-        break;
-    default:
-        if (conversion.letter != 0) out += conversion.letter;
-    }
+    append_padded(out, conversion, std::u16string(text.begin(), text.end()));
 }
 
 } // namespace
@@ -139,7 +143,7 @@ ZT_String::ZT_String(ZT_String&& other) noexcept
     : m_text(std::exchange(other.m_text, nullptr)), m_length(std::exchange(other.m_length, -1)) {}
 
 ZT_String& ZT_String::operator=(const ZT_String& other) {
-    copy(other);
+    if (this != &other) copy(other);
     return *this;
 }
 
@@ -193,8 +197,26 @@ void ZT_String::Format(const char16_t* format, ...) {
             out += *at++;
             continue;
         }
-        ++at;
-        append_conversion(out, take_conversion(at, &arguments), &arguments);
+        Conversion conversion = take_conversion(++at);
+        if (conversion.width_from_argument) conversion.set_width(va_arg(arguments, int));
+        if (conversion.precision_from_argument) {
+            conversion.precision = std::min(va_arg(arguments, int), widest);
+        }
+        if (conversion.letter == u's') {
+            append_text(out, conversion, va_arg(arguments, const char16_t*));
+        } else if (conversion.letter == u'c') {
+            const auto unit = static_cast<char16_t>(va_arg(arguments, int));
+            append_padded(out, conversion, {&unit, 1});
+        } else if (conversion.is_one_of(u"diuxXo")) {
+            const long long value = conversion.longs == 0   ? va_arg(arguments, int)
+                                    : conversion.longs == 1 ? va_arg(arguments, long)
+                                                            : va_arg(arguments, long long);
+            append_integer(out, conversion, value);
+        } else if (conversion.is_one_of(u"fFeEgG")) {
+            append_double(out, conversion, va_arg(arguments, double));
+        } else if (conversion.letter != 0) {
+            out += conversion.letter;
+        }
     }
     va_end(arguments);
     copy(out.c_str());
