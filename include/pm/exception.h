@@ -38,7 +38,7 @@ public:
     std::int32_t m_arg_count = 0;         // entries of m_args in use
     const char16_t* m_place;              // where it was raised, such as u"PM_Object::SetData()"; not owned
     char* m_place_narrow = nullptr;       // m_place in the system's code page; owned, null without memory
-    char16_t m_detail[detail_capacity];   // what it concerns: a path, a file, a line; may be empty
+    char16_t m_detail[detail_capacity]{}; // what it concerns: a path, a file, a line; may be empty
     const char16_t* m_source;             // marker of the source unit; not owned
     std::uint64_t m_args[arg_capacity]{}; // arguments for the text of the number
 

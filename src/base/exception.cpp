@@ -13,7 +13,7 @@ constexpr std::uint32_t no_memory = 55;
 void copy_detail(const char16_t* text, char16_t (&detail)[ZT_Exception::detail_capacity]) noexcept {
     const std::u16string_view whole = pm::view(text);
     const std::u16string_view kept = whole.substr(0, ZT_Exception::detail_capacity - 1);
-    *std::copy(kept.begin(), kept.end(), detail) = u'\0';
+    std::fill(std::copy(kept.begin(), kept.end(), detail), std::end(detail), u'\0');
 }
 
 } // namespace
