@@ -58,8 +58,9 @@ Converter open_converter(unsigned number) {
 class SingleBytePage final : public CodePage {
 public:
     SingleBytePage(unsigned number, UConverter* converter) : CodePage(number) {
-        for (unsigned byte = 0; byte < m_wide.size(); ++byte)
+        for (unsigned byte = 0; byte < m_wide.size(); ++byte) {
             m_wide[byte] = decode_byte(converter, byte);
+        }
         for (unsigned byte = 0x80; byte < m_wide.size(); ++byte) {
             if (m_wide[byte] != replacement) m_bytes.emplace_back(m_wide[byte], static_cast<char>(byte));
         }
@@ -113,8 +114,9 @@ public:
         const auto lead = static_cast<unsigned char>(text[0]);
         const std::size_t told = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
         std::size_t length = 1;
-        while (length < told && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80)
+        while (length < told && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) {
             ++length;
+        }
         return length;
     }
 
@@ -146,8 +148,17 @@ void U_CALLCONV write_question_marks(const void*, UConverterFromUnicodeArgs* arg
                                      UErrorCode* status) {
     if (reason > UCNV_IRREGULAR) return;
     *status = U_ZERO_ERROR;
-    for (int32_t unit = 0; unit < length; ++unit)
+    for (int32_t unit = 0; unit < length; ++unit) {
         ucnv_cbFromUWriteBytes(arguments, "?", 1, 0, status);
+    }
+}
+
+// The one that ICU sets writes U+001A for some bytes.
+void U_CALLCONV write_replacement(const void*, UConverterToUnicodeArgs* arguments, const char*, int32_t,
+                                  UConverterCallbackReason reason, UErrorCode* status) {
+    if (reason > UCNV_IRREGULAR) return;
+    *status = U_ZERO_ERROR;
+    ucnv_cbToUWriteUChars(arguments, &replacement, 1, 0, status);
 }
 
 // A page of one or two bytes a character.
@@ -157,6 +168,7 @@ public:
         : CodePage(number), m_converter(std::move(converter)) {
         UErrorCode status = U_ZERO_ERROR;
         ucnv_setFromUCallBack(m_converter.get(), write_question_marks, nullptr, nullptr, nullptr, &status);
+        ucnv_setToUCallBack(m_converter.get(), write_replacement, nullptr, nullptr, nullptr, &status);
         ucnv_getStarters(m_converter.get(), m_lead_bytes.data(), &status);
     }
 
@@ -227,8 +239,7 @@ void CodePage::decode(std::string_view narrow, std::u16string& wide) const {
 }
 
 void CodePage::encode(std::u16string_view wide, std::string& narrow) const {
-    const auto ascii = static_cast<std::size_t>(
-        std::find_if(wide.begin(), wide.end(), [](char16_t unit) { return unit >= 0x80; }) - wide.begin());
+    const std::size_t ascii = ascii_prefix(wide);
     const std::size_t start = narrow.size();
     narrow.resize(start + ascii);
     std::transform(wide.begin(), wide.begin() + static_cast<std::ptrdiff_t>(ascii),
