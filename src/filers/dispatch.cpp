@@ -1,3 +1,4 @@
+#include "filers/pmdpia.h"
 #include "filers/pmpia.h"
 #include <algorithm>
 #include <cerrno>
@@ -36,6 +37,7 @@ struct FilerRow {
 
 constexpr FilerRow filers[] = {
     {PM_Object::FILE_PIA, true, true, true, true, make<PM_PIAFile>},
+    {PM_Object::FILE_DPIA, true, true, true, true, make<PM_DPIAFile>},
 };
 
 struct VersionRow {
@@ -101,8 +103,12 @@ void PM_Object::load(std::iostream& stream, FileType type, const char16_t* base)
     drive(*filer, attach_stream(stream), [&](PM_File& each) { each.load(this, base, type); });
 }
 
-void PM_Object::load_section(const char16_t*, FileType, const char16_t*, const char16_t*) {
-    make_filer(m_root, nullptr, m_handler, load_place);
+void PM_Object::load_section(const char16_t* path, FileType type, const char16_t* base,
+                             const char16_t* name) {
+    const auto maker = type == FILE_DPIA ? make<PM_DPIAFile> : nullptr;
+    const auto filer = make_filer(m_root, maker, m_handler, load_place);
+    drive(*filer, open_file(path, false),
+          [&](PM_File& each) { static_cast<PM_DPIAFile&>(each).load_section(this, base, name); });
 }
 
 void PM_Object::load_cfg_section(const char16_t*, FileType, const char16_t*, int) {

@@ -1,5 +1,6 @@
 #include "filers/pia_frame.h"
 
+#include "base/little_endian.h"
 #include <algorithm>
 #include <cstdint>
 #include <string_view>
@@ -12,11 +13,6 @@ constexpr std::string_view tag = "pmzlibcodec";
 constexpr std::size_t plain_header = 19;
 constexpr std::size_t checked_header = 23;
 constexpr std::size_t most_expansion = 1032;
-
-std::uint32_t read_word(std::span<const unsigned char> bytes) {
-    return static_cast<std::uint32_t>(bytes[0]) | static_cast<std::uint32_t>(bytes[1]) << 8 |
-           static_cast<std::uint32_t>(bytes[2]) << 16 | static_cast<std::uint32_t>(bytes[3]) << 24;
-}
 
 } // namespace
 
@@ -32,7 +28,7 @@ std::optional<PiaFrame> find_pia_frame(std::span<const unsigned char> file, bool
     const auto block = file.subspan(static_cast<std::size_t>(found - file.begin()));
     const std::size_t header = checked ? checked_header : plain_header;
     if (block.size() < header) return std::nullopt;
-    const std::size_t stream_size = read_word(block.subspan(header - sizeof(std::uint32_t)));
+    const std::size_t stream_size = read_le32(block.data() + header - sizeof(std::uint32_t));
     if (stream_size > block.size() - header) return std::nullopt;
     return PiaFrame{block.subspan(header, stream_size)};
 }

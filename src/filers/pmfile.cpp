@@ -2,12 +2,15 @@
 
 #include "base/allocator.h"
 #include "base/deliver.h"
+#include "base/text.h"
+#include "platform/files.h"
 #include <algorithm>
 #include <cerrno>
 #include <ios>
 
 namespace {
 
+constexpr std::uint32_t no_such_file = 63;
 constexpr std::uint32_t other_stream_error = 82;
 
 struct StreamErrorRow {
@@ -71,6 +74,22 @@ void PM_File::check_stream(const char16_t* place, const char16_t* name, const st
                            const char16_t* source) {
     if (stream.rdstate() == std::ios::goodbit) return;
     throw PM_Severe(stream_error_number(errno), place, name, source);
+}
+
+void PM_File::open_file(std::unique_ptr<std::fstream>& owned, const char16_t* name, bool write,
+                        const OpenPlaces& places) {
+    if (!owned) {
+        owned = std::make_unique<std::fstream>();
+        m_stream = owned.get();
+    }
+    if (owned->is_open()) return;
+    const std::u16string_view wide_name = pm::view(name);
+    if (!write && !pm::file_exists(wide_name))
+        throw PM_Severe(no_such_file, places.missing, name, places.source);
+    owned->open(pm::native_file_name(wide_name),
+                std::ios::binary | (write ? std::ios::out | std::ios::trunc : std::ios::in));
+    check_stream(places.failed, name, *owned, places.source);
+    m_filename = wide_name;
 }
 
 std::uint32_t PM_File::stream_error_number(int code) {

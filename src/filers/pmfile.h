@@ -1,7 +1,8 @@
 #pragma once
 
 #include <cstddef>
-#include <iosfwd>
+#include <fstream>
+#include <memory>
 #include <pm/error_handler.h>
 #include <pm/exception.h>
 #include <pm/object.h>
@@ -53,6 +54,16 @@ protected:
     // number follows from errno, 82 for a code without one.
     static void check_stream(const char16_t* place, const char16_t* name, const std::ios& stream,
                              const char16_t* source);
+    // What the exceptions of open_file() carry.
+    struct OpenPlaces {
+        const char16_t* missing;
+        const char16_t* failed;
+        const char16_t* source;
+    };
+    // Makes `owned` the stream in use, opened in binary mode, and keeps the name; does nothing if it is open
+    // already. Number 63 (PM_Severe) for a file to read that doesn't exist, then the stream errors.
+    void open_file(std::unique_ptr<std::fstream>& owned, const char16_t* name, bool write,
+                   const OpenPlaces& places);
     // The number for an errno value.
     static std::uint32_t stream_error_number(int code);
 

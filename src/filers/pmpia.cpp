@@ -6,7 +6,6 @@
 #include "filers/pia_frame.h"
 #include "filers/pia_writer.h"
 #include "platform/code_page.h"
-#include "platform/files.h"
 #include "store/value_text.h"
 #include <algorithm>
 #include <limits>
@@ -24,7 +23,6 @@ constexpr const char16_t* version_place = u"PM_PIAFile::getVersion()";
 
 constexpr std::uint32_t bad_raw_data = 53;
 constexpr std::uint32_t bad_line = 57;
-constexpr std::uint32_t no_such_file = 63;
 constexpr std::uint32_t not_decoded = 84;
 constexpr std::uint32_t not_encoded = 85;
 constexpr std::uint32_t unknown_value = 88;
@@ -74,17 +72,7 @@ FileBlock read_whole(std::istream& stream) {
 PM_PIAFile::~PM_PIAFile() = default;
 
 void PM_PIAFile::open(const char16_t* name, bool write) {
-    if (!m_owned_file) {
-        m_owned_file = std::make_unique<std::fstream>();
-        m_stream = m_owned_file.get();
-    }
-    if (m_owned_file->is_open()) return;
-    const std::u16string_view wide_name = pm::view(name);
-    if (!write && !pm::file_exists(wide_name)) throw PM_Severe(no_such_file, load_place, name, source);
-    m_owned_file->open(pm::native_file_name(wide_name),
-                       std::ios::binary | (write ? std::ios::out | std::ios::trunc : std::ios::in));
-    check_stream(u"PM_PIAFile::open()", name);
-    m_filename = wide_name;
+    open_file(m_owned_file, name, write, {load_place, u"PM_PIAFile::open()", source});
 }
 
 void PM_PIAFile::attach(std::iostream* stream) {

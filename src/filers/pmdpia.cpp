@@ -1,0 +1,276 @@
+#include "filers/pmdpia.h"
+
+#include "base/little_endian.h"
+#include "base/text.h"
+#include "filers/memory_stream.h"
+#include "filers/pmpia.h"
+#include "platform/code_page.h"
+#include <algorithm>
+#include <cerrno>
+#include <limits>
+#include <optional>
+#include <pm/iterator.h>
+#include <sstream>
+
+namespace {
+
+constexpr const char16_t* source = u"$Workfile: pmdpia $ $Revision: #1 $";
+constexpr const char16_t* load_place = u"PM_DPIAFile::load()";
+constexpr const char16_t* save_place = u"PM_DPIAFile::save()";
+constexpr const char16_t* version_place = u"PM_DPIAFile::getVersion()";
+constexpr const char16_t* section_place = u"load_section";
+constexpr const char16_t* directory_place = u"PM_DPIAFile::write_directory";
+
+constexpr std::uint32_t unknown_version = 69;
+constexpr std::uint32_t no_such_section = 83;
+
+constexpr std::uint32_t version_1_word = 0x00010000;
+constexpr std::uint32_t version_2_word = 0x00020000;
+constexpr std::u16string_view version_1 = u"DPIA_VERSION_1.0";
+constexpr std::u16string_view version_2 = u"DPIA_VERSION_2.0";
+constexpr std::size_t version_units = 512;
+
+constexpr std::uint32_t word_size = 4;
+constexpr const char16_t* section_tag = u"DPIA_SECTION_1.0,compress";
+
+[[noreturn]] void raise_no_memory(const char16_t* place, const char16_t* detail) {
+    throw PM_Memory_Exception(place, detail, source);
+}
+
+pm::Block<char16_t> copy_text(std::u16string_view text, const char16_t* place, const char16_t* what) {
+    auto copy = pm::allocate_block<char16_t>(text.size() + 1);
+    if (!copy) raise_no_memory(place, what);
+    *std::copy(text.begin(), text.end(), copy.get()) = u'\0';
+    return copy;
+}
+
+std::u16string below(const char16_t* base, std::initializer_list<std::u16string_view> parts) {
+    std::u16string path(pm::view(base));
+    for (const std::u16string_view part : parts) {
+        path += u'\\';
+        path += part;
+    }
+    return path;
+}
+
+// The text of a section's "info"; empty if there is no such property.
+std::u16string read_info(const PM_Object& object, const std::u16string& path) {
+    constexpr std::uint32_t absent[] = {51, 86, 87};
+    std::size_t bytes = 0;
+    try {
+        bytes = object.getPropertySize(path.c_str());
+    } catch (const PM_Warning& e) {
+        if (std::find(std::begin(absent), std::end(absent), e.m_number) == std::end(absent)) throw;
+        return {};
+    }
+    std::u16string text(bytes / sizeof(char16_t) + 1, u'\0');
+    (void)object.GetProperty(path.c_str(), text.data(), text.size() * sizeof(char16_t));
+    return text.c_str();
+}
+
+} // namespace
+
+PM_DPIAFile::~PM_DPIAFile() = default;
+
+void PM_DPIAFile::open(const char16_t* name, bool write) {
+    open_file(m_owned_file, name, write, {load_place, u"PM_DPIAFile::open()", source});
+}
+
+void PM_DPIAFile::attach(std::iostream* stream) {
+    m_stream = stream;
+    m_filename.clear();
+}
+
+void PM_DPIAFile::close() {
+    if (m_owned_file) m_owned_file->close();
+}
+
+void PM_DPIAFile::check_stream(const char16_t* place, const char16_t* name) const {
+    PM_File::check_stream(place, name, *m_stream, source);
+}
+
+void PM_DPIAFile::getVersion(char16_t* buffer, std::size_t size) {
+    m_stream->seekg(0);
+    unsigned char bytes[word_size] = {};
+    m_stream->read(reinterpret_cast<char*>(bytes), word_size);
+    check_stream(version_place, file_name());
+    switch (pm::read_le32(bytes)) {
+    case version_1_word:
+        copy_version(version_1, buffer, size);
+        break;
+    case version_2_word:
+        copy_version(version_2, buffer, size);
+        break;
+    default:
+        report(PM_Error(unknown_version, version_place, file_name(), source));
+    }
+}
+
+// Whether the file is of version 2.0; any other text is read in the layout of 1.0.
+bool PM_DPIAFile::read_version_and_directory() {
+    char16_t version[version_units] = {};
+    getVersion(version, version_units);
+    const bool with_info = version == version_2;
+    read_directory(with_info);
+    return with_info;
+}
+
+void PM_DPIAFile::read_directory(bool with_info) {
+    m_stream->seekg(0, std::ios::end);
+    m_file_size = m_stream->tellg();
+    m_stream->seekg(m_directory_offset);
+    const std::uint32_t count = read_word();
+    m_data_offset = m_directory_offset + word_size;
+    if (static_cast<std::int32_t>(count) < 1) return;
+    const std::uint64_t least_entry = word_size * (with_info ? 4 : 3);
+    require_bytes(count * least_entry, load_place, file_name());
+    for (std::uint32_t index = 0; index < count; ++index)
+        m_sections.append(read_entry(with_info));
+}
+
+PM_DPIAFile::DPIA_Section PM_DPIAFile::read_entry(bool with_info) {
+    DPIA_Section section;
+    section.descriptor = read_text(u"descriptor");
+    if (with_info) section.info = read_text(u"info");
+    section.offset = read_word();
+    section.size = read_word();
+    m_data_offset += 2 * word_size;
+    return section;
+}
+
+pm::Block<char16_t> PM_DPIAFile::read_text(const char16_t* what) {
+    const std::uint32_t length = read_word();
+    require_bytes(length, load_place, file_name());
+    std::string bytes(length, '\0');
+    m_stream->read(bytes.data(), length);
+    check_stream(load_place, file_name());
+    m_data_offset += length + word_size;
+    return copy_text(pm::to_wide(bytes, pm::utf8_code_page), load_place, what);
+}
+
+std::uint32_t PM_DPIAFile::read_word() {
+    unsigned char bytes[word_size] = {};
+    m_stream->read(reinterpret_cast<char*>(bytes), word_size);
+    check_stream(load_place, file_name());
+    return pm::read_le32(bytes);
+}
+
+// A count that the rest of the file can't hold fails like the short read that it would end in, before memory
+// is taken for it.
+void PM_DPIAFile::require_bytes(std::uint64_t count, const char16_t* place, const char16_t* name) {
+    const std::streamoff here = m_stream->tellg();
+    if (here > m_file_size || count > static_cast<std::uint64_t>(m_file_size - here)) {
+        m_stream->setstate(std::ios::eofbit | std::ios::failbit);
+    }
+    check_stream(place, name);
+}
+
+void PM_DPIAFile::load(PM_Object* target, const char16_t* base, PM_Object::FileType) {
+    const bool with_info = read_version_and_directory();
+    const auto write_texts = [&](std::u16string_view item, auto text_of) {
+        const std::u16string path = below(base, {u"DPIA_directory", u"*", item});
+        int index = 0;
+        for (const DPIA_Section& section : m_sections) {
+            set_string(*target, path.c_str(), text_of(section).data(), index++);
+        }
+    };
+    write_texts(u"descriptor", [](const DPIA_Section& section) { return section.descriptor_text(); });
+    if (with_info) write_texts(u"info", [](const DPIA_Section& section) { return section.info_text(); });
+}
+
+void PM_DPIAFile::load_section(PM_Object* target, const char16_t* base, const char16_t* name) {
+    const auto fail = [name] { throw PM_Severe(no_such_section, section_place, name, source); };
+    if (target == nullptr || base == nullptr || name == nullptr) fail();
+    read_version_and_directory();
+    const auto section = std::find_if(m_sections.begin(), m_sections.end(), [name](const DPIA_Section& each) {
+        return each.descriptor_text() == name;
+    });
+    if (section == m_sections.end()) fail();
+
+    m_stream->seekg(static_cast<std::streamoff>(m_data_offset) + section->offset);
+    check_stream(section_place, name);
+    require_bytes(section->size, section_place, name);
+    const auto block = pm::allocate_block<char>(std::size_t{section->size} + 1);
+    if (!block) return;
+    m_stream->read(block.get(), section->size);
+    check_stream(section_place, name);
+
+    pm::MemoryStream content({block.get(), section->size});
+    PM_PIAFile filer(m_handler);
+    filer.set_utf8(true);
+    errno = 0;
+    filer.attach(&content);
+    filer.load(target, base, PM_Object::FILE_PIA);
+    filer.close();
+}
+
+void PM_DPIAFile::save(const PM_Object* object, const char16_t* subtree, PM_Object::FileType,
+                       const char16_t*) {
+    m_stream->seekp(0);
+    write_word(version_2_word, save_place, file_name());
+    collect_sections(*object, subtree);
+    write_directory();
+    write_sections(*object, subtree);
+    write_directory();
+    m_stream->flush();
+    check_stream(save_place, file_name());
+}
+
+void PM_DPIAFile::collect_sections(const PM_Object& object, const char16_t* subtree) {
+    const std::unique_ptr<PM_Iterator> walk(object.newIterator(subtree, 1));
+    if (!walk) raise_no_memory(save_place, u"pIter");
+    PM_Object::NodeType step{};
+    while (const char16_t* name = walk->nextNode(step)) {
+        if (step == PM_Object::NODE_PARENT) continue;
+        DPIA_Section section;
+        section.descriptor = copy_text(name, save_place, u"descriptor");
+        section.info = copy_text(read_info(object, below(subtree, {name, u"info"})), save_place, u"info");
+        m_sections.append(std::move(section));
+    }
+}
+
+void PM_DPIAFile::write_sections(const PM_Object& object, const char16_t* subtree) {
+    std::uint64_t running = 0;
+    for (auto& section : m_sections) {
+        std::stringstream content;
+        content.put('\0'); // so that the writer's way to the start finds one
+        object.save(content, PM_Object::FILE_PIA, section_tag,
+                    below(subtree, {section.descriptor_text(), u"data"}).c_str(), true);
+        const std::string_view bytes = content.view();
+        section.offset = static_cast<std::uint32_t>(running);
+        section.size = static_cast<std::uint32_t>(bytes.size());
+        running += bytes.size();
+        if (running > std::numeric_limits<std::uint32_t>::max()) m_stream->setstate(std::ios::failbit);
+        m_stream->write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        m_stream->flush();
+        check_stream(save_place, file_name());
+    }
+}
+
+void PM_DPIAFile::write_directory() {
+    m_stream->seekp(m_directory_offset);
+    write_word(static_cast<std::uint32_t>(m_sections.count()), directory_place, u"");
+    for (const auto& section : m_sections) {
+        const char16_t* name = section.descriptor.get();
+        write_text(section.descriptor_text(), name);
+        write_text(section.info_text(), name);
+        write_word(section.offset, directory_place, name);
+        write_word(section.size, directory_place, name);
+    }
+}
+
+// The length word counts wide units, though the text goes out as UTF-8. Kept: files stay as they are to the
+// byte, and those with other than ASCII names have always read back wrong from there on.
+void PM_DPIAFile::write_text(std::u16string_view text, const char16_t* detail) {
+    write_word(static_cast<std::uint32_t>(text.size()), directory_place, detail);
+    const std::string bytes = pm::to_narrow(text, pm::utf8_code_page);
+    m_stream->write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    check_stream(directory_place, detail);
+}
+
+void PM_DPIAFile::write_word(std::uint32_t value, const char16_t* place, const char16_t* detail) {
+    unsigned char bytes[word_size];
+    pm::write_le32(value, bytes);
+    m_stream->write(reinterpret_cast<const char*>(bytes), word_size);
+    check_stream(place, detail);
+}

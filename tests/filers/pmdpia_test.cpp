@@ -1,0 +1,467 @@
+#include "filers/pmdpia.h"
+
+#include "platform/files.h"
+#include "support/allocation_failures.h"
+#include "support/exceptions.h"
+#include "support/recording_handler.h"
+#include "support/temp_folder.h"
+#include <cerrno>
+#include <pm/pm.h>
+#include <sstream>
+#include <string>
+
+namespace {
+
+using pm::test::expect_thrown;
+using pm::test::RecordingHandler;
+using pm::test::TempFolder;
+
+constexpr const char16_t* load_place = u"PM_DPIAFile::load()";
+constexpr const char16_t* version_place = u"PM_DPIAFile::getVersion()";
+constexpr const char16_t* section_place = u"load_section";
+
+std::string word(std::uint32_t value) {
+    std::string bytes;
+    for (int byte = 0; byte < 4; ++byte)
+        bytes += static_cast<char>(value >> (8 * byte));
+    return bytes;
+}
+
+std::string counted(const std::string& text) {
+    return word(static_cast<std::uint32_t>(text.size())) + text;
+}
+
+std::string version_1_entry(const std::string& name, std::uint32_t offset, std::uint32_t size) {
+    return counted(name) + word(offset) + word(size);
+}
+
+std::string version_2_entry(const std::string& name, const std::string& info, std::uint32_t offset,
+                            std::uint32_t size) {
+    return counted(name) + counted(info) + word(offset) + word(size);
+}
+
+const std::string version_1 = word(0x00010000);
+const std::string version_2 = word(0x00020000);
+const std::string plain_section = "PIAFILEVERSION_2.0,plain\r\na=1\n";
+
+std::u16string string_at(const PM_Object& object, const char16_t* path) {
+    char16_t buffer[300] = {};
+    EXPECT_TRUE(object.GetProperty(path, buffer, sizeof buffer));
+    return buffer;
+}
+
+int long_at(const PM_Object& object, const char16_t* path) {
+    int value = -999;
+    EXPECT_TRUE(object.GetProperty(path, value));
+    return value;
+}
+
+bool has(const PM_Object& object, const char16_t* path) {
+    try {
+        (void)object.getPropertySize(path);
+        return true;
+    } catch (const PM_Warning&) {
+        return false;
+    }
+}
+
+void add_section(PM_Object& object, const std::u16string& name, const char16_t* info, int value) {
+    if (info != nullptr) object.SetProperty((u"s\\" + name + u"\\info").c_str(), info);
+    object.SetProperty((u"s\\" + name + u"\\data\\value").c_str(), value);
+}
+
+std::string saved(const PM_Object& object, const char16_t* subtree = u"s") {
+    std::stringstream stream;
+    object.save(stream, PM_Object::FILE_DPIA, u"", subtree);
+    return stream.str();
+}
+
+std::string zlib_section(const PM_Object& object, const char16_t* subtree) {
+    std::stringstream stream;
+    object.save(stream, PM_Object::FILE_PIA, u"DPIA_SECTION_1.0,compress", subtree, true);
+    return stream.str();
+}
+
+class DpiaTest : public testing::Test {
+protected:
+    void load(const std::string& content) {
+        std::stringstream stream(content);
+        object.load(stream, PM_Object::FILE_DPIA, u"\\");
+    }
+    void load_section(const std::string& content, const char16_t* name, const char16_t* base = u"\\") {
+        const std::u16string path = folder.write("f.dpia", content);
+        object.load_section(path.c_str(), PM_Object::FILE_DPIA, base, name);
+    }
+
+    TempFolder folder;
+    PM_Object object;
+};
+
+TEST_F(DpiaTest, NoSectionsAreAFileOf8Bytes) {
+    object.SetProperty(u"s\\p", 1);
+    EXPECT_EQ(version_2 + word(0), saved(object));
+}
+
+TEST_F(DpiaTest, AFileWithoutSectionsSetsNothing) {
+    load(version_2 + word(0));
+    EXPECT_FALSE(object.pathExists(u"DPIA_directory"));
+}
+
+TEST_F(DpiaTest, ANegativeCountIsNone) {
+    load(version_2 + word(0xFFFFFFFF));
+    EXPECT_FALSE(object.pathExists(u"DPIA_directory"));
+}
+
+TEST_F(DpiaTest, WritesDirectoryAndPackedSections) {
+    add_section(object, u"One", u"first", 1);
+    add_section(object, u"Two", u"second one", 2);
+    const std::string one = zlib_section(object, u"s\\One\\data");
+    const std::string two = zlib_section(object, u"s\\Two\\data");
+    ASSERT_EQ("PIAFILEVERSION_2.0,DPIA_SECTION_1.0,compress\r\npmzlibcodec", one.substr(0, 57));
+    const auto size_1 = static_cast<std::uint32_t>(one.size());
+    const auto size_2 = static_cast<std::uint32_t>(two.size());
+    EXPECT_EQ(version_2 + word(2) + version_2_entry("One", "first", 0, size_1) +
+                  version_2_entry("Two", "second one", size_1, size_2) + one + two,
+              saved(object));
+}
+
+TEST_F(DpiaTest, TheTagOfASaveIsNotUsed) {
+    add_section(object, u"One", u"first", 1);
+    std::stringstream stream;
+    object.save(stream, PM_Object::FILE_DPIA, u"anything", u"s");
+    EXPECT_EQ(saved(object), stream.str());
+}
+
+TEST_F(DpiaTest, SavingToAPathGivesTheSameBytes) {
+    add_section(object, u"One", u"first", 1);
+    object.save(folder.wide("out.dpia").c_str(), PM_Object::FILE_DPIA, u"", u"s");
+    EXPECT_EQ(saved(object), folder.read("out.dpia"));
+}
+
+TEST_F(DpiaTest, ASectionWithoutInfoHasAnEmptyOne) {
+    add_section(object, u"One", nullptr, 1);
+    EXPECT_EQ(version_2 + word(1) + counted("One") + word(0) + word(0), saved(object).substr(0, 23));
+}
+
+TEST_F(DpiaTest, AnInfoThatIsNoTextIsRefused) {
+    object.SetProperty(u"s\\One\\info", 5);
+    object.SetProperty(u"s\\One\\data\\value", 5);
+    expect_thrown<PM_Warning>([&] { saved(object); }, 54, u"PM_Object::GetData()", u"");
+}
+
+TEST_F(DpiaTest, LengthWordsCountWideUnitsNotBytes) {
+    add_section(object, u"B\u00FCro", u"gro\u00DF", 1);
+    EXPECT_EQ(version_2 + word(1) + word(4) + "B\xC3\xBCro" + word(4) + "gro\xC3\x9F" + word(0),
+              saved(object).substr(0, 30));
+}
+
+TEST_F(DpiaTest, ANameBeyondAsciiReadsBackWrong) {
+    add_section(object, u"B\u00FCro", u"", 1);
+    PM_Object again;
+    std::stringstream stream(saved(object));
+    // Four bytes are taken for the name; the fifth begins the length of the info.
+    expect_thrown<PM_Severe>([&] { again.load(stream, PM_Object::FILE_DPIA, u"\\"); }, 82, load_place, u"");
+}
+
+TEST_F(DpiaTest, LoadMirrorsTheDirectoryOfVersion2) {
+    load(version_2 + word(2) + version_2_entry("One", "first", 0, 0) + version_2_entry("Two", "", 0, 0));
+    EXPECT_EQ(u"One", string_at(object, u"DPIA_directory\\0\\descriptor"));
+    EXPECT_EQ(u"first", string_at(object, u"DPIA_directory\\0\\info"));
+    EXPECT_EQ(u"Two", string_at(object, u"DPIA_directory\\1\\descriptor"));
+    EXPECT_EQ(u"", string_at(object, u"DPIA_directory\\1\\info"));
+    EXPECT_FALSE(object.pathExists(u"DPIA_directory\\2"));
+}
+
+TEST_F(DpiaTest, LoadOfVersion1SetsDescriptorsOnly) {
+    load(version_1 + word(1) + version_1_entry("One", 0, 0));
+    EXPECT_EQ(u"One", string_at(object, u"DPIA_directory\\0\\descriptor"));
+    EXPECT_FALSE(has(object, u"DPIA_directory\\0\\info"));
+}
+
+TEST_F(DpiaTest, LoadGoesBelowItsBase) {
+    std::stringstream stream(version_1 + word(1) + version_1_entry("One", 0, 0));
+    object.load(stream, PM_Object::FILE_DPIA, u"q\\r");
+    EXPECT_EQ(u"One", string_at(object, u"q\\r\\DPIA_directory\\0\\descriptor"));
+}
+
+TEST_F(DpiaTest, TextsAreUtf8) {
+    load(version_2 + word(1) + version_2_entry("B\xC3\xBCro", "\xE2\x82\xAC", 0, 0));
+    EXPECT_EQ(u"B\u00FCro", string_at(object, u"DPIA_directory\\0\\descriptor"));
+    EXPECT_EQ(u"\u20AC", string_at(object, u"DPIA_directory\\0\\info"));
+}
+
+TEST_F(DpiaTest, LoadDoesNotTouchTheSections) {
+    load(version_2 + word(1) + version_2_entry("One", "", 0xFFFFFFF0, 0xFFFFFFFF));
+    EXPECT_EQ(u"One", string_at(object, u"DPIA_directory\\0\\descriptor"));
+}
+
+TEST_F(DpiaTest, SectionsLoadAlone) {
+    add_section(object, u"One", u"first", 1);
+    add_section(object, u"Two", u"second", 2);
+    const std::string content = saved(object);
+    PM_Object two;
+    const std::u16string path = folder.write("f.dpia", content);
+    two.load_section(path.c_str(), PM_Object::FILE_DPIA, u"here", u"Two");
+    EXPECT_EQ(2, long_at(two, u"here\\value"));
+    EXPECT_FALSE(two.pathExists(u"DPIA_directory"));
+    two.load_section(path.c_str(), PM_Object::FILE_DPIA, u"\\", u"One");
+    EXPECT_EQ(1, long_at(two, u"value"));
+}
+
+TEST_F(DpiaTest, SectionsOfVersion1LoadLikeThoseOf2) {
+    const auto size = static_cast<std::uint32_t>(plain_section.size());
+    load_section(version_1 + word(2) + version_1_entry("No", 0, 0) + version_1_entry("Yes", 3, size) + "???" +
+                     plain_section,
+                 u"Yes");
+    EXPECT_EQ(1, long_at(object, u"a"));
+}
+
+TEST_F(DpiaTest, SectionsAreReadAsUtf8) {
+    const std::string section = "PIAFILEVERSION_2.0,x\r\ns=\"\xE2\x82\xAC\n";
+    load_section(version_1 + word(1) + version_1_entry("One", 0, static_cast<std::uint32_t>(section.size())) +
+                     section,
+                 u"One");
+    EXPECT_EQ(u"\u20AC", string_at(object, u"s"));
+}
+
+TEST_F(DpiaTest, TextBeyondTheCodePageSurvivesASection) {
+    object.SetProperty(u"s\\One\\data\\text", u"\u65E5\u672C");
+    PM_Object again;
+    const std::u16string path = folder.write("f.dpia", saved(object));
+    again.load_section(path.c_str(), PM_Object::FILE_DPIA, u"\\", u"One");
+    EXPECT_EQ(u"\u65E5\u672C", string_at(again, u"text"));
+}
+
+TEST_F(DpiaTest, OfTwoSectionsOfOneNameTheFirstIsLoaded) {
+    const std::string other = "PIAFILEVERSION_2.0,plain\r\na=2\n";
+    const auto size = static_cast<std::uint32_t>(plain_section.size());
+    load_section(version_1 + word(2) + version_1_entry("S", 0, size) + version_1_entry("S", size, size) +
+                     plain_section + other,
+                 u"S");
+    EXPECT_EQ(1, long_at(object, u"a"));
+}
+
+TEST_F(DpiaTest, SectionNameThatDiffersInCaseIsNotFound) {
+    expect_thrown<PM_Severe>(
+        [&] { load_section(version_1 + word(1) + version_1_entry("One", 0, 0), u"one"); }, 83, section_place,
+        u"one");
+}
+
+TEST_F(DpiaTest, NullArgumentsAreSectionsNotFound) {
+    const std::string content = version_1 + word(1) + version_1_entry("One", 0, 0);
+    expect_thrown<PM_Severe>([&] { load_section(content, nullptr); }, 83, section_place, u"");
+    expect_thrown<PM_Severe>([&] { load_section(content, u"One", nullptr); }, 83, section_place, u"One");
+    PM_DPIAFile filer(nullptr);
+    std::stringstream stream(content);
+    filer.attach(&stream);
+    expect_thrown<PM_Severe>([&] { filer.load_section(nullptr, u"\\", u"One"); }, 83, section_place, u"One");
+}
+
+TEST_F(DpiaTest, ABadLineOfASectionIsToldWithoutAFileName) {
+    const std::string section = "PIAFILEVERSION_2.0,x\r\nbad line\n";
+    const std::string content =
+        version_1 + word(1) + version_1_entry("One", 0, static_cast<std::uint32_t>(section.size())) + section;
+    expect_thrown<PM_Error>([&] { load_section(content, u"One"); }, 57, u"PM_PIAFile::load()",
+                            u"\n2, bad line, ");
+}
+
+TEST_F(DpiaTest, TheHandlerHearsOfASectionsBadLines) {
+    RecordingHandler handler(1);
+    PM_Object heard(&handler);
+    const std::string section = "PIAFILEVERSION_2.0,x\r\na=yes\nb=1\n";
+    const std::u16string path = folder.write(
+        "f.dpia", version_1 + word(1) +
+                      version_1_entry("One", 0, static_cast<std::uint32_t>(section.size())) + section);
+    heard.load_section(path.c_str(), PM_Object::FILE_DPIA, u"\\", u"One");
+    EXPECT_EQ((std::vector<std::uint32_t>{88}), handler.numbers());
+    EXPECT_EQ(1, long_at(heard, u"b"));
+}
+
+TEST_F(DpiaTest, ASectionBeyondTheFileFailsInItsRead) {
+    for (const auto& entry : {version_1_entry("One", 0, 100), version_1_entry("One", 0, 0xFFFFFFFF),
+                              version_1_entry("One", 0xFFFFFFFF, 1)}) {
+        expect_thrown<PM_Severe>([&] { load_section(version_1 + word(1) + entry + plain_section, u"One"); },
+                                 82, section_place, u"One");
+    }
+}
+
+TEST_F(DpiaTest, WithoutMemoryForASectionNothingHappens) {
+    // The last allocations of a load are those of the temporary filer's work; the section's block stands
+    // behind those of the directory: filer, descriptor, block.
+    const std::u16string path = folder.write(
+        "f.dpia", version_1 + word(1) +
+                      version_1_entry("One", 0, static_cast<std::uint32_t>(plain_section.size())) +
+                      plain_section);
+    {
+        const pm::test::FailingAllocation failing(2);
+        object.load_section(path.c_str(), PM_Object::FILE_DPIA, u"\\", u"One");
+        EXPECT_TRUE(pm::test::FailingAllocation::was_hit());
+    }
+    EXPECT_FALSE(object.pathExists(u"a"));
+}
+
+TEST_F(DpiaTest, TextsOfTheDirectoryWithoutMemoryAreTold) {
+    const std::string content = version_2 + word(1) + version_2_entry("One", "info", 0, 0);
+    for (const auto& [place, detail] : {std::pair(1, u"descriptor"), std::pair(2, u"info")}) {
+        std::stringstream stream(content);
+        const pm::test::FailingAllocation failing(place);
+        expect_thrown<PM_Memory_Exception>([&] { object.load(stream, PM_Object::FILE_DPIA, u"\\"); }, 55,
+                                           load_place, detail);
+    }
+}
+
+TEST_F(DpiaTest, SavingWithoutMemoryForTheWalkIsTold) {
+    std::stringstream stream;
+    object.SetProperty(u"s\\p", 1);
+    const pm::test::FailingAllocation failing(1);
+    expect_thrown<PM_Memory_Exception>([&] { object.save(stream, PM_Object::FILE_DPIA, u"", u"s"); }, 55,
+                                       u"PM_DPIAFile::save()", u"pIter");
+}
+
+TEST_F(DpiaTest, EachFailingAllocationLeavesAUsableObject) {
+    add_section(object, u"One", u"first", 1);
+    const std::u16string path = folder.write("f.dpia", saved(object));
+    const int failures = pm::test::fail_each_allocation([&](int) {
+        std::stringstream stream;
+        (void)pm::test::thrown_by([&] { object.save(stream, PM_Object::FILE_DPIA, u"", u"s"); });
+        (void)pm::test::thrown_by([&] {
+            PM_Object other;
+            other.load(path.c_str(), PM_Object::FILE_DPIA, u"\\");
+        });
+        (void)pm::test::thrown_by([&] {
+            PM_Object other;
+            other.load_section(path.c_str(), PM_Object::FILE_DPIA, u"\\", u"One");
+        });
+    });
+    EXPECT_GT(failures, 20);
+    EXPECT_EQ(1, long_at(object, u"s\\One\\data\\value"));
+}
+
+TEST_F(DpiaTest, AnUnknownVersionIsReported) {
+    const std::string content = word(0x00030000) + word(1) + version_1_entry("One", 0, 0);
+    expect_thrown<ZT_Exception>([&] { load(content); }, 69, version_place, u"");
+    const std::u16string path = folder.write("f.dpia", content);
+    expect_thrown<ZT_Exception>([&] { object.load(path.c_str(), PM_Object::FILE_DPIA, u"\\"); }, 69,
+                                version_place, path);
+}
+
+TEST_F(DpiaTest, AnUnknownVersionThatIsLetPassIsReadAsVersion1) {
+    RecordingHandler handler(1);
+    PM_Object heard(&handler);
+    std::stringstream stream(word(0x00030000) + word(1) + version_1_entry("One", 0, 0));
+    heard.load(stream, PM_Object::FILE_DPIA, u"\\");
+    ASSERT_EQ(1U, handler.reports.size());
+    EXPECT_EQ(2, handler.reports[0].kind);
+    EXPECT_EQ(69U, handler.reports[0].number);
+    EXPECT_EQ(u"$Workfile: pmdpia $ $Revision: #1 $", handler.reports[0].source);
+    EXPECT_EQ(u"One", string_at(heard, u"DPIA_directory\\0\\descriptor"));
+    EXPECT_FALSE(has(heard, u"DPIA_directory\\0\\info"));
+}
+
+TEST_F(DpiaTest, AnUnknownVersionThatIsNotLetPassCancels) {
+    RecordingHandler handler(0);
+    PM_Object heard(&handler);
+    std::stringstream stream(word(0x00030000) + word(0));
+    expect_thrown<ZT_Canceled_Error>([&] { heard.load(stream, PM_Object::FILE_DPIA, u"\\"); }, 69,
+                                     version_place, u"");
+}
+
+TEST_F(DpiaTest, VersionTextsAreThoseOfTheWords) {
+    RecordingHandler handler(1);
+    for (const auto& [content, text] :
+         {std::pair(version_1, u"DPIA_VERSION_1.0"), std::pair(version_2, u"DPIA_VERSION_2.0"),
+          std::pair(word(7), u"untouched")}) {
+        char16_t buffer[40] = u"untouched";
+        std::stringstream stream(content);
+        PM_DPIAFile filer(&handler);
+        filer.attach(&stream);
+        filer.getVersion(buffer, PM_File::unchecked);
+        EXPECT_EQ(std::u16string(text), buffer);
+    }
+}
+
+TEST_F(DpiaTest, AVersionTextIsCutToItsBuffer) {
+    char16_t buffer[6] = u"xxxxx";
+    std::stringstream stream(version_2);
+    PM_DPIAFile filer(nullptr);
+    filer.attach(&stream);
+    filer.getVersion(buffer, 5);
+    EXPECT_EQ(u"DPIA", std::u16string(buffer));
+}
+
+TEST_F(DpiaTest, AMissingFileRaises63) {
+    const std::u16string path = folder.wide("none.dpia");
+    expect_thrown<PM_Severe>([&] { object.load(path.c_str(), PM_Object::FILE_DPIA, u"\\"); }, 63, load_place,
+                             path);
+    expect_thrown<PM_Severe>([&] { object.load_section(path.c_str(), PM_Object::FILE_DPIA, u"\\", u"One"); },
+                             63, load_place, path);
+}
+
+TEST_F(DpiaTest, AFileThatCannotBeMadeFailsInOpen) {
+    object.SetProperty(u"s\\p", 1);
+    const std::u16string path = folder.wide("no folder/f.dpia");
+    expect_thrown<PM_Severe>([&] { object.save(path.c_str(), PM_Object::FILE_DPIA, u"", u"s"); }, 63,
+                             u"PM_DPIAFile::open()", path);
+}
+
+TEST_F(DpiaTest, AFullDiskIsTold) {
+    object.SetProperty(u"s\\p", 1);
+    expect_thrown<PM_Severe>([&] { object.save(u"/dev/full", PM_Object::FILE_DPIA, u"", u"s"); }, 65,
+                             u"PM_DPIAFile::write_directory", u"");
+}
+
+TEST_F(DpiaTest, AShortVersionWordRaises82) {
+    for (const std::string& content : {std::string(), std::string("\0\0", 2)}) {
+        expect_thrown<PM_Severe>([&] { load(content); }, 82, version_place, u"");
+    }
+}
+
+TEST_F(DpiaTest, EveryCutDirectoryRaises82) {
+    const std::string content =
+        version_2 + word(2) + version_2_entry("One", "first", 0, 0) + version_2_entry("Two", "second", 0, 0);
+    for (std::size_t length = 4; length < content.size(); ++length) {
+        expect_thrown<PM_Severe>([&] { load(content.substr(0, length)); }, 82, load_place, u"");
+    }
+    load(content);
+}
+
+TEST_F(DpiaTest, CountsAndLengthsThatCannotFitTakeNoMemory) {
+    for (const std::string& content :
+         {version_2 + word(0x7FFFFFFF) + version_2_entry("One", "", 0, 0),
+          version_2 + word(1) + word(0x7FFFFFFF) + "One", version_2 + word(1) + word(0xFFFFFFFF) + "One",
+          version_2 + word(1) + counted("One") + word(0xFFFFFFF0) + std::string(8, '\0')}) {
+        expect_thrown<PM_Severe>([&] { load(content); }, 82, load_place, u"");
+    }
+}
+
+TEST_F(DpiaTest, SectionsOfTheSampleLoad) {
+    const std::u16string path = std::filesystem::path(PM_SAMPLES "/sections.dpia").u16string();
+    object.load(path.c_str(), PM_Object::FILE_DPIA, u"\\");
+    EXPECT_EQ(u"Office", string_at(object, u"DPIA_directory\\0\\descriptor"));
+    EXPECT_EQ(u"Drawing office, third floor", string_at(object, u"DPIA_directory\\0\\info"));
+    EXPECT_EQ(u"Workshop", string_at(object, u"DPIA_directory\\1\\descriptor"));
+    EXPECT_EQ(u"Plotter beside the paint shop", string_at(object, u"DPIA_directory\\1\\info"));
+    EXPECT_EQ(u"Archive", string_at(object, u"DPIA_directory\\2\\descriptor"));
+    EXPECT_EQ(u"", string_at(object, u"DPIA_directory\\2\\info"));
+    for (const char16_t* name : {u"Office", u"Workshop", u"Archive"}) {
+        object.load_section(path.c_str(), PM_Object::FILE_DPIA, name, name);
+        EXPECT_TRUE(object.pathExists(name));
+    }
+    EXPECT_EQ(u"DX-4200 in the drawing office", string_at(object, u"Office\\name"));
+}
+
+TEST_F(DpiaTest, ASubtreeThatIsNotThereSavesAsNoSections) {
+    object.SetProperty(u"a\\b", 1);
+    EXPECT_EQ(version_2 + word(0), saved(object, u"b"));
+    expect_thrown<PM_Warning>([&] { saved(object, u"unknown"); }, 51, u"PM_Iterator::PM_Iterator()",
+                              u"unknown");
+}
+
+TEST_F(DpiaTest, CloseLeavesAnAttachedStreamOpen) {
+    std::fstream stream(folder / "f.dpia", std::ios::in | std::ios::out | std::ios::trunc | std::ios::binary);
+    object.SetProperty(u"s\\p", 1);
+    object.save(stream, PM_Object::FILE_DPIA, u"", u"s");
+    EXPECT_TRUE(stream.is_open());
+}
+
+} // namespace
