@@ -44,23 +44,30 @@ private:
 // Compresses one block of bytes with a static Huffman code whose frequency table stands in the block.
 //
 // Shape, ownership and failures as PM_zlib_Codec; numbers: 55 no memory, 90 and 91 a broken code, 92 no
-// tag or no usable table. One object serves one call. decode() trusts its block and gives back the data
-// without its last byte: the format has always lost it.
+// tag or no usable table. One object serves one call.
 class PM_API PM_Huffman_Codec : public PM_Mem_Obj {
 public:
     PM_Huffman_Codec(const unsigned char* data, std::uint32_t size, ZT_Error_Handler* handler) noexcept;
     ~PM_Huffman_Codec() override;
+    PM_Huffman_Codec(const PM_Huffman_Codec&) = delete;
+    PM_Huffman_Codec& operator=(const PM_Huffman_Codec&) = delete;
 
-    // False for data with fewer than two distinct byte values.
+    // Number 92 for data with fewer than two distinct byte values: they have no code.
     bool encode(unsigned char*& out, std::uint32_t& out_size);
+    // Trusts its block and doesn't read the size of the data. Gives back what was encoded without its last
+    // byte: the format has always lost it. Number 92 for a block whose table has fewer than two values.
     bool decode(unsigned char*& out, std::uint32_t& out_size);
 
 private:
-    struct FreqTrie;
+    void encode_block(unsigned char*& out, std::uint32_t& out_size);
+    void decode_block(unsigned char*& out, std::uint32_t& out_size);
+    void make_counters();
+    void make_trie();
+    void release_tables() noexcept;
 
     const unsigned char* m_input;
     std::uint32_t m_input_size;
     std::uint32_t* m_freq_table = nullptr;
-    FreqTrie* m_freq_trie = nullptr;
+    pm::FreqTrie* m_freq_trie = nullptr;
     ZT_Error_Handler* m_handler;
 };
