@@ -1,0 +1,124 @@
+#include "block_frame.h"
+#include "commands.h"
+#include "failure.h"
+#include "files.h"
+#include "report_handler.h"
+#include "safe_save.h"
+#include <cstdint>
+#include <fmt/format.h>
+#include <limits>
+#include <memory>
+#include <string_view>
+
+namespace pmtool {
+
+namespace {
+
+struct CodecOptions {
+    std::string codec;
+    std::string direction;
+    std::string input;
+    std::string output;
+    bool checked = false;
+};
+
+using Bytes = std::unique_ptr<unsigned char, void (*)(unsigned char*)>;
+
+void release(unsigned char* block) {
+    PM_Mem_Obj::operator delete(block);
+}
+
+struct Block {
+    Bytes bytes{nullptr, release};
+    std::uint32_t size = 0;
+};
+
+template<class Codec>
+using Operation = bool (Codec::*)(unsigned char*&, std::uint32_t&);
+
+template<class Codec>
+bool run_codec(Operation<Codec> operation, std::string_view data, ReportHandler& handler, Block& out) {
+    Codec codec(reinterpret_cast<const unsigned char*>(data.data()), static_cast<std::uint32_t>(data.size()),
+                &handler);
+    unsigned char* bytes = nullptr;
+    if (!(codec.*operation)(bytes, out.size)) return false;
+    out.bytes.reset(bytes);
+    return true;
+}
+
+bool run_zlib(bool encodes, bool checked, std::string_view data, ReportHandler& handler, Block& out) {
+    using Codec = PM_zlib_Codec;
+    if (encodes) return run_codec<Codec>(checked ? &Codec::encodeCRC : &Codec::encode, data, handler, out);
+    return run_codec<Codec>(checked ? &Codec::decodeCRC : &Codec::decode, data, handler, out);
+}
+
+bool run_huffman(bool encodes, bool, std::string_view data, ReportHandler& handler, Block& out) {
+    using Codec = PM_Huffman_Codec;
+    return run_codec<Codec>(encodes ? &Codec::encode : &Codec::decode, data, handler, out);
+}
+
+struct CodecKind {
+    std::string_view name;
+    bool has_checked_blocks;
+    // Nothing, or what keeps the data from being decoded: decoders trust the lengths in their block.
+    std::string (*frame_trouble)(std::string_view data, bool checked);
+    bool (*run)(bool encodes, bool checked, std::string_view data, ReportHandler& handler, Block& out);
+    std::string_view encode_trouble; // when encode fails without a report
+};
+
+constexpr CodecKind codecs[] = {
+    {"zlib", true, zlib_frame_trouble, run_zlib, "the data can't be encoded"},
+    {"huffman", false, huffman_frame_trouble, run_huffman, "the data must hold at least two different bytes"},
+};
+
+const CodecKind& codec_named(const std::string& name) {
+    for (const CodecKind& kind : codecs) {
+        if (kind.name == name) return kind;
+    }
+    throw Failure(fmt::format("{}: no such codec; there are zlib and huffman", name));
+}
+
+Failure codec_failure(const CodecOptions& options, const CodecKind& kind, const ReportHandler& handler) {
+    if (!handler.reports().empty()) return Failure(describe(handler.reports().front(), options.input));
+    if (options.direction == "encode")
+        return Failure(fmt::format("{}: {}", options.input, kind.encode_trouble));
+    return Failure(fmt::format("{}: the block can't be decoded", options.input));
+}
+
+int run(const CodecOptions& options) {
+    const CodecKind& kind = codec_named(options.codec);
+    const bool encodes = options.direction == "encode";
+    if (!encodes && options.direction != "decode") {
+        throw Failure(fmt::format("{}: this must be encode or decode", options.direction));
+    }
+    if (options.checked && !kind.has_checked_blocks) throw Failure("--crc is for zlib blocks only");
+    const std::string data = read_file(options.input);
+    if (data.size() > std::numeric_limits<std::uint32_t>::max()) {
+        throw Failure(fmt::format("{}: a block holds less than 4 GiB", options.input));
+    }
+    const std::string trouble = encodes ? "" : kind.frame_trouble(data, options.checked);
+    if (!trouble.empty()) throw Failure(fmt::format("{}: {}", options.input, trouble));
+    ReportHandler handler(options.input);
+    Block block;
+    if (!kind.run(encodes, options.checked, data, handler, block))
+        throw codec_failure(options, kind, handler);
+    save_safely(options.output,
+                [&](const std::string& path) { write_file(path, block.bytes.get(), block.size); });
+    return exit_ok;
+}
+
+} // namespace
+
+void add_codec_commands(Commands& commands) {
+    const auto options = std::make_shared<CodecOptions>();
+    CLI::App& command = commands.add("codec", "Encode a file as a bare block, or decode one",
+                                     [options] { return run(*options); });
+    command.add_option("CODEC", options->codec, "zlib or huffman")->required();
+    command.add_option("DIRECTION", options->direction, "encode or decode")->required();
+    command.add_option("IN", options->input, "The file to read")->required();
+    command.add_option("OUT", options->output, "The file to write")->required();
+    command.add_flag("--crc", options->checked,
+                     "A checked block, as pia files of version 2.0 hold them (zlib)");
+}
+
+} // namespace pmtool

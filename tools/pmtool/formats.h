@@ -1,0 +1,51 @@
+#pragma once
+
+#include <optional>
+#include <pm/pm.h>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace pmtool {
+
+// What a probe gets to see of a file.
+struct Content {
+    std::string_view bytes; // the whole file; empty for a folder
+    std::string folder;     // the folder, if it is one; else empty
+};
+
+struct Format {
+    std::string_view name; // as --from and --to take it
+    PM_Object::FileType type;
+    std::string_view title;
+    std::string_view extension; // of an output, with its dot
+    bool is_written;            // whether the library writes it
+    bool is_text;               // lines of text that can be found by their number
+    // What in the content tells the format; nothing if it isn't this one.
+    std::optional<std::string> (*evidence)(const Content&);
+};
+
+// All formats, in the order in which they are looked for.
+std::span<const Format> formats();
+
+// "pia, dpia, doc": the names of all formats, or of those that are written.
+std::string format_names(bool written_only);
+
+// Failure if there is no such format.
+const Format& format_named(const std::string& name);
+
+// By the extension of an output's name, without regard to case; Failure if that tells no written format.
+const Format& format_of_output(const std::string& file);
+
+struct Identity {
+    const Format* format;
+    std::string evidence;
+};
+
+// By content. Failure if the file can't be read or is of no known format.
+Identity identify(const std::string& file);
+
+// The string file in a folder of driver tables, with its path; nothing if there is none.
+std::optional<std::string> find_string_file(const std::string& folder);
+
+} // namespace pmtool

@@ -1,0 +1,129 @@
+#include "source.h"
+
+#include "failure.h"
+#include "files.h"
+#include "line_finder.h"
+#include "plotter_numbers.h"
+#include "report_handler.h"
+#include "text.h"
+#include "tree_walk.h"
+#include <charconv>
+#include <fmt/format.h>
+
+namespace pmtool {
+
+namespace {
+
+constexpr std::u16string_view directory_node = u"DPIA_directory";
+
+bool has_sections(const Format& format) {
+    return format.type == PM_Object::FILE_DPIA || format.type == PM_Object::FILE_CFG;
+}
+
+int plotter_number(const std::string& section) {
+    int number = 0;
+    const char* end = section.data() + section.size();
+    const auto result = std::from_chars(section.data(), end, number);
+    if (result.ec == std::errc() && result.ptr == end) return number;
+    throw Failure(fmt::format("{}: a section of a cfg file is told by its plotter's number", section));
+}
+
+// The plotter that a CFG file is read for when none was asked for.
+int only_plotter(const Source& source) {
+    const std::vector<int> numbers = plotter_numbers(read_file(source.path));
+    if (numbers.size() > 1) {
+        throw Failure(fmt::format("{}: the file holds several plotters; choose one with --section ({})",
+                                  source.file, fmt::join(numbers, ", ")));
+    }
+    return numbers.empty() ? 0 : numbers.front();
+}
+
+std::string string_property(const PM_Object& object, const std::u16string& path) {
+    const std::optional<Property> property = find_property(object, path);
+    return property ? plain_text(property->value) : std::string();
+}
+
+std::vector<Section> dpia_sections(const Source& source) {
+    PM_Object object;
+    load_strictly(object, {source.file, source.path, {}, source.format});
+    const std::u16string directory = join_path(u"\\", directory_node);
+    std::vector<Section> sections;
+    for (int i = 0;; ++i) {
+        const std::u16string entry = join_path(directory, to_utf16(fmt::format("{}", i)));
+        if (!node_exists(object, entry)) return sections;
+        sections.push_back({string_property(object, join_path(entry, u"descriptor")),
+                            string_property(object, join_path(entry, u"info"))});
+    }
+}
+
+std::vector<Section> cfg_sections(const Source& source) {
+    std::vector<Section> sections;
+    for (const int number : plotter_numbers(read_file(source.path))) {
+        sections.push_back({fmt::format("{}", number), {}});
+    }
+    return sections;
+}
+
+std::string failure_text(Report report, const std::string& file, const std::string& path) {
+    if (!is_bad_line(report)) return describe(report, file);
+    report.line = LineFinder(path).find(report);
+    return describe(report, file) + "; all bad lines are listed by: pmtool check";
+}
+
+} // namespace
+
+Source find_source(const SourceOptions& options) {
+    Source source{options.file, options.file, options.section, nullptr};
+    source.format = options.from.empty() ? identify(options.file).format : &format_named(options.from);
+    if (!source.section.empty() && !has_sections(*source.format)) {
+        throw Failure(fmt::format("{}: a {} file has no sections", source.file, source.format->name));
+    }
+    if (source.format->type == PM_Object::FILE_PDT && is_folder(source.file)) {
+        source.path = find_string_file(source.file).value_or(source.file + "/strings.pdt");
+    }
+    return source;
+}
+
+void load(PM_Object& object, const Source& source, const std::u16string& base) {
+    const PM_Object::FileType type = source.format->type;
+    const std::u16string path = to_utf16(source.path);
+    if (type == PM_Object::FILE_CFG) {
+        const int number = source.section.empty() ? only_plotter(source) : plotter_number(source.section);
+        object.load_cfg_section(path.c_str(), type, base.c_str(), number);
+    } else if (!source.section.empty()) {
+        object.load_section(path.c_str(), type, base.c_str(), to_utf16(source.section).c_str());
+    } else {
+        object.load(path.c_str(), type, base.c_str());
+    }
+}
+
+void load_strictly(PM_Object& object, const Source& source, const std::u16string& base) {
+    if (is_folder(source.path)) read_file(source.path); // fails as any reading of a folder does
+    translating(source.file, source.path, [&] { load(object, source, base); });
+}
+
+void translating(const std::string& file, const std::string& path, const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const ZT_Exception& e) {
+        throw Failure(failure_text(make_report(e, path), file, path));
+    }
+}
+
+std::vector<Section> sections_of(const Source& source) {
+    if (source.format->type == PM_Object::FILE_DPIA) return dpia_sections(source);
+    if (source.format->type == PM_Object::FILE_CFG) return cfg_sections(source);
+    throw Failure(fmt::format("{}: a {} file has no sections", source.file, source.format->name));
+}
+
+std::vector<Source> parts_of(const Source& source) {
+    if (!source.section.empty() || !has_sections(*source.format)) return {source};
+    std::vector<Source> parts;
+    if (source.format->type == PM_Object::FILE_DPIA) parts.push_back(source);
+    for (const Section& section : sections_of(source)) {
+        parts.push_back({source.file, source.path, section.name, source.format});
+    }
+    return parts.empty() ? std::vector<Source>{source} : parts;
+}
+
+} // namespace pmtool
