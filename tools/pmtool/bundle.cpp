@@ -17,17 +17,18 @@ bool is_ascii(const std::string& text) {
 
 void check_part(const BundlePart& part) {
     if (part.name.empty() || part.name.find_first_of("\\*") != std::string::npos) {
-        throw Failure(fmt::format("{}: this can't be the name of a section", quoted(part.name)));
+        throw Failure(fmt::format("{}: this can't be the name of a section", in_quotes(part.name)));
     }
     if (!is_ascii(part.name) || !is_ascii(part.info)) {
         throw Failure(
-            fmt::format("section {}: its name and info must be ASCII in a dpia file", quoted(part.name)));
+            fmt::format("section {}: its name and info must be ASCII in a dpia file", in_quotes(part.name)));
     }
 }
 
 void load_part(PM_Object& object, const BundlePart& part) {
     const std::u16string node = join_path(u"\\", to_utf16(part.name));
-    if (node_exists(object, node)) throw Failure(fmt::format("section {} is named twice", quoted(part.name)));
+    if (node_exists(object, node))
+        throw Failure(fmt::format("section {} is named twice", in_quotes(part.name)));
     const std::u16string data = join_path(node, u"data");
     const std::u16string mark = join_path(data, u"x");
     // An empty tree must have its node too.

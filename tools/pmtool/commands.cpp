@@ -8,6 +8,7 @@ CLI::App& Commands::add(const std::string& name, const std::string& description,
                         std::function<int()> action) {
     CLI::App* command = m_app.add_subcommand(name, description);
     command->fallthrough();
+    command->footer("\n--code-page, formats and exit codes are told by: pmtool --help\n");
     m_actions[command] = std::move(action);
     return *command;
 }

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <fmt/format.h>
+#include <functional>
 #include <system_error>
 #include <vector>
 
@@ -45,7 +46,7 @@ bool is_blank_or_comment(std::string_view line) {
 }
 
 Evidence first_line(std::string_view line) {
-    return fmt::format("first line {}", quoted(printable(line)));
+    return fmt::format("first line {}", in_quotes(printable(line)));
 }
 
 Evidence compound_evidence(const Content& content) {
@@ -71,7 +72,7 @@ Evidence pcp_evidence(const Content& content) {
         return starts_with_ignoring_case(candidate, pcp_marker);
     });
     if (line.empty()) return std::nullopt;
-    return fmt::format("comment {}", quoted(printable(line)));
+    return fmt::format("comment {}", in_quotes(printable(line)));
 }
 
 Evidence pc2_evidence(const Content& content) {

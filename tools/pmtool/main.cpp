@@ -6,6 +6,8 @@
 #include <fmt/format.h>
 #include <new>
 #include <pm/pm.h>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -24,7 +26,8 @@ Examples:
   pmtool check pens.pcp                          list all bad lines
   pmtool bundle -o all.dpia Office=a.pia Archive=b.pia
   pmtool extract all.dpia Office -o office.pia
-  pmtool COMMAND --help                          tell more about a command)";
+  pmtool COMMAND --help                          tell more about a command
+)";
 
 void set_code_page(unsigned code_page) {
     try {
@@ -62,7 +65,11 @@ int guarded_run(const pmtool::Commands& commands, unsigned code_page) {
 // Help and version are no errors; anything else that is wrong with the command line is one line of text.
 int tell_usage(const CLI::App& app, const CLI::ParseError& e) {
     if (e.get_exit_code() == 0) return app.exit(e);
-    return trouble(fmt::format("{}; see pmtool --help", e.what()).c_str());
+    const std::vector<std::string> unused = app.remaining();
+    const bool no_command =
+        !unused.empty() && !unused.front().starts_with('-') && app.get_subcommands().empty();
+    const std::string what = no_command ? unused.front() + ": there is no such command" : e.what();
+    return trouble(fmt::format("{}; see pmtool --help", what).c_str());
 }
 
 } // namespace

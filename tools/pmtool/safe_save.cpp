@@ -39,7 +39,7 @@ private:
     std::string m_name;
 };
 
-// What stands at the end of a chain of links, even if it doesn't exist yet.
+// The file at the end of a chain of links, even if it doesn't exist yet.
 std::filesystem::path follow_links(const std::string& target) {
     constexpr int most_links = 40;
     std::filesystem::path path = target;
@@ -89,11 +89,10 @@ void fill_special_file(const std::string& target, const std::function<void(const
 } // namespace
 
 void save_safely(const std::string& target, const std::function<void(const std::string&)>& write) {
-    const std::filesystem::path path = follow_links(target);
-    const std::optional<struct stat> old = attributes_of(path.string());
+    const std::optional<struct stat> old = attributes_of(target);
     if (old && S_ISDIR(old->st_mode)) throw system_failure(target, EISDIR);
     if (old && !S_ISREG(old->st_mode)) return fill_special_file(target, write);
-    replace_file(path, old, target, write);
+    replace_file(follow_links(target), old, target, write);
 }
 
 } // namespace pmtool

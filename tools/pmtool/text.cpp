@@ -121,7 +121,7 @@ std::string printable(std::string_view text) {
     return out;
 }
 
-std::string quoted(std::string_view text) {
+std::string in_quotes(std::string_view text) {
     return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 

@@ -13,7 +13,7 @@ std::u16string to_utf16(std::string_view text);
 std::string printable(std::string_view text);
 
 // In double quotes, with quotes, backslashes and control characters escaped as in JSON.
-std::string quoted(std::string_view text);
+std::string in_quotes(std::string_view text);
 
 // ASCII only.
 std::string lower_case(std::string_view text);

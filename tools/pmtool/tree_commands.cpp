@@ -11,6 +11,8 @@ namespace pmtool {
 
 namespace {
 
+constexpr int deepest_tree = 256;
+
 struct TreeOptions {
     SourceOptions source;
     std::string path = "\\";
@@ -131,7 +133,7 @@ void add_tree(Commands& commands) {
     add_source_options(command, options->source);
     command.add_option("PATH", options->path, "Node to start at, such as \\media");
     command.add_option("--depth", options->depth, "Levels below the start, 0 for all")
-        ->check(CLI::NonNegativeNumber);
+        ->check(CLI::Range(0, deepest_tree));
     command.add_flag("--json", options->json, "Write JSON");
 }
 

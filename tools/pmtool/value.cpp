@@ -130,7 +130,7 @@ std::string plain_text(const Value& value) {
 }
 
 std::string shown_text(const Value& value) {
-    if (const auto* text = std::get_if<std::u16string>(&value)) return quoted(to_utf8(*text));
+    if (const auto* text = std::get_if<std::u16string>(&value)) return in_quotes(to_utf8(*text));
     return plain_text(value);
 }
 
@@ -138,7 +138,7 @@ Value parse_value(std::string_view text, std::string_view type) {
     const Type& wanted = type_named(type);
     if (std::optional<Value> value = wanted.parse(text)) return *value;
     throw Failure(
-        fmt::format("{} isn't {}, which type {} asks for", quoted(text), wanted.description, wanted.name));
+        fmt::format("{} isn't {}, which type {} asks for", in_quotes(text), wanted.description, wanted.name));
 }
 
 Value parse_value(std::string_view text) {
