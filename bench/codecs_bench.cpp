@@ -14,8 +14,9 @@ std::string text_of_size(std::size_t size) {
     if (sample.empty()) throw std::runtime_error("no sample file");
     std::string text;
     // Numbers keep the copies from being mere repetitions.
-    while (text.size() < size)
+    while (text.size() < size) {
         text += sample + std::to_string(text.size() * 2654435761U);
+    }
     text.resize(size);
     return text;
 }
@@ -43,8 +44,9 @@ void set_rate(benchmark::State& state, std::size_t bytes) {
 template<class Codec>
 void encode(benchmark::State& state, Operation<Codec> operation) {
     const std::string text = text_of_size(static_cast<std::size_t>(state.range(0)));
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(run(operation, text));
+    }
     set_rate(state, text.size());
 }
 
@@ -52,8 +54,9 @@ template<class Codec>
 void decode(benchmark::State& state, Operation<Codec> encoder, Operation<Codec> decoder) {
     const std::string text = text_of_size(static_cast<std::size_t>(state.range(0)));
     const std::string block = run(encoder, text);
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(run(decoder, block));
+    }
     set_rate(state, text.size());
 }
 

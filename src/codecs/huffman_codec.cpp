@@ -113,16 +113,18 @@ bool PM_Huffman_Codec::decode(unsigned char*& out, std::uint32_t& out_size) {
 
 void PM_Huffman_Codec::encode_block(unsigned char*& out, std::uint32_t& out_size) {
     make_counters();
-    for (const unsigned char byte : std::span(m_input, m_input_size))
+    for (const unsigned char byte : std::span(m_input, m_input_size)) {
         ++m_freq_table[byte];
+    }
     make_trie();
 
     const pm::Counters counters(m_freq_table, pm::symbol_count);
     const pm::CodeTable& codes = m_freq_trie->make_codes();
     pm::BitString bits;
     bits.reserve(pm::count_code_bits(counters, codes));
-    for (const unsigned char byte : std::span(m_input, m_input_size))
+    for (const unsigned char byte : std::span(m_input, m_input_size)) {
         bits.append(codes[byte]);
+    }
 
     const auto size = static_cast<std::uint32_t>(pm::huffman_bits + bits.length() / 8 + 1);
     auto block = pm::checked(pm::allocate_block<unsigned char>(size), u"output");

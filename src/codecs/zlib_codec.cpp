@@ -87,8 +87,9 @@ void write_block(unsigned char* out, const ZlibLayout& layout, std::uint32_t len
 // Reads nothing behind the tag or the first zero byte: `data` need not end with one.
 const unsigned char* find_tag(const unsigned char* data) {
     for (; data != nullptr && *data != 0; ++data) {
-        if (std::strncmp(reinterpret_cast<const char*>(data), zlib_tag.data(), zlib_tag.size()) == 0)
+        if (std::strncmp(reinterpret_cast<const char*>(data), zlib_tag.data(), zlib_tag.size()) == 0) {
             return data;
+        }
     }
     throw_codec_failure(no_tag);
 }

@@ -10,14 +10,16 @@ namespace pm::test {
 namespace {
 
 void append(BitString& string, std::string_view bits) {
-    for (const char bit : bits)
+    for (const char bit : bits) {
         string.append(bit == '1');
+    }
 }
 
 std::string text_of(const BitString& string) {
     std::string text;
-    for (BitCursor cursor(string); !cursor.at_end();)
+    for (BitCursor cursor(string); !cursor.at_end();) {
         text.push_back(cursor.next() ? '1' : '0');
+    }
     return text;
 }
 

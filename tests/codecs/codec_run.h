@@ -28,8 +28,9 @@ struct CodecRun {
     }
     std::vector<std::uint32_t> numbers() const {
         std::vector<std::uint32_t> all;
-        for (const Report& report : reports)
+        for (const Report& report : reports) {
             all.push_back(report.number);
+        }
         return all;
     }
 };
@@ -61,15 +62,17 @@ CodecRun run_codec(CodecOperation<Codec> operation, std::string_view data) {
 
 inline std::string word(std::uint32_t value) {
     std::string bytes;
-    for (int shift = 0; shift < 32; shift += 8)
+    for (int shift = 0; shift < 32; shift += 8) {
         bytes.push_back(static_cast<char>(value >> shift));
+    }
     return bytes;
 }
 
 inline std::uint32_t word_at(std::string_view block, std::size_t offset) {
     std::uint32_t value = 0;
-    for (std::size_t i = 4; i-- > 0;)
+    for (std::size_t i = 4; i-- > 0;) {
         value = value << 8 | as_bytes(block)[offset + i];
+    }
     return value;
 }
 

@@ -14,8 +14,9 @@ using Counts = ReferenceHuffman::Counts;
 
 std::string text_of(const BitString& string) {
     std::string text;
-    for (BitCursor cursor(string); !cursor.at_end();)
+    for (BitCursor cursor(string); !cursor.at_end();) {
         text.push_back(cursor.next() ? '1' : '0');
+    }
     return text;
 }
 
@@ -37,8 +38,9 @@ Codes reference_codes_of(const Counts& counts) {
     const ReferenceHuffman reference(counts);
     Codes codes;
     for (std::size_t value = 0; value < counts.size(); ++value) {
-        if (counts[value] > 0)
+        if (counts[value] > 0) {
             codes[static_cast<char>(value)] = reference.code(static_cast<unsigned char>(value));
+        }
     }
     return codes;
 }
@@ -98,8 +100,9 @@ TEST(FreqTrieTest, TreeOfAllValuesHas255InnerNodes) {
 
 TEST(FreqTrieTest, CodesOfDoublingCountersGrowByOneBit) {
     Counts counts{};
-    for (std::size_t i = 0; i < 32; ++i)
+    for (std::size_t i = 0; i < 32; ++i) {
         counts[i] = 1U << i;
+    }
     const Codes codes = codes_of(counts);
     EXPECT_EQ("1", codes.at(31));
     EXPECT_EQ("01", codes.at(30));
@@ -122,8 +125,9 @@ TEST(FreqTrieTest, CodesAreThoseOfTheReferenceForTablesOfManyKinds) {
         Counts counts{};
         const std::uint32_t values = 2 + next() % 255;
         const std::uint32_t range = 1U << next() % 24;
-        for (std::uint32_t i = 0; i < values; ++i)
+        for (std::uint32_t i = 0; i < values; ++i) {
             counts[next() % 256] = 1 + next() % range;
+        }
         counts[0] = counts[1] = 1;
         EXPECT_EQ(reference_codes_of(counts), codes_of(counts)) << round;
     }
@@ -163,8 +167,9 @@ TEST(FreqTrieTest, CodesWithoutMemoryAreTold) {
 
 BitString bits_of(std::string_view text) {
     BitString bits;
-    for (const char bit : text)
+    for (const char bit : text) {
         bits.append(bit == '1');
+    }
     return bits;
 }
 

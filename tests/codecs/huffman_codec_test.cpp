@@ -39,8 +39,9 @@ std::string with_bit_count(std::string block, std::uint32_t bits) {
 std::string block_of(const ReferenceHuffman::Counts& counts, std::uint32_t bit_count,
                      const std::string& bits) {
     std::string block = "pmhuffcodec";
-    for (const std::uint32_t count : counts)
+    for (const std::uint32_t count : counts) {
         block += word(count);
+    }
     return block + word(bit_count) + bits;
 }
 
@@ -60,10 +61,10 @@ void expect_failure(const CodecRun& run, std::uint32_t number, const std::u16str
 
 TEST(HuffmanCodecTest, BlockOfMississippiByteForByte) {
     std::string table(1024, '\0');
-    table[4 * 'i'] = 4;
-    table[4 * 's'] = 4;
-    table[4 * 'p'] = 2;
-    table[4 * 'm'] = 1;
+    table[std::size_t{4} * 'i'] = 4;
+    table[std::size_t{4} * 's'] = 4;
+    table[std::size_t{4} * 'p'] = 2;
+    table[std::size_t{4} * 'm'] = 1;
     const std::string expected = "pmhuffcodec" + table + word(21) + "\x8F\x7A\xD0";
     ASSERT_EQ(1042U, expected.size());
     const CodecRun run = encode("mississippi");
@@ -74,8 +75,9 @@ TEST(HuffmanCodecTest, BlockOfMississippiByteForByte) {
 
 TEST(HuffmanCodecTest, CountersAreLittleEndianWordsInOrderOfTheirValues) {
     const std::string block = encode(std::string(0x010203, '\xFE') + '\xFF').bytes();
-    EXPECT_EQ(std::string("\x03\x02\x01\x00\x01\x00\x00\x00", 8), block.substr(11 + 4 * 0xFE, 8));
-    EXPECT_EQ(std::string(4 * 0xFE, '\0'), block.substr(11, 4 * 0xFE));
+    EXPECT_EQ(std::string("\x03\x02\x01\x00\x01\x00\x00\x00", 8),
+              block.substr(11 + std::size_t{4} * 0xFE, 8));
+    EXPECT_EQ(std::string(std::size_t{4} * 0xFE, '\0'), block.substr(11, std::size_t{4} * 0xFE));
 }
 
 TEST(HuffmanCodecTest, BitCountThatIsAMultipleOfEightHasASpareZeroByte) {
@@ -101,8 +103,9 @@ TEST(HuffmanCodecTest, TwoValuesTakeOneBitEach) {
 
 TEST(HuffmanCodecTest, AllValuesTakeEightBitsEach) {
     std::string all;
-    for (int value = 0; value < 256; ++value)
+    for (int value = 0; value < 256; ++value) {
         all.push_back(static_cast<char>(value));
+    }
     const std::string block = encode(all).bytes();
     EXPECT_EQ(2048U, word_at(block, bit_count_offset));
     EXPECT_EQ(1296U, block.size());
@@ -148,16 +151,18 @@ TEST(HuffmanCodecTest, AgreesWithTheReferenceOnEvenDistributions) {
 TEST(HuffmanCodecTest, AgreesWithTheReferenceOnSkewedDistributions) {
     for (const unsigned shift : {0U, 8U, 16U, 24U}) {
         std::string data = random_bytes(20000, 256, shift);
-        for (char& c : data)
+        for (char& c : data) {
             c = static_cast<char>(static_cast<unsigned char>(c) & static_cast<unsigned char>(-c));
+        }
         expect_agreement(data + "tail");
     }
 }
 
 TEST(HuffmanCodecTest, AgreesWithTheReferenceOnDoublingCountsUpTo2To20) {
     std::string data;
-    for (unsigned i = 0; i <= 20; ++i)
+    for (unsigned i = 0; i <= 20; ++i) {
         data += std::string(std::size_t{1} << i, static_cast<char>(200 - i));
+    }
     expect_agreement(data);
 }
 
@@ -187,13 +192,15 @@ TEST(HuffmanCodecTest, TableThatMissesTheLastSymbolGivesTheOthers) {
 
 TEST(HuffmanCodecTest, TableAloneDecidesTheTree) {
     ReferenceHuffman::Counts counts{};
-    for (std::size_t i = 0; i < 47; ++i)
+    for (std::size_t i = 0; i < 47; ++i) {
         counts[i] = i < 2 ? 1 : counts[i - 1] + counts[i - 2];
+    }
     counts[200] = counts[201] = 0xFFFFFFFF;
     const ReferenceHuffman reference(counts);
     std::string data;
-    for (std::size_t i = 0; i < 47; ++i)
+    for (std::size_t i = 0; i < 47; ++i) {
         data.push_back(static_cast<char>(i));
+    }
     EXPECT_EQ(without_last(data), decode(reference.block(data)).bytes());
 }
 

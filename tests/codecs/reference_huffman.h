@@ -17,8 +17,9 @@ public:
 
     static Counts count(std::string_view data) {
         Counts counts{};
-        for (const char c : data)
+        for (const char c : data) {
             ++counts[static_cast<unsigned char>(c)];
+        }
         return counts;
     }
 
@@ -40,16 +41,18 @@ public:
 
     std::string bits(std::string_view data) const {
         std::string all;
-        for (const char c : data)
+        for (const char c : data) {
             all += code(static_cast<unsigned char>(c));
+        }
         return all;
     }
 
     std::string block(std::string_view data) const {
         const std::string all = bits(data);
         std::string block = "pmhuffcodec";
-        for (const std::uint32_t count : m_counts)
+        for (const std::uint32_t count : m_counts) {
             append_word(block, count);
+        }
         append_word(block, static_cast<std::uint32_t>(all.size()));
         std::string packed(all.size() / 8 + 1, '\0');
         for (std::size_t i = 0; i < all.size(); ++i) {
@@ -61,8 +64,9 @@ public:
     // All that a block holds, the last symbol too.
     static std::string decode(std::string_view block) {
         Counts counts{};
-        for (std::size_t value = 0; value < 256; ++value)
+        for (std::size_t value = 0; value < 256; ++value) {
             counts[value] = read_word(block, 11 + 4 * value);
+        }
         const ReferenceHuffman reference(counts);
         const std::uint32_t bit_count = read_word(block, 1035);
         const int root = reference.m_heap.front();
@@ -130,8 +134,9 @@ private:
     }
 
     static void append_word(std::string& out, std::uint32_t value) {
-        for (int i = 0; i < 4; ++i)
+        for (int i = 0; i < 4; ++i) {
             out.push_back(static_cast<char>(value >> 8 * i & 0xFF));
+        }
     }
     static std::uint32_t read_word(std::string_view from, std::size_t offset) {
         std::uint32_t value = 0;

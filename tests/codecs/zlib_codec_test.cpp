@@ -62,8 +62,9 @@ std::uint32_t adler(std::string_view bytes) {
 
 std::string prose(std::size_t size) {
     std::string text;
-    while (text.size() < size)
+    while (text.size() < size) {
         text += "user_scale=" + std::to_string(text.size() % 977) + "\n";
+    }
     text.resize(size);
     return text;
 }
