@@ -103,10 +103,9 @@ TEST_F(PmToolSave, SetTakesTheTypeOfANewValueFromItsForm) {
         expect_output({"set", "n.pia", name, value}, "");
     }
     expect_content(
-        "n.pia",
-        "PIAFILEVERSION_2.0,\r\n"
-        "long=12\nnegative=-12\ndouble=-1.5\nexponent=1000.0\nlarge=2147483648.0 (   @   "
-        "(\"0>_ ) \nbool=TRUE\nraw=\\00FF\\\nstring=\"12 pens\npoint=\".\nempty=\"\nslash=\"\\x\\\n");
+        "n.pia", "PIAFILEVERSION_2.0,\r\n"
+                 "long=12\nnegative=-12\ndouble=-1.5\nexponent=1000.0\nlarge=2147483648.0 (        X$%@A )\n"
+                 "bool=TRUE\nraw=\\00FF\\\nstring=\"12 pens\npoint=\".\nempty=\"\nslash=\"\\x\\\n");
 }
 
 TEST_F(PmToolSave, TypeOptionReplacesTheType) {

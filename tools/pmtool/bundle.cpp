@@ -1,8 +1,10 @@
 #include "bundle.h"
 
 #include "failure.h"
+#include "output.h"
 #include "safe_save.h"
 #include "text.h"
+#include "tree_compare.h"
 #include "tree_walk.h"
 #include <algorithm>
 #include <fmt/format.h>
@@ -25,17 +27,33 @@ void check_part(const BundlePart& part) {
     }
 }
 
+std::u16string node_of(const BundlePart& part) {
+    return join_path(u"\\", to_utf16(part.name));
+}
+
+std::u16string data_of(const BundlePart& part) {
+    return join_path(node_of(part), u"data");
+}
+
 void load_part(PM_Object& object, const BundlePart& part) {
-    const std::u16string node = join_path(u"\\", to_utf16(part.name));
+    const std::u16string node = node_of(part);
     if (node_exists(object, node))
         throw Failure(fmt::format("section {} is named twice", in_quotes(part.name)));
-    const std::u16string data = join_path(node, u"data");
-    const std::u16string mark = join_path(data, u"x");
+    const std::u16string mark = join_path(data_of(part), u"x");
     // An empty tree must have its node too.
     object.SetProperty(mark.c_str(), 0);
     object.deletePath(mark.c_str());
     object.SetProperty(join_path(node, u"info").c_str(), to_utf16(part.info).c_str());
-    load_strictly(object, part.source, data);
+    load_one_tree(object, part.source, data_of(part));
+}
+
+void check_kept(const PM_Object& object, const BundlePart& part, const std::string& file,
+                const std::string& path) {
+    PM_Object read_back;
+    load_strictly(read_back, {file, path, part.name, &format_named("dpia")}, data_of(part));
+    const FlatTree wanted = flatten(object, data_of(part));
+    const FlatTree kept = flatten(read_back, data_of(part));
+    warn_of_losses(fmt::format("{}[{}]", file, part.name), compare(wanted, kept));
 }
 
 } // namespace
@@ -48,6 +66,8 @@ void write_bundle(const std::string& file, const std::vector<BundlePart>& parts)
     save_safely(file, [&](const std::string& path) {
         translating(file, path,
                     [&] { object.save(to_utf16(path).c_str(), PM_Object::FILE_DPIA, u"", u"\\"); });
+        for (const BundlePart& part : parts)
+            check_kept(object, part, file, path);
     });
 }
 

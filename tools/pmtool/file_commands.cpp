@@ -37,12 +37,8 @@ int convert(const ConvertOptions& options) {
     const Source source = find_source(options.source);
     const Format& format = output_format(options.output);
     if (format.type == PM_Object::FILE_DPIA) return convert_to_dpia(source, options.output.file);
-    if (source.format->type == PM_Object::FILE_DPIA && source.section.empty()) {
-        throw Failure(
-            fmt::format("{}: a dpia file holds several trees; choose one with --section", source.file));
-    }
     PM_Object object;
-    load_strictly(object, source);
+    load_one_tree(object, source);
     const bool is_pia = format.type == PM_Object::FILE_PIA;
     std::string tag = options.output.tag.value_or(is_pia ? tag_of(source) : "");
     if (options.output.compress) tag = with_compression(tag);

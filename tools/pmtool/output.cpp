@@ -3,9 +3,7 @@
 #include "failure.h"
 #include "safe_save.h"
 #include "text.h"
-#include "tree_compare.h"
 #include <fmt/format.h>
-#include <vector>
 
 namespace pmtool {
 
@@ -56,18 +54,6 @@ std::string loss_text(const Difference& difference) {
     return fmt::format("reads back as {}", shown_text(*difference.second));
 }
 
-void warn_of_losses(const Output& output, const std::vector<Difference>& losses) {
-    constexpr std::size_t most_shown = 10;
-    for (std::size_t i = 0; i < losses.size() && i < most_shown; ++i) {
-        fmt::print(stderr, "pmtool: {}: warning: {} {}\n", output.file, printable(to_utf8(losses[i].path)),
-                   loss_text(losses[i]));
-    }
-    if (losses.size() > most_shown) {
-        fmt::print(stderr, "pmtool: {}: warning: {} more like these\n", output.file,
-                   losses.size() - most_shown);
-    }
-}
-
 void check_kept(const PM_Object& object, const Output& output, const std::string& path) {
     FlatTree wanted = flatten(object);
     FlatTree kept = read_back(output, path);
@@ -75,7 +61,7 @@ void check_kept(const PM_Object& object, const Output& output, const std::string
         bools_to_longs(wanted);
         bools_to_longs(kept);
     }
-    warn_of_losses(output, compare(wanted, kept));
+    warn_of_losses(output.file, compare(wanted, kept));
 }
 
 } // namespace
@@ -121,6 +107,17 @@ void save_tree(const PM_Object& object, const Output& output) {
         });
         check_kept(object, output, path);
     });
+}
+
+void warn_of_losses(const std::string& file, const std::vector<Difference>& losses) {
+    constexpr std::size_t most_shown = 10;
+    for (std::size_t i = 0; i < losses.size() && i < most_shown; ++i) {
+        fmt::print(stderr, "pmtool: {}: warning: {} {}\n", file, printable(to_utf8(losses[i].path)),
+                   loss_text(losses[i]));
+    }
+    if (losses.size() > most_shown) {
+        fmt::print(stderr, "pmtool: {}: warning: {} more like these\n", file, losses.size() - most_shown);
+    }
 }
 
 } // namespace pmtool

@@ -2,9 +2,11 @@
 
 #include "formats.h"
 #include "source.h"
+#include "tree_compare.h"
 #include <optional>
 #include <pm/pm.h>
 #include <string>
+#include <vector>
 
 namespace pmtool {
 
@@ -36,5 +38,8 @@ std::string with_compression(const std::string& tag);
 // Writes the whole tree; the target is untouched on failure. What the written file doesn't give back as it
 // was is told on standard error.
 void save_tree(const PM_Object& object, const Output& output);
+
+// Tells on standard error what of `file` reads back other than it was, at most ten lines.
+void warn_of_losses(const std::string& file, const std::vector<Difference>& losses);
 
 } // namespace pmtool

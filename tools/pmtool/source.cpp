@@ -102,6 +102,14 @@ void load_strictly(PM_Object& object, const Source& source, const std::u16string
     translating(source.file, source.path, [&] { load(object, source, base); });
 }
 
+void load_one_tree(PM_Object& object, const Source& source, const std::u16string& base) {
+    if (source.format->type == PM_Object::FILE_DPIA && source.section.empty()) {
+        throw Failure(
+            fmt::format("{}: a dpia file holds several trees; choose one with --section", source.file));
+    }
+    load_strictly(object, source, base);
+}
+
 void translating(const std::string& file, const std::string& path, const std::function<void()>& action) {
     try {
         action();

@@ -33,6 +33,9 @@ void load(PM_Object& object, const Source& source, const std::u16string& base);
 // As load(), but an exception of the library, a bad line too, becomes a Failure.
 void load_strictly(PM_Object& object, const Source& source, const std::u16string& base = u"\\");
 
+// As load_strictly(), but a DPIA file must have a section named: it holds several trees.
+void load_one_tree(PM_Object& object, const Source& source, const std::u16string& base = u"\\");
+
 // Runs `action`; an exception of the library becomes a Failure about `file`, which the library knows as
 // `path`.
 void translating(const std::string& file, const std::string& path, const std::function<void()>& action);

@@ -107,11 +107,20 @@ std::string entry_line(char mark, const std::u16string& path, const Value& value
     return fmt::format("{} {}: {} = {}\n", mark, name, type_name(value), shown_text(value));
 }
 
+// All trees of a file with several, each below its name.
+void load_all(PM_Object& object, const SourceOptions& options) {
+    const std::vector<Source> parts = parts_of(find_source(options));
+    for (const Source& part : parts) {
+        const bool is_named = parts.size() > 1 && !part.section.empty();
+        load_strictly(object, part, is_named ? join_path(u"\\", to_utf16(part.section)) : u"\\");
+    }
+}
+
 int compare_files(const CompareOptions& options) {
     PM_Object first;
     PM_Object second;
-    load_strictly(first, find_source(options.first));
-    load_strictly(second, find_source(options.second));
+    load_all(first, options.first);
+    load_all(second, options.second);
     const FlatTree a = flatten(first);
     const FlatTree b = flatten(second);
     const std::vector<Difference> differences = compare(a, b);

@@ -1,0 +1,128 @@
+#include "tools/run_tool.h"
+
+namespace pm::test {
+
+namespace {
+
+class PmToolSections : public ToolTest {
+protected:
+    PmToolSections() {
+        copy_sample("sections.dpia", "s.dpia");
+        folder.write("a.pia", "PIAFILEVERSION_2.0,\na=1\n");
+        folder.write("b.pia", "PIAFILEVERSION_2.0,\nx{\n b=2\n}\n");
+    }
+};
+
+TEST_F(PmToolSections, SectionsAreListedWithTheirInfo) {
+    expect_output({"sections", "s.dpia"}, "Office\tDrawing office, third floor\n"
+                                          "Workshop\tPlotter beside the paint shop\n"
+                                          "Archive\n");
+}
+
+TEST_F(PmToolSections, PlottersOfACfgFileAreListedByNumber) {
+    expect_output({"sections", sample_folder + "/three-plotters.cfg"}, "1\n2\n3\n");
+}
+
+TEST_F(PmToolSections, TreeOfADpiaFileIsItsDirectory) {
+    expect_output({"tree", "s.dpia", "\\DPIA_directory\\2"},
+                  "descriptor: string = \"Archive\"\ninfo: string = \"\"\n");
+}
+
+TEST_F(PmToolSections, SectionIsReadAsUtf8) {
+    expect_output({"tree", "s.dpia", "\\stamp", "--section", "Archive"},
+                  "text: string = \"Archivkopie \xE2\x80\x93 nicht ma\xC3\x9Fst\xC3\xA4"
+                  "blich\"\n"
+                  "x: double = 10.0\n"
+                  "y: double = 10.0\n"
+                  "bits: raw = 3C428181423C\n");
+}
+
+TEST_F(PmToolSections, UnknownSectionIsTrouble) {
+    expect_trouble({"tree", "s.dpia", "--section", "archive"},
+                   "s.dpia: The file has no section of this name (error 83): archive");
+}
+
+TEST_F(PmToolSections, ExtractWritesOneSection) {
+    expect_output({"extract", "s.dpia", "Archive", "-o", "x.pia"}, "");
+    EXPECT_TRUE(folder.read("x.pia").starts_with("PIAFILEVERSION_2.0,\r\nname=\"Reprints\n"));
+    expect_output({"extract", "s.dpia", "Archive", "-o", "y.pia", "--compress", "--tag", "t"}, "");
+    EXPECT_TRUE(folder.read("y.pia").starts_with("PIAFILEVERSION_2.0,t,compress\r\n"));
+    expect_output({"compare", "x.pia", "y.pia"}, "x.pia and y.pia hold equal trees.\n");
+}
+
+TEST_F(PmToolSections, ConvertNeedsASectionToBeChosen) {
+    expect_trouble({"convert", "s.dpia", "x.pia"},
+                   "s.dpia: a dpia file holds several trees; choose one with --section");
+    expect_output({"convert", "s.dpia", "x.pia", "--section", "Office"}, "");
+    expect_output({"get", "x.pia", "name"}, run({"get", "s.dpia", "name", "--section", "Office"}).out);
+}
+
+TEST_F(PmToolSections, DpiaFileIsConvertedByteForByte) {
+    expect_output({"convert", "s.dpia", "t.dpia"}, "");
+    EXPECT_EQ(folder.read("s.dpia"), folder.read("t.dpia"));
+}
+
+TEST_F(PmToolSections, ConvertMakesOneSectionOfAnotherFile) {
+    expect_output({"convert", "a.pia", "t.dpia"}, "");
+    expect_output({"sections", "t.dpia"}, "a\n");
+    expect_output({"tree", "t.dpia", "--section", "a"}, "a: long = 1\n");
+}
+
+TEST_F(PmToolSections, BundleWritesNamedSectionsInOrder) {
+    expect_output(
+        {"bundle", "-o", "t.dpia", "B=b.pia", "A=a.pia", "--info", "A=of a=b", "--info", "B=second one"}, "");
+    expect_output({"sections", "t.dpia"}, "B\tsecond one\nA\tof a=b\n");
+    expect_output({"tree", "t.dpia", "--section", "B"}, "x\\\n  b: long = 2\n");
+    expect_output({"tree", "t.dpia", "--section", "A"}, "a: long = 1\n");
+}
+
+TEST_F(PmToolSections, FileWithoutPropertiesIsAnEmptySection) {
+    folder.write("e.pia", "PIAFILEVERSION_2.0,\n");
+    expect_output({"bundle", "-o", "t.dpia", "E=e.pia"}, "");
+    expect_output({"sections", "t.dpia"}, "E\n");
+    expect_output({"tree", "t.dpia", "--section", "E"}, "");
+}
+
+TEST_F(PmToolSections, BundleThatCannotBeWrittenLeavesNothing) {
+    expect_trouble({"bundle", "-o", "t.dpia", "A=a.pia", "A=b.pia"}, "section \"A\" is named twice");
+    expect_trouble({"bundle", "-o", "t.dpia", "A\\B=a.pia"},
+                   "\"A\\\\B\": this can't be the name of a section");
+    expect_trouble({"bundle", "-o", "t.dpia", "*=a.pia"}, "\"*\": this can't be the name of a section");
+    expect_trouble({"bundle", "-o", "t.dpia", "=a.pia"}, "\"\": this can't be the name of a section");
+    expect_trouble({"bundle", "-o", "t.dpia", "\xC3\x84=a.pia"},
+                   "section \"\xC3\x84\": its name and info must be ASCII in a dpia file");
+    expect_trouble({"bundle", "-o", "t.dpia", "A=a.pia", "--info", "A=\xC3\x84"},
+                   "section \"A\": its name and info must be ASCII in a dpia file");
+    expect_trouble({"bundle", "-o", "t.dpia", "A"}, "A: this must have the form NAME=FILE");
+    expect_trouble({"bundle", "-o", "t.dpia", "A=a.pia", "--info", "A"},
+                   "A: this must have the form NAME=TEXT");
+    expect_trouble({"bundle", "-o", "t.dpia", "A=a.pia", "--info", "B=x"},
+                   "B: no section of this name is being written");
+    expect_trouble({"bundle", "-o", "t.dpia", "A=no.pia"}, "no.pia: The file doesn't exist (error 63)");
+    expect_trouble({"bundle", "-o", "t.dpia", "A=s.dpia"},
+                   "s.dpia: a dpia file holds several trees; choose one with --section");
+    EXPECT_EQ((std::vector<std::string>{"a.pia", "b.pia", "s.dpia"}), file_names());
+}
+
+TEST_F(PmToolSections, CompareLooksIntoEverySection) {
+    expect_output({"bundle", "-o", "t.dpia", "A=a.pia", "B=b.pia"}, "");
+    expect_output({"bundle", "-o", "u.dpia", "A=a.pia", "B=a.pia"}, "");
+    expect_no({"compare", "t.dpia", "u.dpia"}, "+ \\B\\a: long = 1\n- \\B\\x\\\n- \\B\\x\\b: long = 2\n");
+}
+
+TEST_F(PmToolSections, CheckGoesThroughAllSections) {
+    expect_output({"check", "s.dpia"}, "s.dpia: no bad lines\n");
+    expect_output({"check", "s.dpia", "--section", "Office"}, "s.dpia: no bad lines\n");
+}
+
+TEST_F(PmToolSections, BadLineIsToldWithItsSection) {
+    const std::string section = "PIAFILEVERSION_2.0,\na=1\nb=1.x\nc=yes\n";
+    folder.write("bad.dpia", std::string("\0\0\1\0\1\0\0\0\1\0\0\0A\0\0\0\0", 17) +
+                                 std::string{static_cast<char>(section.size()), '\0', '\0', '\0'} + section);
+    expect_no({"check", "bad.dpia"}, "bad.dpia[A]:3: The line isn't valid (error 57): b=1.x\n"
+                                     "bad.dpia[A]: The value is of no known type (error 88): c=yes\n");
+}
+
+} // namespace
+
+} // namespace pm::test
