@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <memory>
 
 namespace pm {
@@ -22,6 +23,7 @@ using Block = std::unique_ptr<T[], Releaser>;
 
 template<class T>
 Block<T> allocate_block(std::size_t count) noexcept {
+    if (count > std::numeric_limits<std::size_t>::max() / sizeof(T)) return nullptr;
     return Block<T>(static_cast<T*>(allocate(count * sizeof(T))));
 }
 
