@@ -44,6 +44,7 @@ public:
 
 private:
     void copy_place_narrow(const char* text) noexcept;
+    void copy_args(const ZT_Exception& other) noexcept;
 
     std::shared_ptr<const char16_t[]> m_place_owner;
 };

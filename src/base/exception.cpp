@@ -41,7 +41,7 @@ ZT_Exception::ZT_Exception(const ZT_Exception& other) noexcept
       m_place_owner(other.m_place_owner) {
     copy_detail(other.m_detail, m_detail);
     copy_place_narrow(other.m_place_narrow);
-    std::copy_n(other.m_args, m_arg_count, m_args);
+    copy_args(other);
 }
 
 ZT_Exception& ZT_Exception::operator=(const ZT_Exception& other) noexcept {
@@ -54,7 +54,7 @@ ZT_Exception& ZT_Exception::operator=(const ZT_Exception& other) noexcept {
     m_place_owner = other.m_place_owner;
     copy_detail(other.m_detail, m_detail);
     copy_place_narrow(other.m_place_narrow);
-    std::copy_n(other.m_args, m_arg_count, m_args);
+    copy_args(other);
     return *this;
 }
 
@@ -73,6 +73,10 @@ void ZT_Exception::copy_place_narrow(const char* text) noexcept {
     const std::size_t size = std::strlen(text) + 1;
     m_place_narrow = new (std::nothrow) char[size];
     if (m_place_narrow != nullptr) std::memcpy(m_place_narrow, text, size);
+}
+
+void ZT_Exception::copy_args(const ZT_Exception& other) noexcept {
+    std::copy_n(other.m_args, std::clamp<int>(other.m_arg_count, 0, arg_capacity), m_args);
 }
 
 ZT_Warning::~ZT_Warning() = default;
