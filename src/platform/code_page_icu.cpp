@@ -4,6 +4,7 @@
 #include <array>
 #include <atomic>
 #include <memory>
+#include <span>
 #include <unicode/ucnv.h>
 #include <unicode/ucnv_cb.h>
 #include <unicode/ustring.h>
@@ -54,12 +55,22 @@ Converter open_converter(unsigned number) {
     return U_SUCCESS(status) ? std::move(converter) : nullptr;
 }
 
+// What ICU takes a byte for that stands alone.
+char16_t decode_byte(UConverter* converter, unsigned byte) {
+    const char narrow = static_cast<char>(byte);
+    const char* source = &narrow;
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_reset(converter);
+    const UChar32 unit = ucnv_getNextUChar(converter, &source, source + 1, &status);
+    return U_SUCCESS(status) && unit <= 0xFFFF ? static_cast<char16_t>(unit) : replacement;
+}
+
 // A page of one byte a character, kept as two tables: no converter is used after construction.
 class SingleBytePage final : public CodePage {
 public:
     SingleBytePage(unsigned number, UConverter* converter) : CodePage(number) {
         for (unsigned byte = 0; byte < m_wide.size(); ++byte) {
-            m_wide[byte] = decode_byte(converter, byte);
+            m_wide[byte] = meaning(converter, byte);
         }
         for (unsigned byte = 0x80; byte < m_wide.size(); ++byte) {
             if (m_wide[byte] != replacement) m_bytes.emplace_back(m_wide[byte], static_cast<char>(byte));
@@ -70,15 +81,10 @@ public:
     std::size_t character_length(const char*) const override { return 1; }
 
 private:
-    static char16_t decode_byte(UConverter* converter, unsigned byte) {
+    static char16_t meaning(UConverter* converter, unsigned byte) {
         if (byte < 0x80) return static_cast<char16_t>(byte);
-        const char narrow = static_cast<char>(byte);
-        const char* source = &narrow;
-        UErrorCode status = U_ZERO_ERROR;
-        ucnv_reset(converter);
-        const UChar32 unit = ucnv_getNextUChar(converter, &source, source + 1, &status);
-        if (U_SUCCESS(status) && unit != replacement && unit <= 0xFFFF) return static_cast<char16_t>(unit);
-        return byte < 0xA0 ? static_cast<char16_t>(byte) : replacement;
+        const char16_t unit = decode_byte(converter, byte);
+        return unit == replacement && byte < 0xA0 ? static_cast<char16_t>(byte) : unit;
     }
 
     void decode_rest(std::string_view narrow, std::u16string& wide) const override {
@@ -170,6 +176,7 @@ public:
         ucnv_setFromUCallBack(m_converter.get(), write_question_marks, nullptr, nullptr, nullptr, &status);
         ucnv_setToUCallBack(m_converter.get(), write_replacement, nullptr, nullptr, nullptr, &status);
         ucnv_getStarters(m_converter.get(), m_lead_bytes.data(), &status);
+        learn_ascii();
     }
 
     std::size_t character_length(const char* text) const override {
@@ -185,6 +192,7 @@ private:
                                                   static_cast<std::int32_t>(2 * narrow.size()), narrow.data(),
                                                   static_cast<std::int32_t>(narrow.size()), &status);
         wide.resize(start + static_cast<std::size_t>(U_SUCCESS(status) ? length : 0));
+        put_ascii_back(wide, start, m_byte_of);
     }
 
     void encode_rest(std::u16string_view wide, std::string& narrow) const override {
@@ -196,10 +204,36 @@ private:
             ucnv_fromUChars(m_converter.get(), narrow.data() + start, static_cast<std::int32_t>(room),
                             wide.data(), static_cast<std::int32_t>(wide.size()), &status);
         narrow.resize(start + static_cast<std::size_t>(U_SUCCESS(status) ? length : 0));
+        put_ascii_back(narrow, start, m_unit_of);
+    }
+
+    using AsciiTable = std::array<unsigned char, 0x80>;
+
+    // ICU's table of 932 is of IBM's kind, which trades the controls 1A, 1C and 7F for one another. None of
+    // them is ever the second byte of a character.
+    void learn_ascii() {
+        for (unsigned byte = 0; byte < m_unit_of.size(); ++byte) {
+            const auto unit = static_cast<unsigned char>(decode_byte(m_converter.get(), byte) & 0x7F);
+            m_unit_of[byte] = unit;
+            m_byte_of[unit] = static_cast<unsigned char>(byte);
+            m_ascii_moves = m_ascii_moves || unit != byte;
+        }
+    }
+
+    template<class Text>
+    void put_ascii_back(Text& text, std::size_t start, const AsciiTable& table) const {
+        if (!m_ascii_moves) return;
+        for (auto& unit : std::span(text).subspan(start)) {
+            const auto code = static_cast<std::make_unsigned_t<typename Text::value_type>>(unit);
+            if (code < table.size()) unit = static_cast<typename Text::value_type>(table[code]);
+        }
     }
 
     Converter m_converter;
     std::array<UBool, 256> m_lead_bytes{};
+    AsciiTable m_unit_of{}; // what ICU takes an ASCII byte for, and the other way about
+    AsciiTable m_byte_of{};
+    bool m_ascii_moves = false;
 };
 
 std::unique_ptr<CodePage> make_code_page(unsigned number) {
