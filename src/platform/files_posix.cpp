@@ -20,7 +20,8 @@ std::u16string make_temp_file() {
     constexpr std::size_t folder_limit = 256;
     const char* set = std::getenv("TMPDIR");
     std::string name = set != nullptr && *set != '\0' ? set : "/tmp";
-    if (to_wide(name, utf8_code_page).size() >= folder_limit) return {};
+    const std::u16string folder = to_wide(name, utf8_code_page);
+    if (folder.size() >= folder_limit || native_file_name(folder) != name) return {};
     name += "/XXXXXX";
     const int file = mkstemp(name.data());
     if (file < 0) return {};
