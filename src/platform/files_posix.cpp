@@ -1,6 +1,7 @@
 #include "platform/files.h"
 
 #include "platform/code_page.h"
+#include <cerrno>
 #include <cstdlib>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -23,8 +24,12 @@ std::u16string make_temp_file() {
     const std::u16string folder = to_wide(name, utf8_code_page);
     if (folder.size() >= folder_limit || native_file_name(folder) != name) return {};
     name += "/XXXXXX";
+    const int code = errno;
     const int file = mkstemp(name.data());
-    if (file < 0) return {};
+    if (file < 0) {
+        errno = code; // no failure: callers do without
+        return {};
+    }
     close(file);
     return to_wide(name, utf8_code_page);
 }
