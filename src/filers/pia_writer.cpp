@@ -4,6 +4,7 @@
 #include "base/text.h"
 #include <cstring>
 #include <ostream>
+#include <pm/exception.h>
 
 namespace pm {
 
@@ -40,8 +41,13 @@ void PiaWriter::flush() {
 }
 
 void PiaWriter::write_body(PM_Iterator& walk) {
-    write_properties(walk, 0);
-    write_nodes(walk);
+    try {
+        write_properties(walk, 0);
+        write_nodes(walk);
+    } catch (const ZT_Exception&) {
+        flush();
+        throw;
+    }
     m_pending += '\0';
     flush();
 }

@@ -18,7 +18,8 @@ public:
 
     // Wide text as it stands.
     void write_text(std::u16string_view text);
-    // The whole body. Stops early, without a word, when the stream fails.
+    // The whole body. Stops early, without a word, when the stream fails. When a value can't be had, the
+    // lines in front of it are in the stream.
     void write_body(PM_Iterator& walk);
     // Hands what is kept back to the stream.
     void flush();
