@@ -118,11 +118,11 @@ void PM_PIAFile::getVersion(char16_t* buffer, std::size_t size) {
         ++m_line_number;
         line = m_reader.read_line(header_limit);
         if (line.end == pm::LineReader::End::too_long) m_stream->setstate(std::ios::failbit);
+        line.text = line.text.substr(0, line.text.find('\0'));
     } while (line.text.empty() && line.end == pm::LineReader::End::line);
     check_stream(version_place, file_name());
 
-    const std::string_view bytes = line.text.substr(0, line.text.find('\0'));
-    const std::u16string wide = pm::to_wide(bytes);
+    const std::u16string wide = pm::to_wide(line.text);
     std::u16string_view text = wide;
     if (text.ends_with(u'\r')) text.remove_suffix(1);
     text = pm::skip_any(text, u" \t");
