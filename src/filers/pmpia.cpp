@@ -305,13 +305,14 @@ void PM_PIAFile::store_raw(PM_Object& target, const char16_t* path, std::u16stri
 }
 
 void PM_PIAFile::opening_line(pm::WorkingPath& path, std::u16string_view line) {
+    // What stands behind the "{" counts for nothing and isn't told either.
     const std::u16string_view name = line.substr(0, line.find(u'{'));
     if (name.empty() || name.find_first_of(forbidden_in_node_name) != std::u16string_view::npos) {
-        raise_bad_line(line);
+        raise_bad_line(name);
     }
     if (m_unopened == 0 && name.size() <= name_limit && path.push(name)) return;
     // A block whose name has no room is passed over whole.
-    if (m_unopened++ == 0) report_bad_line<PM_Error>(line);
+    if (m_unopened++ == 0) report_bad_line<PM_Error>(name);
 }
 
 void PM_PIAFile::closing_line(pm::WorkingPath& path, std::u16string_view line) {
