@@ -1,36 +1,33 @@
 #include "filers/pia_frame.h"
 
-#include "base/little_endian.h"
+#include "codecs/little_endian.h"
+#include "codecs/zlib_block.h"
 #include <algorithm>
 #include <cstdint>
-#include <string_view>
 
 namespace pm {
 
 namespace {
 
-constexpr std::string_view tag = "pmzlibcodec";
-constexpr std::size_t plain_header = 19;
-constexpr std::size_t checked_header = 23;
-constexpr std::size_t most_expansion = 1032;
+constexpr std::uint64_t most_expansion = 1032; // of deflate, bytes for a byte
+
+void lower_to(unsigned char* word, std::uint64_t most) {
+    if (load_u32(word) > most) store_u32(word, static_cast<std::uint32_t>(most));
+}
 
 } // namespace
 
-std::size_t PiaFrame::written_size(std::size_t decoded_size) const {
-    return std::min(decoded_size, most_expansion * stream.size());
-}
+static_assert(checked_layout.stream <= pia_frame_padding);
 
-std::optional<PiaFrame> find_pia_frame(std::span<const unsigned char> file, bool checked) {
-    const auto end = std::find(file.begin(), file.end(), 0);
-    const auto found = std::search(file.begin(), end, tag.begin(), tag.end());
-    if (found == end) return std::nullopt;
+void bound_pia_frame(unsigned char* file, std::size_t size, bool checked) {
+    unsigned char* const text_end = std::find(file, file + size, 0);
+    unsigned char* const block = std::search(file, text_end, zlib_tag.begin(), zlib_tag.end());
+    if (block == text_end) return;
 
-    const auto block = file.subspan(static_cast<std::size_t>(found - file.begin()));
-    const std::size_t header = checked ? checked_header : plain_header;
-    if (block.size() < header) return std::nullopt;
-    const std::size_t stream_size = read_le32(block.data() + header - sizeof(std::uint32_t));
-    if (stream_size > block.size() - header) return std::nullopt;
-    return PiaFrame{block.subspan(header, stream_size)};
+    const ZlibLayout& layout = checked ? checked_layout : plain_layout;
+    const auto block_size = static_cast<std::size_t>(file + size - block);
+    lower_to(block + layout.stream_length, block_size - std::min(block_size, layout.stream));
+    lower_to(block + layout.length, most_expansion * load_u32(block + layout.stream_length));
 }
 
 } // namespace pm

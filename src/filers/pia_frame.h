@@ -1,23 +1,18 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
-#include <span>
 
 namespace pm {
 
-// The lengths of a zlib block that stands in a file, checked against the file's real size: the codec trusts
-// them.
-struct PiaFrame {
-    std::span<const unsigned char> stream;
+// Zero bytes that bound_pia_frame() and the codec need behind a file.
+inline constexpr std::size_t pia_frame_padding = 32;
 
-    // Bytes of a decoded block of the given size that the stream can have written: deflate expands at most
-    // 1032 to 1. What lies behind them is zero.
-    std::size_t written_size(std::size_t decoded_size) const;
-};
-
-// The frame behind the first "pmzlibcodec" of a zero-terminated file; nothing if there is none or if it
-// doesn't fit into the file. `checked` tells which of the two block forms it has.
-std::optional<PiaFrame> find_pia_frame(std::span<const unsigned char> file, bool checked);
+// Corrects the lengths of the zlib block in a file before the codec, which trusts them, reads it: the stream
+// ends where the file does, and decodes to no more than a stream of its length can. A true length stays. The
+// block is the one behind the first "pmzlibcodec" that stands in front of any zero byte; a file without it
+// is left alone. `checked` tells which of the two block forms it has.
+//
+// `pia_frame_padding` zero bytes stand behind the `size` bytes; they may be changed.
+void bound_pia_frame(unsigned char* file, std::size_t size, bool checked);
 
 } // namespace pm

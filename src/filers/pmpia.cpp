@@ -21,6 +21,7 @@ constexpr const char16_t* load_place = u"PM_PIAFile::load()";
 constexpr const char16_t* save_place = u"PM_PIAFile::save()";
 constexpr const char16_t* version_place = u"PM_PIAFile::getVersion()";
 
+constexpr std::uint32_t bad_path = 51;
 constexpr std::uint32_t bad_raw_data = 53;
 constexpr std::uint32_t bad_line = 57;
 constexpr std::uint32_t not_decoded = 84;
@@ -47,7 +48,7 @@ bool holds(std::u16string_view text, std::u16string_view word) {
     return text.find(word) != std::u16string_view::npos;
 }
 
-// The whole stream in one block with a zero byte behind.
+// The whole stream in one block with zero bytes behind.
 struct FileBlock {
     pm::Block<unsigned char> bytes;
     std::size_t size = 0;
@@ -57,13 +58,14 @@ FileBlock read_whole(std::istream& stream) {
     FileBlock file;
     stream.seekg(0, std::ios::end);
     const std::streamoff end = stream.tellg();
+    if (end < 0) stream.setstate(std::ios::failbit);
     stream.seekg(0);
     if (!stream) return file;
     file.size = static_cast<std::size_t>(end);
-    file.bytes = pm::allocate_block<unsigned char>(file.size + 1);
+    file.bytes = pm::allocate_block<unsigned char>(file.size + pm::pia_frame_padding);
     if (!file.bytes) return file;
     stream.read(reinterpret_cast<char*>(file.bytes.get()), end);
-    file.bytes[file.size] = 0;
+    std::fill_n(file.bytes.get() + file.size, pm::pia_frame_padding, static_cast<unsigned char>(0));
     return file;
 }
 
@@ -156,40 +158,41 @@ void PM_PIAFile::load(PM_Object* target, const char16_t* base, PM_Object::FileTy
     getVersion(header, version_units);
 
     std::unique_ptr<pm::BodyStream> body;
-    const bool checked = std::u16string_view(header).starts_with(version_2);
-    if (holds(header, compress_word) && (checked || std::u16string_view(header).starts_with(version_1))) {
-        body = decode_body(checked);
-        m_reader.attach(body->stream());
+    if (holds(header, compress_word)) {
+        body = decode_body(header);
+        // A file of neither version has now been read to its end, and gives no lines.
+        m_reader.attach(body ? body->stream() : *m_stream);
     }
     load_body(*target, base, body ? body->stream() : *m_stream);
 }
 
-std::unique_ptr<pm::BodyStream> PM_PIAFile::decode_body(bool checked) {
+std::unique_ptr<pm::BodyStream> PM_PIAFile::decode_body(std::u16string_view header) {
     const FileBlock file = read_whole(*m_stream);
     check_stream(load_place, file_name());
     if (!file.bytes) raise_no_memory(unit_place, u"buffer");
+    const bool checked = header.starts_with(version_2);
+    if (!checked && !header.starts_with(version_1)) return nullptr;
 
-    const auto failed = [] {
-        throw PM_Severe(not_decoded, unit_place, u"decompression of PIA data failed", source);
-    };
-    const auto frame = pm::find_pia_frame({file.bytes.get(), file.size}, checked);
-    if (!frame) failed();
+    pm::bound_pia_frame(file.bytes.get(), file.size, checked);
     PM_zlib_Codec codec(file.bytes.get(), static_cast<std::uint32_t>(file.size), m_handler);
     unsigned char* decoded = nullptr;
-    std::uint32_t decoded_size = 0;
-    const bool good = checked ? codec.decodeCRC(decoded, decoded_size) : codec.decode(decoded, decoded_size);
-    if (!good) failed();
+    std::uint32_t size = 0;
+    if (!(checked ? codec.decodeCRC(decoded, size) : codec.decode(decoded, size))) {
+        throw PM_Severe(not_decoded, unit_place, u"decompression of PIA data failed", source);
+    }
     const pm::Block<unsigned char> text(decoded);
 
     auto body = std::make_unique<pm::BodyStream>();
-    body->stream().write(reinterpret_cast<const char*>(text.get()),
-                         static_cast<std::streamsize>(frame->written_size(decoded_size)));
+    body->stream().write(reinterpret_cast<const char*>(text.get()), static_cast<std::streamsize>(size));
     body->stream().seekg(0);
     check_stream(load_place, file_name(), body->stream());
     return body;
 }
 
 void PM_PIAFile::load_body(PM_Object& target, const char16_t* base, const std::ios& stream) {
+    if (pm::view(base).size() > pm::WorkingPath::capacity) {
+        throw PM_Warning(bad_path, load_place, base, source);
+    }
     pm::WorkingPath path(pm::view(base));
     const pm::CodePage& page = pm::code_page(text_code_page());
     std::u16string line;

@@ -53,7 +53,8 @@ protected:
     pm::LineReader m_reader;
 
 private:
-    std::unique_ptr<pm::BodyStream> decode_body(bool checked);
+    // The plain text of a compressed file; null, with m_stream at its end, if `header` tells no version.
+    std::unique_ptr<pm::BodyStream> decode_body(std::u16string_view header);
     void load_body(PM_Object& target, const char16_t* base, const std::ios& stream);
     void load_line(PM_Object& target, pm::WorkingPath& path, std::u16string& line);
     void property_line(PM_Object& target, pm::WorkingPath& path, const std::u16string& line);

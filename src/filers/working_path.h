@@ -11,6 +11,7 @@ class WorkingPath {
 public:
     static constexpr std::size_t capacity = 1023;
 
+    // `base` has at most `capacity` units; an empty one counts as "\".
     explicit WorkingPath(std::u16string_view base) { append(base.empty() ? u"\\" : base); }
 
     // Append text as it stands, or as a component: with a "\" in front unless the path ends in one. False,
