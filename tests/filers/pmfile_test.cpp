@@ -1,0 +1,360 @@
+#include "filers/pmfile.h"
+
+#include "filers/pia_text.h"
+#include "support/exceptions.h"
+#include "support/recording_handler.h"
+#include "support/scoped_settings.h"
+#include "support/temp_folder.h"
+#include <cerrno>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <sys/resource.h>
+
+namespace {
+
+using pm::test::expect_thrown;
+using pm::test::RecordingHandler;
+using pm::test::TempFolder;
+using pm::test::thrown_by;
+
+constexpr const char16_t* place = u"a place";
+constexpr const char16_t* source = u"$Workfile: pmfile_test $ $Revision: #1 $";
+
+class TestFiler : public PM_File {
+public:
+    explicit TestFiler(ZT_Error_Handler* handler = nullptr) : PM_File(handler) {}
+    void load(PM_Object*, const char16_t*, PM_Object::FileType) override {}
+    void save(const PM_Object*, const char16_t*, PM_Object::FileType, const char16_t*) override {}
+    void attach(std::iostream*) override {}
+    void open(const char16_t*, bool) override {}
+    void close() override {}
+    void getVersion(char16_t*, std::size_t) override {}
+
+    using PM_File::check_stream;
+    using PM_File::copy_version;
+    using PM_File::set_bool;
+    using PM_File::set_data;
+    using PM_File::set_double;
+    using PM_File::set_long;
+    using PM_File::set_string;
+    using PM_File::stream_error_number;
+};
+
+PM_Error an_error() {
+    return {57, place, u"a detail", source};
+}
+
+void expect_an_error(const ZT_Exception& e) {
+    EXPECT_EQ(57U, e.m_number);
+    EXPECT_EQ(std::u16string(place), e.m_place);
+    EXPECT_STREQ("a place", e.m_place_narrow);
+    EXPECT_EQ(std::u16string(u"a detail"), e.m_detail);
+    EXPECT_EQ(std::u16string(source), e.m_source);
+    EXPECT_EQ(GetPMErrResHandle(), e.m_res_handle);
+}
+
+TEST(FilerReport, WithoutHandlerThrowsAPlainExceptionOfTheSameContent) {
+    TestFiler filer;
+    const std::type_info* type = nullptr;
+    const auto e = thrown_by([&] { filer.report(an_error()); }, &type);
+    ASSERT_TRUE(e);
+    EXPECT_EQ(typeid(ZT_Exception), *type);
+    expect_an_error(*e);
+}
+
+TEST(FilerReport, WithoutHandlerAWarningLosesItsClassToo) {
+    TestFiler filer;
+    const PM_Warning warning(88, place, u"", source);
+    expect_thrown<ZT_Exception>([&] { filer.report(warning); }, 88, place, u"");
+}
+
+TEST(FilerReport, HandlersAnswerIsGivenBack) {
+    for (const int answer : {1, 2, -1, 77}) {
+        RecordingHandler handler(answer);
+        TestFiler filer(&handler);
+        EXPECT_EQ(answer, filer.report(an_error()));
+    }
+}
+
+TEST(FilerReport, HandlerHearsTheContentByTheKindOfTheClass) {
+    RecordingHandler handler;
+    TestFiler filer(&handler);
+    filer.report(an_error());
+    filer.report(PM_Warning(88, u"a line", u"", u""));
+    EXPECT_EQ(2, filer.report(PM_Severe(84, place, u"", source)));
+    ASSERT_EQ(3U, handler.reports.size());
+    EXPECT_EQ(2, handler.reports[0].kind);
+    EXPECT_EQ(57U, handler.reports[0].number);
+    EXPECT_EQ(place, handler.reports[0].place);
+    EXPECT_EQ(u"a detail", handler.reports[0].detail);
+    EXPECT_EQ(source, handler.reports[0].source);
+    EXPECT_EQ(1, handler.reports[1].kind);
+    EXPECT_EQ(4, handler.reports[2].kind);
+    EXPECT_EQ((std::vector<std::int32_t>{0, 0, 0}), handler.argument_counts);
+}
+
+TEST(FilerReport, AnswerOfZeroCancelsWithTheSameContent) {
+    RecordingHandler handler(0);
+    TestFiler filer(&handler);
+    const std::type_info* type = nullptr;
+    const auto e = thrown_by([&] { filer.report(an_error()); }, &type);
+    ASSERT_TRUE(e);
+    EXPECT_EQ(typeid(ZT_Canceled_Error), *type);
+    expect_an_error(*e);
+    EXPECT_EQ(1U, handler.reports.size());
+}
+
+TEST(FilerReport, SevereErrorPassesWhateverTheHandlerAnswers) {
+    RecordingHandler handler(0);
+    TestFiler filer(&handler);
+    EXPECT_EQ(2, filer.report(PM_Severe(84, place, u"", source)));
+}
+
+TEST(FilerReport, CancellationIsThrownOnWithoutAskingTheHandler) {
+    RecordingHandler handler;
+    TestFiler filer(&handler);
+    const ZT_Canceled_Error cancelled(an_error());
+    expect_thrown<ZT_Canceled_Error>([&] { filer.report(cancelled); }, 57, place, u"a detail");
+    EXPECT_TRUE(handler.reports.empty());
+    EXPECT_TRUE(handler.argument_counts.empty());
+}
+
+struct ErrorNumberRow {
+    int code;
+    std::uint32_t number;
+};
+
+constexpr ErrorNumberRow error_numbers[] = {
+    {ENOENT, 63},
+    {E2BIG, 71},
+    {ENOEXEC, 79},
+    {EBADF, 73},
+    {ECHILD, 74},
+    {EAGAIN, 72},
+    {ENOMEM, 64},
+    {EACCES, 61},
+    {EEXIST, 77},
+    {EXDEV, 81},
+    {EINVAL, 78},
+    {EMFILE, 62},
+    {ENOSPC, 65},
+    {EDOM, 76},
+    {ERANGE, 80},
+    {EDEADLK, 75},
+    // Everything else.
+    {0, 82},
+    {EPERM, 82},
+    {EINTR, 82},
+    {EIO, 82},
+    {ENXIO, 82},
+    {EISDIR, 82},
+    {ENAMETOOLONG, 82},
+    {ELOOP, 82},
+    {-1, 82},
+};
+
+TEST(FilerStreamCheck, NumberFollowsFromTheErrorCode) {
+    for (const ErrorNumberRow& row : error_numbers) {
+        EXPECT_EQ(row.number, TestFiler::stream_error_number(row.code)) << row.code;
+    }
+}
+
+TEST(FilerStreamCheck, FailedStreamThrowsTheNumberOfTheLastErrorCode) {
+    for (const ErrorNumberRow& row : error_numbers) {
+        std::stringstream stream;
+        stream.setstate(std::ios::failbit);
+        expect_thrown<PM_Severe>(
+            [&] {
+                errno = row.code;
+                TestFiler::check_stream(place, u"a file", stream, source);
+            },
+            row.number, place, u"a file");
+    }
+}
+
+TEST(FilerStreamCheck, EveryStateButGoodCounts) {
+    for (const std::ios::iostate state : {std::ios::eofbit, std::ios::failbit, std::ios::badbit}) {
+        std::stringstream stream;
+        stream.setstate(state);
+        errno = 0;
+        expect_thrown<PM_Severe>([&] { TestFiler::check_stream(place, nullptr, stream, source); }, 82, place,
+                                 u"");
+    }
+}
+
+TEST(FilerStreamCheck, GoodStreamPassesWhateverTheErrorCode) {
+    const std::stringstream stream;
+    errno = ENOSPC;
+    EXPECT_NO_THROW(TestFiler::check_stream(place, u"a file", stream, source));
+}
+
+TEST(FilerVersionCopy, TextIsCutToTheBuffer) {
+    char16_t buffer[5] = {u'x', u'x', u'x', u'x', u'x'};
+    TestFiler::copy_version(u"version", buffer, 4);
+    EXPECT_EQ(std::u16string(u"ver"), buffer);
+    EXPECT_EQ(u'x', buffer[4]);
+}
+
+TEST(FilerVersionCopy, TextThatFitsEndsInATerminator) {
+    char16_t buffer[9] = {};
+    buffer[8] = u'x';
+    TestFiler::copy_version(u"version", buffer, 8);
+    EXPECT_EQ(std::u16string(u"version"), buffer);
+    EXPECT_EQ(u'x', buffer[8]);
+}
+
+TEST(FilerVersionCopy, BufferOfNoUnitsIsLeftAlone) {
+    char16_t buffer[1] = {u'x'};
+    TestFiler::copy_version(u"version", buffer, 0);
+    EXPECT_EQ(u'x', buffer[0]);
+}
+
+TEST(FilerVersionCopy, UncheckedBufferTakesTheWholeText) {
+    char16_t buffer[600] = {};
+    const std::u16string text(599, u'v');
+    TestFiler::copy_version(text, buffer, PM_File::unchecked);
+    EXPECT_EQ(text, buffer);
+}
+
+TEST(FilerWriting, ValuesAreStrict) {
+    PM_Object object;
+    TestFiler::set_long(object, u"l", -7);
+    TestFiler::set_double(object, u"d", 2.5);
+    TestFiler::set_bool(object, u"b", true);
+    TestFiler::set_string(object, u"s", u"text");
+    TestFiler::set_data(object, u"v", "\x01\x02", 2, PROP_VOID);
+    EXPECT_EQ((pm::test::Lines{"l long -7", "d double 0000000000000440", "b bool 01", "s string text",
+                               "v void 0102"}),
+              pm::test::tree_text(object));
+    for (const char16_t* path : {u"l", u"d", u"b", u"s"}) {
+        expect_thrown<PM_Warning>([&] { TestFiler::set_data(object, path, "", 1, PROP_VOID); }, 54,
+                                  u"PM_Object::SetData()", u"");
+    }
+}
+
+TEST(FilerWriting, IndexGoesIntoThePath) {
+    PM_Object object;
+    TestFiler::set_long(object, u"pen*\\width", 1, 3);
+    TestFiler::set_string(object, u"list", u"text", 0);
+    EXPECT_EQ((pm::test::Lines{"pen3\\width long 1", "list\\0 string text"}), pm::test::tree_text(object));
+}
+
+// Streams that fail for the system's reasons.
+
+constexpr const char16_t* open_place = u"PM_PIAFile::open()";
+
+class FailingFile : public testing::Test {
+protected:
+    FailingFile() { std::filesystem::permissions(folder.path(), std::filesystem::perms(0755)); }
+
+    void expect_load_failure(const std::u16string& name, std::uint32_t number, const std::u16string& at) {
+        expect_thrown<PM_Severe>([&] { object.load(name.c_str(), PM_Object::FILE_PIA, u"\\"); }, number, at,
+                                 name);
+    }
+    void expect_save_failure(const std::u16string& name, std::uint32_t number, const std::u16string& at) {
+        expect_thrown<PM_Severe>([&] { object.save(name.c_str(), PM_Object::FILE_PIA, u"", u"\\"); }, number,
+                                 at, name);
+    }
+
+    TempFolder folder;
+    PM_Object object;
+};
+
+TEST_F(FailingFile, MissingFileIs63AtLoad) {
+    expect_load_failure(folder.wide("missing.pia"), 63, u"PM_PIAFile::load()");
+}
+
+TEST_F(FailingFile, FileInAMissingFolderIs63AtLoad) {
+    expect_load_failure(folder.wide("missing/a.pia"), 63, u"PM_PIAFile::load()");
+}
+
+TEST_F(FailingFile, EmptyAndNullNamesAre63AtLoad) {
+    expect_load_failure(u"", 63, u"PM_PIAFile::load()");
+    expect_thrown<PM_Severe>(
+        [&] { object.load(static_cast<const char16_t*>(nullptr), PM_Object::FILE_PIA, u"\\"); }, 63,
+        u"PM_PIAFile::load()", u"");
+}
+
+TEST_F(FailingFile, MissingFileForItsVersionIs63AtLoad) {
+    const std::u16string name = folder.wide("missing.pia");
+    char16_t buffer[8] = {u'x'};
+    expect_thrown<PM_Severe>([&] { object.getFileVersion(name.c_str(), buffer, 8, PM_Object::FILE_PCP); }, 63,
+                             u"PM_PIAFile::load()", name);
+    EXPECT_EQ(u'x', buffer[0]);
+}
+
+TEST_F(FailingFile, MissingFolderIs63AtOpenWhenSaving) {
+    expect_save_failure(folder.wide("missing/a.pia"), 63, open_place);
+}
+
+TEST_F(FailingFile, UnreadableFileIs61) {
+    const std::u16string name = folder.write("secret.pia", pm::test::pia_header);
+    std::filesystem::permissions(folder / "secret.pia", std::filesystem::perms::none);
+    const pm::test::DroppedPrivileges dropped;
+    expect_load_failure(name, 61, open_place);
+}
+
+TEST_F(FailingFile, UnwritableFileIs61) {
+    const std::u16string name = folder.write("fixed.pia", pm::test::pia_header);
+    std::filesystem::permissions(folder / "fixed.pia", std::filesystem::perms(0444));
+    {
+        const pm::test::DroppedPrivileges dropped;
+        expect_save_failure(name, 61, open_place);
+    }
+    EXPECT_EQ(pm::test::pia_header, folder.read("fixed.pia"));
+}
+
+TEST_F(FailingFile, FolderIs82) {
+    expect_load_failure(folder.path().u16string(), 82, u"PM_PIAFile::getVersion()");
+    expect_save_failure(folder.path().u16string(), 82, open_place);
+}
+
+TEST_F(FailingFile, TooManyOpenFilesAre62) {
+    const std::u16string name = folder.write("a.pia", pm::test::pia_header);
+    rlimit before{};
+    ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &before));
+    rlimit none = before;
+    none.rlim_cur = 0;
+    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &none));
+    const auto e = thrown_by([&] { object.load(name.c_str(), PM_Object::FILE_PIA, u"\\"); });
+    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &before));
+    ASSERT_TRUE(e);
+    EXPECT_EQ(62U, e->m_number);
+    EXPECT_EQ(std::u16string(open_place), e->m_place);
+    EXPECT_EQ(name, e->m_detail);
+}
+
+TEST_F(FailingFile, FullDeviceIs65) {
+    expect_save_failure(u"/dev/full", 65, u"PM_PIAFile::save()");
+}
+
+TEST_F(FailingFile, FullDeviceIs65WhenCompressed) {
+    expect_thrown<PM_Severe>([&] { object.save(u"/dev/full", PM_Object::FILE_PIA, u"compress", u"\\"); }, 65,
+                             u"PM_PIAFile::save()", u"/dev/full");
+}
+
+TEST_F(FailingFile, ShortFileIs82WhateverFailedBefore) {
+    const std::u16string name = folder.write("empty.pia", "");
+    errno = ENOENT;
+    expect_load_failure(name, 82, u"PM_PIAFile::getVersion()");
+}
+
+TEST_F(FailingFile, ShortStreamIs82WithoutAName) {
+    std::stringstream stream;
+    errno = ENOENT;
+    expect_thrown<PM_Severe>([&] { object.load(stream, PM_Object::FILE_PIA, u"\\"); }, 82,
+                             u"PM_PIAFile::getVersion()", u"");
+}
+
+TEST_F(FailingFile, StreamThatHasFailedIs82) {
+    std::stringstream stream = pm::test::byte_stream(pm::test::pia_header);
+    stream.setstate(std::ios::failbit);
+    errno = EACCES;
+    expect_thrown<PM_Severe>([&] { object.load(stream, PM_Object::FILE_PIA, u"\\"); }, 82,
+                             u"PM_PIAFile::getVersion()", u"");
+    expect_thrown<PM_Severe>([&] { object.save(stream, PM_Object::FILE_PIA, u"", u"\\"); }, 82,
+                             u"PM_PIAFile::save()", u"");
+}
+
+} // namespace
