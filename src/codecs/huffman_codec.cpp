@@ -1,6 +1,6 @@
 #include "codecs/codec_failure.h"
 #include "codecs/huffman_block.h"
-#include "codecs/little_endian.h"
+#include "base/little_endian.h"
 #include <algorithm>
 #include <cstring>
 #include <limits>

@@ -1,5 +1,5 @@
 #include "codecs/codec_failure.h"
-#include "codecs/little_endian.h"
+#include "base/little_endian.h"
 #include "codecs/zlib_block.h"
 #include <algorithm>
 #include <cstring>

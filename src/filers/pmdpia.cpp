@@ -94,7 +94,7 @@ void PM_DPIAFile::getVersion(char16_t* buffer, std::size_t size) {
     unsigned char bytes[word_size] = {};
     m_stream->read(reinterpret_cast<char*>(bytes), word_size);
     check_stream(version_place, file_name());
-    switch (pm::read_le32(bytes)) {
+    switch (pm::load_u32(bytes)) {
     case version_1_word:
         copy_version(version_1, buffer, size);
         break;
@@ -152,7 +152,7 @@ std::uint32_t PM_DPIAFile::read_word() {
     unsigned char bytes[word_size] = {};
     m_stream->read(reinterpret_cast<char*>(bytes), word_size);
     check_stream(load_place, file_name());
-    return pm::read_le32(bytes);
+    return pm::load_u32(bytes);
 }
 
 // A count that the rest of the file can't hold fails like the short read that it would end in, before memory
@@ -270,7 +270,7 @@ void PM_DPIAFile::write_text(std::u16string_view text, const char16_t* detail) {
 
 void PM_DPIAFile::write_word(std::uint32_t value, const char16_t* place, const char16_t* detail) {
     unsigned char bytes[word_size];
-    pm::write_le32(value, bytes);
+    pm::store_u32(bytes, value);
     m_stream->write(reinterpret_cast<const char*>(bytes), word_size);
     check_stream(place, detail);
 }

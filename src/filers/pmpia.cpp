@@ -48,7 +48,7 @@ bool holds(std::u16string_view text, std::u16string_view word) {
     return text.find(word) != std::u16string_view::npos;
 }
 
-// The whole stream in one block with zero bytes behind.
+// The whole stream in one block with a zero byte behind.
 struct FileBlock {
     pm::Block<unsigned char> bytes;
     std::size_t size = 0;
@@ -62,10 +62,10 @@ FileBlock read_whole(std::istream& stream) {
     stream.seekg(0);
     if (!stream) return file;
     file.size = static_cast<std::size_t>(end);
-    file.bytes = pm::allocate_block<unsigned char>(file.size + pm::pia_frame_padding);
+    file.bytes = pm::allocate_block<unsigned char>(file.size + 1);
     if (!file.bytes) return file;
     stream.read(reinterpret_cast<char*>(file.bytes.get()), end);
-    std::fill_n(file.bytes.get() + file.size, pm::pia_frame_padding, static_cast<unsigned char>(0));
+    file.bytes[file.size] = 0;
     return file;
 }
 
@@ -173,13 +173,14 @@ std::unique_ptr<pm::BodyStream> PM_PIAFile::decode_body(std::u16string_view head
     const bool checked = header.starts_with(version_2);
     if (!checked && !header.starts_with(version_1)) return nullptr;
 
-    pm::bound_pia_frame(file.bytes.get(), file.size, checked);
+    const auto fail = [] {
+        throw PM_Severe(not_decoded, unit_place, u"decompression of PIA data failed", source);
+    };
+    if (!pm::bound_pia_frame({file.bytes.get(), file.size}, checked)) fail();
     PM_zlib_Codec codec(file.bytes.get(), static_cast<std::uint32_t>(file.size), m_handler);
     unsigned char* decoded = nullptr;
     std::uint32_t size = 0;
-    if (!(checked ? codec.decodeCRC(decoded, size) : codec.decode(decoded, size))) {
-        throw PM_Severe(not_decoded, unit_place, u"decompression of PIA data failed", source);
-    }
+    if (!(checked ? codec.decodeCRC(decoded, size) : codec.decode(decoded, size))) fail();
     const pm::Block<unsigned char> text(decoded);
 
     auto body = std::make_unique<pm::BodyStream>();
