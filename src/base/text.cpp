@@ -78,6 +78,30 @@ int digit_value(char16_t unit) {
     return is_letter(unit) ? to_lower(unit) - u'a' + 10 : std::numeric_limits<int>::max();
 }
 
+// The low 32 bits of an integer whose amount is held at the limit of its sign.
+ScannedLong scan_integer_at(std::u16string_view text, int base, std::int64_t positive_limit,
+                            std::int64_t negative_limit) {
+    const std::size_t spaces = count_spaces(text);
+    std::u16string_view rest = text.substr(spaces);
+    const bool negative = !rest.empty() && rest[0] == u'-';
+    if (!rest.empty() && (rest[0] == u'-' || rest[0] == u'+')) rest.remove_prefix(1);
+
+    const int radix = effective_base(rest, base);
+    if (radix == 16 && rest.size() > 2 && rest[0] == u'0' && to_lower(rest[1]) == u'x' &&
+        digit_value(rest[2]) < 16) {
+        rest.remove_prefix(2);
+    }
+    const std::int64_t limit = negative ? negative_limit : positive_limit;
+    std::int64_t value = 0;
+    std::size_t digits = 0;
+    for (; digits < rest.size() && digit_value(rest[digits]) < radix; ++digits) {
+        value = std::min(value * radix + digit_value(rest[digits]), limit);
+    }
+    if (digits == 0) return {};
+    const auto taken = static_cast<std::size_t>(rest.data() + digits - text.data());
+    return {static_cast<std::int32_t>(negative ? -value : value), taken};
+}
+
 } // namespace
 
 bool equals_ignoring_case(std::u16string_view a, std::u16string_view b) {
@@ -118,26 +142,13 @@ std::int32_t scan_long(std::u16string_view text) {
 }
 
 ScannedLong scan_long_at(std::u16string_view text, int base) {
-    const std::size_t spaces = count_spaces(text);
-    std::u16string_view rest = text.substr(spaces);
-    const bool negative = !rest.empty() && rest[0] == u'-';
-    if (!rest.empty() && (rest[0] == u'-' || rest[0] == u'+')) rest.remove_prefix(1);
+    return scan_integer_at(text, base, std::numeric_limits<std::int32_t>::max(),
+                           -std::int64_t{std::numeric_limits<std::int32_t>::min()});
+}
 
-    const int radix = effective_base(rest, base);
-    if (radix == 16 && rest.size() > 2 && rest[0] == u'0' && to_lower(rest[1]) == u'x' &&
-        digit_value(rest[2]) < 16) {
-        rest.remove_prefix(2);
-    }
-    const std::int64_t limit = negative ? -std::int64_t{std::numeric_limits<std::int32_t>::min()}
-                                        : std::int64_t{std::numeric_limits<std::int32_t>::max()};
-    std::int64_t value = 0;
-    std::size_t digits = 0;
-    for (; digits < rest.size() && digit_value(rest[digits]) < radix; ++digits) {
-        value = std::min(value * radix + digit_value(rest[digits]), limit);
-    }
-    if (digits == 0) return {};
-    const auto taken = static_cast<std::size_t>(rest.data() + digits - text.data());
-    return {static_cast<std::int32_t>(negative ? -value : value), taken};
+ScannedLong scan_hexadecimal_at(std::u16string_view text) {
+    constexpr std::int64_t most = std::numeric_limits<std::uint32_t>::max();
+    return scan_integer_at(text, 16, most, most);
 }
 
 double scan_double(std::u16string_view text) {

@@ -67,6 +67,8 @@ struct ScannedLong {
 };
 // An integer in the forms of strtol with the base; base 0 takes the prefixes "0x" and "0".
 ScannedLong scan_long_at(std::u16string_view text, int base);
+// The bits of an unsigned hexadecimal number, held at 0xFFFFFFFF. As "%x".
+ScannedLong scan_hexadecimal_at(std::u16string_view text);
 
 // printf's "%.*f" and "%.*e"; "%.*g" for chars_format::general.
 std::string print_double(double value, std::chars_format format, int precision);
