@@ -1,5 +1,7 @@
 #include "filers/pmdpia.h"
 #include "filers/pmpia.h"
+#include "legacy/pmpc2.h"
+#include "legacy/pmpcp.h"
 #include <algorithm>
 #include <cerrno>
 #include <memory>
@@ -37,6 +39,8 @@ struct FilerRow {
 
 constexpr FilerRow filers[] = {
     {PM_Object::FILE_PIA, true, true, true, true, make<PM_PIAFile>},
+    {PM_Object::FILE_PCP, true, true, false, false, make<PM_PCPFile>},
+    {PM_Object::FILE_PC2, true, true, false, false, make<PM_PC2File>},
     {PM_Object::FILE_DPIA, true, true, true, true, make<PM_DPIAFile>},
 };
 
@@ -111,8 +115,11 @@ void PM_Object::load_section(const char16_t* path, FileType type, const char16_t
           [&](PM_File& each) { static_cast<PM_DPIAFile&>(each).load_section(this, base, name); });
 }
 
-void PM_Object::load_cfg_section(const char16_t*, FileType, const char16_t*, int) {
-    make_filer(m_root, nullptr, m_handler, load_place);
+void PM_Object::load_cfg_section(const char16_t* path, FileType type, const char16_t* base, int n) {
+    const auto maker = type == FILE_CFG ? make<PM_CFGFile> : nullptr;
+    const auto filer = make_filer(m_root, maker, m_handler, load_place);
+    drive(*filer, open_file(path, false),
+          [&](PM_File& each) { static_cast<PM_CFGFile&>(each).load_section(this, base, n); });
 }
 
 void PM_Object::save(const char16_t* path, FileType type, const char16_t* tag,

@@ -1,0 +1,247 @@
+#include "legacy/pmpc2.h"
+
+#include "base/allocator.h"
+#include "base/text.h"
+#include "filers/working_path.h"
+#include "legacy/text_line.h"
+#include "store/value_text.h"
+#include <pm/exception.h>
+#include <pm/value_text.h>
+
+namespace {
+
+constexpr const char16_t* source = u"$Workfile: pmpc2 $ $Revision: #1 $";
+constexpr const char16_t* load_place = u"PM_PC2File::load()";
+constexpr const char16_t* version_place = u"PM_PC2File::getVersion()";
+constexpr const char16_t* section_place = u"PM_CFGFile::load_section()";
+
+constexpr std::uint32_t bad_line = 57;
+constexpr std::uint32_t no_version = 69;
+constexpr std::uint32_t not_hexadecimal = 99;
+
+constexpr std::u16string_view version_start = u"PC2Version";
+constexpr std::size_t version_units = 512;
+constexpr std::size_t section_limit = 512;
+
+// Kept: the "-" may stand anywhere in the path, the base included.
+void replace_first_dash(std::u16string& path) {
+    const std::size_t dash = path.find(u'-');
+    if (dash != std::u16string::npos) path[dash] = u'_';
+}
+
+// The section that a name of a file stands for: without "#" and number if that is the plotter asked for.
+std::u16string section_of(std::u16string_view name, std::optional<std::int32_t> plotter) {
+    const std::size_t mark = name.find(u'#');
+    if (!plotter || mark == std::u16string_view::npos || pm::scan_long(name.substr(mark + 1)) != *plotter) {
+        return std::u16string(name);
+    }
+    std::u16string section(name.substr(0, mark));
+    const std::size_t slash = name.find(u'/');
+    if (slash != std::u16string_view::npos) section += name.substr(slash);
+    return section;
+}
+
+std::u16string unquoted(std::u16string_view value) {
+    if (value.size() >= 2 && value.front() == u'"' && value.back() == u'"') {
+        value = value.substr(1, value.size() - 2);
+    }
+    return std::u16string(value);
+}
+
+} // namespace
+
+void PM_PC2File::require_stream(const char16_t* place) const {
+    pm::require_text_stream(m_stream, place, file_name(), source);
+}
+
+void PM_PC2File::report_bad_line(std::u16string_view line) {
+    report_bad_line(line, bad_line);
+}
+
+void PM_PC2File::report_bad_line(std::u16string_view line, std::uint32_t number) {
+    report(PM_Warning(number, load_place, format_line_context(line).c_str(), source));
+}
+
+void PM_PC2File::getVersion(char16_t* buffer, std::size_t size) {
+    require_stream(version_place);
+    rewind_reader();
+    pm::TextLine line;
+    do {
+        pm::read_text_line(m_reader, line);
+        pm::check_text_stream(*m_stream, version_place, file_name(), source);
+    } while (line.empty_or_comment() && !line.last);
+
+    if (line.empty_or_comment()) {
+        report(PM_Error(bad_line, version_place, (u"\n" + m_filename).c_str(), source));
+    } else if (line.too_long) {
+        report(PM_Error(bad_line, version_place, format_line_context(line.text).c_str(), source));
+    } else if (!line.text.starts_with(version_start)) {
+        report(PM_Error(no_version, version_place, file_name(), source));
+    } else {
+        copy_version(line.text, buffer, size);
+    }
+}
+
+PM_PC2File::Reading PM_PC2File::begin(PM_Object& target, const char16_t* base,
+                                      std::optional<std::int32_t> plotter) {
+    std::u16string path(pm::view(base));
+    if (!path.ends_with(u'\\')) path += u'\\';
+    const std::size_t length = path.size();
+    return {target, plotter, std::move(path), length, {}};
+}
+
+void PM_PC2File::load(PM_Object* target, const char16_t* base, PM_Object::FileType type) {
+    m_file_type = type;
+    Reading reading = begin(*target, base, std::nullopt);
+    char16_t version[version_units] = {};
+    getVersion(version, version_units);
+    set_defaults(*target, reading.path);
+    load_lines(reading, load_place);
+}
+
+void PM_CFGFile::load_section(PM_Object* target, const char16_t* base, std::int32_t n) {
+    Reading reading = begin(*target, base, n);
+    set_defaults(*target, reading.path);
+    require_stream(section_place);
+    m_reader.attach(*m_stream);
+    load_lines(reading, section_place);
+}
+
+void PM_PC2File::set_defaults(PM_Object& target, std::u16string_view base) {
+    std::u16string path;
+    for (const pm::Pc2Key& key : pm::pc2_keys()) {
+        path = base;
+        path += key.key;
+        if (key.indexed()) {
+            set_indexed_defaults(target, path, key);
+        } else {
+            if (key.type == PROP_STRING) replace_first_dash(path);
+            set_default(target, path.c_str(), key);
+        }
+    }
+}
+
+void PM_PC2File::set_indexed_defaults(PM_Object& target, std::u16string& path, const pm::Pc2Key& key) {
+    const std::size_t length = path.size();
+    for (std::int32_t index = key.first; index <= key.last; ++index) {
+        path.resize(length);
+        pm::append_decimal(path, index);
+        set_default(target, path.c_str(), key);
+    }
+}
+
+void PM_PC2File::set_default(PM_Object& target, const char16_t* path, const pm::Pc2Key& key) {
+    switch (key.type) {
+    case PROP_LONG:
+        set_long(target, path, key.initial);
+        break;
+    case PROP_DOUBLE:
+        set_double(target, path, key.initial);
+        break;
+    case PROP_STRING:
+        set_string(target, path, u"");
+        break;
+    case PROP_VOID:
+        set_data(target, path, "", 1, PROP_VOID);
+        break;
+    default:
+        break;
+    }
+}
+
+void PM_PC2File::load_lines(Reading& reading, const char16_t* place) {
+    pm::TextLine line;
+    for (bool more = !m_stream->eof(); more; more = !line.last) {
+        ++m_line_number;
+        pm::read_text_line(m_reader, line);
+        pm::check_text_stream(*m_stream, place, file_name(), source);
+        if (line.too_long) {
+            report_bad_line(line.text);
+        } else if (!line.empty_or_comment()) {
+            load_line(reading, line.text);
+        }
+    }
+}
+
+void PM_PC2File::load_line(Reading& reading, std::u16string_view line) {
+    const std::size_t equals = line.find(u'=');
+    if (equals != std::u16string_view::npos) {
+        key_line(reading, line, equals);
+    } else if (line.find(u'[') != std::u16string_view::npos) {
+        section_line(reading, line);
+    } else {
+        report_bad_line(line);
+    }
+}
+
+void PM_PC2File::section_line(Reading& reading, std::u16string_view line) {
+    const std::u16string_view rest = line.substr(1);
+    const std::u16string_view name = rest.substr(0, rest.find(u']'));
+    if (name.empty() || name.size() > section_limit) {
+        report_bad_line(line);
+    } else {
+        reading.section = section_of(name, reading.plotter);
+    }
+}
+
+void PM_PC2File::key_line(Reading& reading, std::u16string_view line, std::size_t equals) {
+    std::u16string& path = reading.path;
+    path.resize(reading.base_length);
+    path += reading.section;
+    path += u'\\';
+    path += line.substr(0, equals);
+    const pm::Pc2Key* key = pm::find_pc2_key(std::u16string_view(path).substr(reading.base_length));
+    if (key == nullptr) return;
+
+    const std::u16string_view value = pm::skip_any(line.substr(equals), u" =");
+    if (value.empty() || path.size() > pm::WorkingPath::capacity) {
+        report_bad_line(line);
+    } else if (!set_value(reading, *key, value)) {
+        report_bad_line(line, scans_hexadecimal(reading, *key) ? not_hexadecimal : bad_line);
+    }
+}
+
+// Only a file of one plotter has hexadecimal values.
+bool PM_PC2File::scans_hexadecimal(const Reading& reading, const pm::Pc2Key& key) {
+    return key.hexadecimal && !reading.plotter;
+}
+
+bool PM_PC2File::set_value(Reading& reading, const pm::Pc2Key& key, std::u16string_view value) {
+    switch (key.type) {
+    case PROP_LONG:
+        return set_long_value(reading, value, scans_hexadecimal(reading, key));
+    case PROP_DOUBLE:
+        return set_double_value(reading, value);
+    case PROP_STRING:
+        replace_first_dash(reading.path);
+        set_string(reading.target, reading.path.c_str(), unquoted(value).c_str());
+        return true;
+    case PROP_VOID:
+        return set_raw_value(reading, value);
+    default:
+        return false;
+    }
+}
+
+bool PM_PC2File::set_long_value(const Reading& reading, std::u16string_view value, bool hexadecimal) {
+    const pm::ScannedLong number = hexadecimal ? pm::scan_hexadecimal_at(value) : pm::scan_long_at(value, 0);
+    if (number.length == 0) return false;
+    set_long(reading.target, reading.path.c_str(), number.value);
+    return true;
+}
+
+bool PM_PC2File::set_double_value(const Reading& reading, std::u16string_view value) {
+    double number = 0;
+    if (!pm::parse_double(value, number)) return false;
+    set_double(reading.target, reading.path.c_str(), number);
+    return true;
+}
+
+bool PM_PC2File::set_raw_value(const Reading& reading, std::u16string_view value) {
+    char* bytes = nullptr;
+    unsigned size = 0;
+    if (stringtobinary(unquoted(value).c_str(), &bytes, &size) == 0) return false;
+    const pm::Block<char> owned(bytes);
+    set_data(reading.target, reading.path.c_str(), bytes, size, PROP_VOID);
+    return true;
+}
