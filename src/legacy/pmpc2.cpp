@@ -206,15 +206,14 @@ bool PM_PC2File::scans_hexadecimal(const Reading& reading, const pm::Pc2Key& key
     return key.hexadecimal && !reading.plotter;
 }
 
-bool PM_PC2File::set_value(Reading& reading, const pm::Pc2Key& key, std::u16string_view value) {
+bool PM_PC2File::set_value(const Reading& reading, const pm::Pc2Key& key, std::u16string_view value) {
     switch (key.type) {
     case PROP_LONG:
         return set_long_value(reading, value, scans_hexadecimal(reading, key));
     case PROP_DOUBLE:
         return set_double_value(reading, value);
     case PROP_STRING:
-        replace_first_dash(reading.path);
-        set_string(reading.target, reading.path.c_str(), unquoted(value).c_str());
+        set_string_value(reading, value);
         return true;
     case PROP_VOID:
         return set_raw_value(reading, value);
@@ -235,6 +234,12 @@ bool PM_PC2File::set_double_value(const Reading& reading, std::u16string_view va
     if (!pm::parse_double(value, number)) return false;
     set_double(reading.target, reading.path.c_str(), number);
     return true;
+}
+
+void PM_PC2File::set_string_value(const Reading& reading, std::u16string_view value) {
+    std::u16string path = reading.path;
+    replace_first_dash(path);
+    set_string(reading.target, path.c_str(), unquoted(value).c_str());
 }
 
 bool PM_PC2File::set_raw_value(const Reading& reading, std::u16string_view value) {

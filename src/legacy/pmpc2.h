@@ -46,9 +46,10 @@ private:
     void section_line(Reading& reading, std::u16string_view line);
     void key_line(Reading& reading, std::u16string_view line, std::size_t equals);
     // False if the value isn't of the key's form.
-    static bool set_value(Reading& reading, const pm::Pc2Key& key, std::u16string_view value);
+    static bool set_value(const Reading& reading, const pm::Pc2Key& key, std::u16string_view value);
     static bool set_long_value(const Reading& reading, std::u16string_view value, bool hexadecimal);
     static bool set_double_value(const Reading& reading, std::u16string_view value);
+    static void set_string_value(const Reading& reading, std::u16string_view value);
     static bool set_raw_value(const Reading& reading, std::u16string_view value);
     static bool scans_hexadecimal(const Reading& reading, const pm::Pc2Key& key);
     void report_bad_line(std::u16string_view line);
