@@ -64,7 +64,7 @@ bool is_armour(char16_t unit) {
 }
 
 void encode_group(const std::uint8_t* bytes, char16_t* text) {
-    const unsigned bits = bytes[0] << 16U | bytes[1] << 8U | bytes[2];
+    const unsigned bits = unsigned{bytes[0]} << 16U | unsigned{bytes[1]} << 8U | bytes[2];
     for (std::size_t unit = 0; unit < group_units; ++unit) {
         text[unit] = static_cast<char16_t>(u' ' + (bits >> (18 - 6 * unit) & 0x3F));
     }
@@ -99,7 +99,7 @@ Payload decode_armour(std::u16string_view text) {
     for (std::size_t at = 0; at < text.size(); at += group_units, out += group_bytes) {
         decode_group(text.substr(at, group_units), out);
     }
-    const unsigned stored = bytes[size] << 8U | bytes[size + 1];
+    const unsigned stored = unsigned{bytes[size]} << 8U | bytes[size + 1];
     if (stored != string_crc({bytes.get(), size})) return {};
     return {std::move(bytes), size};
 }
