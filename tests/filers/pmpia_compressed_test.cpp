@@ -39,8 +39,8 @@ Lines loaded_bytes(const std::string& bytes) {
     return tree_text(object);
 }
 
-// Neither loads the bytes nor says nothing of it: the codec's number goes to the handler, 84 to the caller.
-void expect_not_decoded(const std::string& bytes, std::uint32_t codec_number) {
+// What doesn't decode: the codec's numbers go to the handler, 84 to the caller.
+void expect_not_decoded(const std::string& bytes, const std::vector<std::uint32_t>& codec_numbers) {
     PM_Object object;
     expect_thrown<PM_Severe>([&] { load_bytes(object, bytes); }, 84, u".\\pmpia",
                              u"decompression of PIA data failed");
@@ -50,7 +50,7 @@ void expect_not_decoded(const std::string& bytes, std::uint32_t codec_number) {
     PM_Object told(&handler);
     expect_thrown<PM_Severe>([&] { load_bytes(told, bytes); }, 84, u".\\pmpia",
                              u"decompression of PIA data failed");
-    EXPECT_EQ(std::vector<std::uint32_t>{codec_number}, handler.numbers());
+    EXPECT_EQ(codec_numbers, handler.numbers());
     EXPECT_TRUE(tree_text(told).empty());
 }
 
@@ -147,35 +147,42 @@ TEST_P(PiaCompressed, ShorterStreamThanToldIsTakenAsItIs) {
     EXPECT_EQ(body_tree, loaded_bytes(file_of(block)));
 }
 
-TEST_P(PiaCompressed, StreamLengthMayBeTooLarge) {
-    block.stream_length = 0xFFFFFFFF;
-    EXPECT_EQ(body_tree, loaded_bytes(file_of(block)));
+TEST_P(PiaCompressed, BytesBehindTheStreamMayBeCountedIn) {
+    block.stream_length += 4;
+    EXPECT_EQ(body_tree, loaded_bytes(file_of(block) + "more"));
+}
+
+TEST_P(PiaCompressed, StreamBehindTheFilesEndIs84WithoutAskingTheCodec) {
+    for (const std::uint32_t told : {block.stream_length + 1, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
+        block.stream_length = told;
+        expect_not_decoded(file_of(block), {});
+    }
 }
 
 TEST_P(PiaCompressed, MissingBlockIs84) {
-    expect_not_decoded(header_of(GetParam()), 92);
-    expect_not_decoded(header_of(GetParam()) + body, 92);
-    expect_not_decoded(header_of(GetParam()) + "pmzlibcode", 92);
+    expect_not_decoded(header_of(GetParam()), {92});
+    expect_not_decoded(header_of(GetParam()) + body, {92});
+    expect_not_decoded(header_of(GetParam()) + "pmzlibcode", {92});
 }
 
 TEST_P(PiaCompressed, BlockBehindAZeroByteIs84) {
-    expect_not_decoded(header_of(GetParam()) + std::string(1, '\0') + block.bytes(), 92);
+    expect_not_decoded(header_of(GetParam()) + std::string(1, '\0') + block.bytes(), {92});
 }
 
 TEST_P(PiaCompressed, TagInTheHeaderIsTakenForTheBlock) {
     expect_not_decoded(header_of(GetParam()).substr(0, 18) + ",pmzlibcodec,compress, and text behind it\r\n" +
                            block.bytes(),
-                       97);
+                       {});
 }
 
 TEST_P(PiaCompressed, LongerStreamThanToldIs84) {
     block.length -= 1;
-    expect_not_decoded(file_of(block), 97);
+    expect_not_decoded(file_of(block), {97});
 }
 
 TEST_P(PiaCompressed, CutStreamIs84) {
     block.stream_length -= 1;
-    expect_not_decoded(file_of(block), 97);
+    expect_not_decoded(file_of(block), {97});
 }
 
 TEST_P(PiaCompressed, CutFileIs84) {
@@ -183,7 +190,7 @@ TEST_P(PiaCompressed, CutFileIs84) {
     const std::size_t tag_end = file.find("pmzlibcodec") + 11;
     for (std::size_t size = tag_end; size < file.size(); ++size) {
         SCOPED_TRACE(size);
-        expect_not_decoded(file.substr(0, size), 97);
+        expect_not_decoded(file.substr(0, size), {});
     }
 }
 
@@ -192,12 +199,15 @@ TEST_P(PiaCompressed, SpoiledStreamIs84) {
         SCOPED_TRACE(at);
         Block spoiled = block;
         spoiled.stream[at] = static_cast<char>(spoiled.stream[at] ^ 0xFF);
-        expect_not_decoded(file_of(spoiled), 97);
+        expect_not_decoded(file_of(spoiled), {97});
     }
 }
 
 TEST_P(PiaCompressed, BlockOfTheOtherVersionIs84) {
-    expect_not_decoded(header_of(!GetParam()) + block.bytes(), 97);
+    // The first bytes of the stream count as its length, or the data's length as that of the stream.
+    const std::vector<std::uint32_t> numbers =
+        GetParam() ? std::vector<std::uint32_t>{97} : std::vector<std::uint32_t>{};
+    expect_not_decoded(header_of(!GetParam()) + block.bytes(), numbers);
 }
 
 // The largest block that was asked for.
