@@ -1,0 +1,89 @@
+#pragma once
+
+#include "fuzz_support.h"
+#include <memory>
+#include <pm/error_handler.h>
+#include <pm/exception.h>
+#include <pm/iterator.h>
+#include <pm/object.h>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace pm::fuzz {
+
+// Answers each report alike and keeps the numbers.
+class CountingHandler : public ZT_Error_Handler {
+public:
+    explicit CountingHandler(bool goes_on) : m_answer(goes_on ? 1 : 0) {}
+
+    void on_kind_0(std::uint64_t, std::uint32_t, const char16_t*, const char16_t*, const char16_t*) override {
+        std::abort();
+    }
+    int on_warning(std::uint64_t, std::uint32_t number, const char16_t*, const char16_t*,
+                   const char16_t*) override {
+        return record(number);
+    }
+    void on_severe(std::uint64_t, std::uint32_t, const char16_t*, const char16_t*, const char16_t*) override {
+        std::abort();
+    }
+    int on_error(std::uint64_t, std::uint32_t number, const char16_t*, const char16_t*,
+                 const char16_t*) override {
+        return record(number);
+    }
+    int on_kind_3(std::uint64_t, std::uint32_t, const char16_t*, const char16_t*, const char16_t*) override {
+        std::abort();
+    }
+    void on_kind_5(std::uint64_t, std::uint32_t, const char16_t*, const char16_t*, const char16_t*) override {
+        std::abort();
+    }
+    void set_arguments(const std::uint64_t*, std::int32_t count) override { require(count == 0); }
+
+    std::vector<std::uint32_t> numbers;
+
+private:
+    int record(std::uint32_t number) {
+        numbers.push_back(number);
+        return m_answer;
+    }
+
+    int m_answer;
+};
+
+// Walks all nodes and properties.
+inline void walk(const PM_Object& object) {
+    const std::unique_ptr<PM_Iterator> steps(object.newIterator(u"\\", 0));
+    require(steps != nullptr);
+    char* value = nullptr;
+    std::size_t size = 0;
+    PropType type = PROP_NONE;
+    PM_Object::NodeType step = PM_Object::NODE_SIBLING;
+    do {
+        while (steps->nextProp(value, size, type) != nullptr)
+            require(type != PROP_NONE && value != nullptr);
+    } while (steps->nextNode(step) != nullptr);
+}
+
+// Runs `load`, given an object and its handler, without a handler and with one of each answer: nothing but an
+// exception of the family comes out, the tree is whole, and the first report decides when it isn't passed
+// over.
+template<class Load>
+void load_with_each_answer(Load load) {
+    CountingHandler goes_on(true);
+    CountingHandler stops(false);
+    for (ZT_Error_Handler* handler :
+         {static_cast<ZT_Error_Handler*>(nullptr), static_cast<ZT_Error_Handler*>(&goes_on),
+          static_cast<ZT_Error_Handler*>(&stops)}) {
+        PM_Object object(handler);
+        try {
+            load(object, handler);
+        } catch (const ZT_Exception& e) {
+            require(e.m_number != 0);
+        }
+        walk(object);
+    }
+    require(stops.numbers.size() == (goes_on.numbers.empty() ? 0 : 1));
+    require(stops.numbers.empty() || stops.numbers[0] == goes_on.numbers[0]);
+}
+
+} // namespace pm::fuzz
