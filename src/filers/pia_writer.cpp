@@ -1,7 +1,5 @@
 #include "filers/pia_writer.h"
 
-#include "base/allocator.h"
-#include "base/text.h"
 #include <cstring>
 #include <ostream>
 #include <pm/exception.h>
@@ -11,18 +9,6 @@ namespace pm {
 namespace {
 
 constexpr std::size_t flush_size = 32768;
-
-// The value that an iterator gives, released also when an exception passes.
-struct CurrentProp {
-    char* value = nullptr;
-    std::size_t size = 0;
-    PropType type = PROP_NONE;
-
-    CurrentProp() = default;
-    ~CurrentProp() { release(value); }
-    CurrentProp(const CurrentProp&) = delete;
-    CurrentProp& operator=(const CurrentProp&) = delete;
-};
 
 } // namespace
 
@@ -88,34 +74,34 @@ void PiaWriter::close_node(int level) {
 }
 
 void PiaWriter::write_properties(PM_Iterator& walk, int level) {
-    CurrentProp prop;
-    while (const char16_t* name = walk.nextProp(prop.value, prop.size, prop.type)) {
+    CurrentValue value;
+    while (const char16_t* name = value.next(walk)) {
         indent_by(level);
         write_text(name);
         m_pending += '=';
-        write_value(prop.type, prop.value, prop.size);
+        write_value(value);
         m_pending += '\n';
         if (m_pending.size() >= flush_size) flush();
         if (!m_stream.good()) return;
     }
 }
 
-void PiaWriter::write_value(PropType type, const char* value, std::size_t size) {
-    switch (type) {
+void PiaWriter::write_value(const CurrentValue& value) {
+    switch (value.type) {
     case PROP_VOID:
         m_pending += '\\';
-        m_pending += value;
+        m_pending += value.text;
         m_pending += '\\';
         break;
     case PROP_STRING:
         m_pending += '"';
-        write_stored_text(value, size - 1);
+        write_stored_text(value.text, value.size - 1);
         break;
     case PROP_DOUBLE:
-        write_stored_text(value, size);
+        write_stored_text(value.text, value.size);
         break;
     default:
-        m_pending += value;
+        m_pending += value.text;
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "filers/current_value.h"
 #include "platform/code_page.h"
 #include <cstddef>
 #include <iosfwd>
@@ -27,7 +28,7 @@ public:
 private:
     void write_nodes(PM_Iterator& walk);
     void write_properties(PM_Iterator& walk, int level);
-    void write_value(PropType type, const char* value, std::size_t size);
+    void write_value(const CurrentValue& value);
     void write_stored_text(const char* value, std::size_t bytes);
     void open_node(const char16_t* name, int level);
     void close_node(int level);
