@@ -175,6 +175,23 @@ TEST(ScanLong, KnowsThePrefixesOfItsBase) {
     expect(lowest, 11, u"-0xFFFFFFFF", 0);
 }
 
+TEST(ScanHexadecimal, TakesAllBitsOfAnUnsignedNumber) {
+    const auto expect = [](std::int32_t value, std::size_t length, std::u16string_view text) {
+        const pm::ScannedLong scanned = pm::scan_hexadecimal_at(text);
+        EXPECT_EQ(value, scanned.value);
+        EXPECT_EQ(length, scanned.length);
+    };
+    expect(0x1a7f, 4, u"1a7f");
+    expect(0x1a7f, 7, u" 0X1A7Fg");
+    expect(-1, 8, u"ffffffff");
+    expect(lowest, 8, u"80000000");
+    expect(-1, 2, u"-1");
+    expect(-1, 9, u"123456789");
+    expect(1, 5001, std::u16string(5000, u'0') + u"1");
+    expect(0, 0, u"g");
+    expect(0, 0, u"");
+}
+
 TEST(ScanDouble, ReadsTheFormsOfTheCLibrary) {
     for (const char* text : {"0",
                              "-0",

@@ -1,6 +1,7 @@
 #include "legacy/pmpcp.h"
 
 #include "legacy/legacy_support.h"
+#include "support/allocation_failures.h"
 
 namespace pm::test {
 namespace {
@@ -565,6 +566,18 @@ TEST_F(Pcp, ReportsNameTheFile) {
     const std::u16string name = folder.write("a.pcp", marker + "bad\n");
     expect_report({"bad", 1, 57, keys_place, u"\n2, bad, " + name},
                   [&](PM_Object& target) { target.load(name.c_str(), PM_Object::FILE_PCP, u"\\"); });
+}
+
+TEST_F(Pcp, EachFailingAllocationIsTold) {
+    const int failed = fail_each_allocation([](int place) {
+        try {
+            PM_Object target;
+            load_pcp(target, marker + "BEGIN_COLOR=5\nPEN_NUMBER=3\nEND_COLOR\nSIZE=A: 1,2\n");
+        } catch (const PM_Memory_Exception& e) {
+            EXPECT_EQ(55U, e.m_number) << place;
+        }
+    });
+    EXPECT_GT(failed, 20);
 }
 
 // ---- Version
