@@ -1,3 +1,4 @@
+#include "filers/pmdoc.h"
 #include "filers/pmdpia.h"
 #include "filers/pmpia.h"
 #include "legacy/pmpc2.h"
@@ -41,6 +42,7 @@ constexpr FilerRow filers[] = {
     {PM_Object::FILE_PIA, true, true, true, true, make<PM_PIAFile>},
     {PM_Object::FILE_PCP, true, true, false, false, make<PM_PCPFile>},
     {PM_Object::FILE_PC2, true, true, false, false, make<PM_PC2File>},
+    {PM_Object::FILE_DOC, true, false, true, false, make<PM_DOCFile>},
     {PM_Object::FILE_DPIA, true, true, true, true, make<PM_DPIAFile>},
 };
 
@@ -52,6 +54,7 @@ struct VersionRow {
 // Kept this narrow: the header of a PIA file is asked for as FILE_PCP.
 constexpr VersionRow version_filers[] = {
     {PM_Object::FILE_PCP, make<PM_PIAFile>},
+    {PM_Object::FILE_DOC, make<PM_DOCFile>},
 };
 
 // Makes the filer of an operation, which dies with the result.

@@ -72,20 +72,21 @@ struct OperationRow {
 constexpr FileType PIA = PM_Object::FILE_PIA;
 constexpr FileType PCP = PM_Object::FILE_PCP;
 constexpr FileType PC2 = PM_Object::FILE_PC2;
+constexpr FileType DOC = PM_Object::FILE_DOC;
 constexpr FileType DPIA = PM_Object::FILE_DPIA;
 constexpr FileType CFG = PM_Object::FILE_CFG;
 
 const OperationRow operations[] = {
-    {"load from a path", load_from_path, load_place, {PIA, PCP, PC2, DPIA}},
+    {"load from a path", load_from_path, load_place, {PIA, PCP, PC2, DOC, DPIA}},
     {"load from a stream", load_from_stream, load_place, {PIA, PCP, PC2, DPIA}},
     {"load_section", load_a_section, load_place, {DPIA}},
     {"load_cfg_section", load_a_cfg_section, load_place, {CFG}},
-    {"save to a path", save_to_path, save_place, {PIA, DPIA}},
-    {"save to a path in UTF-8", save_to_path_in_utf8, save_place, {PIA, DPIA}},
+    {"save to a path", save_to_path, save_place, {PIA, DOC, DPIA}},
+    {"save to a path in UTF-8", save_to_path_in_utf8, save_place, {PIA, DOC, DPIA}},
     {"save to a stream", save_to_stream, save_place, {PIA, DPIA}},
     {"save to a stream in UTF-8", save_to_stream_in_utf8, save_place, {PIA, DPIA}},
-    {"getFileVersion", version_of_path, version_place, {PCP}},
-    {"getFileVersion, unchecked", unchecked_version_of_path, version_place, {PCP}},
+    {"getFileVersion", version_of_path, version_place, {PCP, DOC}},
+    {"getFileVersion, unchecked", unchecked_version_of_path, version_place, {PCP, DOC}},
 };
 
 constexpr int first_type = PM_Object::FILE_PIA;

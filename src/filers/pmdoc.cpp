@@ -1,0 +1,228 @@
+#include "filers/pmdoc.h"
+
+#include "base/little_endian.h"
+#include "base/text.h"
+#include "filers/current_value.h"
+#include "platform/code_page.h"
+#include "store/pmpmgr.h"
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cstring>
+#include <pm/iterator.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr const char16_t* source = u"$Workfile: pmdoc $ $Revision: #1 $";
+constexpr const char16_t* load_place = u"PM_DOCFile::load()";
+constexpr const char16_t* save_place = u"PM_DOCFile::save()";
+constexpr const char16_t* version_place = u"PM_DOCFile::getVersion()";
+
+constexpr std::uint32_t not_opened = 56;
+constexpr std::uint32_t not_written = 60;
+constexpr std::uint32_t not_read = 66;
+
+constexpr std::u16string_view version_name = u"Version";
+constexpr float written_version = 1.0F;
+constexpr std::size_t version_units = 512;
+
+constexpr std::size_t record_header = 8; // type, size
+constexpr std::size_t value_limit = 1024;
+
+// "%f" of the number in the C locale.
+std::u16string version_text(float version) {
+    std::array<char, 64> text{};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), static_cast<double>(version),
+                                   std::chars_format::fixed, 6);
+    return {text.data(), end.ptr};
+}
+
+// The bytes of a property as its record holds them. Number 58 for a value beyond the limit.
+std::string record_value(const PM_Property& prop) {
+    std::array<char, value_limit> bytes{};
+    prop.GetData(bytes.data(), bytes.size());
+    if (prop.type() != PROP_STRING) return {bytes.data(), prop.size()};
+    std::array<char16_t, value_limit / sizeof(char16_t)> units{};
+    std::memcpy(units.data(), bytes.data(), prop.size());
+    const std::u16string_view text(units.data(), prop.size() / sizeof(char16_t));
+    return pm::to_narrow(text.substr(0, text.find(u'\0')));
+}
+
+std::string make_record(const PM_Property& prop) {
+    const std::string value = record_value(prop);
+    unsigned char header[record_header];
+    pm::store_u32(header, static_cast<std::uint32_t>(prop.type()));
+    pm::store_u32(header + 4, static_cast<std::uint32_t>(value.size()));
+    return std::string(reinterpret_cast<const char*>(header), sizeof header) + value;
+}
+
+// The first bytes of a value as a number; what is missing of it is zero.
+template<class Number>
+Number number_at(std::span<const char> value) {
+    std::array<char, sizeof(Number)> bytes{};
+    std::memcpy(bytes.data(), value.data(), std::min(value.size(), bytes.size()));
+    return std::bit_cast<Number>(bytes);
+}
+
+} // namespace
+
+PM_DOCFile::~PM_DOCFile() = default;
+
+void PM_DOCFile::raise_not_read(const char16_t* place) const {
+    throw PM_Severe(not_read, place, file_name(), source);
+}
+
+void PM_DOCFile::raise_not_written() const {
+    throw PM_Severe(not_written, save_place, file_name(), source);
+}
+
+void PM_DOCFile::attach(std::iostream*) {}
+
+void PM_DOCFile::open(const char16_t* name, bool write) {
+    if (m_storage) return;
+    const std::u16string_view file = pm::view(name);
+    if (write) {
+        m_storage = pm::StgCreateDocfile(file);
+    } else if (pm::StgIsStorageFile(file) != pm::StorageFile::no) {
+        m_storage = pm::StgOpenStorage(file);
+    }
+    if (!m_storage) throw PM_Severe(not_opened, u"PM_DOCFile::open()", name, source);
+    m_filename = file;
+}
+
+void PM_DOCFile::close() {
+    m_storage.reset();
+}
+
+void PM_DOCFile::getVersion(char16_t* buffer, std::size_t size) {
+    const auto stream = m_storage->OpenStream(version_name);
+    if (!stream) raise_not_read(version_place);
+    std::array<char, sizeof(float)> bytes{};
+    (void)stream->Read(bytes.data(), bytes.size());
+    copy_version(version_text(std::bit_cast<float>(bytes)), buffer, size);
+}
+
+void PM_DOCFile::save(const PM_Object* object, const char16_t* subtree, PM_Object::FileType,
+                      const char16_t*) {
+    write_version();
+    const std::unique_ptr<PM_Iterator> walk(object->newIterator(subtree, 0));
+    if (!walk) throw PM_Memory_Exception(save_place, u"piter", source);
+    write_properties(*m_storage, *walk);
+    write_nodes(*walk);
+    if (!m_storage->Commit()) raise_not_written();
+}
+
+void PM_DOCFile::write_version() {
+    const auto bytes = std::bit_cast<std::array<char, sizeof written_version>>(written_version);
+    write_element(*m_storage, version_name.data(), bytes);
+}
+
+void PM_DOCFile::write_element(pm::IStorage& storage, const char16_t* name, std::span<const char> record) {
+    const auto stream = storage.CreateStream(name);
+    if (!stream || !stream->Write(record.data(), record.size())) raise_not_written();
+}
+
+void PM_DOCFile::write_properties(pm::IStorage& storage, PM_Iterator& walk) {
+    pm::CurrentValue value;
+    while (const char16_t* name = value.next(walk)) {
+        write_element(storage, name, make_record(*walk.currentProp()));
+    }
+}
+
+std::unique_ptr<pm::IStorage> PM_DOCFile::create_storage(pm::IStorage& parent, const char16_t* name) {
+    auto storage = parent.CreateStorage(name);
+    if (!storage) raise_not_written();
+    return storage;
+}
+
+void PM_DOCFile::write_nodes(PM_Iterator& walk) {
+    std::vector<std::unique_ptr<pm::IStorage>> open; // from the first level down
+    const auto current = [&]() -> pm::IStorage& { return open.empty() ? *m_storage : *open.back(); };
+    PM_Object::NodeType step{};
+    while (const char16_t* name = walk.nextNode(step)) {
+        if (step != PM_Object::NODE_CHILD) open.pop_back();
+        if (step == PM_Object::NODE_PARENT) continue;
+        open.push_back(create_storage(current(), name));
+        write_properties(*open.back(), walk);
+    }
+}
+
+void PM_DOCFile::load(PM_Object* target, const char16_t* base, PM_Object::FileType) {
+    char16_t version[version_units] = {};
+    getVersion(version, version_units);
+    if (pm::view(base).size() > pm::WorkingPath::capacity) raise_not_read(load_place);
+    pm::WorkingPath path(pm::view(base));
+    load_elements(*target, path);
+}
+
+void PM_DOCFile::load_elements(PM_Object& target, pm::WorkingPath& path) {
+    struct Level {
+        std::shared_ptr<pm::IStorage> storage;
+        std::unique_ptr<pm::IEnumSTATSTG> elements;
+    };
+    std::vector<Level> levels;
+    const auto enter = [&](std::shared_ptr<pm::IStorage> storage) {
+        auto elements = storage ? storage->EnumElements() : nullptr;
+        if (!elements) raise_not_read(load_place);
+        levels.push_back({std::move(storage), std::move(elements)});
+    };
+    enter(m_storage);
+    while (!levels.empty()) {
+        pm::STATSTG element;
+        const auto result = levels.back().elements->Next(element);
+        if (result == pm::IEnumSTATSTG::Result::failure) raise_not_read(load_place);
+        if (result == pm::IEnumSTATSTG::Result::end) {
+            levels.pop_back();
+            if (!levels.empty() && !path.pop()) raise_not_read(load_place);
+            continue;
+        }
+        if (pm::equals_ignoring_case(element.name, version_name)) continue;
+        if (!path.push(element.name)) raise_not_read(load_place);
+        pm::IStorage& parent = *levels.back().storage;
+        if (element.is_storage) {
+            enter(parent.OpenStorage(element.name));
+        } else {
+            load_stream(target, path, parent, element.name);
+            if (!path.pop()) raise_not_read(load_place);
+        }
+    }
+}
+
+void PM_DOCFile::load_stream(PM_Object& target, const pm::WorkingPath& path, pm::IStorage& storage,
+                             std::u16string_view name) {
+    const auto stream = storage.OpenStream(name);
+    unsigned char header[record_header];
+    if (!stream || !stream->Read(header, sizeof header)) raise_not_read(load_place);
+    const std::uint32_t size = pm::load_u32(header + 4);
+    std::array<char, value_limit> value{};
+    if (size > value.size() || !stream->Read(value.data(), size)) raise_not_read(load_place);
+    store_value(target, path.text(), pm::load_u32(header), std::span(value).first(size));
+}
+
+// A boolean comes back as a long: kept, callers depend on it.
+void PM_DOCFile::store_value(PM_Object& target, const char16_t* path, std::uint32_t type,
+                             std::span<const char> value) {
+    const std::string_view text(value.data(), value.size());
+    switch (type) {
+    case PROP_LONG:
+        set_long(target, path, number_at<std::int32_t>(value));
+        break;
+    case PROP_DOUBLE:
+        set_double(target, path, number_at<double>(value));
+        break;
+    case PROP_STRING:
+        set_string(target, path, pm::to_wide(text.substr(0, text.find('\0'))).c_str());
+        break;
+    case PROP_BOOL:
+        set_long(target, path, number_at<std::uint8_t>(value));
+        break;
+    case PROP_VOID:
+        set_data(target, path, value.data(), value.size(), PROP_VOID);
+        break;
+    default:
+        raise_not_read(load_place);
+    }
+}
