@@ -1,0 +1,83 @@
+#include "pdt/pmpdt.h"
+
+#include "base/text.h"
+#include "pdt/branch.h"
+#include "pdt/failure.h"
+
+namespace {
+
+constexpr std::uint32_t empty_base = 51;
+constexpr std::uint32_t no_object = 52;
+constexpr std::uint32_t other_type = 54;
+
+constexpr int mark_value = 5;
+constexpr int version_column = 62;
+
+template<class Capabilities, class UserFlags>
+std::u16string all_unset() {
+    Capabilities states;
+    for (int item = 0; item < UserFlags::count; ++item) {
+        states.set_one_caps_state(false, static_cast<typename UserFlags::Enum>(item));
+    }
+    return states.get_abilities();
+}
+
+void check_arguments(const PM_Object* object, const char16_t* root, PM_Object::FileType type) {
+    if (object == nullptr) pm::throw_pdt_failure(no_object, root);
+    if (pm::view(root).empty()) pm::throw_pdt_failure(empty_base, root);
+    if (type != PM_Object::FILE_PDT) pm::throw_pdt_failure(other_type, root);
+}
+
+} // namespace
+
+PM_PDTFile::~PM_PDTFile() = default;
+
+void PM_PDTFile::load(PM_Object* object, const char16_t* root, PM_Object::FileType type) {
+    // Each finds in the lists what earlier ones left there.
+    static constexpr Converter converters[] = {};
+    pm::init_static_tables();
+    load_strings();
+    check_arguments(object, root, type);
+    for (const Converter convert : converters)
+        (this->*convert)(*object, root);
+    write_capability_states(*object, root);
+}
+
+void PM_PDTFile::load_strings() {
+    rewind_reader();
+    m_strings.load_strings(m_reader, file_name());
+}
+
+pm::SectionReader PM_PDTFile::open_rows(pm::Section section) const {
+    return pm::SectionReader(pm::folder_of(m_filename), section, pm::SectionReader::heading_lines);
+}
+
+void PM_PDTFile::getVersion(char16_t* buffer, std::size_t size) {
+    pm::SectionReader section(pm::folder_of(m_filename), pm::Section::global_static_lists,
+                              pm::SectionReader::heading_lines - 1);
+    section.read_row(m_line);
+    std::size_t position = 0;
+    for (int column = 1; column < version_column; ++column)
+        m_line.next_field(position);
+    copy_version(m_line.next_field(position), buffer, size);
+}
+
+void PM_PDTFile::mark(ZT_Flags& flags, std::initializer_list<int> indices) {
+    for (const int index : indices)
+        flags.set_flag(index, mark_value);
+}
+
+void PM_PDTFile::write_capability_states(PM_Object& object, const char16_t* base) {
+    Branch root(object, base, {});
+    root.set_string(u"\\res_color_mem\\caps_state",
+                    all_unset<ZT_Std_ResColorMem_Capabilities, ZT_ResColorMem_User_Flags>().c_str());
+    root.set_string(u"\\media\\caps_state",
+                    all_unset<ZT_Std_Media_Capabilities, ZT_Media_User_Flags>().c_str());
+    root.set_string(u"\\linetype\\caps_state",
+                    all_unset<ZT_Std_Linetype_Capabilities, ZT_Linetype_User_Flags>().c_str());
+    root.set_string(u"\\physical_pen\\caps_state",
+                    all_unset<ZT_Std_PhysPen_Capabilities, ZT_Pen_User_Flags>().c_str());
+    root.set_string(u"\\io\\caps_state",
+                    all_unset<ZT_Std_Plotter_IO_Capabilities, ZT_Plotter_IO_User_Flags>().c_str());
+    root.set_double(u"\\meta\\toolkit_version", 0.0);
+}

@@ -1,0 +1,62 @@
+#include "pdt/string_table.h"
+
+#include "base/text.h"
+#include "pdt/failure.h"
+#include "platform/code_page.h"
+#include <algorithm>
+#include <cstdlib>
+
+namespace pm {
+
+namespace {
+
+constexpr std::u16string_view key_start = u"DRFX_";
+
+const CodePage& string_code_page() {
+    const char* set = std::getenv("CODEP");
+    std::u16string number;
+    if (set != nullptr) append_ascii(number, set);
+    return code_page(static_cast<unsigned>(scan_long(number)));
+}
+
+} // namespace
+
+void StringTable::load_strings(LineReader& reader, const char16_t* file_name) {
+    const CodePage& page = string_code_page();
+    std::u16string wide;
+    for (;;) {
+        const LineReader::Line line = reader.read_line(RowLine::capacity - 1);
+        const bool too_long = line.end == LineReader::End::too_long;
+        if (too_long || reader.failed()) throw_pdt_failure(pdt_read_failed, file_name);
+        if (line.end == LineReader::End::stream) return;
+        wide.clear();
+        page.decode(line.text, wide);
+        take_line(wide.c_str());
+    }
+}
+
+void StringTable::take_line(std::u16string_view text) {
+    text = skip_any(text, u" ");
+    if (!text.starts_with(key_start)) return;
+    const std::size_t open = text.find(u'"');
+    const std::size_t close = open == text.npos ? text.npos : text.find(u'"', open + 1);
+    if (close == text.npos) return;
+    m_key = trim_end(text.substr(0, open), u" ");
+    const char16_t* key = m_strings.Add(m_key.c_str());
+    m_key = text.substr(open + 1, close - open - 1);
+    m_table.insert(key, m_strings.Add(m_key.c_str()));
+}
+
+bool StringTable::lookup_string(char16_t* out, std::size_t size, const char16_t* prefix, char16_t column,
+                                int row) {
+    m_key = prefix;
+    m_key += column;
+    append_decimal(m_key, row);
+    const char16_t* const* found = m_table.find(m_strings.Add(m_key.c_str()));
+    if (found == nullptr || size == 0) return false;
+    const std::u16string_view text = view(*found).substr(0, size - 1);
+    *std::copy(text.begin(), text.end(), out) = 0;
+    return true;
+}
+
+} // namespace pm
