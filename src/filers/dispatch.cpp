@@ -3,6 +3,7 @@
 #include "filers/pmpia.h"
 #include "legacy/pmpc2.h"
 #include "legacy/pmpcp.h"
+#include "pdt/pmpdt.h"
 #include <algorithm>
 #include <cerrno>
 #include <memory>
@@ -44,6 +45,7 @@ constexpr FilerRow filers[] = {
     {PM_Object::FILE_PC2, true, true, false, false, make<PM_PC2File>},
     {PM_Object::FILE_DOC, true, false, true, false, make<PM_DOCFile>},
     {PM_Object::FILE_DPIA, true, true, true, true, make<PM_DPIAFile>},
+    {PM_Object::FILE_PDT, true, true, false, false, make<PM_PDTFile>},
 };
 
 struct VersionRow {

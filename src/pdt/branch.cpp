@@ -13,6 +13,10 @@ void PM_PDTFile::Branch::append(Texts texts) {
         m_path += text;
 }
 
+PM_PDTFile::Branch PM_PDTFile::Branch::below(Texts texts) const {
+    return Branch(m_target, std::u16string_view(m_path).substr(0, m_place_length), texts);
+}
+
 void PM_PDTFile::Branch::enter(Texts texts) {
     m_path.resize(m_root_length);
     append(texts);
@@ -63,11 +67,14 @@ void PM_PDTFile::Branch::set_cell(std::u16string_view item, char16_t* cell, Cell
         return set_bool(item, *cell == u'Y', index);
     case CellForm::any_case_yes:
         return set_bool(item, pm::to_lower(*cell) == u'y', index);
+    case CellForm::unless_u:
+        return set_bool(item, *cell != u'U', index);
     }
 }
 
-void PM_PDTFile::Branch::set_present(const CellItem& item, const pm::Row& row, ZT_Flags& flags, int index) {
-    if (!row.has(item.column)) return;
+bool PM_PDTFile::Branch::set_present(const CellItem& item, const pm::Row& row, ZT_Flags& flags, int index) {
+    if (!row.has(item.tested)) return false;
     set_cell(item.item, row[item.column], item.form, index);
     mark(flags, item.marks);
+    return true;
 }

@@ -12,6 +12,8 @@ public:
     // The place is `base` and `texts` behind it.
     Branch(PM_Object& target, std::u16string_view base, Texts texts);
 
+    // A branch of its own, from this place with `texts` behind it.
+    Branch below(Texts texts) const;
     // Moves to the place of the construction with `texts` behind it.
     void enter(Texts texts);
 
@@ -25,8 +27,8 @@ public:
     void set_cell(std::u16string_view item, char16_t* cell, CellForm form, int index = -1);
     void set_typed_value(std::u16string_view item, const char16_t* text, int index, std::int32_t type);
 
-    // Writes the cell of the item's column and marks its flags, unless the cell is empty.
-    void set_present(const CellItem& item, const pm::Row& row, ZT_Flags& flags, int index = -1);
+    // Writes the item and marks its abilities, and gives true, unless the tested cell is empty.
+    bool set_present(const CellItem& item, const pm::Row& row, ZT_Flags& flags, int index = -1);
 
 private:
     const char16_t* path(std::u16string_view item);

@@ -34,7 +34,19 @@ PM_PDTFile::~PM_PDTFile() = default;
 
 void PM_PDTFile::load(PM_Object* object, const char16_t* root, PM_Object::FileType type) {
     // Each finds in the lists what earlier ones left there.
-    static constexpr Converter converters[] = {};
+    static constexpr Converter converters[] = {
+        &PM_PDTFile::convert_custom_capability,
+        &PM_PDTFile::convert_dithering_method,
+        &PM_PDTFile::read_protocol,
+        &PM_PDTFile::convert_io_method,
+        &PM_PDTFile::read_media_collating,
+        &PM_PDTFile::read_media_cutting,
+        &PM_PDTFile::convert_media_description,
+        &PM_PDTFile::read_media_destination,
+        &PM_PDTFile::read_media_folding,
+        &PM_PDTFile::read_media_source_entry,
+        &PM_PDTFile::convert_media_source,
+    };
     pm::init_static_tables();
     load_strings();
     check_arguments(object, root, type);
@@ -44,8 +56,10 @@ void PM_PDTFile::load(PM_Object* object, const char16_t* root, PM_Object::FileTy
 }
 
 void PM_PDTFile::load_strings() {
+    m_stream->clear();
     rewind_reader();
     m_strings.load_strings(m_reader, file_name());
+    if (m_stream->bad()) pm::throw_pdt_failure(pm::pdt_read_failed, file_name());
 }
 
 pm::SectionReader PM_PDTFile::open_rows(pm::Section section) const {
@@ -62,8 +76,12 @@ void PM_PDTFile::getVersion(char16_t* buffer, std::size_t size) {
     copy_version(m_line.next_field(position), buffer, size);
 }
 
-void PM_PDTFile::mark(ZT_Flags& flags, std::initializer_list<int> indices) {
-    for (const int index : indices)
+void PM_PDTFile::append_name(UC_Name_List& list, const pm::Row& row, char column) {
+    if (row.has(column)) list.append(ZT_String(row.name(column)));
+}
+
+void PM_PDTFile::mark(ZT_Flags& flags, const Marks& marks) {
+    for (const int index : marks)
         flags.set_flag(index, mark_value);
 }
 

@@ -27,6 +27,8 @@ public:
 protected:
     class Branch; // branch.h
 
+    class IoMethods; // io_method.cpp
+
     // How a cell is stored.
     enum class CellForm {
         text,          // as it stands
@@ -34,16 +36,34 @@ protected:
         integer,       // as _wtol
         number,        // as _wtof
         narrow_number, // as _wtof, rounded to 32 bits
-        exact_yes,     // true for "Y"
-        any_case_yes   // true for "Y" and "y"
+        exact_yes,     // true for "Y" as first character
+        any_case_yes,  // true for "Y" and "y"
+        unless_u       // false for "U"
     };
 
-    // An item that a cell is written to, and the flags that are marked, if the cell isn't empty.
+    // Numbers of abilities that are marked together.
+    class Marks {
+    public:
+        constexpr Marks(std::initializer_list<int> indices) {
+            for (const int index : indices)
+                m_indices[m_count++] = index;
+        }
+        constexpr const int* begin() const { return m_indices; }
+        constexpr const int* end() const { return m_indices + m_count; }
+
+    private:
+        int m_indices[4] = {};
+        int m_count = 0;
+    };
+
+    // An item that a cell is written to, and the abilities that are then marked, if the cell of the column
+    // `tested` isn't empty.
     struct CellItem {
+        char tested;
         char column;
         const char16_t* item;
         CellForm form;
-        std::initializer_list<int> marks;
+        Marks marks;
     };
 
     // A converter reads one section, in its own stream, and writes below `base`, or fills a list that later
@@ -74,6 +94,8 @@ protected:
     void convert_meta(PM_Object& object, const char16_t* base);
     void convert_linetype(PM_Object& object, const char16_t* base);
 
+    // Writes an entry below the source that `source` is at.
+    void write_source_entry(const Branch& source, const UC_Media_Source_Entry& record);
     // A step of convert_misc_info: writes the colour records with their resolutions and memory areas.
     void publish_res_color_mem(PM_Object& object, const char16_t* base);
     // The last step of load.
@@ -83,8 +105,16 @@ protected:
     // The section's reader, at its first data row.
     pm::SectionReader open_rows(pm::Section section) const;
 
-    // Marks abilities.
-    static void mark(ZT_Flags& flags, std::initializer_list<int> indices);
+    // Fills a list from the rows of a section by the rule of PendingRecord (record_rows.h).
+    template<class Record, class Named, class Every>
+    void read_records(pm::Section section, int columns, SimpleListWithSearch<Record>& list, Named named,
+                      Every every);
+    template<class Record, class Named>
+    void read_records(pm::Section section, int columns, SimpleListWithSearch<Record>& list, Named named);
+    // Appends the cell as a name, unless the cell is empty.
+    static void append_name(UC_Name_List& list, const pm::Row& row, char column);
+
+    static void mark(ZT_Flags& flags, const Marks& marks);
     // Writes a property in the data type of a custom capability (typed_value.h); other types write nothing.
     static void set_typed_value(PM_Object& object, const char16_t* path, const char16_t* text, int index,
                                 std::int32_t type);

@@ -129,7 +129,7 @@ public:
         if constexpr (requires(Record & record) { record.clear_lists(); }) m_record.clear_lists();
     }
 
-    Record* operator->() { return &m_record; }
+    Record& record() { return m_record; }
 
 private:
     SimpleListWithSearch<Record>& m_list;

@@ -112,13 +112,8 @@ LineReader::Line SectionReader::read_line() {
     constexpr std::size_t longest = RowLine::capacity - 1;
     LineReader::Line line = m_reader.read_line(RowLine::capacity);
     if (line.end == LineReader::End::line && line.text.ends_with('\r')) line.text.remove_suffix(1);
-    if (line.text.size() > longest || m_reader.failed()) throw_pdt_failure(pdt_read_failed, m_path.c_str());
+    if (line.text.size() > longest || m_stream.bad()) throw_pdt_failure(pdt_read_failed, m_path.c_str());
     return line;
-}
-
-void SectionReader::skip_lines(int count) {
-    for (int skipped = 0; skipped < count; ++skipped)
-        read_line();
 }
 
 bool SectionReader::read_row(RowLine& line) {

@@ -26,8 +26,7 @@ void StringTable::load_strings(LineReader& reader, const char16_t* file_name) {
     std::u16string wide;
     for (;;) {
         const LineReader::Line line = reader.read_line(RowLine::capacity - 1);
-        const bool too_long = line.end == LineReader::End::too_long;
-        if (too_long || reader.failed()) throw_pdt_failure(pdt_read_failed, file_name);
+        if (line.end == LineReader::End::too_long) throw_pdt_failure(pdt_read_failed, file_name);
         if (line.end == LineReader::End::stream) return;
         wide.clear();
         page.decode(line.text, wide);

@@ -20,7 +20,7 @@ public:
 
     // Reads from where `reader` stands, in the code page that the environment variable "CODEP" names in
     // decimal, the system's without one. A last line without line end doesn't count. A line of 2048 bytes
-    // or more, or a failed read, is number 56 with `file_name`, which may be null.
+    // or more is number 56 with `file_name`, which may be null.
     void load_strings(LineReader& reader, const char16_t* file_name);
 
     // Copies the text of a cell, cut to `size` units with its terminator. False, with `out` untouched, if
