@@ -1,0 +1,220 @@
+#pragma once
+
+#include "pdt/pmpdt.h"
+#include "store/pmpmgr.h"
+#include "support/temp_folder.h"
+#include <cstring>
+#include <pm/pm.h>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pm::test {
+
+inline std::string to_narrow_name(const char16_t* text) {
+    return to_narrow(text, utf8_code_page);
+}
+
+// In the order in which a load opens them.
+inline constexpr Section loaded_sections[] = {
+    Section::custom_capability,  Section::dithering_method,  Section::protocol,
+    Section::io_method,          Section::media_collating,   Section::media_cutting,
+    Section::media_description,  Section::media_destination, Section::media_folding,
+    Section::media_source_entry, Section::media_source,
+};
+
+// A folder with a device description in which every table has its two heading lines only, and no text is
+// translated, until a test says otherwise.
+class Description {
+public:
+    Description() {
+        strings("");
+        for (int section = 0; section < section_count; ++section)
+            rows(static_cast<Section>(section), "");
+    }
+
+    static std::string file_of(Section section) { return to_narrow_name(section_name(section)) + ".pdt"; }
+
+    // The whole string file.
+    Description& strings(std::string_view content) {
+        m_folder.write("strings.pdt", content);
+        return *this;
+    }
+    // The data rows of a table, behind its headings.
+    Description& rows(Section section, std::string_view rows) {
+        return whole(section, "heading\tof columns\nlist\ttext\n" + std::string(rows));
+    }
+    // A whole table.
+    Description& whole(Section section, std::string_view content) {
+        m_folder.write(file_of(section), content);
+        return *this;
+    }
+    Description& remove(Section section) {
+        std::filesystem::remove(m_folder / file_of(section));
+        return *this;
+    }
+
+    const TempFolder& folder() const { return m_folder; }
+    std::u16string string_file() const { return m_folder.wide("strings.pdt"); }
+    std::u16string path_of(Section section) const { return m_folder.wide(file_of(section)); }
+
+    void load(PM_Object& object, const char16_t* base = u"\\") const {
+        object.load(string_file().c_str(), PM_Object::FILE_PDT, base);
+    }
+
+private:
+    TempFolder m_folder;
+};
+
+// Reads a description with what it holds open to look at: records that no item shows, and the abilities.
+class OpenPdt : public PM_PDTFile {
+public:
+    explicit OpenPdt(const Description& description) : PM_PDTFile(nullptr) {
+        open(description.string_file().c_str(), false);
+    }
+    void load_into(PM_Object& object) { load(&object, u"\\", PM_Object::FILE_PDT); }
+
+    using PM_PDTFile::m_caps_type;
+    using PM_PDTFile::m_collating;
+    using PM_PDTFile::m_color_modes;
+    using PM_PDTFile::m_cutting;
+    using PM_PDTFile::m_destinations;
+    using PM_PDTFile::m_folding;
+    using PM_PDTFile::m_landscape_seen;
+    using PM_PDTFile::m_memory_areas;
+    using PM_PDTFile::m_portrait_seen;
+    using PM_PDTFile::m_protocols;
+    using PM_PDTFile::m_resolutions;
+    using PM_PDTFile::m_source_entries;
+    using PM_PDTFile::m_stapling;
+    using PM_PDTFile::m_strings;
+
+    std::vector<int> media_marks() const { return marks_of(m_media_abilities); }
+    std::vector<int> io_marks() const { return marks_of(m_io_abilities); }
+    std::vector<int> res_color_mem_marks() const { return marks_of(m_res_color_mem_abilities); }
+
+private:
+    // Flags are open to subclasses only.
+    struct OpenFlags : ZT_Flags {
+        static const char16_t* text(const ZT_Flags& flags) { return (flags.*&OpenFlags::get_flags)(); }
+    };
+    static std::vector<int> marks_of(const ZT_Flags& flags) { return marks_in(OpenFlags::text(flags)); }
+
+public:
+    // The numbers of the flags that are marked in a set's text; any other value than a mark shows as -1.
+    static std::vector<int> marks_in(std::u16string_view text) {
+        std::vector<int> marks;
+        for (std::size_t index = 0; index < text.size(); ++index) {
+            if (text[index] == u'0') continue;
+            marks.push_back(text[index] == u'5' ? static_cast<int>(index) : -1);
+        }
+        return marks;
+    }
+};
+
+// One item as a test writes it: the path below the place asked for, and the value: 12, 2.5, true, "text" or
+// <0AFF> for raw bytes, and nothing for a property without a value.
+class TreeText {
+public:
+    static std::vector<std::string> of(const PM_Node& node) {
+        TreeText text;
+        text.walk(node, "");
+        return std::move(text.m_items);
+    }
+
+private:
+    void walk(const PM_Node& node, const std::string& prefix) {
+        for (const PM_Property* prop = node.first_prop(); prop != nullptr; prop = prop->next()) {
+            m_items.push_back(prefix + to_narrow_name(prop->name()) + "=" + value_of(*prop));
+        }
+        for (const PM_Node* child = node.first_child(); child != nullptr; child = child->next_sibling()) {
+            walk(*child, prefix + to_narrow_name(child->name()) + "\\");
+        }
+    }
+
+    template<class Value>
+    static Value read(const PM_Property& prop) {
+        Value value{};
+        prop.GetData(&value, sizeof value);
+        return value;
+    }
+
+    static std::string value_of(const PM_Property& prop) {
+        if (prop.size() == 0) return prop.type() == PROP_VOID ? "<>" : "nothing";
+        switch (prop.type()) {
+        case PROP_LONG:
+            return std::to_string(read<std::int32_t>(prop));
+        case PROP_DOUBLE:
+            return double_text(read<double>(prop));
+        case PROP_BOOL:
+            return read<bool>(prop) ? "true" : "false";
+        case PROP_STRING: {
+            std::u16string text(prop.size() / sizeof(char16_t), u'?');
+            prop.GetData(text.data(), prop.size());
+            const bool ended = text.back() == 0;
+            return ended ? '"' + to_narrow_name(text.c_str()) + '"' : "no terminator";
+        }
+        case PROP_VOID:
+            return raw_text(prop);
+        default:
+            return "no type";
+        }
+    }
+
+    static std::string double_text(double value) {
+        char text[40];
+        const int length = std::snprintf(text, sizeof text, "%.17g", value);
+        std::string digits(text, static_cast<std::size_t>(length));
+        std::snprintf(text, sizeof text, "%g", value);
+        if (std::strtod(text, nullptr) == value) digits = text;
+        return digits.find_first_of(".en") == std::string::npos ? digits + ".0" : digits;
+    }
+
+    static std::string raw_text(const PM_Property& prop) {
+        std::string bytes(prop.size(), '\0');
+        prop.GetData(bytes.data(), bytes.size());
+        std::string hex(2 * bytes.size() + 1, '\0');
+        pm_bin_to_hex(bytes.data(), hex.data(), static_cast<int>(bytes.size()));
+        hex.pop_back();
+        return '<' + hex + '>';
+    }
+
+    std::vector<std::string> m_items;
+};
+
+// A tree whose nodes can be looked at.
+class OpenObject : public PM_Object {
+public:
+    const PM_Node& root() const { return *m_root; }
+
+    // All items below a node, properties before children, in the order of creation. Empty without the node.
+    std::vector<std::string> items(std::u16string_view path) const {
+        const PM_Node* node = m_root;
+        for (std::size_t at = 0; node != nullptr && at < path.size();) {
+            const std::size_t end = std::min(path.find(u'\\', at), path.size());
+            node = find(*node, path.substr(at, end - at));
+            at = end + 1;
+        }
+        return node != nullptr ? TreeText::of(*node) : std::vector<std::string>();
+    }
+
+private:
+    static const PM_Node* find(const PM_Node& node, std::u16string_view name) {
+        const PM_Node* child = node.first_child();
+        while (child != nullptr && child->name() != name)
+            child = child->next_sibling();
+        return child;
+    }
+};
+
+// The tree of a description, below `path`.
+inline std::vector<std::string> items_of(const Description& description, std::u16string_view path) {
+    OpenObject object;
+    description.load(object);
+    return object.items(path);
+}
+
+using Items = std::vector<std::string>;
+
+} // namespace pm::test
