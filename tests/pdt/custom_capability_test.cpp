@@ -5,6 +5,7 @@ namespace {
 
 using pm::Section;
 using pm::test::Description;
+using pm::test::has_item;
 using pm::test::Items;
 
 // The items of the capabilities in a table.
@@ -97,8 +98,8 @@ TEST(CustomCapability, EachDataTypeHasItsForm) {
 
 TEST(CustomCapability, OnlyTheFourthCharacterTellsTheType) {
     const Items items = capabilities("C\t\t\t\t\t\tabcRaw\tY\nD\t\t\t\t\t\tx  Dxxx\tY\n");
-    EXPECT_NE(items.end(), std::find(items.begin(), items.end(), "D\\data_type=2"));
-    EXPECT_NE(items.end(), std::find(items.begin(), items.end(), "C\\data_type=4"));
+    EXPECT_TRUE(has_item(items, "D\\data_type=2"));
+    EXPECT_TRUE(has_item(items, "C\\data_type=4"));
 }
 
 TEST(CustomCapability, UnknownTypeKeepsTheOneBefore) {
@@ -106,7 +107,7 @@ TEST(CustomCapability, UnknownTypeKeepsTheOneBefore) {
                                      "F\t\t\t3\t\t\t\tY\n");
     for (const char* expected : {"D\\data_type=1", "D\\default_value=1", "E\\data_type=1",
                                  "E\\default_value=2", "F\\data_type=1", "F\\default_value=3"}) {
-        EXPECT_NE(items.end(), std::find(items.begin(), items.end(), expected)) << expected;
+        EXPECT_TRUE(has_item(items, expected)) << expected;
     }
 }
 
@@ -120,8 +121,8 @@ TEST(CustomCapability, NoTypeWritesNoValue) {
 
 TEST(CustomCapability, VerifiableTakesBothCasesAndRangeTypeOneOnly) {
     const Items items = capabilities("C\t\ty\t\t\t\tPT_Long\ty\t1\n");
-    EXPECT_NE(items.end(), std::find(items.begin(), items.end(), "C\\verifiable=true"));
-    EXPECT_NE(items.end(), std::find(items.begin(), items.end(), "C\\range_type=false"));
+    EXPECT_TRUE(has_item(items, "C\\verifiable=true"));
+    EXPECT_TRUE(has_item(items, "C\\range_type=false"));
 }
 
 TEST(CustomCapability, EmptyLineBetweenTwoAddsAnEmptyValueToTheFirst) {
@@ -142,7 +143,7 @@ TEST(CustomCapability, EmptyLineBetweenTwoAddsAnEmptyValueToTheFirst) {
 
 TEST(CustomCapability, EmptyValueOfAListIsWritten) {
     const Items items = capabilities("C\t\t\t\t\t\tPT_Raw\tN\t\n");
-    EXPECT_NE(items.end(), std::find(items.begin(), items.end(), "C\\value_list\\0\\value=<>"));
+    EXPECT_TRUE(has_item(items, "C\\value_list\\0\\value=<>"));
 }
 
 TEST(CustomCapability, BlanksOfANameBecomeUnderscores) {
@@ -160,13 +161,13 @@ TEST(CustomCapability, RowNumbersOfKeysCountAllLines) {
     const Items items = capabilities("A\t\t\t\t\t\tPT_Long\tY\n\n\nB\t\t\t\t\t\tPT_Long\tY\n",
                                      "DRFX_CUSTOM_CAPABILITY_B3 \"first\"\n"
                                      "DRFX_CUSTOM_CAPABILITY_B6 \"second\"\n");
-    EXPECT_NE(items.end(), std::find(items.begin(), items.end(), "B\\localized_name=\"second\""));
+    EXPECT_TRUE(has_item(items, "B\\localized_name=\"second\""));
 }
 
 TEST(CustomCapability, CapabilityWithoutATextTakesTheOneBefore) {
     const Items items = capabilities("A\t\t\t\t\t\tPT_Long\tY\nB\t\t\t\t\t\tPT_Long\tY\n",
                                      "DRFX_CUSTOM_CAPABILITY_B3 \"first\"\n");
-    EXPECT_NE(items.end(), std::find(items.begin(), items.end(), "B\\localized_name=\"first\""));
+    EXPECT_TRUE(has_item(items, "B\\localized_name=\"first\""));
 }
 
 } // namespace

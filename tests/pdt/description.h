@@ -3,7 +3,9 @@
 #include "pdt/pmpdt.h"
 #include "store/pmpmgr.h"
 #include "support/temp_folder.h"
-#include <cstring>
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <pm/pm.h>
 #include <span>
 #include <string>
@@ -216,5 +218,9 @@ inline std::vector<std::string> items_of(const Description& description, std::u1
 }
 
 using Items = std::vector<std::string>;
+
+inline bool has_item(const Items& items, std::string_view item) {
+    return std::find(items.begin(), items.end(), item) != items.end();
+}
 
 } // namespace pm::test
