@@ -16,7 +16,7 @@ class SimpleList {
 public:
     struct Node : T {
         Node() = default;
-        explicit Node(T value) : T(std::move(value)) {}
+        explicit Node(T content) : T(std::move(content)) {}
         Node* next = nullptr;
     };
 

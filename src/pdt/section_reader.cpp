@@ -41,28 +41,19 @@ constexpr SectionFile section_files[section_count] = {
     {u"Media Source Entry", u"DRFX_MEDIA_SOURCE_ENTRY_"},
 };
 
-struct OpenFailure {
+struct OpenFailureRow {
     int code;
-    std::uint32_t number;
-    bool names_file;
+    OpenFailure failure;
 };
 
-constexpr OpenFailure no_such_file = {ENOENT, 63, true};
-constexpr OpenFailure open_failures[] = {
-    no_such_file,        {EACCES, 61, true}, {EMFILE, 62, false},
-    {ENOMEM, 64, false}, {ENOSPC, 65, true}, {EISDIR, 68, true},
+constexpr OpenFailureRow open_failures[] = {
+    {ENOENT, {63, true}},  {EACCES, {61, true}}, {EMFILE, {62, false}},
+    {ENOMEM, {64, false}}, {ENOSPC, {65, true}}, {EISDIR, {68, true}},
 };
-constexpr OpenFailure other_failure = {0, pdt_read_failed, true};
 
-[[noreturn]] void fail(const OpenFailure& failure, const std::u16string& path) {
+[[noreturn]] void fail(int code, const std::u16string& path) {
+    const OpenFailure failure = open_failure(code);
     throw_pdt_failure(failure.number, failure.names_file ? path.c_str() : nullptr);
-}
-
-const OpenFailure& failure_of(int code) {
-    for (const OpenFailure& failure : open_failures) {
-        if (failure.code == code) return failure;
-    }
-    return other_failure;
 }
 
 std::u16string section_path(std::u16string_view folder, Section section) {
@@ -86,6 +77,13 @@ std::u16string_view folder_of(std::u16string_view file_name) {
     return file_name.substr(0, file_name.find_last_of(u"\\/") + 1);
 }
 
+OpenFailure open_failure(int code) {
+    for (const OpenFailureRow& row : open_failures) {
+        if (row.code == code) return row.failure;
+    }
+    return {pdt_read_failed, true};
+}
+
 SectionReader::SectionReader(std::u16string_view folder, Section section, int skipped)
     : SectionReader(section_path(folder, section), skipped) {}
 
@@ -98,14 +96,14 @@ SectionReader::SectionReader(std::u16string path, int skipped)
 }
 
 void SectionReader::open() {
-    if (m_path.empty()) fail(no_such_file, m_path);
+    if (m_path.empty()) fail(ENOENT, m_path);
     const std::string name = native_file_name(m_path);
     std::error_code ignored;
     // A folder can be opened here and there; only reading it fails.
-    if (std::filesystem::is_directory(name, ignored)) fail(failure_of(EISDIR), m_path);
+    if (std::filesystem::is_directory(name, ignored)) fail(EISDIR, m_path);
     errno = 0;
     m_stream.open(name, std::ios::in | std::ios::binary);
-    if (!m_stream) fail(failure_of(errno), m_path);
+    if (!m_stream) fail(errno, m_path);
 }
 
 LineReader::Line SectionReader::read_line() {

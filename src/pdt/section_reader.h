@@ -47,6 +47,14 @@ const char16_t* section_key_prefix(Section section);
 // The part of a file name up to and with its last "\" or "/".
 std::u16string_view folder_of(std::u16string_view file_name);
 
+// What a table that can't be opened is told as.
+struct OpenFailure {
+    std::uint32_t number;
+    bool names_file; // whether the detail is the file's name
+};
+// By the value of errno.
+OpenFailure open_failure(int code);
+
 // Reads the lines of one table, always in the system's code page.
 class SectionReader {
 public:
@@ -55,9 +63,8 @@ public:
     static constexpr int first_row = heading_lines + 1;
 
     // Opens the section's file in `folder`, which ends in its separator or is empty, and passes over
-    // `skipped` lines. Numbers: 63 no such
-    // file, 61 no permission, 62 too many open files (no detail), 64 no memory (no detail), 65 no space,
-    // 68 a folder, 56 anything else; the detail is the file's name.
+    // `skipped` lines. Numbers: those of open_failure(), 56 for a line that is too long; the detail is the
+    // file's name.
     SectionReader(std::u16string_view folder, Section section, int skipped);
     // The same for a file by its name; an empty name is number 63.
     SectionReader(std::u16string path, int skipped);
