@@ -72,9 +72,10 @@ private:
 // Reads a description with what it holds open to look at: records that no item shows, and the abilities.
 class OpenPdt : public PM_PDTFile {
 public:
-    explicit OpenPdt(const Description& description) : PM_PDTFile(nullptr) {
-        open(description.string_file().c_str(), false);
+    explicit OpenPdt(const std::u16string& string_file) : PM_PDTFile(nullptr) {
+        open(string_file.c_str(), false);
     }
+    explicit OpenPdt(const Description& description) : OpenPdt(description.string_file()) {}
     void load_into(PM_Object& object) { load(&object, u"\\", PM_Object::FILE_PDT); }
 
     using PM_PDTFile::m_caps_type;

@@ -1,13 +1,13 @@
 #include "pdt/section_reader.h"
 
 #include "support/exceptions.h"
+#include "support/ordinary_user.h"
 #include "support/temp_folder.h"
 #include <cerrno>
 #include <gtest/gtest.h>
 #include <pm/code_page.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -145,28 +145,12 @@ TEST(SectionReader, FolderInPlaceOfAFileIsNumber68) {
                              folder.wide("IO Method.pdt"));
 }
 
-// Without the rights of root while it lives.
-class OrdinaryUser {
-public:
-    OrdinaryUser() : m_is_root(geteuid() == 0) {
-        if (m_is_root && seteuid(65534) != 0) ADD_FAILURE() << "can't give up the rights of root";
-    }
-    ~OrdinaryUser() {
-        if (m_is_root && seteuid(0) != 0) ADD_FAILURE() << "can't take back the rights of root";
-    }
-    OrdinaryUser(const OrdinaryUser&) = delete;
-    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-
-private:
-    bool m_is_root;
-};
-
 TEST(SectionReader, UnreadableFileIsNumber61) {
     const TempFolder folder;
     const std::u16string path = folder.write("IO Method.pdt", "");
     chmod(folder.path().c_str(), 0755);
     chmod((folder / "IO Method.pdt").c_str(), 0);
-    const OrdinaryUser user;
+    const pm::test::OrdinaryUser user;
     expect_thrown<PM_Severe>([&] { SectionReader(folder.wide(""), Section::io_method, 2); }, 61, place, path);
 }
 
