@@ -44,8 +44,19 @@ void PM_PDTFile::load(PM_Object* object, const char16_t* root, PM_Object::FileTy
         &PM_PDTFile::convert_media_description,
         &PM_PDTFile::read_media_destination,
         &PM_PDTFile::read_media_folding,
+        &PM_PDTFile::convert_media_size,
         &PM_PDTFile::read_media_source_entry,
         &PM_PDTFile::convert_media_source,
+        &PM_PDTFile::read_media_stapling,
+        &PM_PDTFile::convert_media_type,
+        &PM_PDTFile::convert_media_destination,
+        &PM_PDTFile::convert_memory_area,
+        &PM_PDTFile::convert_raster,
+        &PM_PDTFile::read_resolution,
+        &PM_PDTFile::read_resolution_color_memory,
+        &PM_PDTFile::convert_misc_info,
+        &PM_PDTFile::convert_meta,
+        &PM_PDTFile::convert_linetype,
     };
     pm::init_static_tables();
     load_strings();

@@ -27,7 +27,10 @@ public:
 protected:
     class Branch; // branch.h
 
-    class IoMethods; // io_method.cpp
+    class IoMethods;       // io_method.cpp
+    class DestinationJoin; // media_destination_join.cpp
+    struct MiscRow;        // misc_info_rows.h
+    class MiscInfo;        // misc_info.cpp
 
     // How a cell is stored.
     enum class CellForm {
@@ -98,6 +101,9 @@ protected:
     void write_source_entry(const Branch& source, const UC_Media_Source_Entry& record);
     // A step of convert_misc_info: writes the colour records with their resolutions and memory areas.
     void publish_res_color_mem(PM_Object& object, const char16_t* base);
+    // Writes a resolution below the colour record that `mode` is at.
+    void write_resolution(const Branch& mode, const UC_Resolution& record);
+    void write_memory_areas(Branch& resolution, const UC_Name_List& names);
     // The last step of load.
     void write_capability_states(PM_Object& object, const char16_t* base);
 

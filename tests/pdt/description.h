@@ -20,10 +20,27 @@ inline std::string to_narrow_name(const char16_t* text) {
 
 // In the order in which a load opens them.
 inline constexpr Section loaded_sections[] = {
-    Section::custom_capability,  Section::dithering_method,  Section::protocol,
-    Section::io_method,          Section::media_collating,   Section::media_cutting,
-    Section::media_description,  Section::media_destination, Section::media_folding,
-    Section::media_source_entry, Section::media_source,
+    Section::custom_capability,
+    Section::dithering_method,
+    Section::protocol,
+    Section::io_method,
+    Section::media_collating,
+    Section::media_cutting,
+    Section::media_description,
+    Section::media_destination,
+    Section::media_folding,
+    Section::media_size,
+    Section::media_source_entry,
+    Section::media_source,
+    Section::media_stapling,
+    Section::media_type,
+    Section::memory_area,
+    Section::raster_capability,
+    Section::resolution,
+    Section::resolution_color_memory,
+    Section::misc_info,
+    Section::misc_localizable_info,
+    Section::line_type_capabilities,
 };
 
 // A folder with a device description in which every table has its two heading lines only, and no text is
@@ -93,7 +110,12 @@ public:
     using PM_PDTFile::m_stapling;
     using PM_PDTFile::m_strings;
 
-    std::vector<int> media_marks() const { return marks_of(m_media_abilities); }
+    // Without 24, which every load marks.
+    std::vector<int> media_marks() const {
+        std::vector<int> marks = marks_of(m_media_abilities);
+        std::erase(marks, 24);
+        return marks;
+    }
     std::vector<int> io_marks() const { return marks_of(m_io_abilities); }
     std::vector<int> res_color_mem_marks() const { return marks_of(m_res_color_mem_abilities); }
 

@@ -80,7 +80,7 @@ TEST(Protocol, UnknownTextsAreMinusOne) {
 }
 
 TEST(Protocol, WritesNothing) {
-    EXPECT_EQ(Items{"caps_state=\"0000\""}, Protocols("P\n").object.items(u"io"));
+    EXPECT_EQ(pm::test::items_of(Description(), u"io"), Protocols("P\n").object.items(u"io"));
 }
 
 // --- The plain settings of a group
