@@ -69,6 +69,12 @@ public:
         m_folder.write(file_of(section), content);
         return *this;
     }
+    // More of a table.
+    Description& append(Section section, std::string_view content) {
+        std::ofstream(m_folder / file_of(section), std::ios::binary | std::ios::app)
+            .write(content.data(), static_cast<std::streamsize>(content.size()));
+        return *this;
+    }
     Description& remove(Section section) {
         std::filesystem::remove(m_folder / file_of(section));
         return *this;
