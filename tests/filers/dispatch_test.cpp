@@ -73,12 +73,13 @@ constexpr FileType PIA = PM_Object::FILE_PIA;
 constexpr FileType PCP = PM_Object::FILE_PCP;
 constexpr FileType PC2 = PM_Object::FILE_PC2;
 constexpr FileType DOC = PM_Object::FILE_DOC;
+constexpr FileType PDT = PM_Object::FILE_PDT;
 constexpr FileType DPIA = PM_Object::FILE_DPIA;
 constexpr FileType CFG = PM_Object::FILE_CFG;
 
 const OperationRow operations[] = {
-    {"load from a path", load_from_path, load_place, {PIA, PCP, PC2, DOC, DPIA}},
-    {"load from a stream", load_from_stream, load_place, {PIA, PCP, PC2, DPIA}},
+    {"load from a path", load_from_path, load_place, {PIA, PCP, PC2, DOC, PDT, DPIA}},
+    {"load from a stream", load_from_stream, load_place, {PIA, PCP, PC2, PDT, DPIA}},
     {"load_section", load_a_section, load_place, {DPIA}},
     {"load_cfg_section", load_a_cfg_section, load_place, {CFG}},
     {"save to a path", save_to_path, save_place, {PIA, DOC, DPIA}},
