@@ -123,8 +123,9 @@ class CapabilityStates : public ZT_Object {
 public:
     // An item outside the group is ignored.
     void set_one_caps_state(bool state, typename UserFlags::Enum item) {
-        if (item >= 0 && item < UserFlags::count)
+        if (item >= 0 && item < UserFlags::count) {
             m_digits[static_cast<std::size_t>(item)] = state ? u'1' : u'0';
+        }
     }
     const char16_t* get_abilities() const { return m_digits.c_str(); }
 

@@ -26,8 +26,9 @@ public:
     // Null if the key isn't there.
     const V* find(K key) const {
         const Entry* entry = m_buckets[bucket_of(key)];
-        while (entry != nullptr && entry->key != key)
+        while (entry != nullptr && entry->key != key) {
             entry = entry->next;
+        }
         return entry != nullptr ? &entry->value : nullptr;
     }
 

@@ -48,8 +48,9 @@ public:
 
     SimpleList() = default;
     SimpleList(const SimpleList& other) {
-        for (const Node& node : other)
+        for (const Node& node : other) {
             append(static_cast<const T&>(node));
+        }
     }
     SimpleList(SimpleList&& other) noexcept { swap(other); }
     SimpleList& operator=(SimpleList other) noexcept {

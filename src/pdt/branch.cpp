@@ -9,8 +9,9 @@ PM_PDTFile::Branch::Branch(PM_Object& target, std::u16string_view base, Texts te
 }
 
 void PM_PDTFile::Branch::append(Texts texts) {
-    for (const std::u16string_view text : texts)
+    for (const std::u16string_view text : texts) {
         m_path += text;
+    }
 }
 
 PM_PDTFile::Branch PM_PDTFile::Branch::below(Texts texts) const {

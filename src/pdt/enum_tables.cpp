@@ -218,8 +218,9 @@ void init_static_tables() {
     if (ready) return;
     if (interned == nullptr) interned = new PM_PathStrings;
     for (Keyword* table : tables) {
-        for (Keyword* row = table; row->code != unknown_keyword; ++row)
+        for (Keyword* row = table; row->code != unknown_keyword; ++row) {
             row->text = interned->Add(row->text);
+        }
     }
     all_keyword = interned->Add(all_keyword);
     ready = true;
@@ -228,8 +229,9 @@ void init_static_tables() {
 std::uint32_t lookup_enum(Keywords table, const char16_t* text) {
     const char16_t* wanted = interned->Add(text);
     const Keyword* row = tables[static_cast<int>(table)];
-    while (row->code != unknown_keyword && row->text != wanted)
+    while (row->code != unknown_keyword && row->text != wanted) {
         ++row;
+    }
     return row->code;
 }
 
@@ -241,8 +243,9 @@ std::int32_t lookup_enum_or(Keywords table, const char16_t* text, std::int32_t m
 std::span<const Keyword> keyword_rows(Keywords table) {
     const Keyword* first = tables[static_cast<int>(table)];
     const Keyword* last = first;
-    while (last->code != unknown_keyword)
+    while (last->code != unknown_keyword) {
         ++last;
+    }
     return {first, last};
 }
 

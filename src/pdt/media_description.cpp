@@ -30,8 +30,9 @@ void PM_PDTFile::convert_media_description(PM_Object& object, const char16_t* ba
             root.set_long(u"\\media\\size\\*\\media_group",
                           pm::lookup_enum_or(pm::Keywords::media_group, row['C'], 0), index);
         }
-        for (const CellItem& item : items)
+        for (const CellItem& item : items) {
             root.set_present(item, row, m_media_abilities, index);
+        }
         ++index;
     }
 }

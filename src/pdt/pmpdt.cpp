@@ -61,8 +61,9 @@ void PM_PDTFile::load(PM_Object* object, const char16_t* root, PM_Object::FileTy
     pm::init_static_tables();
     load_strings();
     check_arguments(object, root, type);
-    for (const Converter convert : converters)
+    for (const Converter convert : converters) {
         (this->*convert)(*object, root);
+    }
     write_capability_states(*object, root);
 }
 
@@ -82,8 +83,9 @@ void PM_PDTFile::getVersion(char16_t* buffer, std::size_t size) {
                               pm::SectionReader::heading_lines - 1);
     section.read_row(m_line);
     std::size_t position = 0;
-    for (int column = 1; column < version_column; ++column)
+    for (int column = 1; column < version_column; ++column) {
         m_line.next_field(position);
+    }
     copy_version(m_line.next_field(position), buffer, size);
 }
 
@@ -92,8 +94,9 @@ void PM_PDTFile::append_name(UC_Name_List& list, const pm::Row& row, char column
 }
 
 void PM_PDTFile::mark(ZT_Flags& flags, const Marks& marks) {
-    for (const int index : marks)
+    for (const int index : marks) {
         flags.set_flag(index, mark_value);
+    }
 }
 
 void PM_PDTFile::write_capability_states(PM_Object& object, const char16_t* base) {

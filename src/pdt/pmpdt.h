@@ -48,8 +48,9 @@ protected:
     class Marks {
     public:
         constexpr Marks(std::initializer_list<int> indices) {
-            for (const int index : indices)
+            for (const int index : indices) {
                 m_indices[m_count++] = index;
+            }
         }
         constexpr const int* begin() const { return m_indices; }
         constexpr const int* end() const { return m_indices + m_count; }

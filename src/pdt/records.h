@@ -59,8 +59,9 @@ struct UC_Media_Destination {
     UC_Name_List folding;
 
     void clear_lists() {
-        for (UC_Name_List* list : {&collating, &stapling, &cutting, &folding})
+        for (UC_Name_List* list : {&collating, &stapling, &cutting, &folding}) {
             list->clear();
+        }
     }
 };
 

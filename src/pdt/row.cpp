@@ -13,13 +13,15 @@ void RowLine::assign(std::u16string_view text) {
 
 void RowLine::end_at_comment(std::size_t slash) {
     m_units[slash] = 0;
-    while (slash > 0 && m_units[slash - 1] == u' ')
+    while (slash > 0 && m_units[slash - 1] == u' ') {
         m_units[--slash] = 0;
+    }
 }
 
 std::size_t RowLine::find_stop(std::size_t from) const {
-    while (m_units[from] != 0 && m_units[from] != u'\t' && m_units[from] != u'/')
+    while (m_units[from] != 0 && m_units[from] != u'\t' && m_units[from] != u'/') {
         ++from;
+    }
     return from;
 }
 
@@ -44,8 +46,9 @@ char16_t* RowLine::next_field(std::size_t& position) {
 
 void normalize_name(char16_t* text) {
     std::size_t length = std::u16string_view(text).size();
-    while (length > 0 && text[length - 1] == u' ')
+    while (length > 0 && text[length - 1] == u' ') {
         --length;
+    }
     if (length > 0 && text[length - 1] == u'"') --length;
     text[length] = 0;
     if (*text == u'"') {

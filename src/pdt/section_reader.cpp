@@ -91,8 +91,9 @@ SectionReader::SectionReader(std::u16string path, int skipped)
     : m_path(std::move(path)), m_code_page(code_page(default_code_page)) {
     open();
     m_reader.attach(m_stream);
-    for (int line = 0; line < skipped; ++line)
+    for (int line = 0; line < skipped; ++line) {
         read_line();
+    }
 }
 
 void SectionReader::open() {
