@@ -48,6 +48,16 @@ private:
             {Section::media_folding, &Peer::read_media_folding},
             {Section::media_source_entry, &Peer::read_media_source_entry},
             {Section::media_source, &Peer::convert_media_source},
+            {Section::media_size, &Peer::convert_media_size},
+            {Section::media_stapling, &Peer::read_media_stapling},
+            {Section::media_type, &Peer::convert_media_type},
+            {Section::memory_area, &Peer::convert_memory_area},
+            {Section::raster_capability, &Peer::convert_raster},
+            {Section::resolution, &Peer::read_resolution},
+            {Section::resolution_color_memory, &Peer::read_resolution_color_memory},
+            {Section::misc_info, &Peer::convert_misc_info},
+            {Section::misc_localizable_info, &Peer::convert_meta},
+            {Section::line_type_capabilities, &Peer::convert_linetype},
         };
         const auto* row = std::find_if(std::begin(rows), std::end(rows),
                                        [section](const Row& each) { return each.section == section; });
@@ -75,7 +85,9 @@ Outcome outcome_of(Section section, const Description& description) {
     object.save(tree, PM_Object::FILE_PIA, u"", u"\\");
     return {tree.str(),
             {peer.m_protocols.count(), peer.m_collating.count(), peer.m_cutting.count(),
-             peer.m_destinations.count(), peer.m_folding.count(), peer.m_source_entries.count()},
+             peer.m_destinations.count(), peer.m_folding.count(), peer.m_source_entries.count(),
+             peer.m_stapling.count(), peer.m_memory_areas.count(), peer.m_resolutions.count(),
+             peer.m_color_modes.count()},
             peer.media_marks(),
             peer.io_marks(),
             peer.res_color_mem_marks()};
@@ -102,13 +114,50 @@ TEST_P(EverySection, PrefixIsReadToItsLastLineEnd) {
     EXPECT_NE(nothing, lines_before);
 }
 
-INSTANTIATE_TEST_SUITE_P(Sample, EverySection, testing::ValuesIn(pm::test::loaded_sections),
-                         [](const auto& each) {
-                             std::string name = Description::file_of(each.param);
-                             name.resize(name.size() - 4);
-                             std::erase_if(name, [](char c) { return c == ' ' || c == '-'; });
-                             return name;
-                         });
+// The two forms are read line by line without a look at the end: a line without an end counts there.
+bool is_form(Section section) {
+    return section == Section::misc_info || section == Section::misc_localizable_info;
+}
+
+std::vector<Section> tables() {
+    std::vector<Section> sections(std::begin(pm::test::loaded_sections), std::end(pm::test::loaded_sections));
+    std::erase_if(sections, is_form);
+    return sections;
+}
+
+TEST(SampleForm, LastLineCountsWithoutAnEnd) {
+    for (const Section form : {Section::misc_info, Section::misc_localizable_info}) {
+        std::string whole = sample_table(form);
+        Description description;
+        description.whole(form, whole);
+        const Outcome outcome = outcome_of(form, description);
+        whole.resize(whole.size() - 2); // the line end
+        description.whole(form, whole);
+        EXPECT_EQ(outcome, outcome_of(form, description)) << static_cast<int>(form);
+    }
+}
+
+TEST(SampleForm, LineEndChangesNothingWhereverTheFormIsCut) {
+    for (const Section form : {Section::misc_info, Section::misc_localizable_info}) {
+        const std::string whole = sample_table(form);
+        Description description;
+        description.whole(form, "");
+        Outcome before = outcome_of(form, description);
+        for (const char byte : whole) {
+            description.append(form, std::string(1, byte));
+            const Outcome outcome = outcome_of(form, description);
+            if (byte == '\n') EXPECT_EQ(before, outcome) << static_cast<int>(form);
+            before = outcome;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sample, EverySection, testing::ValuesIn(tables()), [](const auto& each) {
+    std::string name = Description::file_of(each.param);
+    name.resize(name.size() - 4);
+    std::erase_if(name, [](char c) { return c == ' ' || c == '-'; });
+    return name;
+});
 
 TEST(Sample, EveryPrefixOfTheStringFileIsReadToItsLastLineEnd) {
     const std::string whole = pm::test::TempFolder::read_file(sample_folder + "strings.pdt");
