@@ -146,7 +146,9 @@ TEST(SampleForm, LineEndChangesNothingWhereverTheFormIsCut) {
         for (const char byte : whole) {
             description.append(form, std::string(1, byte));
             const Outcome outcome = outcome_of(form, description);
-            if (byte == '\n') EXPECT_EQ(before, outcome) << static_cast<int>(form);
+            if (byte == '\n') {
+                EXPECT_EQ(before, outcome) << static_cast<int>(form);
+            }
             before = outcome;
         }
     }
