@@ -2,7 +2,8 @@
 
 #include "platform/compound_bytes.h"
 #include "platform/compound_manifest.h"
-#include "platform/resource_limits.h"
+#include "support/file_size_limit.h"
+#include "support/scoped_settings.h"
 #include "support/temp_folder.h"
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -503,7 +504,7 @@ TEST_F(CompoundStorage, FileThatMayNotBeWrittenIsNotOpened) {
     root.reset();
     std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
     std::filesystem::permissions(folder / "file.doc", std::filesystem::perms(0444));
-    const test::WithoutPrivileges scope;
+    const test::DroppedPrivileges scope;
     EXPECT_EQ(StorageFile::yes, StgIsStorageFile(name));
     EXPECT_EQ(nullptr, StgOpenStorage(name));
     EXPECT_EQ(nullptr, StgCreateDocfile(name));

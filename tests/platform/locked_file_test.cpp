@@ -1,7 +1,8 @@
 #include "platform/locked_file.h"
 
 #include "platform/compound_bytes.h"
-#include "platform/resource_limits.h"
+#include "support/file_size_limit.h"
+#include "support/scoped_settings.h"
 #include "support/temp_folder.h"
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -155,15 +156,16 @@ TEST_F(Locked, FileThatMayOnlyBeReadIsRefused) {
     const auto name = folder.write("file", "content");
     std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
     std::filesystem::permissions(folder / "file", std::filesystem::perms(0444));
-    const test::WithoutPrivileges scope;
+    const test::DroppedPrivileges scope;
     EXPECT_EQ(nullptr, LockedFile::open(name));
     EXPECT_EQ(bytes_of("content"), first_bytes(name, 100));
 }
 
 TEST_F(Locked, FileThatMayNotBeReadGivesNoFirstBytes) {
     const auto name = folder.write("file", "content");
+    std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
     std::filesystem::permissions(folder / "file", std::filesystem::perms(0));
-    const test::WithoutPrivileges scope;
+    const test::DroppedPrivileges scope;
     EXPECT_FALSE(first_bytes(name, 100));
 }
 

@@ -1,10 +1,8 @@
 #pragma once
 
 #include <csignal>
-#include <cstdlib>
 #include <stdexcept>
 #include <sys/resource.h>
-#include <unistd.h>
 
 namespace pm::test {
 
@@ -27,23 +25,6 @@ public:
 private:
     rlimit m_before{};
     void (*m_handler)(int);
-};
-
-// While one lives, the process may do no more than anybody, even if the system's administrator runs it.
-class WithoutPrivileges {
-public:
-    WithoutPrivileges() : m_before(geteuid()) {
-        if (m_before == 0 && seteuid(nobody) != 0) throw std::runtime_error("privileges can't be dropped");
-    }
-    ~WithoutPrivileges() {
-        if (geteuid() != m_before && seteuid(m_before) != 0) std::abort();
-    }
-    WithoutPrivileges(const WithoutPrivileges&) = delete;
-    WithoutPrivileges& operator=(const WithoutPrivileges&) = delete;
-
-private:
-    static constexpr uid_t nobody = 65534;
-    uid_t m_before;
 };
 
 } // namespace pm::test
