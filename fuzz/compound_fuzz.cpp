@@ -1,17 +1,19 @@
 // Reads any bytes as a compound file, and writes what is sound in it once more: that comes back the same.
 
+#include "fuzz_support.h"
 #include "platform/compound_reader.h"
 #include "platform/compound_storage.h"
 #include "platform/compound_writer.h"
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace {
+
+using pm::fuzz::require;
 
 // Opens and reads everything; the storages still to be walked are kept here, not on the stack.
 void walk(std::unique_ptr<pm::IStorage> root) {
@@ -23,13 +25,13 @@ void walk(std::unique_ptr<pm::IStorage> root) {
         const auto elements = storage->EnumElements();
         pm::STATSTG element;
         while (elements && elements->Next(element) == pm::IEnumSTATSTG::Result::element) {
-            if (!pm::compound_name_allowed(element.name)) std::abort();
+            require(pm::compound_name_allowed(element.name));
             if (element.is_storage) {
                 if (auto below = storage->OpenStorage(element.name)) pending.push_back(std::move(below));
             } else if (const auto stream = storage->OpenStream(element.name)) {
                 std::byte buffer[8];
-                while (stream->Read(buffer, sizeof buffer))
-                    continue;
+                while (stream->Read(buffer, sizeof buffer)) {
+                }
             }
         }
     }
@@ -41,11 +43,11 @@ void expect_same(const pm::CompoundTree& one, const pm::CompoundTree& other) {
     while (!pending.empty()) {
         const auto [a, b] = pending.back();
         pending.pop_back();
-        if (a->kind != b->kind || a->data != b->data || !b->sound) std::abort();
-        if (a->children.size() != b->children.size()) std::abort();
+        require(a->kind == b->kind && a->data == b->data && b->sound);
+        require(a->children.size() == b->children.size());
         for (auto at = a->children.begin(), same = b->children.begin(); at != a->children.end();
              ++at, ++same) {
-            if (at->second->name != same->second->name) std::abort();
+            require(at->second->name == same->second->name);
             pending.emplace_back(at->second, same->second);
         }
     }
@@ -61,7 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto written = pm::write_compound_file(*tree);
     if (!written) return 0;
     const auto again = pm::read_compound_file(*written);
-    if (!again) std::abort();
+    require(again != nullptr);
     expect_same(*tree, *again);
     return 0;
 }
