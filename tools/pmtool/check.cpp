@@ -43,24 +43,35 @@ std::string name_of(const Source& part) {
     return fmt::format("{}[{}]", part.file, part.section);
 }
 
-void append_lines(const Source& part, std::vector<std::string>& lines) {
+struct Found {
+    int line;
+    std::string text;
+    bool operator==(const Found&) const = default;
+};
+
+void append_found(const Source& part, std::vector<Found>& all) {
     PartCheck result = check_part(part);
     LineFinder finder(part.format->is_text ? part.path : "");
     for (std::size_t i = 0; i < result.reports.size(); ++i) {
         Report& report = result.reports[i];
         if (is_bad_line(report)) report.line = finder.find(report);
-        std::string line = describe(report, name_of(part));
-        if (result.stopped && i + 1 == result.reports.size()) line += "; reading stops here";
-        if (std::ranges::find(lines, line) == lines.end()) lines.push_back(std::move(line));
+        Found found{report.line, describe(report, name_of(part))};
+        if (result.stopped && i + 1 == result.reports.size()) found.text += "; reading stops here";
+        // A line that belongs to no plotter is bad in each of them.
+        if (std::ranges::find(all, found) == all.end()) all.push_back(std::move(found));
     }
 }
 
 } // namespace
 
 std::vector<std::string> find_bad_lines(const Source& source) {
-    std::vector<std::string> lines;
+    std::vector<Found> all;
     for (const Source& part : parts_of(source))
-        append_lines(part, lines);
+        append_found(part, all);
+    if (source.format->type == PM_Object::FILE_CFG) std::ranges::stable_sort(all, {}, &Found::line);
+    std::vector<std::string> lines;
+    for (Found& found : all)
+        lines.push_back(std::move(found.text));
     return lines;
 }
 

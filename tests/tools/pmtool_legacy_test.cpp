@@ -1,0 +1,110 @@
+#include "tools/run_tool.h"
+
+namespace pm::test {
+
+namespace {
+
+using PmToolLegacy = ToolTest;
+
+TEST_F(PmToolLegacy, Pc2FileIsShownWithItsDefaults) {
+    expect_output({"tree", sample_folder + "/office.pc2", "\\PlotDriver"},
+                  "Configured: long = 1\n"
+                  "Type: long = 2\n"
+                  "External: long = 0\n"
+                  "Alias: long = 0\n"
+                  "XDI_Level: long = 3\n"
+                  "MenuName: string = \"Draftex Series\"\n"
+                  "PathName: string = \"drivers\\\\draftex\"\n"
+                  "PlotterId: string = \"DX4200-OFFICE\"\n"
+                  "Stream: string = \"plot\"\n");
+}
+
+TEST_F(PmToolLegacy, SlashIsPartOfAName) {
+    expect_output({"get", sample_folder + "/office.pc2", "\\Plotter/Device\\Pens"}, "8\n");
+}
+
+TEST_F(PmToolLegacy, PcpFileIsShown) {
+    expect_output({"tree", sample_folder + "/pens.pcp", "\\ORIGIN"}, "X: double = 12.5\nY: double = 10.0\n");
+}
+
+TEST_F(PmToolLegacy, Pc2FileIsConvertedToPia) {
+    copy_sample("office.pc2", "a.pc2");
+    expect_output({"convert", "a.pc2", "b.pia", "--tag", "from pc2"}, "");
+    EXPECT_TRUE(folder.read("b.pia").starts_with("PIAFILEVERSION_2.0,from pc2\r\n"));
+    expect_output({"compare", "a.pc2", "b.pia"}, "a.pc2 and b.pia hold equal trees.\n");
+}
+
+TEST_F(PmToolLegacy, PlotterOfACfgFileIsChosenByNumber) {
+    const std::string file = sample_folder + "/three-plotters.cfg";
+    expect_output({"get", file, "\\PlotDriver\\PlotterId", "--section", "2"}, "DX4200-2\n");
+    expect_trouble({"get", file, "\\PlotDriver\\PlotterId"},
+                   file + ": the file holds several plotters; choose one with --section (1, 2, 3)");
+    expect_trouble({"tree", file, "--section", "two"},
+                   "two: a section of a cfg file is told by its plotter's number");
+}
+
+TEST_F(PmToolLegacy, OnlyPlotterOfACfgFileNeedsNoNumber) {
+    folder.write("a.cfg", "[PlotDriver]\nAlias=7\n[PlotDriver#5]\nType=3\n");
+    expect_output({"get", "a.cfg", "\\PlotDriver\\Type"}, "3\n");
+    folder.write("b.cfg", "[PlotDriver]\nAlias=7\n");
+    expect_output({"get", "b.cfg", "\\PlotDriver\\Alias"}, "7\n");
+}
+
+TEST_F(PmToolLegacy, PlotterIsExtracted) {
+    copy_sample("three-plotters.cfg", "a.cfg");
+    expect_output({"extract", "a.cfg", "3", "-o", "b.pia"}, "");
+    expect_output({"get", "b.pia", "\\PlotDriver\\PlotterId"}, "DX4200-3\n");
+}
+
+TEST_F(PmToolLegacy, EachPlotterBecomesASectionByName) {
+    copy_sample("three-plotters.cfg", "a.cfg");
+    expect_output({"extract", "a.cfg", "1", "-o", "1.pia"}, "");
+    expect_output({"extract", "a.cfg", "2", "-o", "2.pia"}, "");
+    expect_output({"bundle", "-o", "all.dpia", "One=1.pia", "Two=2.pia"}, "");
+    expect_output({"get", "all.dpia", "\\PlotDriver\\PlotterId", "--section", "Two"}, "DX4200-2\n");
+}
+
+TEST_F(PmToolLegacy, GoodSamplesHaveNoBadLines) {
+    for (const std::string sample : {"office.pc2", "three-plotters.cfg", "pens.pcp"}) {
+        const std::string file = sample_folder + "/" + sample;
+        expect_output({"check", file}, file + ": no bad lines\n");
+    }
+}
+
+TEST_F(PmToolLegacy, BadLinesOfAPc2FileAreListed) {
+    folder.write("bad.pc2", "PC2Version 2.0\r\n[PlotDriver]\r\nType=x\r\nfoo\r\n\r\n[]\r\n"
+                            "[Plotter/DriverCustom]\r\ndmFields=zz\r\ndmColor=\r\n");
+    expect_no({"check", "bad.pc2"},
+              "bad.pc2:3: The line isn't valid (error 57): Type=x\n"
+              "bad.pc2:4: The line isn't valid (error 57): foo\n"
+              "bad.pc2:6: The line isn't valid (error 57): []\n"
+              "bad.pc2:8: The value of dmFields isn't a hexadecimal number (error 99): dmFields=zz\n"
+              "bad.pc2:9: The line isn't valid (error 57): dmColor=\n");
+}
+
+TEST_F(PmToolLegacy, BadLinesOfAllPlottersAreListedOnceInTheOrderOfTheFile) {
+    folder.write("bad.cfg", "[PlotDriver#2]\nType=x\nfoo\n\n[PlotDriver#1]\nType=y\n");
+    expect_no({"check", "bad.cfg"}, "bad.cfg:2: The line isn't valid (error 57): Type=x\n"
+                                    "bad.cfg:3: The line isn't valid (error 57): foo\n"
+                                    "bad.cfg:6: The line isn't valid (error 57): Type=y\n");
+    expect_no({"check", "bad.cfg", "--section", "1"}, "bad.cfg:3: The line isn't valid (error 57): foo\n"
+                                                      "bad.cfg:6: The line isn't valid (error 57): Type=y\n");
+}
+
+TEST_F(PmToolLegacy, BadLinesOfAPcpFileAreListed) {
+    folder.write("bad.pcp", ";Created by Draftex\nVERSION=2\n\nUNITS=X\nFOO=1\n");
+    expect_no({"check", "bad.pcp"}, "bad.pcp:2: The line isn't valid (error 57): VERSION=2\n"
+                                    "bad.pcp:4: The line isn't valid (error 57): UNITS=X\n"
+                                    "bad.pcp:5: The line isn't valid (error 57): FOO=1\n");
+}
+
+TEST_F(PmToolLegacy, FirstBadLineStopsOtherCommands) {
+    folder.write("bad.pc2", "PC2Version 2.0\n\n[PlotDriver]\nType=x\n");
+    expect_trouble(
+        {"tree", "bad.pc2"},
+        "bad.pc2:4: The line isn't valid (error 57): Type=x; all bad lines are listed by: pmtool check");
+}
+
+} // namespace
+
+} // namespace pm::test
