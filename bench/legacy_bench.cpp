@@ -11,7 +11,7 @@ namespace {
 
 std::string sample(const char* name) {
     std::ifstream file(std::string(PM_SAMPLES "/") + name, std::ios::binary);
-    const std::string content{std::istreambuf_iterator<char>(file), {}};
+    std::string content{std::istreambuf_iterator<char>(file), {}};
     if (content.empty()) throw std::runtime_error("no sample file");
     return content;
 }
@@ -24,7 +24,7 @@ std::u16string sample_path(const char* name) {
 // Times are of a new object with the load, and without its end.
 template<class Load>
 void load_new_objects(benchmark::State& state, Load load) {
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         auto object = std::make_unique<PM_Object>();
         load(*object);
         state.PauseTiming();
@@ -60,7 +60,7 @@ void pc2_defaults(benchmark::State& state) {
 void pc2_load_again(benchmark::State& state) {
     const std::string content = sample("office.pc2");
     PM_Object object;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         std::stringstream stream(content);
         object.load(stream, PM_Object::FILE_PC2, u"\\");
     }
@@ -68,7 +68,7 @@ void pc2_load_again(benchmark::State& state) {
 
 void pc2_load_and_end(benchmark::State& state) {
     const std::string content = sample("office.pc2");
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         PM_Object object;
         std::stringstream stream(content);
         object.load(stream, PM_Object::FILE_PC2, u"\\");

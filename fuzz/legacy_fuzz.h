@@ -59,8 +59,9 @@ inline void walk(const PM_Object& object) {
     PropType type = PROP_NONE;
     PM_Object::NodeType step = PM_Object::NODE_SIBLING;
     do {
-        while (steps->nextProp(value, size, type) != nullptr)
+        while (steps->nextProp(value, size, type) != nullptr) {
             require(type != PROP_NONE && value != nullptr);
+        }
     } while (steps->nextNode(step) != nullptr);
 }
 

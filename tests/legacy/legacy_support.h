@@ -82,8 +82,9 @@ inline std::vector<DumpedProperty> dump(const PM_Object& object) {
     const auto take_properties = [&] {
         while (const char16_t* name = walk->nextProp(value, size, type)) {
             std::string path;
-            for (const std::string& node : nodes)
+            for (const std::string& node : nodes) {
                 path += "\\" + node;
+            }
             path += "\\" + to_narrow(name, utf8_code_page);
             const bool wide = type == PROP_STRING || type == PROP_DOUBLE;
             all.push_back(
@@ -104,16 +105,18 @@ inline std::vector<DumpedProperty> dump(const PM_Object& object) {
 
 inline std::vector<std::string> dumped_lines(const PM_Object& object) {
     std::vector<std::string> lines;
-    for (const DumpedProperty& property : dump(object))
+    for (const DumpedProperty& property : dump(object)) {
         lines.push_back(property.text());
+    }
     return lines;
 }
 
 inline std::vector<std::string> lines_of(const std::string& text) {
     std::vector<std::string> lines;
     std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);)
+    for (std::string line; std::getline(stream, line);) {
         lines.push_back(line);
+    }
     return lines;
 }
 
@@ -160,8 +163,9 @@ private:
 // As many comment lines as fill a reader's first block, so that a failure behind them comes later.
 inline std::string filled_to_block(std::string content) {
     constexpr std::size_t block = 16384;
-    while (content.size() + 2 < block)
+    while (content.size() + 2 < block) {
         content += ";\n";
+    }
     content.resize(block, '\n');
     return content;
 }

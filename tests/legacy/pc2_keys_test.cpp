@@ -22,15 +22,17 @@ std::u16string folded(std::u16string_view text) {
 
 TEST(Pc2Keys, AreThoseOfTheListInItsOrder) {
     std::vector<std::string> rows;
-    for (const Pc2Key& key : pc2_keys())
+    for (const Pc2Key& key : pc2_keys()) {
         rows.push_back(described(key));
+    }
     EXPECT_EQ(140U, rows.size());
     EXPECT_EQ(reference_lines("pc2_keys.txt"), rows);
 }
 
 TEST(Pc2Keys, OnlyTheFieldsOfAFormAreHexadecimal) {
-    for (const Pc2Key& key : pc2_keys())
+    for (const Pc2Key& key : pc2_keys()) {
         EXPECT_EQ(key.key == u"Plotter/DriverCustom\\dmFields", key.hexadecimal) << to_narrow(key.key);
+    }
 }
 
 TEST(Pc2Keys, OnlyRowsWithALastIndexAreIndexed) {
@@ -78,8 +80,9 @@ TEST(Pc2Keys, AnOrdinaryOneMatchesWholeNamesOnly) {
 
 // The comparison ends after 50 units, which no key reaches: a longer name never passes for a key.
 TEST(Pc2Keys, NoneIsAsLongAsTheComparison) {
-    for (const Pc2Key& key : pc2_keys())
+    for (const Pc2Key& key : pc2_keys()) {
         EXPECT_LT(key.key.size(), pc2_key_compared) << to_narrow(key.key);
+    }
 }
 
 TEST(Pc2Keys, NoNameMatchesTwo) {

@@ -142,13 +142,14 @@ TEST_F(Cfg, EachKeyTakesAValueOfItsPlotter) {
         SCOPED_TRACE(full);
         std::string section = full.substr(0, full.find('\\'));
         std::string name = full.substr(full.find('\\') + 1) + (key.indexed() ? "1" : "");
-        std::u16string path = to_wide("\\" + section + "\\" + name);
+        std::u16string path = u"\\" + to_wide(full) + (key.indexed() ? u"1" : u"");
         if (key.type == PROP_STRING) std::replace(path.begin(), path.end(), u'-', u'_');
         section.insert(std::min(section.find('/'), section.size()), "#12");
         const bool raw = key.type == PROP_VOID;
         PM_Object target(&handler);
-        load_into(target, "[" + section + "]\n" + name + "=" + (raw ? "1%@M-#(P,  !  @ 0YX" : "17") + "\n",
-                  12);
+        std::string content = "[";
+        content.append(section).append("]\n").append(name).append("=");
+        load_into(target, content.append(raw ? "1%@M-#(P,  !  @ 0YX" : "17"), 12);
         if (key.type == PROP_LONG) {
             EXPECT_EQ(17, long_at(target, path.c_str()));
         } else if (key.type == PROP_DOUBLE) {
@@ -191,8 +192,9 @@ TEST_F(Cfg, ReportsKeepThePlaceOfTheOlderFormat) {
             {line, 1, 57, load_place, u"\n2, " + to_wide(line) + u", " + path},
             [&](PM_Object& target) { target.load_cfg_section(path.c_str(), PM_Object::FILE_CFG, u"\\", 1); });
     };
-    for (const char* line : {"[]", "text", "Type=", "Type=x"})
+    for (const char* line : {"[]", "text", "Type=", "Type=x"}) {
         expect(line);
+    }
 }
 
 // ---- The class itself: what PM_Object doesn't reach
@@ -300,8 +302,9 @@ TEST(CfgSample, BreaksOffAnywhere) {
         filer.attach(&stream);
         filer.load_section(&object, u"\\", 2);
         ASSERT_LE(handler.reports.size(), 1U) << length;
-        for (const std::uint32_t number : handler.numbers())
+        for (const std::uint32_t number : handler.numbers()) {
             ASSERT_EQ(57U, number) << length;
+        }
     }
 }
 

@@ -122,12 +122,14 @@ TEST_F(Pc2, DefaultsAreInTheOrderOfTheKeys) {
             std::replace(name.begin(), name.end(), '-', '_');
             expected.push_back(name);
         }
-        for (int index = key.first; key.indexed() && index <= key.last; ++index)
+        for (int index = key.first; key.indexed() && index <= key.last; ++index) {
             expected.push_back(name + std::to_string(index));
+        }
     }
     std::vector<std::string> paths;
-    for (const DumpedProperty& property : dump(object))
+    for (const DumpedProperty& property : dump(object)) {
         paths.push_back(property.path);
+    }
     EXPECT_EQ(expected, paths);
     EXPECT_EQ(131U + 5 * 255 + 2 + 5 + 5, paths.size());
 }
@@ -702,8 +704,9 @@ TEST(Pc2Sample, BreaksOffAnywhere) {
         PM_Object object(&handler);
         load_pc2(object, content.substr(0, length));
         ASSERT_LE(handler.reports.size(), 1U) << length;
-        for (const std::uint32_t number : handler.numbers())
+        for (const std::uint32_t number : handler.numbers()) {
             ASSERT_TRUE(number == 57 || number == 69) << length;
+        }
     }
 }
 

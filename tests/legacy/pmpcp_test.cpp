@@ -328,8 +328,9 @@ TEST_F(Pcp, TheDefaultBlockSetsEachColor) {
 TEST_F(Pcp, AStarGivesEachColorItsOwnPen) {
     load("BEGIN_COLOR=DEFAULT\nPEN_NUMBER=*\nEND_COLOR\n");
     Lines expected;
-    for (int color = 1; color <= 255; ++color)
+    for (int color = 1; color <= 255; ++color) {
         expected.push_back(color_line(color, "PEN_NUMBER long " + std::to_string(color)));
+    }
     EXPECT_EQ(expected, tree());
 }
 
@@ -724,8 +725,9 @@ TEST_F(Pcp, TheSampleBreaksOffAnywhere) {
         PM_Object target(&each);
         load_pcp(target, content.substr(0, length));
         ASSERT_LE(each.reports.size(), 1U) << length;
-        for (const std::uint32_t number : each.numbers())
+        for (const std::uint32_t number : each.numbers()) {
             ASSERT_EQ(57U, number) << length;
+        }
     }
 }
 
