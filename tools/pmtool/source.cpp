@@ -9,6 +9,7 @@
 #include "tree_walk.h"
 #include <charconv>
 #include <fmt/format.h>
+#include <optional>
 
 namespace pmtool {
 
@@ -79,7 +80,10 @@ Source find_source(const SourceOptions& options) {
         throw Failure(fmt::format("{}: a {} file has no sections", source.file, source.format->name));
     }
     if (source.format->type == PM_Object::FILE_PDT && is_folder(source.file)) {
-        source.path = find_string_file(source.file).value_or(source.file + "/strings.pdt");
+        const std::optional<std::string> string_file = find_string_file(source.file);
+        if (!string_file)
+            throw Failure(source.file + ": the folder holds no string file such as strings.pdt");
+        source.path = *string_file;
     }
     return source;
 }
