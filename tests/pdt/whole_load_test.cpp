@@ -35,22 +35,6 @@ Items sample_items(const char16_t* base, std::u16string_view path) {
     return object.items(path);
 }
 
-// --- Order
-
-TEST(WholeLoad, OpensTheTablesInTheirOrder) {
-    Description description;
-    for (const Section section : pm::test::loaded_sections)
-        description.remove(section);
-    for (const Section section : pm::test::loaded_sections) {
-        PM_Object object;
-        expect_thrown<PM_Severe>([&] { description.load(object); }, 63, u"PM_PDTFile::load()",
-                                 description.path_of(section));
-        description.rows(section, "");
-    }
-    PM_Object object;
-    description.load(object);
-}
-
 TEST(WholeLoad, FailureLeavesWhatWasWritten) {
     Description description;
     description.rows(Section::media_size, "A\n").remove(Section::media_type);
@@ -95,6 +79,37 @@ TEST(WholeLoad, LinetypesAreTheLastSection) {
               object.items(u"meta"));
 }
 
+TEST(WholeLoad, SizesAndDescriptionsMeetByNumber) {
+    Description description;
+    description
+        .rows(Section::media_size,
+              "ISO A4 landscape\tISO A4\tISO A4 (297 \xD7 210 mm)\tL\tISO A4 landscape area\r\n"
+              "\r\n"
+              "ISO A4 portrait\tISO A4\tISO A4 (210 \xD7 297 mm)\tP\tISO A4 portrait area // feeds first\r\n")
+        .rows(Section::media_description, "ISO A4 landscape area\tISO A4\tISO\r\n")
+        .strings("DRFX_MEDIA_SIZE_C3  \"ISO A4, landscape\"\r\nDRFX_MEDIA_SIZE_C5  \"ISO A4, portrait\"\r\n");
+    const Items expected = {
+        "ui_owner=\"00000000000000000000000\"",
+        "landscape=true",
+        "abilities=\"000005500500500000000000500000000500000000000000000\"",
+        "caps_state=\"0000000000000000000\"",
+        "description\\0\\caps_type=0",
+        "description\\0\\name=\"ISO_A4_landscape_area\"",
+        "size\\0\\media_group=4",
+        "size\\0\\caps_type=0",
+        "size\\0\\name=\"ISO_A4_landscape\"",
+        "size\\0\\localized_name=\"ISO A4, landscape\"",
+        "size\\0\\landscape_mode=true",
+        "size\\0\\media_description_name=\"ISO_A4_landscape_area\"",
+        "size\\1\\caps_type=0",
+        "size\\1\\name=\"ISO_A4_portrait\"",
+        "size\\1\\localized_name=\"ISO A4, portrait\"",
+        "size\\1\\landscape_mode=false",
+        "size\\1\\media_description_name=\"ISO_A4_portrait_area\"",
+    };
+    EXPECT_EQ(expected, pm::test::items_of(description, u"media"));
+}
+
 // --- The sample
 
 TEST(SampleDescription, GivesTheKnownTree) {
@@ -117,15 +132,6 @@ TEST(SampleDescription, GoesBelowTheBase) {
     EXPECT_EQ(sample_items(u"\\", u""), sample_items(u"a\\b", u"a\\b"));
 }
 
-TEST(SampleDescription, TellsItsVersion) {
-    struct Pdt : PM_PDTFile {
-        Pdt() : PM_PDTFile(nullptr) { open(sample.c_str(), false); }
-    } pdt;
-    char16_t version[64];
-    pdt.getVersion(version, std::size(version));
-    EXPECT_EQ(std::u16string(u"DX-4200 description 4.2"), version);
-}
-
 // --- From a stream
 
 TEST(StreamLoad, FindsTheTablesInTheCurrentFolder) {
@@ -136,37 +142,7 @@ TEST(StreamLoad, FindsTheTablesInTheCurrentFolder) {
     EXPECT_EQ(sample_items(u"\\", u""), object.items(u""));
 }
 
-TEST(StreamLoad, TakesTheTextsFromTheStream) {
-    const Description description;
-    const CurrentFolder here(description.folder().path());
-    description.folder().write("Media Size.pdt", "heading\nlist\nA\n");
-    std::stringstream strings("DRFX_MEDIA_SIZE_C3 \"streamed\"\n");
-    OpenObject object;
-    object.load(strings, PM_Object::FILE_PDT, u"\\");
-    EXPECT_TRUE(has_item(object.items(u"media\\size"), "0\\localized_name=\"streamed\""));
-}
-
-TEST(StreamLoad, NamesAMissingTableBare) {
-    const pm::test::TempFolder empty;
-    const CurrentFolder here(empty.path());
-    std::stringstream strings;
-    PM_Object object;
-    expect_thrown<PM_Severe>([&] { object.load(strings, PM_Object::FILE_PDT, u"\\"); }, 63,
-                             u"PM_PDTFile::load()", u"Custom Capability.pdt");
-}
-
 // --- What isn't to be had
-
-TEST(PdtDispatch, SaveIsRefused) {
-    const pm::test::TempFolder folder;
-    const PM_Object object;
-    expect_thrown<PM_Warning>(
-        [&] { object.save(folder.wide("x.pdt").c_str(), PM_Object::FILE_PDT, u"", u"\\"); }, 67,
-        u"PM_Object::save()", u"");
-    std::stringstream stream;
-    expect_thrown<PM_Warning>([&] { object.save(stream, PM_Object::FILE_PDT, u"", u"\\"); }, 67,
-                              u"PM_Object::save()", u"");
-}
 
 TEST(PdtDispatch, FileVersionIsRefused) {
     char16_t version[64];
