@@ -50,7 +50,6 @@ private:
             {Section::media_size, &Peer::convert_media_size},
             {Section::media_source_entry, &Peer::read_media_source_entry},
             {Section::media_source, &Peer::convert_media_source},
-            {Section::media_size, &Peer::convert_media_size},
             {Section::media_stapling, &Peer::read_media_stapling},
             {Section::media_type, &Peer::convert_media_type},
             {Section::memory_area, &Peer::convert_memory_area},
@@ -116,7 +115,6 @@ TEST_P(EverySection, PrefixIsReadToItsLastLineEnd) {
     EXPECT_NE(nothing, lines_before);
 }
 
-// The two forms are read line by line without a look at the end: a line without an end counts there.
 // Tables of a fixed number of rows, whose last one needs no line end.
 class EveryForm : public testing::TestWithParam<Section> {};
 
@@ -136,53 +134,18 @@ bool is_form(Section section) {
     return section == Section::misc_info || section == Section::misc_localizable_info;
 }
 
-std::vector<Section> tables() {
-    std::vector<Section> sections(std::begin(pm::test::loaded_sections), std::end(pm::test::loaded_sections));
-    std::erase_if(sections, is_form);
-    return sections;
-}
-
-TEST(SampleForm, LastLineCountsWithoutAnEnd) {
-    for (const Section form : {Section::misc_info, Section::misc_localizable_info}) {
-        std::string whole = sample_table(form);
-        Description description;
-        description.whole(form, whole);
-        const Outcome outcome = outcome_of(form, description);
-        whole.resize(whole.size() - 2); // the line end
-        description.whole(form, whole);
-        EXPECT_EQ(outcome, outcome_of(form, description)) << static_cast<int>(form);
-    }
-}
-
-TEST(SampleForm, LineEndChangesNothingWhereverTheFormIsCut) {
-    for (const Section form : {Section::misc_info, Section::misc_localizable_info}) {
-        const std::string whole = sample_table(form);
-        Description description;
-        description.whole(form, "");
-        Outcome before = outcome_of(form, description);
-        for (const char byte : whole) {
-            description.append(form, std::string(1, byte));
-            const Outcome outcome = outcome_of(form, description);
-            if (byte == '\n') {
-                EXPECT_EQ(before, outcome) << static_cast<int>(form);
-            }
-            before = outcome;
-        }
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Sample, EverySection, testing::ValuesIn(tables()), [](const auto& each) {
 std::vector<Section> sections(bool forms) {
     std::vector<Section> all;
     std::copy_if(std::begin(pm::test::loaded_sections), std::end(pm::test::loaded_sections),
                  std::back_inserter(all), [forms](Section each) { return is_form(each) == forms; });
     return all;
+}
+
 std::string test_name(const testing::TestParamInfo<Section>& each) {
     std::string name = Description::file_of(each.param);
     name.resize(name.size() - 4);
     std::erase_if(name, [](char c) { return c == ' ' || c == '-'; });
     return name;
-});
 }
 
 INSTANTIATE_TEST_SUITE_P(Sample, EverySection, testing::ValuesIn(sections(false)), test_name);
