@@ -21,7 +21,7 @@ struct Matrix {
     std::int32_t width = 0;
     std::int32_t height = 0;
     std::int32_t rows_left = 0;
-    std::int32_t index = 0;
+    std::uint32_t index = 0; // wraps around
 };
 
 std::int32_t long_or(const char16_t* cell, std::int32_t if_empty) {
@@ -31,13 +31,12 @@ std::int32_t long_or(const char16_t* cell, std::int32_t if_empty) {
 // Fields past the end of the line buffer are empty: they count, but needn't be looked at.
 template<class Write>
 void take_matrix_row(pm::Row& row, Matrix& matrix, Write write) {
-    std::int32_t taken = 0;
-    for (; taken < matrix.width && !row.exhausted(); ++taken) {
+    const auto width = static_cast<std::uint32_t>(std::max(matrix.width, 0));
+    for (std::uint32_t taken = 0; taken < width && !row.exhausted(); ++taken) {
         const char16_t* cell = row.next();
-        if (*cell != 0) write(cell, matrix.index + taken);
+        if (*cell != 0) write(cell, static_cast<std::int32_t>(matrix.index + taken));
     }
-    matrix.index = static_cast<std::int32_t>(static_cast<std::uint32_t>(matrix.index) +
-                                             static_cast<std::uint32_t>(std::max(matrix.width, 0)));
+    matrix.index += width;
     --matrix.rows_left;
 }
 

@@ -117,10 +117,11 @@ TEST(Dithering, RowsLeftOfAMatrixGoToTheNextMethod) {
 }
 
 TEST(Dithering, HugeWidthReadsWhatIsThere) {
-    const Items items = methods("M\t\t\t\t\t\t\t2147483647\t2147483647\tA\t1\t2\n\t\t\t\t\t\t\t\t\t\t3\n");
+    const Items items = methods("M\t\t\t\t\t\t\t2147483647\t2147483647\tA\t1\t2\n\t\t\t\t\t\t\t\t\t\t3\t4\n");
     EXPECT_TRUE(has_item(items, "M\\matrix_list\\A\\0\\data=1"));
     EXPECT_TRUE(has_item(items, "M\\matrix_list\\A\\1\\data=2"));
     EXPECT_TRUE(has_item(items, "M\\matrix_list\\A\\2147483647\\data=3"));
+    EXPECT_TRUE(has_item(items, "M\\matrix_list\\A\\-2147483648\\data=4"));
 }
 
 TEST(Dithering, NamedRowMarksTheAbility) {
