@@ -37,9 +37,29 @@ TEST_F(PmToolCheck, EqualBadLinesAreFoundOneAfterTheOther) {
                                     "bad.pia:4: The value is of no known type (error 88): a=yes\n");
 }
 
-TEST_F(PmToolCheck, LineThatEndsTheReadingIsMarked) {
-    folder.write("bad.pia", "PIAFILEVERSION_2.0,\na=yes\nfoo\nb=yes\n");
+TEST_F(PmToolCheck, LinesBehindOneThatEndsALoadAreFoundToo) {
+    folder.write("bad.pia", "PIAFILEVERSION_2.0,\na=yes\nfoo\nb=yes\nfoo\n}\nc=1\n}\nlast");
     expect_no({"check", "bad.pia"}, "bad.pia:2: The value is of no known type (error 88): a=yes\n"
+                                    "bad.pia:3: The line isn't valid (error 57): foo\n"
+                                    "bad.pia:4: The value is of no known type (error 88): b=yes\n"
+                                    "bad.pia:5: The line isn't valid (error 57): foo\n"
+                                    "bad.pia:6: The line isn't valid (error 57): }\n"
+                                    "bad.pia:8: The line isn't valid (error 57): }\n"
+                                    "bad.pia:9: The line isn't valid (error 57): last\n");
+}
+
+TEST_F(PmToolCheck, NodeOfABadNameKeepsItsBlockTogether) {
+    folder.write("bad.pia", "PIAFILEVERSION_2.0,\nbad name{\n a=1\n}\nb=yes\n");
+    expect_no({"check", "bad.pia"}, "bad.pia:2: The line isn't valid (error 57): bad name\n"
+                                    "bad.pia:5: The value is of no known type (error 88): b=yes\n");
+}
+
+TEST_F(PmToolCheck, LineThatEndsTheReadingOfACompressedBodyIsMarked) {
+    const std::string body("a=yes\nfoo\nb=yes\n");
+    folder.write("body", body);
+    ASSERT_EQ(0, run({"codec", "zlib", "encode", "--crc", "body", "block"}).status);
+    folder.write("bad.pia", "PIAFILEVERSION_2.0,compress\r\n" + folder.read("block"));
+    expect_no({"check", "bad.pia"}, "bad.pia: The value is of no known type (error 88): a=yes\n"
                                     "bad.pia:3: The line isn't valid (error 57): foo; reading stops here\n");
 }
 

@@ -1,11 +1,15 @@
 #include "check.h"
 
 #include "failure.h"
+#include "files.h"
 #include "line_finder.h"
+#include "output.h"
 #include "report_handler.h"
+#include "text.h"
 #include <algorithm>
 #include <fmt/format.h>
 #include <optional>
+#include <sstream>
 
 namespace pmtool {
 
@@ -14,28 +18,94 @@ namespace {
 // Numbers that say something about the file's content. All others are trouble with getting at it.
 constexpr std::uint32_t content_numbers[] = {51, 53, 54, 57, 66, 69, 82, 83, 84, 88, 89, 92, 96, 97, 99};
 
+// One reading: what the handler heard, and what ended it.
+struct Reading {
+    std::vector<Report> reports;
+    std::optional<Report> last;
+};
+
+template<class Load>
+Reading read_with(const Source& part, Load load_object) {
+    ReportHandler handler(part.path);
+    PM_Object object(&handler);
+    Reading reading;
+    try {
+        load_object(object);
+    } catch (const ZT_Exception& e) {
+        reading.last = make_report(e, part.path);
+        if (std::ranges::find(content_numbers, reading.last->number) == std::end(content_numbers)) {
+            throw Failure(describe(*reading.last, part.file));
+        }
+    }
+    reading.reports = handler.reports();
+    return reading;
+}
+
+Reading read_text(const Source& part, const std::vector<std::string>& lines) {
+    std::stringstream stream(fmt::format("{}", fmt::join(lines, "\n")));
+    return read_with(part, [&](PM_Object& object) { object.load(stream, part.format->type, u"\\"); });
+}
+
+// What a part of a file says, with the lines where they are known, in their order.
 struct PartCheck {
     std::vector<Report> reports;
     bool stopped = false; // the last report ended the reading
 };
 
-PartCheck check_part(const Source& part) {
-    ReportHandler handler(part.path);
-    PM_Object object(&handler);
-    PartCheck result;
-    std::optional<Report> last;
-    try {
-        load(object, part, u"\\");
-    } catch (const ZT_Exception& e) {
-        last = make_report(e, part.path);
-        if (std::ranges::find(content_numbers, last->number) == std::end(content_numbers)) {
-            throw Failure(describe(*last, part.file));
-        }
-        result.stopped = true;
+PartCheck placed(Reading reading, LineFinder finder) {
+    PartCheck result{std::move(reading.reports), reading.last.has_value()};
+    if (reading.last) result.reports.push_back(*reading.last);
+    for (Report& report : result.reports) {
+        if (is_bad_line(report)) report.line = finder.find(report);
     }
-    result.reports = handler.reports();
-    if (last) result.reports.push_back(*last);
     return result;
+}
+
+std::vector<std::string> lines_of(std::string_view content) {
+    std::vector<std::string> lines;
+    while (!content.empty())
+        lines.emplace_back(take_line(content));
+    return lines;
+}
+
+// Where the report that ended a reading stands among the lines, from 1; 0 if that isn't seen.
+int last_line(const Reading& reading, const std::vector<std::string>& lines) {
+    if (!reading.last || !is_bad_line(*reading.last)) return 0;
+    LineFinder finder(fmt::format("{}", fmt::join(lines, "\n")));
+    for (const Report& report : reading.reports) {
+        if (is_bad_line(report)) (void)finder.find_text(report);
+    }
+    return finder.find_text(*reading.last);
+}
+
+// A line in place of one that ends the reading; one that opens a node still does.
+const char* harmless_line(const std::string& line) {
+    return line.find('{') != std::string::npos ? "_{" : ";";
+}
+
+// The reading of PIA text ends at some bad lines. Each is made harmless in its turn, so that those behind it
+// are found too.
+PartCheck check_on(const Source& part, Reading reading) {
+    std::vector<std::string> lines = lines_of(read_file(part.path));
+    std::vector<Report> ended;
+    for (int line = last_line(reading, lines); line > 0; line = last_line(reading, lines)) {
+        std::string& text = lines[static_cast<std::size_t>(line) - 1];
+        text = harmless_line(text);
+        ended.push_back(*reading.last);
+        ended.back().line = line;
+        reading = read_text(part, lines);
+    }
+    PartCheck result = placed(std::move(reading), LineFinder(fmt::format("{}", fmt::join(lines, "\n"))));
+    result.reports.insert(result.reports.end(), ended.begin(), ended.end());
+    if (!result.stopped) std::ranges::stable_sort(result.reports, {}, &Report::line);
+    return result;
+}
+
+PartCheck check_part(const Source& part) {
+    Reading reading = read_with(part, [&](PM_Object& object) { load(object, part, u"\\"); });
+    const bool plain_text = part.format->type == PM_Object::FILE_PIA && !is_compressed(part);
+    if (reading.last && plain_text) return check_on(part, std::move(reading));
+    return placed(std::move(reading), part.format->is_text ? LineFinder::of_file(part.path) : LineFinder(""));
 }
 
 std::string name_of(const Source& part) {
@@ -50,11 +120,9 @@ struct Found {
 };
 
 void append_found(const Source& part, std::vector<Found>& all) {
-    PartCheck result = check_part(part);
-    LineFinder finder(part.format->is_text ? part.path : "");
+    const PartCheck result = check_part(part);
     for (std::size_t i = 0; i < result.reports.size(); ++i) {
-        Report& report = result.reports[i];
-        if (is_bad_line(report)) report.line = finder.find(report);
+        const Report& report = result.reports[i];
         Found found{report.line, describe(report, name_of(part))};
         if (result.stopped && i + 1 == result.reports.size()) found.text += "; reading stops here";
         // A line that belongs to no plotter is bad in each of them.

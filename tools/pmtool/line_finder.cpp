@@ -27,28 +27,37 @@ std::string content_of(const std::string& path) {
 
 } // namespace
 
-LineFinder::LineFinder(const std::string& path) {
-    const std::string content = content_of(path);
-    std::string_view rest = content;
-    while (!rest.empty())
-        m_lines.push_back(printable(ascii_part(take_line(rest))));
+LineFinder::LineFinder(std::string_view content) {
+    while (!content.empty())
+        m_lines.push_back(printable(ascii_part(take_line(content))));
+}
+
+LineFinder LineFinder::of_file(const std::string& path) {
+    return LineFinder(content_of(path));
 }
 
 int LineFinder::find(const Report& report) {
+    const int line = find_text(report);
+    return line > 0 ? line : report.line;
+}
+
+int LineFinder::find_text(const Report& report) {
     const std::string wanted = ascii_part(report.subject);
     const auto told = static_cast<std::size_t>(std::max(report.line, 1)) - 1;
     std::size_t line = m_next;
     if (report.line > 0 && told >= m_next && matches(told, report, wanted)) line = told;
     while (line < m_lines.size() && !matches(line, report, wanted))
         ++line;
-    if (line == m_lines.size()) return report.line;
+    if (line == m_lines.size()) return 0;
     m_next = line + 1;
     return static_cast<int>(m_next);
 }
 
 bool LineFinder::matches(std::size_t line, const Report& report, const std::string& wanted) const {
     if (line >= m_lines.size()) return false;
-    return report.cut ? m_lines[line].starts_with(wanted) : m_lines[line] == wanted;
+    if (report.cut) return m_lines[line].starts_with(wanted);
+    // A line that opens a node is told as far as its brace.
+    return m_lines[line] == wanted || m_lines[line].starts_with(wanted + '{');
 }
 
 } // namespace pmtool

@@ -67,7 +67,7 @@ std::vector<Section> cfg_sections(const Source& source) {
 
 std::string failure_text(Report report, const std::string& file, const std::string& path) {
     if (!is_bad_line(report)) return describe(report, file);
-    report.line = LineFinder(path).find(report);
+    report.line = LineFinder::of_file(path).find(report);
     return describe(report, file) + "; all bad lines are listed by: pmtool check";
 }
 
