@@ -41,12 +41,12 @@ void delete_backwards(T* first, T* T::*next) {
     }
 }
 
-template<class T>
-T* find_named(T* first, T* last, const char16_t* name, T* (T::*next)() const) {
+template<auto next, class T>
+T* find_named(T* first, T* last, const char16_t* name) {
     // The last one made is the one most often asked for.
     if (last != nullptr && last->name() == name) return last;
     while (first != nullptr && first->name() != name)
-        first = (first->*next)();
+        first = first->*next;
     return first;
 }
 
@@ -259,11 +259,11 @@ PM_Property* PM_Node::append_prop(const char16_t* name) {
 }
 
 PM_Node* PM_Node::find_child(const char16_t* name) const {
-    return find_named(m_first_child, m_last_child, name, &PM_Node::next_sibling);
+    return find_named<&PM_Node::m_next_sibling>(m_first_child, m_last_child, name);
 }
 
 PM_Property* PM_Node::find_prop(const char16_t* name) const {
-    return find_named(m_first_prop, m_last_prop, name, &PM_Property::next);
+    return find_named<&PM_Property::m_next>(m_first_prop, m_last_prop, name);
 }
 
 bool PM_Node::delete_prop(const char16_t* name) {
