@@ -66,8 +66,9 @@ public:
         m_folder = name;
         m_strings = read_file(sample / "strings.pdt");
         for (int section = 0; section < pm::section_count; ++section) {
-            if (fs::exists(sample / file_name(static_cast<Section>(section))))
+            if (fs::exists(sample / file_name(static_cast<Section>(section)))) {
                 add_table(static_cast<Section>(section));
+            }
         }
         write("strings.pdt", m_strings);
     }
@@ -89,8 +90,9 @@ private:
         const int count = static_cast<int>(lines.end() - rows);
         std::string table = lines[0] + lines[1];
         for (int time = 0; time < (is_form(section) ? 1 : m_times); ++time) {
-            for (auto row = rows; row != lines.end(); ++row)
+            for (auto row = rows; row != lines.end(); ++row) {
                 table += time > 0 && has_names(section) ? renamed(*row, time) : *row;
+            }
             if (time > 0) add_texts(section, time * count, count);
         }
         write(file_name(section), table);

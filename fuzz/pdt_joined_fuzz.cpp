@@ -27,8 +27,9 @@ public:
         m_folder = name;
         m_strings = m_folder / "strings.pdt";
         write(m_strings, "DRFX_MEDIA_SIZE_C3 \"size\"\nDRFX_RESOLUTION_B4 \"resolution\"\n");
-        for (int section = 0; section < pm::section_count; ++section)
+        for (int section = 0; section < pm::section_count; ++section) {
             reset(section);
+        }
     }
     ~Description() {
         std::error_code ignored;
@@ -89,7 +90,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         if (more) rest.remove_prefix(end + 1);
     }
     load(description);
-    for (const int each : changed)
+    for (const int each : changed) {
         description.reset(each);
+    }
     return 0;
 }

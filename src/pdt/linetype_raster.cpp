@@ -33,8 +33,9 @@ void PM_PDTFile::convert_raster(PM_Object& object, const char16_t* base) {
     while (section.read_row(m_line)) {
         const pm::Row row(m_line, 2);
         mark(abilities, {pm::lookup_enum_or(pm::Keywords::raster_ability, row.name('A'), unknown_text)});
-        if (row.has('B'))
+        if (row.has('B')) {
             orientation |= pm::lookup_enum_or(pm::Keywords::raster_orientation, row['B'], unknown_text);
+        }
     }
     Branch raster(object, base, {u"\\RASTER"});
     raster.set_string(u"\\abilities", abilities.get_flags());

@@ -44,8 +44,9 @@ public:
             Branch branch = m_destination.below({kind, record->name.text()});
             branch.set_long(u"\\caps_type", m_pdt.m_caps_type);
             branch.set_string(u"\\localized_name", record->localized_name);
-            for (const Number<Record>& number : numbers)
+            for (const Number<Record>& number : numbers) {
                 branch.set_long(number.item, record->*number.value);
+            }
         }
     }
 

@@ -45,8 +45,9 @@ void PM_PDTFile::convert_media_type(PM_Object& object, const char16_t* base) {
         root.set_long(u"\\media\\type\\*\\caps_type", m_caps_type, index);
         root.set_string(u"\\media\\type\\*\\localized_name",
                         m_strings.localized(pm::Section::media_type, u'B', number), index);
-        for (const CellItem& item : items)
+        for (const CellItem& item : items) {
             root.set_present(item, row, m_media_abilities, index);
+        }
         ++index;
     }
 }

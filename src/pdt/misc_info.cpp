@@ -106,8 +106,9 @@ void PM_PDTFile::MiscInfo::write_code(const MiscRow& line, const char16_t* keywo
 void PM_PDTFile::MiscInfo::write_keyword_list(const MiscRow& line, pm::Row& row) {
     if (!row.has('B')) return;
     std::int32_t combined = 0;
-    for (const char16_t* keyword = row['B']; *keyword != 0; keyword = row.next())
+    for (const char16_t* keyword = row['B']; *keyword != 0; keyword = row.next()) {
         combined |= pm::lookup_enum_or(line.keywords, keyword, line.miss);
+    }
     m_root.set_long(line.item, combined);
     mark_all(line);
 }
@@ -135,8 +136,9 @@ void PM_PDTFile::MiscInfo::write_linetypes(const MiscRow& line, pm::Row& row) {
 }
 
 void PM_PDTFile::MiscInfo::set_owners(const MiscRow& line, pm::Row& row) {
-    for (const char16_t* keyword = row['B']; *keyword != 0; keyword = row.next())
+    for (const char16_t* keyword = row['B']; *keyword != 0; keyword = row.next()) {
         set_owner(line, keyword);
+    }
     if (line.item != nullptr) m_root.set_string(line.item, text_of(line.set));
 }
 
@@ -146,8 +148,9 @@ void PM_PDTFile::MiscInfo::set_owner(const MiscRow& line, const char16_t* keywor
         owners.set_flag(pm::lookup_enum_or(line.keywords, keyword, unknown_flag), line.owner);
         return;
     }
-    for (const pm::Keyword& each : pm::keyword_rows(line.keywords))
+    for (const pm::Keyword& each : pm::keyword_rows(line.keywords)) {
         owners.set_flag(static_cast<int>(each.code), line.owner);
+    }
 }
 
 // A short file reads as empty cells. The abilities that earlier converters marked are written at the end.

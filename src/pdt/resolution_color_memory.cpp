@@ -85,12 +85,14 @@ void PM_PDTFile::publish_res_color_mem(PM_Object& object, const char16_t* base) 
         mode.set_long(u"\\color_depth", record.color_depth);
         mode.set_long(u"\\undithered_colors", record.undithered_colors);
         mode.set_long(u"\\color_system", record.color_system);
-        if (record.default_resolution.length() > 0)
+        if (record.default_resolution.length() > 0) {
             mode.set_string(u"\\default_resolution", record.default_resolution);
+        }
         mode.set_long(u"\\caps_type", m_caps_type);
         for (const ZT_String& name : record.resolutions) {
-            if (const UC_Resolution* found = m_resolutions.find_by_name(name.text()))
+            if (const UC_Resolution* found = m_resolutions.find_by_name(name.text())) {
                 write_resolution(mode, *found);
+            }
         }
     }
 }
@@ -121,8 +123,9 @@ void PM_PDTFile::write_resolution(const Branch& mode, const UC_Resolution& recor
         branch.set_double(pair.item_x, record.*pair.x);
         branch.set_double(pair.item_y, record.*pair.y);
     }
-    if (record.default_mem_area.length() > 0)
+    if (record.default_mem_area.length() > 0) {
         branch.set_string(u"\\default_mem_area", record.default_mem_area);
+    }
     if (record.dithering.length() > 0) {
         mark(m_res_color_mem_abilities, {4});
         // Below the resolution, whatever its name says (kept: readers look there).

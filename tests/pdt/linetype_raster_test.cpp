@@ -128,8 +128,9 @@ TEST(Raster, EachOrientationHasItsNumber) {
                            "IOrient_X_Right_To_Left_Top_First",  "IOrient_X_Right_To_Left_Bottom_First",
                            "IOrient_Y_Top_To_Bottom_Left_First", "IOrient_Y_Top_To_Bottom_Right_First",
                            "IOrient_Y_Bottom_To_Top_Left_First", "IOrient_Y_Bottom_To_Top_Right_First"};
-    for (int number = 0; number < 8; ++number)
+    for (int number = 0; number < 8; ++number) {
         EXPECT_EQ(raster_items("0000", number), rasters(std::string("\t") + names[number] + "\n"));
+    }
 }
 
 TEST(Raster, OrientationsAreCombinedBitByBit) {

@@ -58,15 +58,17 @@ TEST(MediaStapling, EachLocationHasItsCode) {
         {"PortraitUL", 1},  {"PortraitUR", 2},      {"PortraitSaddle", 3}, {"LandscapeUL", 4},
         {"LandscapeUR", 5}, {"LandscapeSaddle", 0}, {"portraitul", 0},     {"", 0},
     };
-    for (const auto& [text, code] : locations)
+    for (const auto& [text, code] : locations) {
         EXPECT_EQ(code, Staples(std::string("A\t\t") + text + "\n").first().location) << text;
+    }
 }
 
 TEST(MediaStapling, EachTimeHasItsCode) {
     const std::pair<const char*, int> times[] = {{"None", 0},      {"Endofjob", 1}, {"Endofset", 2},
                                                  {"Endofpage", 3}, {"Later", -1},   {"", -1}};
-    for (const auto& [text, code] : times)
+    for (const auto& [text, code] : times) {
         EXPECT_EQ(code, Staples(std::string("A\t\t\t") + text + "\n").first().when) << text;
+    }
 }
 
 TEST(MediaStapling, BlankFirstRowGivesAnEmptyRecordInFront) {
@@ -199,8 +201,9 @@ TEST(MediaDestination, UnknownTextsGiveTheirNumbers) {
     for (const char* item :
          {"D\\collating\\C\\collating_type=65535", "D\\stapling\\S\\location=0", "D\\stapling\\S\\when=-1",
           "D\\stapling\\S\\orientation=0", "D\\folding\\F\\folding_type=0", "D\\folding\\F\\when=0",
-          "D\\cutting\\K\\when=0"})
+          "D\\cutting\\K\\when=0"}) {
         EXPECT_TRUE(has_item(items, item)) << item;
+    }
 }
 
 TEST(MediaDestination, ListsFollowTheOrderOfTheirRows) {

@@ -41,8 +41,9 @@ Items effect(int line, const std::string& cells) {
 
 std::string abilities(const char* path, int count, const std::vector<int>& marks) {
     std::string text(static_cast<std::size_t>(count), '0');
-    for (const int mark : marks)
+    for (const int mark : marks) {
         text[static_cast<std::size_t>(mark)] = '5';
+    }
     return std::string(path) + "\\abilities=\"" + text + '"';
 }
 std::string pens(const std::vector<int>& marks) {
@@ -92,8 +93,9 @@ TEST(MiscInfo, EmptyFormWritesOwnersAndAbilities) {
         "meta\\model_abilities=\"000000000000\"",
     };
     const Items items = load({});
-    for (const std::string& item : expected)
+    for (const std::string& item : expected) {
         EXPECT_TRUE(has_item(items, item)) << item;
+    }
     // With the items of rasters, line types and the user flags, which every load has.
     EXPECT_EQ(expected.size() + 9, items.size());
 }
@@ -152,15 +154,17 @@ TEST(MiscInfo, LandscapeComesBehindTheColorModes) {
 
 TEST(MiscInfo, EmptyCellsLeaveEverythingAlone) {
     Lines lines;
-    for (int number = 3; number <= 68; ++number)
+    for (int number = 3; number <= 68; ++number) {
         lines[number] = number == 43 ? "" : "label\t";
+    }
     EXPECT_EQ(Items{}, effect(lines));
 }
 
 TEST(MiscInfo, LabelsAreNotLookedAt) {
     Lines lines;
-    for (int number = 3; number <= 68; ++number)
+    for (int number = 3; number <= 68; ++number) {
         lines[number] = number == 43 ? "" : "Y ALL 255";
+    }
     EXPECT_EQ(Items{}, effect(lines));
 }
 
@@ -400,8 +404,9 @@ TEST(MiscInfo, PenOptimizations) {
 
 TEST(MiscInfo, DefaultConnection) {
     const char* keywords[] = {"None", "Does_Own_IO", "File", "System", "RS232", "Parallel", "Network"};
-    for (int code = 0; code < 7; ++code)
+    for (int code = 0; code < 7; ++code) {
         expect_effects({{64, keywords[code], {"io\\default_type=" + std::to_string(code), io({3})}}});
+    }
     expect_effects({
         {64, "Does Own IO", {"io\\default_type=1", io({3})}},
         {64, "\"File\" ", {"io\\default_type=2", io({3})}},
@@ -564,8 +569,9 @@ TEST(Ownership, KeywordsOfOneGroupMeanNothingInAnother) {
 
 TEST(Ownership, ListMayFillTheLine) {
     std::string keywords;
-    for (int count = 0; count < 140; ++count)
+    for (int count = 0; count < 140; ++count) {
         keywords += "PreInitString\t";
+    }
     EXPECT_EQ(Items{"init_term\\ui_owner=\"110\""}, effect(45, keywords + "PostInitString"));
 }
 

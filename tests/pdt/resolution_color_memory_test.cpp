@@ -36,8 +36,9 @@ Read one_resolution(const std::string& cells, std::string_view areas = "") {
 template<class Record>
 const Record& record(const SimpleList<Record>& list, int index) {
     const auto* found = list.head();
-    while (index-- > 0)
+    while (index-- > 0) {
         found = found->next;
+    }
     return *found;
 }
 
@@ -46,8 +47,9 @@ std::string name_of(const ZT_String& name) {
 }
 Items names(const UC_Name_List& list) {
     Items all;
-    for (const ZT_String& name : list)
+    for (const ZT_String& name : list) {
         all.push_back(name_of(name));
+    }
     return all;
 }
 
