@@ -1,13 +1,13 @@
 #include "filers/pmdoc.h"
 
+#include "support/allocation_failures.h"
 #include "support/exceptions.h"
+#include "support/file_size_limit.h"
 #include "support/temp_folder.h"
 #include <bit>
-#include <csignal>
 #include <memory>
 #include <pm/pm.h>
 #include <string>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -460,6 +460,28 @@ TEST_F(DocTest, AnotherTypeOfAKnownPropertyRaises54) {
     expect_thrown<PM_Warning>([&] { load(again); }, 54, u"PM_Object::SetData()", u"");
 }
 
+TEST_F(DocTest, SavingWithoutMemoryForTheWalkIsTold) {
+    object.SetProperty(u"a", 1);
+    const pm::test::FailingAllocation failing(1); // behind that of the filer
+    expect_thrown<PM_Memory_Exception>([&] { save(); }, 55, save_place, u"piter");
+}
+
+TEST_F(DocTest, EachFailingAllocationLeavesAUsableObject) {
+    object.SetProperty(u"a\\p", 1);
+    object.SetProperty(u"a\\s", u"text");
+    const int failures = pm::test::fail_each_allocation([&](int) {
+        (void)pm::test::thrown_by([&] { save(); });
+        (void)pm::test::thrown_by([&] {
+            PM_Object target;
+            load(target);
+        });
+    });
+    EXPECT_GT(failures, 10);
+    save();
+    load(again);
+    EXPECT_EQ((Names{u"p", u"s"}), properties_in(again, u"a"));
+}
+
 TEST_F(DocTest, AMissingSubtreeOfKnownNamesIsAnEmptyFile) {
     object.SetProperty(u"a\\b", 1);
     save(u"b");
@@ -468,31 +490,10 @@ TEST_F(DocTest, AMissingSubtreeOfKnownNamesIsAnEmptyFile) {
     expect_thrown<PM_Warning>([&] { save(u"unknown"); }, 51, u"PM_Iterator::PM_Iterator()", u"unknown");
 }
 
-// While one lives, this process can write no file beyond the size.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t size) {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        m_handler = std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{size, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    rlimit m_before{};
-    void (*m_handler)(int);
-};
-
 TEST_F(DocTest, AFileThatCannotGrowRaises60) {
     for (int node = 0; node < 50; ++node)
         object.SetProperty(u"n*\\p", std::u16string(500, u'x').c_str(), node);
-    const FileSizeLimit limit(8192);
+    const pm::test::FileSizeLimit limit(8192);
     expect_thrown<PM_Severe>([&] { save(); }, 60, save_place, path);
 }
 
