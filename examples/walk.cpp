@@ -13,8 +13,9 @@ namespace {
 // Good enough for names and numbers; a real program converts to UTF-8.
 std::string narrow(std::u16string_view text) {
     std::string result;
-    for (const char16_t unit : text)
+    for (const char16_t unit : text) {
         result += unit < 0x80 ? static_cast<char>(unit) : '?';
+    }
     return result;
 }
 

@@ -42,8 +42,9 @@ ToolRun ToolTest::run_as(const std::vector<std::string>& arguments, bool privile
     std::vector<std::string> words{"pmtool"};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
-    for (std::string& word : words)
+    for (std::string& word : words) {
         argv.push_back(word.data());
+    }
     argv.push_back(nullptr);
     const pid_t child = fork();
     if (child == 0) {

@@ -37,8 +37,9 @@ std::u16string data_of(const BundlePart& part) {
 
 void load_part(PM_Object& object, const BundlePart& part) {
     const std::u16string node = node_of(part);
-    if (node_exists(object, node))
+    if (node_exists(object, node)) {
         throw Failure(fmt::format("section {} is named twice", in_quotes(part.name)));
+    }
     const std::u16string mark = join_path(data_of(part), u"x");
     // An empty tree must have its node too.
     object.SetProperty(mark.c_str(), 0);
@@ -61,13 +62,15 @@ void check_kept(const PM_Object& object, const BundlePart& part, const std::stri
 void write_bundle(const std::string& file, const std::vector<BundlePart>& parts) {
     PM_Object object;
     std::ranges::for_each(parts, check_part);
-    for (const BundlePart& part : parts)
+    for (const BundlePart& part : parts) {
         load_part(object, part);
+    }
     save_safely(file, [&](const std::string& path) {
         translating(file, path,
                     [&] { object.save(to_utf16(path).c_str(), PM_Object::FILE_DPIA, u"", u"\\"); });
-        for (const BundlePart& part : parts)
+        for (const BundlePart& part : parts) {
             check_kept(object, part, file, path);
+        }
     });
 }
 

@@ -134,12 +134,14 @@ void append_found(const Source& part, std::vector<Found>& all) {
 
 std::vector<std::string> find_bad_lines(const Source& source) {
     std::vector<Found> all;
-    for (const Source& part : parts_of(source))
+    for (const Source& part : parts_of(source)) {
         append_found(part, all);
+    }
     if (source.format->type == PM_Object::FILE_CFG) std::ranges::stable_sort(all, {}, &Found::line);
     std::vector<std::string> lines;
-    for (Found& found : all)
+    for (Found& found : all) {
         lines.push_back(std::move(found.text));
+    }
     return lines;
 }
 

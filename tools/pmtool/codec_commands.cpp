@@ -80,8 +80,9 @@ const CodecKind& codec_named(const std::string& name) {
 
 Failure codec_failure(const CodecOptions& options, const CodecKind& kind, const ReportHandler& handler) {
     if (!handler.reports().empty()) return Failure(describe(handler.reports().front(), options.input));
-    if (options.direction == "encode")
+    if (options.direction == "encode") {
         return Failure(fmt::format("{}: {}", options.input, kind.encode_trouble));
+    }
     return Failure(fmt::format("{}: the block can't be decoded", options.input));
 }
 
@@ -100,8 +101,9 @@ int run(const CodecOptions& options) {
     if (!trouble.empty()) throw Failure(fmt::format("{}: {}", options.input, trouble));
     ReportHandler handler(options.input);
     Block block;
-    if (!kind.run(encodes, options.checked, data, handler, block))
+    if (!kind.run(encodes, options.checked, data, handler, block)) {
         throw codec_failure(options, kind, handler);
+    }
     save_safely(options.output,
                 [&](const std::string& path) { write_file(path, block.bytes.get(), block.size); });
     return exit_ok;

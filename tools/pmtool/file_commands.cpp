@@ -49,8 +49,9 @@ int convert(const ConvertOptions& options) {
 int check(const SourceOptions& options) {
     const Source source = find_source(options);
     const std::vector<std::string> lines = find_bad_lines(source);
-    for (const std::string& line : lines)
+    for (const std::string& line : lines) {
         fmt::print("{}\n", line);
+    }
     if (!lines.empty()) return exit_negative;
     fmt::print("{}: no bad lines\n", source.file);
     return exit_ok;

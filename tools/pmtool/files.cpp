@@ -34,8 +34,9 @@ std::string read_file(const std::string& path) {
     std::string content;
     char block[1 << 16];
     std::size_t count = 0;
-    while ((count = std::fread(block, 1, sizeof block, file.get())) > 0)
+    while ((count = std::fread(block, 1, sizeof block, file.get())) > 0) {
         content.append(block, count);
+    }
     if (std::ferror(file.get()) != 0) throw system_failure(path, errno);
     return content;
 }

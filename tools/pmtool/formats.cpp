@@ -108,13 +108,13 @@ Evidence pdt_evidence(const Content& content) {
 }
 
 constexpr Format table[] = {
-    {"doc", PM_Object::FILE_DOC, "compound file", ".doc", true, false, compound_evidence},
-    {"dpia", PM_Object::FILE_DPIA, "sections of PIA text in one file", ".dpia", true, false, dpia_evidence},
-    {"pia", PM_Object::FILE_PIA, "property text, plain or compressed", ".pia", true, true, pia_evidence},
-    {"pcp", PM_Object::FILE_PCP, "plot parameters", ".pcp", false, true, pcp_evidence},
-    {"pc2", PM_Object::FILE_PC2, "configuration of one plotter", ".pc2", false, true, pc2_evidence},
-    {"cfg", PM_Object::FILE_CFG, "configuration of several plotters", ".cfg", false, true, cfg_evidence},
-    {"pdt", PM_Object::FILE_PDT, "folder of driver tables", ".pdt", false, false, pdt_evidence},
+    {"doc", "compound file", ".doc", compound_evidence, PM_Object::FILE_DOC, true, false},
+    {"dpia", "sections of PIA text in one file", ".dpia", dpia_evidence, PM_Object::FILE_DPIA, true, false},
+    {"pia", "property text, plain or compressed", ".pia", pia_evidence, PM_Object::FILE_PIA, true, true},
+    {"pcp", "plot parameters", ".pcp", pcp_evidence, PM_Object::FILE_PCP, false, true},
+    {"pc2", "configuration of one plotter", ".pc2", pc2_evidence, PM_Object::FILE_PC2, false, true},
+    {"cfg", "configuration of several plotters", ".cfg", cfg_evidence, PM_Object::FILE_CFG, false, true},
+    {"pdt", "folder of driver tables", ".pdt", pdt_evidence, PM_Object::FILE_PDT, false, false},
 };
 
 std::string extension_of(const std::filesystem::path& path) {

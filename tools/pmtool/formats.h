@@ -16,13 +16,13 @@ struct Content {
 
 struct Format {
     std::string_view name; // as --from and --to take it
-    PM_Object::FileType type;
     std::string_view title;
     std::string_view extension; // of an output, with its dot
-    bool is_written;            // whether the library writes it
-    bool is_text;               // lines of text that can be found by their number
     // What in the content tells the format; nothing if it isn't this one.
     std::optional<std::string> (*evidence)(const Content&);
+    PM_Object::FileType type;
+    bool is_written; // whether the library writes it
+    bool is_text;    // lines of text that can be found by their number
 };
 
 // All formats, in the order in which they are looked for.

@@ -28,8 +28,9 @@ std::string content_of(const std::string& path) {
 } // namespace
 
 LineFinder::LineFinder(std::string_view content) {
-    while (!content.empty())
+    while (!content.empty()) {
         m_lines.push_back(printable(ascii_part(take_line(content))));
+    }
 }
 
 LineFinder LineFinder::of_file(const std::string& path) {
@@ -46,8 +47,9 @@ int LineFinder::find_text(const Report& report) {
     const auto told = static_cast<std::size_t>(std::max(report.line, 1)) - 1;
     std::size_t line = m_next;
     if (report.line > 0 && told >= m_next && matches(told, report, wanted)) line = told;
-    while (line < m_lines.size() && !matches(line, report, wanted))
+    while (line < m_lines.size() && !matches(line, report, wanted)) {
         ++line;
+    }
     if (line == m_lines.size()) return 0;
     m_next = line + 1;
     return static_cast<int>(m_next);

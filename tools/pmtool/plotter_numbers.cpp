@@ -26,8 +26,9 @@ std::optional<int> number_of_section(std::string_view line) {
 std::vector<int> plotter_numbers(std::string_view text) {
     std::set<int> numbers;
     while (!text.empty()) {
-        if (const std::optional<int> number = number_of_section(trim(take_line(text))))
+        if (const std::optional<int> number = number_of_section(trim(take_line(text)))) {
             numbers.insert(*number);
+        }
     }
     return {numbers.begin(), numbers.end()};
 }

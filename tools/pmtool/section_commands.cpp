@@ -60,8 +60,9 @@ int bundle(const BundleOptions& options) {
     for (const std::string& text : options.infos) {
         const auto [name, info] = split_at_equals(text, "NAME=TEXT");
         const auto part = std::ranges::find(parts, name, &BundlePart::name);
-        if (part == parts.end())
+        if (part == parts.end()) {
             throw Failure(fmt::format("{}: no section of this name is being written", name));
+        }
         part->info = info;
     }
     write_bundle(options.output, parts);

@@ -81,8 +81,9 @@ Source find_source(const SourceOptions& options) {
     }
     if (source.format->type == PM_Object::FILE_PDT && is_folder(source.file)) {
         const std::optional<std::string> string_file = find_string_file(source.file);
-        if (!string_file)
+        if (!string_file) {
             throw Failure(source.file + ": the folder holds no string file such as strings.pdt");
+        }
         source.path = *string_file;
     }
     return source;

@@ -87,8 +87,9 @@ char lower(char c) {
 std::string to_utf8(std::u16string_view text) {
     std::string out;
     out.reserve(text.size());
-    for (std::size_t at = 0; at < text.size();)
+    for (std::size_t at = 0; at < text.size();) {
         append_utf8(out, next_code_point(text, at));
+    }
     return out;
 }
 

@@ -125,10 +125,12 @@ int compare_files(const CompareOptions& options) {
     const FlatTree b = flatten(second);
     const std::vector<Difference> differences = compare(a, b);
     for (const Difference& difference : differences) {
-        if (difference.first != nullptr)
+        if (difference.first != nullptr) {
             fmt::print("{}", entry_line('-', difference.path, *difference.first));
-        if (difference.second != nullptr)
+        }
+        if (difference.second != nullptr) {
             fmt::print("{}", entry_line('+', difference.path, *difference.second));
+        }
     }
     if (!differences.empty()) return exit_negative;
     fmt::print("{} and {} hold equal trees.\n", options.first.file, options.second.file);

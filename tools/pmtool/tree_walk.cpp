@@ -69,8 +69,9 @@ private:
     double double_value() const {
         const std::u16string text = wide_text(m_size / sizeof(char16_t));
         const std::size_t exact = text.find(u'(');
-        if (exact != std::u16string::npos)
+        if (exact != std::u16string::npos) {
             return exact_value(text.substr(exact + 1, text.size() - exact - 2));
+        }
         const std::string narrow(text.begin(), text.end());
         double value = 0;
         std::from_chars(narrow.data(), narrow.data() + narrow.size(), value);
@@ -106,8 +107,9 @@ std::unique_ptr<PM_Iterator> iterate(const PM_Object& object, const std::u16stri
 
 void visit_properties(PM_Iterator& iterator, TreeVisitor& visitor) {
     PropertyReader reader(iterator);
-    while (const std::optional<Property> property = reader.next())
+    while (const std::optional<Property> property = reader.next()) {
         visitor.on_property(*property);
+    }
 }
 
 } // namespace

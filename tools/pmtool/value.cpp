@@ -53,8 +53,9 @@ int digit_value(char c) {
 }
 
 std::optional<Value> parse_raw(std::string_view text) {
-    if (text.size() > 2 && text.front() == '\\' && text.back() == '\\')
+    if (text.size() > 2 && text.front() == '\\' && text.back() == '\\') {
         text = text.substr(1, text.size() - 2);
+    }
     if (text.empty() || text.size() % 2 != 0) return std::nullopt;
     Raw raw;
     for (std::size_t i = 0; i < text.size(); i += 2) {
@@ -120,8 +121,9 @@ std::string_view type_name(const Value& value) {
 
 std::string type_names() {
     std::array<std::string_view, std::size(types)> names;
-    for (std::size_t i = 0; i < names.size(); ++i)
+    for (std::size_t i = 0; i < names.size(); ++i) {
         names[i] = types[i].name;
+    }
     return fmt::format("{}", fmt::join(names, ", "));
 }
 
