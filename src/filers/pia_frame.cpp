@@ -24,8 +24,9 @@ bool bound_pia_frame(std::span<unsigned char> file, bool checked) {
     const std::uint64_t stream_length = load_u32(&block[layout.stream_length]);
     if (stream_length > block.size() - layout.stream) return false;
     const std::uint64_t most = most_expansion * stream_length;
-    if (load_u32(&block[layout.length]) > most)
+    if (load_u32(&block[layout.length]) > most) {
         store_u32(&block[layout.length], static_cast<std::uint32_t>(most));
+    }
     return true;
 }
 

@@ -124,8 +124,9 @@ void PM_DPIAFile::read_directory(bool with_info) {
     if (static_cast<std::int32_t>(count) < 1) return;
     const std::uint64_t least_entry = word_size * (with_info ? 4 : 3);
     require_bytes(count * least_entry, load_place, file_name());
-    for (std::uint32_t index = 0; index < count; ++index)
+    for (std::uint32_t index = 0; index < count; ++index) {
         m_sections.append(read_entry(with_info));
+    }
 }
 
 PM_DPIAFile::DPIA_Section PM_DPIAFile::read_entry(bool with_info) {

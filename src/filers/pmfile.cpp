@@ -84,8 +84,9 @@ void PM_File::open_file(std::unique_ptr<std::fstream>& owned, const char16_t* na
     }
     if (owned->is_open()) return;
     const std::u16string_view wide_name = pm::view(name);
-    if (!write && !pm::file_exists(wide_name))
+    if (!write && !pm::file_exists(wide_name)) {
         throw PM_Severe(no_such_file, places.missing, name, places.source);
+    }
     owned->open(pm::native_file_name(wide_name),
                 std::ios::binary | (write ? std::ios::out | std::ios::trunc : std::ios::in));
     check_stream(places.failed, name, *owned, places.source);

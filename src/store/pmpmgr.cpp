@@ -45,8 +45,9 @@ template<auto next, class T>
 T* find_named(T* first, T* last, const char16_t* name) {
     // The last one made is the one most often asked for.
     if (last != nullptr && last->name() == name) return last;
-    while (first != nullptr && first->name() != name)
+    while (first != nullptr && first->name() != name) {
         first = first->*next;
+    }
     return first;
 }
 
@@ -96,8 +97,9 @@ bool PM_PathStrings::Entry::set_text(std::u16string_view text) noexcept {
 
 PM_PathStrings::~PM_PathStrings() {
     for (Entry* entry : m_buckets) {
-        while (entry != nullptr)
+        while (entry != nullptr) {
             delete std::exchange(entry, entry->m_next);
+        }
     }
 }
 
@@ -144,8 +146,9 @@ void PM_PathStrings::Release(Entry& entry) {
         return;
     }
     Entry** link = &m_buckets[Key(entry.m_text).bucket];
-    while (*link != &entry)
+    while (*link != &entry) {
         link = &(*link)->m_next;
+    }
     *link = entry.m_next;
     delete &entry;
 }
@@ -183,8 +186,9 @@ PM_Path::~PM_Path() {
 }
 
 void PM_Path::release_all() {
-    for (std::int32_t index = 0; index < m_count; ++index)
+    for (std::int32_t index = 0; index < m_count; ++index) {
         m_strings->Release(*m_components[index]);
+    }
     m_count = 0;
 }
 
