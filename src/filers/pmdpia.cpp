@@ -122,7 +122,7 @@ void PM_DPIAFile::read_directory(bool with_info) {
     const std::uint32_t count = read_word();
     m_data_offset = m_directory_offset + word_size;
     if (static_cast<std::int32_t>(count) < 1) return;
-    const std::uint64_t least_entry = word_size * (with_info ? 4 : 3);
+    const std::uint64_t least_entry = std::uint64_t{word_size} * (with_info ? 4 : 3);
     require_bytes(count * least_entry, load_place, file_name());
     for (std::uint32_t index = 0; index < count; ++index) {
         m_sections.append(read_entry(with_info));

@@ -14,6 +14,8 @@ constexpr std::uint32_t bad_path = 51;
 constexpr std::uint32_t buffer_too_small = 58;
 constexpr std::uint32_t no_value = 59;
 
+constexpr std::size_t link_size = sizeof(void*); // of the pointer in front of an interned text
+
 [[noreturn]] void raise_warning(std::uint32_t number, const char16_t* place, const char16_t* detail) {
     throw PM_Warning(number, place, detail, source);
 }
@@ -82,15 +84,15 @@ PM_PathStrings::Key::Key(std::u16string_view key_text) : text(key_text) {
 }
 
 PM_PathStrings::Entry::~Entry() {
-    if (m_text != nullptr) pm::release(reinterpret_cast<unsigned char*>(m_text) - sizeof(Entry*));
+    if (m_text != nullptr) pm::release(reinterpret_cast<unsigned char*>(m_text) - link_size);
 }
 
 bool PM_PathStrings::Entry::set_text(std::u16string_view text) noexcept {
     Entry* const self = this;
-    auto block = pm::allocate_block<unsigned char>(sizeof self + (text.size() + 1) * sizeof(char16_t));
+    auto block = pm::allocate_block<unsigned char>(link_size + (text.size() + 1) * sizeof(char16_t));
     if (!block) return false;
-    std::memcpy(block.get(), &self, sizeof self);
-    m_text = reinterpret_cast<char16_t*>(block.release() + sizeof self);
+    std::memcpy(block.get(), &self, link_size);
+    m_text = reinterpret_cast<char16_t*>(block.release() + link_size);
     *std::copy(text.begin(), text.end(), m_text) = u'\0';
     return true;
 }
@@ -127,7 +129,7 @@ PM_PathStrings::Entry& PM_PathStrings::Add(const Key& key) {
 
 PM_PathStrings::Entry& PM_PathStrings::entry_of(const char16_t* name) {
     Entry* entry = nullptr;
-    std::memcpy(&entry, reinterpret_cast<const unsigned char*>(name) - sizeof entry, sizeof entry);
+    std::memcpy(&entry, reinterpret_cast<const unsigned char*>(name) - link_size, link_size);
     return *entry;
 }
 

@@ -63,8 +63,9 @@ PartCheck placed(Reading reading, LineFinder finder) {
 
 std::vector<std::string> lines_of(std::string_view content) {
     std::vector<std::string> lines;
-    while (!content.empty())
+    while (!content.empty()) {
         lines.emplace_back(take_line(content));
+    }
     return lines;
 }
 
@@ -83,12 +84,17 @@ const char* harmless_line(const std::string& line) {
     return line.find('{') != std::string::npos ? "_{" : ";";
 }
 
+// Each takes a reading of its own, so that a file of nothing but such lines would take very long.
+constexpr std::size_t most_ended = 1000;
+
 // The reading of PIA text ends at some bad lines. Each is made harmless in its turn, so that those behind it
 // are found too.
 PartCheck check_on(const Source& part, Reading reading) {
     std::vector<std::string> lines = lines_of(read_file(part.path));
     std::vector<Report> ended;
-    for (int line = last_line(reading, lines); line > 0; line = last_line(reading, lines)) {
+    while (ended.size() < most_ended) {
+        const int line = last_line(reading, lines);
+        if (line == 0) break;
         std::string& text = lines[static_cast<std::size_t>(line) - 1];
         text = harmless_line(text);
         ended.push_back(*reading.last);
@@ -126,7 +132,9 @@ void append_found(const Source& part, std::vector<Found>& all) {
         Found found{report.line, describe(report, name_of(part))};
         if (result.stopped && i + 1 == result.reports.size()) found.text += "; reading stops here";
         // A line that belongs to no plotter is bad in each of them.
-        if (std::ranges::find(all, found) == all.end()) all.push_back(std::move(found));
+        const bool many_plotters = part.format->type == PM_Object::FILE_CFG;
+        if (many_plotters && std::ranges::find(all, found) != all.end()) continue;
+        all.push_back(std::move(found));
     }
 }
 
@@ -139,6 +147,7 @@ std::vector<std::string> find_bad_lines(const Source& source) {
     }
     if (source.format->type == PM_Object::FILE_CFG) std::ranges::stable_sort(all, {}, &Found::line);
     std::vector<std::string> lines;
+    lines.reserve(all.size());
     for (Found& found : all) {
         lines.push_back(std::move(found.text));
     }
