@@ -109,7 +109,8 @@ private:
         if (prefix.empty()) return;
         for (int row = 0; row < count; ++row) {
             const std::string number = std::to_string(pm::SectionReader::first_row + offset + row);
-            m_strings += prefix + "B" + number + " \"text " + number + "\"\r\n";
+            m_strings.append(prefix).append("B").append(number);
+            m_strings.append(" \"text ").append(number).append("\"\r\n");
         }
     }
 
@@ -133,7 +134,7 @@ void set_rate(benchmark::State& state, const LongDescription& description) {
 void pdt_load(benchmark::State& state) {
     const LongDescription description(static_cast<int>(state.range(0)));
     const std::u16string name = description.string_file();
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         PM_Object object;
         object.load(name.c_str(), PM_Object::FILE_PDT, u"\\");
     }
@@ -145,7 +146,7 @@ void pdt_files(benchmark::State& state) {
     const LongDescription description(static_cast<int>(state.range(0)));
     const pm::CodePage& page = pm::code_page(pm::default_code_page);
     std::u16string wide;
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         for (const auto& entry : fs::directory_iterator(description.folder())) {
             std::ifstream stream(entry.path(), std::ios::binary);
             pm::LineReader reader;
