@@ -97,6 +97,17 @@ bool PM_PathStrings::Entry::set_text(std::u16string_view text) noexcept {
     return true;
 }
 
+void PM_PathStrings::Entry::link_at(Entry*& head) noexcept {
+    m_next = std::exchange(head, this);
+    m_link = &head;
+    if (m_next != nullptr) m_next->m_link = &m_next;
+}
+
+void PM_PathStrings::Entry::unlink() noexcept {
+    *m_link = m_next;
+    if (m_next != nullptr) m_next->m_link = m_link;
+}
+
 PM_PathStrings::~PM_PathStrings() {
     for (Entry* entry : m_buckets) {
         while (entry != nullptr) {
@@ -119,12 +130,11 @@ PM_PathStrings::Entry& PM_PathStrings::Add(const Key& key) {
         ++known->m_count;
         return *known;
     }
-    Entry*& head = m_buckets[key.bucket];
-    std::unique_ptr<Entry> entry(new Entry(key.print, head));
+    std::unique_ptr<Entry> entry(new Entry(key.print));
     if (!entry) raise_no_memory(place, u"entry");
     if (!entry->set_text(key.text)) raise_no_memory(place, u"");
-    head = entry.release();
-    return *head;
+    entry->link_at(m_buckets[key.bucket]);
+    return *entry.release();
 }
 
 PM_PathStrings::Entry& PM_PathStrings::entry_of(const char16_t* name) {
@@ -147,11 +157,7 @@ void PM_PathStrings::Release(Entry& entry) {
         --entry.m_count;
         return;
     }
-    Entry** link = &m_buckets[Key(entry.m_text).bucket];
-    while (*link != &entry) {
-        link = &(*link)->m_next;
-    }
-    *link = entry.m_next;
+    entry.unlink();
     delete &entry;
 }
 

@@ -13,7 +13,7 @@ class PM_PathStrings : public PM_Mem_Obj {
 public:
     class Entry : public PM_Mem_Obj {
     public:
-        Entry(std::uint32_t print, Entry* next) noexcept : m_next(next), m_print(print) {}
+        explicit Entry(std::uint32_t print) noexcept : m_print(print) {}
         ~Entry() override;
         Entry(const Entry&) = delete;
         Entry& operator=(const Entry&) = delete;
@@ -24,11 +24,14 @@ public:
     private:
         friend class PM_PathStrings;
         bool set_text(std::u16string_view text) noexcept;
+        void link_at(Entry*& head) noexcept;
+        void unlink() noexcept;
 
         char16_t* m_text = nullptr; // the pointer to this entry stands in front of the units
         std::int32_t m_count = 1;
-        Entry* m_next;
-        std::uint32_t m_print; // tells most texts of a chain apart without looking at them
+        Entry* m_next = nullptr;
+        Entry** m_link = nullptr; // what points to this entry: its bucket, or m_next of the one in front
+        std::uint32_t m_print;    // tells most texts of a chain apart without looking at them
     };
 
     // A text with the two numbers that its look-up needs, made in one pass.
