@@ -125,11 +125,14 @@ PM_PathStrings::Entry* PM_PathStrings::Find(const Key& key) const {
 }
 
 PM_PathStrings::Entry& PM_PathStrings::Add(const Key& key) {
+    Entry* known = Find(key);
+    if (known == nullptr) return AddNew(key);
+    AddReference(*known);
+    return *known;
+}
+
+PM_PathStrings::Entry& PM_PathStrings::AddNew(const Key& key) {
     constexpr const char16_t* place = u"PM_PathStrings::Add()";
-    if (Entry* known = Find(key)) {
-        ++known->m_count;
-        return *known;
-    }
     std::unique_ptr<Entry> entry(new Entry(key.print));
     if (!entry) raise_no_memory(place, u"entry");
     if (!entry->set_text(key.text)) raise_no_memory(place, u"");
@@ -174,7 +177,7 @@ PM_Path::PM_Path(PM_PathStrings& strings, const char16_t* text, bool add) : m_st
         } else if (add) {
             m_first_new = std::min(m_first_new, m_count);
             try {
-                entry = &strings.Add(key);
+                entry = &strings.AddNew(key);
             } catch (const PM_Memory_Exception&) {
                 release_all();
                 throw;

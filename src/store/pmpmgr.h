@@ -52,6 +52,8 @@ public:
     // place u"PM_PathStrings::Add()", detail u"entry" or empty, with nothing changed.
     const char16_t* Add(const char16_t* text) { return Add(Key(text)).m_text; }
     Entry& Add(const Key& key);
+    // The same for a text that isn't there.
+    Entry& AddNew(const Key& key);
     // One reference more, or less, on a name that is known to be interned here: no look-up.
     static const char16_t* AddInterned(const char16_t* name);
     void ReleaseInterned(const char16_t* name) { Release(entry_of(name)); }
