@@ -27,10 +27,11 @@ void count_properties(benchmark::State& state) {
 void set_new(benchmark::State& state) {
     const auto shape = static_cast<Shape>(state.range(1));
     const auto paths = pm::bench::property_paths(shape, static_cast<int>(state.range(0)));
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         auto object = std::make_unique<PM_Object>();
-        for (std::size_t index = 0; index < paths.size(); ++index)
+        for (std::size_t index = 0; index < paths.size(); ++index) {
             pm::bench::set_property(*object, paths[index], static_cast<int>(index));
+        }
         state.PauseTiming();
         object.reset();
         state.ResumeTiming();
@@ -43,11 +44,13 @@ void set_again(benchmark::State& state) {
     const auto shape = static_cast<Shape>(state.range(1));
     const auto paths = pm::bench::property_paths(shape, static_cast<int>(state.range(0)));
     PM_Object object;
-    for (const auto& path : paths)
+    for (const auto& path : paths) {
         object.SetProperty(path.c_str(), 1);
-    for (auto _ : state) {
-        for (const auto& path : paths)
+    }
+    for ([[maybe_unused]] auto _ : state) {
+        for (const auto& path : paths) {
             object.SetProperty(path.c_str(), 2);
+        }
     }
     count_properties(state);
 }
@@ -57,9 +60,10 @@ void get(benchmark::State& state) {
     const auto shape = static_cast<Shape>(state.range(1));
     const auto paths = pm::bench::property_paths(shape, static_cast<int>(state.range(0)));
     PM_Object object;
-    for (const auto& path : paths)
+    for (const auto& path : paths) {
         object.SetProperty(path.c_str(), 1);
-    for (auto _ : state) {
+    }
+    for ([[maybe_unused]] auto _ : state) {
         int value = 0;
         for (const auto& path : paths) {
             object.GetProperty(path.c_str(), value);
@@ -74,7 +78,7 @@ void get_missing(benchmark::State& state) {
     const auto shape = static_cast<Shape>(state.range(1));
     PM_Object object;
     pm::bench::fill(object, shape, static_cast<int>(state.range(0)));
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         int value = 0;
         benchmark::DoNotOptimize(object.GetProperty(u"\\group0\\node0\\missing", value));
     }
@@ -85,15 +89,16 @@ BENCHMARK(get_missing)->Args({10'000, pm::bench::nodes_of_100})->ArgNames({"prop
 void walk(benchmark::State& state) {
     PM_Object object;
     pm::bench::fill(object, static_cast<Shape>(state.range(1)), static_cast<int>(state.range(0)));
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         const std::unique_ptr<PM_Iterator> it(object.newIterator(u"\\", 0));
         char* value = nullptr;
         std::size_t size = 0;
         PropType type = PROP_NONE;
         PM_Object::NodeType step{};
         do {
-            while (it->nextProp(value, size, type) != nullptr)
+            while (it->nextProp(value, size, type) != nullptr) {
                 benchmark::DoNotOptimize(value);
+            }
         } while (it->nextNode(step) != nullptr);
     }
     count_properties(state);
@@ -107,7 +112,7 @@ void duplicate(benchmark::State& state) {
             u"\\from" + pm::bench::property_path(static_cast<Shape>(state.range(1)), index);
         pm::bench::set_property(object, path, index);
     }
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         object.duplicate(u"from", u"to");
         state.PauseTiming();
         object.deletePath(u"to");

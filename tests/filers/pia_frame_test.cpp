@@ -35,7 +35,7 @@ TEST_P(PiaFrame, TrueLengthsStay) {
 }
 
 TEST_P(PiaFrame, TrueLengthsOfAVeryDenseStreamStay) {
-    block = block_of(std::string(10'000'000, 'x'), GetParam());
+    block = block_of(std::string(8'000'000, 'x'), GetParam());
     EXPECT_EQ(file(), result());
 }
 

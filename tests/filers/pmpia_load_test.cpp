@@ -126,7 +126,7 @@ TEST(PiaLoad, SemicolonInTheFirstColumnIsAComment) {
 
 TEST(PiaLoad, LineAfterAZeroByteIsIgnored) {
     EXPECT_EQ((Lines{"a long 1", "b string ab", "c long 3"}),
-              loaded(std::string("a=1\n\0 bad line\nb=\"ab\0cd\nc=3\n\0", 30)));
+              loaded(std::string("a=1\n\0 bad line\nb=\"ab\0cd\nc=3\n\0", 29)));
 }
 
 TEST(PiaLoad, EqualsSignComesBeforeBraces) {
@@ -284,8 +284,9 @@ TEST(PiaValue, DigitsOfRawDataAreNotChecked) {
 
 TEST(PiaValue, RawDataOfAnySizeIsRead) {
     std::string digits;
-    for (int i = 0; i < 20'000; ++i)
+    for (int i = 0; i < 20'000; ++i) {
         digits += "5A";
+    }
     EXPECT_EQ((Lines{"a void " + digits, "b long 1"}), loaded("a=\\" + digits + "\\\nb=1\n"));
 }
 
@@ -359,8 +360,9 @@ TEST(PiaLoad, PathOf1024UnitsIsReported) {
 
 TEST(PiaLoad, DepthOf256ComponentsIsTaken) {
     std::string body;
-    for (int level = 0; level < 255; ++level)
+    for (int level = 0; level < 255; ++level) {
         body += "n{\n";
+    }
     EXPECT_EQ(1U, loaded(body + "a=1\n").size());
 }
 

@@ -24,8 +24,9 @@ public:
 
     void fill(PM_Object& object) {
         const int count = between(1, 150);
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < count; ++i) {
             set_value(object, path());
+        }
     }
 
 private:
@@ -35,15 +36,17 @@ private:
 
     std::u16string units_of(std::u16string_view set, int shortest, int longest) {
         std::u16string text;
-        for (int left = between(shortest, longest); left > 0; --left)
+        for (int left = between(shortest, longest); left > 0; --left) {
             text += set[static_cast<std::size_t>(between(0, static_cast<int>(set.size()) - 1))];
+        }
         return text;
     }
 
     std::u16string path() {
         std::u16string path;
-        for (int depth = between(0, 4); depth > 0; --depth)
+        for (int depth = between(0, 4); depth > 0; --depth) {
             path += units_of(u"ab_-.}/\u00E4;", 1, 2) + u'\\';
+        }
         std::replace(path.begin(), path.end(), u';', u'y');
         return path + units_of(u"pqrPQ09_.{}\"'\u00FC\u20AC", 1, 3);
     }
@@ -89,8 +92,9 @@ private:
 };
 
 Lines under(const std::string& base, Lines lines) {
-    for (std::string& line : lines)
-        line = base + line;
+    for (std::string& line : lines) {
+        line.insert(0, base);
+    }
     return lines;
 }
 

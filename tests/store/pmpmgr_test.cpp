@@ -16,15 +16,18 @@ int count_of(const PM_PathStrings& strings, const char16_t* text) {
 
 std::vector<std::u16string> components_of(const PM_Path& path) {
     std::vector<std::u16string> all;
-    for (int index = 0; index < path.count(); ++index)
+    all.reserve(static_cast<std::size_t>(path.count()));
+    for (int index = 0; index < path.count(); ++index) {
         all.emplace_back(path.component(index));
+    }
     return all;
 }
 
 std::u16string path_of(int components) {
     std::u16string text;
-    for (int index = 0; index < components; ++index)
+    for (int index = 0; index < components; ++index) {
         text += u"\\x";
+    }
     return text;
 }
 
@@ -100,6 +103,38 @@ TEST(PathStrings, UnlinkingKeepsTheRestOfAChain) {
     EXPECT_EQ(cab, strings.Find(u"cab")->text());
     strings.Release(cab);
     EXPECT_EQ(abc, strings.Find(u"abc")->text());
+}
+
+std::u16string numbered(int number) {
+    const std::string digits = std::to_string(number);
+    return u"name" + std::u16string(digits.begin(), digits.end());
+}
+
+TEST(PathStrings, ManyNamesAreKeptApartWhileSomeGo) {
+    constexpr int count = 5000;
+    PM_PathStrings strings;
+    std::vector<const char16_t*> names;
+    names.reserve(count);
+    for (int number = 0; number < count; ++number) {
+        names.push_back(strings.Add(numbered(number).c_str()));
+    }
+    for (int number = 0; number < count; ++number) {
+        EXPECT_EQ(names[static_cast<std::size_t>(number)], strings.Add(numbered(number).c_str()));
+    }
+    for (int number = 0; number < count; number += 3) {
+        strings.Release(numbered(number).c_str());
+    }
+    for (int number = 0; number < count; number += 3) {
+        strings.ReleaseInterned(names[static_cast<std::size_t>(number)]);
+    }
+    for (int number = 0; number < count; ++number) {
+        const PM_PathStrings::Entry* entry = strings.Find(numbered(number).c_str());
+        ASSERT_EQ(number % 3 == 0, entry == nullptr) << number;
+        if (entry != nullptr) {
+            EXPECT_EQ(names[static_cast<std::size_t>(number)], entry->text());
+            EXPECT_EQ(2, entry->count());
+        }
+    }
 }
 
 TEST(PathStrings, UnpairedSurrogatesAreOrdinaryUnits) {
