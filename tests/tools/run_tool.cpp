@@ -42,6 +42,7 @@ ToolRun ToolTest::run_as(const std::vector<std::string>& arguments, bool privile
     std::vector<std::string> words{"pmtool"};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
+    argv.reserve(words.size() + 1);
     for (std::string& word : words) {
         argv.push_back(word.data());
     }
