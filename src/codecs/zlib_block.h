@@ -22,6 +22,12 @@ inline constexpr std::size_t checksum_offset = 11; // checked form only
 // The checksum of a checked block: Adler-32.
 std::uint32_t zlib_checksum(std::span<const unsigned char> stream);
 
+// Where the first tag in front of any zero byte begins; the size of the data if there is none.
+std::size_t find_zlib_tag(std::span<const unsigned char> data);
+
+// Whether the header of this form and the stream that it tells lie inside a block, which begins with its tag.
+bool zlib_stream_fits(std::span<const unsigned char> block, const ZlibLayout& layout);
+
 // Whether the decoder of this form stays inside `data`, whatever it makes of it. The decoders know no size:
 // ask this before giving them bytes from outside.
 bool zlib_block_fits(std::span<const unsigned char> data, const ZlibLayout& layout);

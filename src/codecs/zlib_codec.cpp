@@ -1,5 +1,5 @@
-#include "codecs/codec_failure.h"
 #include "base/little_endian.h"
+#include "codecs/codec_failure.h"
 #include "codecs/zlib_block.h"
 #include <algorithm>
 #include <cstring>
@@ -114,13 +114,22 @@ std::uint32_t zlib_checksum(std::span<const unsigned char> stream) {
     return b << 16 | a;
 }
 
-bool zlib_block_fits(std::span<const unsigned char> data, const ZlibLayout& layout) {
+std::size_t find_zlib_tag(std::span<const unsigned char> data) {
     const auto end = std::find(data.begin(), data.end(), static_cast<unsigned char>(0));
     const auto tag = std::search(data.begin(), end, zlib_tag.begin(), zlib_tag.end());
-    if (tag == end) return end != data.end();
-    const auto block = data.subspan(static_cast<std::size_t>(tag - data.begin()));
+    return tag == end ? data.size() : static_cast<std::size_t>(tag - data.begin());
+}
+
+bool zlib_stream_fits(std::span<const unsigned char> block, const ZlibLayout& layout) {
     return block.size() >= layout.stream &&
            block.size() - layout.stream >= load_u32(block.data() + layout.stream_length);
+}
+
+bool zlib_block_fits(std::span<const unsigned char> data, const ZlibLayout& layout) {
+    const std::size_t tag = find_zlib_tag(data);
+    if (tag < data.size()) return zlib_stream_fits(data.subspan(tag), layout);
+    // The search for the tag ends at a zero byte.
+    return std::find(data.begin(), data.end(), static_cast<unsigned char>(0)) != data.end();
 }
 
 } // namespace pm
