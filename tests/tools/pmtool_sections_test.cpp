@@ -123,6 +123,15 @@ TEST_F(PmToolSections, BadLineIsToldWithItsSection) {
                                      "bad.dpia[A]: The value is of no known type (error 88): c=yes\n");
 }
 
+TEST_F(PmToolSections, SectionThatTheFileCutsOffIsTold) {
+    const std::string whole = TempFolder::read_file(std::filesystem::path(sample_folder) / "sections.dpia");
+    folder.write("cut.dpia", whole.substr(0, whole.size() - 20));
+    expect_output({"tree", "cut.dpia", "--section", "Office", "name"},
+                  "name: string = \"DX-4200 in the drawing office\"\n");
+    expect_trouble({"tree", "cut.dpia", "--section", "Archive"},
+                   "cut.dpia: Reading or writing failed, or the file ends too early (error 82): Archive");
+}
+
 } // namespace
 
 } // namespace pm::test

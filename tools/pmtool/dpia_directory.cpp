@@ -1,7 +1,6 @@
 #include "dpia_directory.h"
 
 #include "little_endian.h"
-#include <algorithm>
 
 namespace pmtool {
 
@@ -38,13 +37,8 @@ private:
     std::size_t m_at = 0;
 };
 
-// Where the section of an entry ends, counted from the end of the directory.
-std::optional<std::uint64_t> read_entry(Reader& reader, int version) {
-    if (!reader.skip_text() || (version == 2 && !reader.skip_text())) return std::nullopt;
-    const std::optional<std::uint32_t> offset = reader.word();
-    const std::optional<std::uint32_t> size = reader.word();
-    if (!offset || !size) return std::nullopt;
-    return std::uint64_t{*offset} + *size;
+bool skip_entry(Reader& reader, int version) {
+    return reader.skip_text() && (version == 1 || reader.skip_text()) && reader.word() && reader.word();
 }
 
 } // namespace
@@ -55,13 +49,9 @@ std::optional<DpiaDirectory> read_dpia_directory(std::string_view bytes) {
     const std::optional<std::uint32_t> count = reader.word();
     if (!count || (*word != version_1 && *word != version_2)) return std::nullopt;
     const int version = *word == version_1 ? 1 : 2;
-    std::uint64_t furthest = 0;
     for (std::uint32_t i = 0; i < *count; ++i) {
-        const std::optional<std::uint64_t> end = read_entry(reader, version);
-        if (!end) return std::nullopt;
-        furthest = std::max(furthest, *end);
+        if (!skip_entry(reader, version)) return std::nullopt;
     }
-    if (furthest > reader.left()) return std::nullopt;
     return DpiaDirectory{version, *count};
 }
 

@@ -11,8 +11,8 @@ struct DpiaDirectory {
     std::uint32_t sections;
 };
 
-// The directory at the start of a DPIA file. Nothing if the bytes don't begin with one, or if an entry or a
-// section would lie outside of them.
+// The directory at the start of a DPIA file. Nothing if the bytes don't begin with a whole one; its sections
+// may lie outside of them.
 std::optional<DpiaDirectory> read_dpia_directory(std::string_view bytes);
 
 } // namespace pmtool
