@@ -5,6 +5,7 @@
 #include <pm/code_page.h>
 #include <pm/codec.h>
 #include <pm/error_handler.h>
+#include <pm/error_number.h>
 #include <pm/error_text.h>
 #include <pm/exception.h>
 #include <pm/iterator.h>

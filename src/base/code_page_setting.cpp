@@ -1,19 +1,19 @@
 #include "base/text.h"
 #include "platform/code_page.h"
 #include <pm/code_page.h>
+#include <pm/error_number.h>
 #include <pm/exception.h>
 
 namespace {
 
-constexpr std::uint32_t invalid_argument = 78;
 constexpr const char16_t* source = u"$Workfile: code_page $ $Revision: #1 $";
 
 } // namespace
 
 void pm_set_system_code_page(unsigned code_page) {
     if (!pm::code_page_known(code_page)) {
-        throw PM_Error(invalid_argument, u"pm_set_system_code_page()", pm::to_decimal(code_page).c_str(),
-                       source);
+        throw PM_Error(PM_ERR_INVALID_ARGUMENT, u"pm_set_system_code_page()",
+                       pm::to_decimal(code_page).c_str(), source);
     }
     pm::set_system_code_page(code_page);
 }

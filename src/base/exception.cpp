@@ -5,10 +5,9 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <pm/error_number.h>
 
 namespace {
-
-constexpr std::uint32_t no_memory = 55;
 
 void copy_detail(const char16_t* text, char16_t (&detail)[ZT_Exception::detail_capacity]) noexcept {
     const std::u16string_view whole = pm::view(text);
@@ -105,5 +104,5 @@ PM_Severe::~PM_Severe() = default;
 
 PM_Memory_Exception::PM_Memory_Exception(const char16_t* place, const char16_t* detail,
                                          const char16_t* source) noexcept
-    : ZT_Severe_Error(no_memory, place, detail, source) {}
+    : ZT_Severe_Error(PM_ERR_NO_MEMORY, place, detail, source) {}
 PM_Memory_Exception::~PM_Memory_Exception() = default;

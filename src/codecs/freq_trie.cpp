@@ -1,13 +1,12 @@
 #include "codecs/freq_trie.h"
 
 #include "codecs/codec_failure.h"
+#include <pm/error_number.h>
 #include <utility>
 
 namespace pm {
 
 namespace {
-
-constexpr std::uint32_t symbol_taken = 91;
 
 void walk(const TrieNode& node, BitString& path, CodeTable& codes);
 
@@ -26,7 +25,7 @@ void walk(const TrieNode& node, BitString& path, CodeTable& codes) {
         return;
     }
     BitString& code = codes[node.symbol];
-    if (!code.empty()) throw_codec_failure(symbol_taken);
+    if (!code.empty()) throw_codec_failure(PM_ERR_HUFFMAN_SYMBOL_TAKEN);
     code.copy(path);
 }
 

@@ -1,17 +1,16 @@
+#include "base/little_endian.h"
 #include "codecs/codec_failure.h"
 #include "codecs/huffman_block.h"
-#include "base/little_endian.h"
 #include <algorithm>
 #include <cstring>
 #include <limits>
 #include <pm/codec.h>
+#include <pm/error_number.h>
 
 namespace pm {
 
 namespace {
 
-constexpr std::uint32_t no_node = 90;
-constexpr std::uint32_t no_tag_or_table = 92;
 constexpr std::uint32_t first_capacity = 100;
 
 // Decoded bytes as they come; room for one more always follows them.
@@ -41,14 +40,14 @@ private:
 // A tree of fewer than two leaves has no codes.
 void check_counters(Counters counters) {
     const auto absent = std::count(counters.begin(), counters.end(), 0U);
-    if (symbol_count - static_cast<std::size_t>(absent) < 2) throw_codec_failure(no_tag_or_table);
+    if (symbol_count - static_cast<std::size_t>(absent) < 2) throw_codec_failure(PM_ERR_NO_BLOCK);
 }
 
 void check_tag(const unsigned char* block) {
     // As text: reads no further than the first difference.
     const char* text = reinterpret_cast<const char*>(block);
     if (text == nullptr || std::strncmp(text, huffman_tag.data(), huffman_tag.size()) != 0) {
-        throw_codec_failure(no_tag_or_table);
+        throw_codec_failure(PM_ERR_NO_BLOCK);
     }
 }
 
@@ -82,7 +81,7 @@ DecodedBytes decode_bits(const TrieNode* root, const BitString& bits) {
     BitCursor cursor(bits);
     const TrieNode* node = root;
     while (!cursor.at_end()) {
-        if (node == nullptr) throw_codec_failure(no_node);
+        if (node == nullptr) throw_codec_failure(PM_ERR_NO_HUFFMAN_SYMBOL);
         if (node->is_leaf()) {
             out.put(node->symbol);
             node = root;

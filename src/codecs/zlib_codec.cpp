@@ -5,21 +5,12 @@
 #include <cstring>
 #include <limits>
 #include <pm/codec.h>
+#include <pm/error_number.h>
 #include <zlib.h>
 
 namespace pm {
 
 namespace {
-
-enum Failure : std::uint32_t {
-    no_tag = 92,
-    deflate_start = 93,
-    deflate_run = 94,
-    deflate_stop = 95,
-    inflate_start = 96,
-    inflate_run = 97,
-    inflate_stop = 98,
-};
 
 constexpr int window_bits = 15;
 constexpr int memory_level = 8;
@@ -29,7 +20,7 @@ class ZlibStream {
 public:
     using End = int (*)(z_streamp);
 
-    ZlibStream(End end, Failure stop) : m_end(end), m_stop(stop) {}
+    ZlibStream(End end, PM_Error_Number stop) : m_end(end), m_stop(stop) {}
     ~ZlibStream() {
         if (m_started) m_end(&m_state);
     }
@@ -37,13 +28,13 @@ public:
     ZlibStream& operator=(const ZlibStream&) = delete;
 
     template<class Start>
-    void start(Start start, Failure failure) {
+    void start(Start start, PM_Error_Number failure) {
         if (start(&m_state) != Z_OK) throw_codec_failure(failure);
         m_started = true;
     }
     // Gives the bytes written to `out`.
     std::uint32_t run(int (*step)(z_streamp, int), const unsigned char* in, std::uint32_t in_size,
-                      unsigned char* out, std::uint32_t out_size, Failure failure) {
+                      unsigned char* out, std::uint32_t out_size, PM_Error_Number failure) {
         m_state.next_in = const_cast<unsigned char*>(in); // zlib doesn't write there
         m_state.avail_in = in_size;
         m_state.next_out = out;
@@ -59,7 +50,7 @@ public:
 private:
     z_stream m_state{};
     End m_end;
-    Failure m_stop;
+    PM_Error_Number m_stop;
     bool m_started = false;
 };
 
@@ -71,7 +62,8 @@ std::uint32_t stream_bound(std::uint32_t size) {
 }
 
 std::uint32_t block_size(std::size_t header, std::uint32_t stream_length) {
-    if (stream_length > std::numeric_limits<std::uint32_t>::max() - header) throw_codec_failure(deflate_run);
+    if (stream_length > std::numeric_limits<std::uint32_t>::max() - header)
+        throw_codec_failure(PM_ERR_DEFLATE);
     return static_cast<std::uint32_t>(header + stream_length);
 }
 
@@ -91,7 +83,7 @@ const unsigned char* find_tag(const unsigned char* data) {
             return data;
         }
     }
-    throw_codec_failure(no_tag);
+    throw_codec_failure(PM_ERR_NO_BLOCK);
 }
 
 } // namespace
@@ -158,18 +150,18 @@ bool PM_zlib_Codec::decodeCRC(unsigned char*& out, std::uint32_t& out_size) {
 
 void PM_zlib_Codec::encode_block(const pm::ZlibLayout& layout, unsigned char*& out,
                                  std::uint32_t& out_size) const {
-    pm::ZlibStream stream(deflateEnd, pm::deflate_stop);
+    pm::ZlibStream stream(deflateEnd, PM_ERR_DEFLATE_END);
     stream.start(
         [](z_streamp state) {
             return deflateInit2(state, Z_BEST_COMPRESSION, Z_DEFLATED, pm::window_bits, pm::memory_level,
                                 Z_DEFAULT_STRATEGY);
         },
-        pm::deflate_start);
+        PM_ERR_DEFLATE_START);
     const std::uint32_t bound = pm::stream_bound(m_input_size);
     out_size = bound;
     const auto working = pm::checked(pm::allocate_block<unsigned char>(bound), u"zout");
     const std::uint32_t length =
-        stream.run(deflate, m_input, m_input_size, working.get(), bound, pm::deflate_run);
+        stream.run(deflate, m_input, m_input_size, working.get(), bound, PM_ERR_DEFLATE);
     stream.finish();
     out_size = pm::block_size(layout.stream, length);
     auto block = pm::checked(pm::allocate_block<unsigned char>(out_size), u"output");
@@ -185,10 +177,10 @@ void PM_zlib_Codec::decode_block(const pm::ZlibLayout& layout, unsigned char*& o
     auto data = pm::checked(
         pm::Block<unsigned char>(static_cast<unsigned char*>(pm::allocate_zeroed(std::size_t{length} + 1))),
         u"output");
-    pm::ZlibStream stream(inflateEnd, pm::inflate_stop);
-    stream.start([](z_streamp state) { return inflateInit(state); }, pm::inflate_start);
+    pm::ZlibStream stream(inflateEnd, PM_ERR_INFLATE_END);
+    stream.start([](z_streamp state) { return inflateInit(state); }, PM_ERR_INFLATE_START);
     stream.run(inflate, block + layout.stream, pm::load_u32(block + layout.stream_length), data.get(), length,
-               pm::inflate_run);
+               PM_ERR_INFLATE);
     stream.finish();
     out = data.release();
     out_size = length;

@@ -10,6 +10,7 @@
 #include <bit>
 #include <charconv>
 #include <cstring>
+#include <pm/error_number.h>
 #include <pm/iterator.h>
 #include <string>
 #include <vector>
@@ -20,10 +21,6 @@ constexpr const char16_t* source = u"$Workfile: pmdoc $ $Revision: #1 $";
 constexpr const char16_t* load_place = u"PM_DOCFile::load()";
 constexpr const char16_t* save_place = u"PM_DOCFile::save()";
 constexpr const char16_t* version_place = u"PM_DOCFile::getVersion()";
-
-constexpr std::uint32_t not_opened = 56;
-constexpr std::uint32_t not_written = 60;
-constexpr std::uint32_t not_read = 66;
 
 constexpr std::u16string_view version_name = u"Version";
 constexpr float written_version = 1.0F;
@@ -72,11 +69,11 @@ Number number_at(std::span<const char> value) {
 PM_DOCFile::~PM_DOCFile() = default;
 
 void PM_DOCFile::raise_not_read(const char16_t* place) const {
-    throw PM_Severe(not_read, place, file_name(), source);
+    throw PM_Severe(PM_ERR_NOT_READ, place, file_name(), source);
 }
 
 void PM_DOCFile::raise_not_written() const {
-    throw PM_Severe(not_written, save_place, file_name(), source);
+    throw PM_Severe(PM_ERR_NOT_WRITTEN, save_place, file_name(), source);
 }
 
 void PM_DOCFile::attach(std::iostream*) {}
@@ -89,7 +86,7 @@ void PM_DOCFile::open(const char16_t* name, bool write) {
     } else if (pm::StgIsStorageFile(file) != pm::StorageFile::no) {
         m_storage = pm::StgOpenStorage(file);
     }
-    if (!m_storage) throw PM_Severe(not_opened, u"PM_DOCFile::open()", name, source);
+    if (!m_storage) throw PM_Severe(PM_ERR_NOT_OPENED, u"PM_DOCFile::open()", name, source);
     m_filename = file;
 }
 

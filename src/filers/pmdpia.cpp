@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <limits>
 #include <optional>
+#include <pm/error_number.h>
 #include <pm/iterator.h>
 #include <sstream>
 
@@ -20,9 +21,6 @@ constexpr const char16_t* save_place = u"PM_DPIAFile::save()";
 constexpr const char16_t* version_place = u"PM_DPIAFile::getVersion()";
 constexpr const char16_t* section_place = u"load_section";
 constexpr const char16_t* directory_place = u"PM_DPIAFile::write_directory";
-
-constexpr std::uint32_t unknown_version = 69;
-constexpr std::uint32_t no_such_section = 83;
 
 constexpr std::uint32_t version_1_word = 0x00010000;
 constexpr std::uint32_t version_2_word = 0x00020000;
@@ -55,7 +53,7 @@ std::u16string below(const char16_t* base, std::initializer_list<std::u16string_
 
 // The text of a section's "info"; empty if there is no such property.
 std::u16string read_info(const PM_Object& object, const std::u16string& path) {
-    constexpr std::uint32_t absent[] = {51, 86, 87};
+    constexpr std::uint32_t absent[] = {PM_ERR_BAD_PATH, PM_ERR_NO_SUCH_NODE, PM_ERR_NO_SUCH_PROPERTY};
     std::size_t bytes = 0;
     try {
         bytes = object.getPropertySize(path.c_str());
@@ -102,7 +100,7 @@ void PM_DPIAFile::getVersion(char16_t* buffer, std::size_t size) {
         copy_version(version_2, buffer, size);
         break;
     default:
-        report(PM_Error(unknown_version, version_place, file_name(), source));
+        report(PM_Error(PM_ERR_UNKNOWN_VERSION, version_place, file_name(), source));
     }
 }
 
@@ -180,7 +178,7 @@ void PM_DPIAFile::load(PM_Object* target, const char16_t* base, PM_Object::FileT
 }
 
 void PM_DPIAFile::load_section(PM_Object* target, const char16_t* base, const char16_t* name) {
-    const auto fail = [name] { throw PM_Severe(no_such_section, section_place, name, source); };
+    const auto fail = [name] { throw PM_Severe(PM_ERR_NO_SUCH_SECTION, section_place, name, source); };
     if (target == nullptr || base == nullptr || name == nullptr) fail();
     read_version_and_directory();
     const auto section = std::find_if(m_sections.begin(), m_sections.end(), [name](const DPIA_Section& each) {

@@ -7,11 +7,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <ios>
+#include <pm/error_number.h>
 
 namespace {
-
-constexpr std::uint32_t no_such_file = 63;
-constexpr std::uint32_t other_stream_error = 82;
 
 struct StreamErrorRow {
     int code;
@@ -19,9 +17,14 @@ struct StreamErrorRow {
 };
 
 constexpr StreamErrorRow stream_errors[] = {
-    {ENOENT, 63}, {E2BIG, 71},  {ENOEXEC, 79}, {EBADF, 73},     {ECHILD, 74}, {EAGAIN, 72},
-    {ENOMEM, 64}, {EACCES, 61}, {EEXIST, 77},  {EXDEV, 81},     {EINVAL, 78}, {EMFILE, 62},
-    {ENOSPC, 65}, {EDOM, 76},   {ERANGE, 80},  {EDEADLOCK, 75},
+    {ENOENT, PM_ERR_NO_SUCH_FILE},       {E2BIG, PM_ERR_ARGUMENTS_TOO_LONG},
+    {ENOEXEC, PM_ERR_NOT_EXECUTABLE},    {EBADF, PM_ERR_FILE_NOT_OPEN},
+    {ECHILD, PM_ERR_NO_CHILD_PROCESS},   {EAGAIN, PM_ERR_TRY_AGAIN},
+    {ENOMEM, PM_ERR_NO_MEMORY_FOR_FILE}, {EACCES, PM_ERR_ACCESS_DENIED},
+    {EEXIST, PM_ERR_FILE_EXISTS},        {EXDEV, PM_ERR_OTHER_DRIVE},
+    {EINVAL, PM_ERR_INVALID_ARGUMENT},   {EMFILE, PM_ERR_TOO_MANY_FILES},
+    {ENOSPC, PM_ERR_DISK_FULL},          {EDOM, PM_ERR_OUT_OF_DOMAIN},
+    {ERANGE, PM_ERR_RESULT_TOO_LARGE},   {EDEADLOCK, PM_ERR_DEADLOCK},
 };
 
 } // namespace
@@ -85,7 +88,7 @@ void PM_File::open_file(std::unique_ptr<std::fstream>& owned, const char16_t* na
     if (owned->is_open()) return;
     const std::u16string_view wide_name = pm::view(name);
     if (!write && !pm::file_exists(wide_name)) {
-        throw PM_Severe(no_such_file, places.missing, name, places.source);
+        throw PM_Severe(PM_ERR_NO_SUCH_FILE, places.missing, name, places.source);
     }
     owned->open(pm::native_file_name(wide_name),
                 std::ios::binary | (write ? std::ios::out | std::ios::trunc : std::ios::in));
@@ -96,5 +99,5 @@ void PM_File::open_file(std::unique_ptr<std::fstream>& owned, const char16_t* na
 std::uint32_t PM_File::stream_error_number(int code) {
     const auto* row = std::find_if(std::begin(stream_errors), std::end(stream_errors),
                                    [code](const StreamErrorRow& each) { return each.code == code; });
-    return row != std::end(stream_errors) ? row->number : other_stream_error;
+    return row != std::end(stream_errors) ? row->number : PM_ERR_STREAM_FAILED;
 }

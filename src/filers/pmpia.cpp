@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <limits>
 #include <pm/codec.h>
+#include <pm/error_number.h>
 #include <pm/iterator.h>
 #include <pm/value_text.h>
 
@@ -20,14 +21,6 @@ constexpr const char16_t* unit_place = u".\\pmpia";
 constexpr const char16_t* load_place = u"PM_PIAFile::load()";
 constexpr const char16_t* save_place = u"PM_PIAFile::save()";
 constexpr const char16_t* version_place = u"PM_PIAFile::getVersion()";
-
-constexpr std::uint32_t bad_path = 51;
-constexpr std::uint32_t bad_raw_data = 53;
-constexpr std::uint32_t bad_line = 57;
-constexpr std::uint32_t not_decoded = 84;
-constexpr std::uint32_t not_encoded = 85;
-constexpr std::uint32_t unknown_value = 88;
-constexpr std::uint32_t not_a_header = 89;
 
 constexpr std::u16string_view version_1 = u"PIAFILEVERSION_1.0";
 constexpr std::u16string_view version_2 = u"PIAFILEVERSION_2.0";
@@ -130,7 +123,7 @@ void PM_PIAFile::getVersion(char16_t* buffer, std::size_t size) {
     text = pm::skip_any(text, u" \t");
     if (m_file_type == PM_Object::FILE_PIA && !pm::starts_with_ignoring_case(text, version_1) &&
         !pm::starts_with_ignoring_case(text, version_2)) {
-        report(PM_Error(not_a_header, version_place, file_name(), source));
+        report(PM_Error(PM_ERR_NOT_A_HEADER, version_place, file_name(), source));
     }
     copy_version(text, buffer, size);
 }
@@ -174,7 +167,7 @@ std::unique_ptr<pm::BodyStream> PM_PIAFile::decode_body(std::u16string_view head
     if (!checked && !header.starts_with(version_1)) return nullptr;
 
     const auto fail = [] {
-        throw PM_Severe(not_decoded, unit_place, u"decompression of PIA data failed", source);
+        throw PM_Severe(PM_ERR_NOT_DECODED, unit_place, u"decompression of PIA data failed", source);
     };
     if (!pm::bound_pia_frame({file.bytes.get(), file.size}, checked)) fail();
     PM_zlib_Codec codec(file.bytes.get(), static_cast<std::uint32_t>(file.size), m_handler);
@@ -192,7 +185,7 @@ std::unique_ptr<pm::BodyStream> PM_PIAFile::decode_body(std::u16string_view head
 
 void PM_PIAFile::load_body(PM_Object& target, const char16_t* base, const std::ios& stream) {
     if (pm::view(base).size() > pm::WorkingPath::capacity) {
-        throw PM_Warning(bad_path, load_place, base, source);
+        throw PM_Warning(PM_ERR_BAD_PATH, load_place, base, source);
     }
     pm::WorkingPath path(pm::view(base));
     const pm::CodePage& page = pm::code_page(text_code_page());
@@ -226,12 +219,12 @@ void PM_PIAFile::load_line(PM_Object& target, pm::WorkingPath& path, std::u16str
 }
 
 void PM_PIAFile::raise_bad_line(std::u16string_view line) const {
-    throw PM_Error(bad_line, load_place, format_line_context(line).c_str(), source);
+    throw PM_Error(PM_ERR_BAD_LINE, load_place, format_line_context(line).c_str(), source);
 }
 
 template<class E>
 void PM_PIAFile::report_bad_line(std::u16string_view line) {
-    report(E(bad_line, load_place, format_line_context(line).c_str(), source));
+    report(E(PM_ERR_BAD_LINE, load_place, format_line_context(line).c_str(), source));
 }
 
 void PM_PIAFile::property_line(PM_Object& target, pm::WorkingPath& path, const std::u16string& line) {
@@ -278,7 +271,7 @@ void PM_PIAFile::store_value(PM_Object& target, const char16_t* path, std::u16st
 void PM_PIAFile::report_unknown_value(const std::u16string& line) {
     auto place = std::make_shared<char16_t[]>(line.size() + 1);
     std::copy(line.begin(), line.end(), place.get());
-    report(PM_Warning(unknown_value, std::shared_ptr<const char16_t[]>(std::move(place)), u"", u""));
+    report(PM_Warning(PM_ERR_UNKNOWN_VALUE, std::shared_ptr<const char16_t[]>(std::move(place)), u"", u""));
 }
 
 void PM_PIAFile::store_double(PM_Object& target, const char16_t* path, std::u16string_view value,
@@ -303,7 +296,7 @@ void PM_PIAFile::store_raw(PM_Object& target, const char16_t* path, std::u16stri
     const auto data = pm::allocate_block<unsigned char>(narrow.size() / 2);
     if (!data) raise_no_memory(unit_place, u"data");
     if (!pm_hex_to_bin(narrow.c_str(), data.get())) {
-        throw PM_Error(bad_raw_data, unit_place, u"bad raw data value", source);
+        throw PM_Error(PM_ERR_BAD_RAW_DATA, unit_place, u"bad raw data value", source);
     }
     set_data(target, path, data.get(), narrow.size() / 2, PROP_VOID);
 }
@@ -370,7 +363,7 @@ void PM_PIAFile::encode_body(std::iostream& body) {
     std::uint32_t size = 0;
     PM_zlib_Codec codec(text.bytes.get(), static_cast<std::uint32_t>(text.size), m_handler);
     if (text.size > std::numeric_limits<std::uint32_t>::max() || !codec.encodeCRC(block, size)) {
-        throw PM_Severe(not_encoded, unit_place, u"compression of PIA data failed", source);
+        throw PM_Severe(PM_ERR_NOT_ENCODED, unit_place, u"compression of PIA data failed", source);
     }
     const pm::Block<unsigned char> owned(block);
     m_stream->write(reinterpret_cast<const char*>(block), static_cast<std::streamsize>(size));

@@ -5,6 +5,7 @@
 #include "filers/working_path.h"
 #include "legacy/text_line.h"
 #include "store/value_text.h"
+#include <pm/error_number.h>
 #include <pm/exception.h>
 #include <pm/value_text.h>
 
@@ -14,10 +15,6 @@ constexpr const char16_t* source = u"$Workfile: pmpc2 $ $Revision: #1 $";
 constexpr const char16_t* load_place = u"PM_PC2File::load()";
 constexpr const char16_t* version_place = u"PM_PC2File::getVersion()";
 constexpr const char16_t* section_place = u"PM_CFGFile::load_section()";
-
-constexpr std::uint32_t bad_line = 57;
-constexpr std::uint32_t no_version = 69;
-constexpr std::uint32_t not_hexadecimal = 99;
 
 constexpr std::u16string_view version_start = u"PC2Version";
 constexpr std::size_t version_units = 512;
@@ -55,7 +52,7 @@ void PM_PC2File::require_stream(const char16_t* place) const {
 }
 
 void PM_PC2File::report_bad_line(std::u16string_view line) {
-    report_bad_line(line, bad_line);
+    report_bad_line(line, PM_ERR_BAD_LINE);
 }
 
 void PM_PC2File::report_bad_line(std::u16string_view line, std::uint32_t number) {
@@ -72,11 +69,11 @@ void PM_PC2File::getVersion(char16_t* buffer, std::size_t size) {
     } while (line.empty_or_comment() && !line.last);
 
     if (line.empty_or_comment()) {
-        report(PM_Error(bad_line, version_place, (u"\n" + m_filename).c_str(), source));
+        report(PM_Error(PM_ERR_BAD_LINE, version_place, (u"\n" + m_filename).c_str(), source));
     } else if (line.too_long) {
-        report(PM_Error(bad_line, version_place, format_line_context(line.text).c_str(), source));
+        report(PM_Error(PM_ERR_BAD_LINE, version_place, format_line_context(line.text).c_str(), source));
     } else if (!line.text.starts_with(version_start)) {
-        report(PM_Error(no_version, version_place, file_name(), source));
+        report(PM_Error(PM_ERR_UNKNOWN_VERSION, version_place, file_name(), source));
     } else {
         copy_version(line.text, buffer, size);
     }
@@ -197,7 +194,7 @@ void PM_PC2File::key_line(Reading& reading, std::u16string_view line, std::size_
     if (value.empty() || path.size() > pm::WorkingPath::capacity) {
         report_bad_line(line);
     } else if (!set_value(reading, *key, value)) {
-        report_bad_line(line, scans_hexadecimal(reading, *key) ? not_hexadecimal : bad_line);
+        report_bad_line(line, scans_hexadecimal(reading, *key) ? PM_ERR_NOT_HEXADECIMAL : PM_ERR_BAD_LINE);
     }
 }
 

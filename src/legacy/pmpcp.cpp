@@ -4,6 +4,7 @@
 #include "legacy/text_line.h"
 #include <algorithm>
 #include <iterator>
+#include <pm/error_number.h>
 #include <pm/exception.h>
 
 namespace {
@@ -12,10 +13,6 @@ constexpr const char16_t* source = u"$Workfile: pmpcp $ $Revision: #1 $";
 constexpr const char16_t* load_place = u"PM_PCPFile::load()";
 constexpr const char16_t* keys_place = u"PM_PCPFile::pcpkeys()";
 constexpr const char16_t* version_place = u"PM_PCPFile::getVersion()";
-
-constexpr std::uint32_t bad_path = 51;
-constexpr std::uint32_t bad_line = 57;
-constexpr std::uint32_t not_marked = 69;
 
 constexpr std::size_t key_limit = 511;
 constexpr std::int32_t colors = 255;
@@ -147,13 +144,14 @@ void PM_PCPFile::version_line(std::u16string_view line, char16_t* buffer, std::s
 
 template<class E>
 void PM_PCPFile::report_bad_line(const char16_t* place, std::u16string_view line) {
-    report(E(bad_line, place, format_line_context(line).c_str(), source));
+    report(E(PM_ERR_BAD_LINE, place, format_line_context(line).c_str(), source));
 }
 
 void PM_PCPFile::load(PM_Object* target, const char16_t* base, PM_Object::FileType type) {
     m_file_type = type;
     const std::u16string_view place = pm::view(base);
-    if (place.size() >= pm::WorkingPath::capacity) throw PM_Warning(bad_path, load_place, base, source);
+    if (place.size() >= pm::WorkingPath::capacity)
+        throw PM_Warning(PM_ERR_BAD_PATH, load_place, base, source);
     Reading reading{*target, pm::WorkingPath(place)};
     if (!reading.path.ends_in_separator()) reading.path.append(u"\\");
 
@@ -178,7 +176,7 @@ void PM_PCPFile::load_line(Reading& reading, const std::u16string& line) {
     } else if (reading.marked) {
         keyword_line(reading, line);
     } else {
-        report(PM_Error(not_marked, load_place, file_name(), source));
+        report(PM_Error(PM_ERR_UNKNOWN_VERSION, load_place, file_name(), source));
     }
 }
 

@@ -3,22 +3,21 @@
 #include "base/text.h"
 #include "platform/code_page.h"
 #include <cerrno>
+#include <pm/error_number.h>
 #include <pm/exception.h>
 
 namespace pm {
 
 namespace {
 
-constexpr std::uint32_t no_stream = 56;
-
 std::uint32_t stream_error_number(int code) {
     switch (code) {
     case ENOMEM:
-        return 64;
+        return PM_ERR_NO_MEMORY_FOR_FILE;
     case EACCES:
-        return 61;
+        return PM_ERR_ACCESS_DENIED;
     default:
-        return 66;
+        return PM_ERR_NOT_READ;
     }
 }
 
@@ -50,7 +49,7 @@ void check_text_stream(const std::ios& stream, const char16_t* place, const char
 
 void require_text_stream(const std::ios* stream, const char16_t* place, const char16_t* name,
                          const char16_t* source) {
-    if (stream == nullptr) throw PM_Severe(no_stream, place, name, source);
+    if (stream == nullptr) throw PM_Severe(PM_ERR_NOT_OPENED, place, name, source);
 }
 
 } // namespace pm

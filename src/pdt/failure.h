@@ -11,7 +11,4 @@ namespace pm {
     throw PM_Severe(number, u"PM_PDTFile::load()", detail, u"$Workfile: pmpdt.cpp $ $Revision: #1 $");
 }
 
-// Numbers that have no other name in this folder.
-inline constexpr std::uint32_t pdt_read_failed = 56;
-
 } // namespace pm

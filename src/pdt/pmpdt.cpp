@@ -3,12 +3,9 @@
 #include "base/text.h"
 #include "pdt/branch.h"
 #include "pdt/failure.h"
+#include <pm/error_number.h>
 
 namespace {
-
-constexpr std::uint32_t empty_base = 51;
-constexpr std::uint32_t no_object = 52;
-constexpr std::uint32_t other_type = 54;
 
 constexpr int mark_value = 5;
 constexpr int version_column = 62;
@@ -23,9 +20,9 @@ std::u16string all_unset() {
 }
 
 void check_arguments(const PM_Object* object, const char16_t* root, PM_Object::FileType type) {
-    if (object == nullptr) pm::throw_pdt_failure(no_object, root);
-    if (pm::view(root).empty()) pm::throw_pdt_failure(empty_base, root);
-    if (type != PM_Object::FILE_PDT) pm::throw_pdt_failure(other_type, root);
+    if (object == nullptr) pm::throw_pdt_failure(PM_ERR_NOTHING_THERE, root);
+    if (pm::view(root).empty()) pm::throw_pdt_failure(PM_ERR_BAD_PATH, root);
+    if (type != PM_Object::FILE_PDT) pm::throw_pdt_failure(PM_ERR_WRONG_TYPE, root);
 }
 
 } // namespace
@@ -71,7 +68,7 @@ void PM_PDTFile::load_strings() {
     m_stream->clear();
     rewind_reader();
     m_strings.load_strings(m_reader, file_name());
-    if (m_stream->bad()) pm::throw_pdt_failure(pm::pdt_read_failed, file_name());
+    if (m_stream->bad()) pm::throw_pdt_failure(PM_ERR_NOT_OPENED, file_name());
 }
 
 pm::SectionReader PM_PDTFile::open_rows(pm::Section section) const {

@@ -4,6 +4,7 @@
 #include "platform/files.h"
 #include <cerrno>
 #include <filesystem>
+#include <pm/error_number.h>
 
 namespace pm {
 
@@ -47,8 +48,9 @@ struct OpenFailureRow {
 };
 
 constexpr OpenFailureRow open_failures[] = {
-    {ENOENT, {63, true}},  {EACCES, {61, true}}, {EMFILE, {62, false}},
-    {ENOMEM, {64, false}}, {ENOSPC, {65, true}}, {EISDIR, {68, true}},
+    {ENOENT, {PM_ERR_NO_SUCH_FILE, true}},    {EACCES, {PM_ERR_ACCESS_DENIED, true}},
+    {EMFILE, {PM_ERR_TOO_MANY_FILES, false}}, {ENOMEM, {PM_ERR_NO_MEMORY_FOR_FILE, false}},
+    {ENOSPC, {PM_ERR_DISK_FULL, true}},       {EISDIR, {PM_ERR_IS_A_FOLDER, true}},
 };
 
 [[noreturn]] void fail(int code, const std::u16string& path) {
@@ -81,7 +83,7 @@ OpenFailure open_failure(int code) {
     for (const OpenFailureRow& row : open_failures) {
         if (row.code == code) return row.failure;
     }
-    return {pdt_read_failed, true};
+    return {PM_ERR_NOT_OPENED, true};
 }
 
 SectionReader::SectionReader(std::u16string_view folder, Section section, int skipped)
@@ -111,7 +113,7 @@ LineReader::Line SectionReader::read_line() {
     constexpr std::size_t longest = RowLine::capacity - 1;
     LineReader::Line line = m_reader.read_line(RowLine::capacity);
     if (line.end == LineReader::End::line && line.text.ends_with('\r')) line.text.remove_suffix(1);
-    if (line.text.size() > longest || m_stream.bad()) throw_pdt_failure(pdt_read_failed, m_path.c_str());
+    if (line.text.size() > longest || m_stream.bad()) throw_pdt_failure(PM_ERR_NOT_OPENED, m_path.c_str());
     return line;
 }
 

@@ -5,6 +5,7 @@
 #include "platform/code_page.h"
 #include <algorithm>
 #include <cstdlib>
+#include <pm/error_number.h>
 
 namespace pm {
 
@@ -26,7 +27,7 @@ void StringTable::load_strings(LineReader& reader, const char16_t* file_name) {
     std::u16string wide;
     for (;;) {
         const LineReader::Line line = reader.read_line(RowLine::capacity - 1);
-        if (line.end == LineReader::End::too_long) throw_pdt_failure(pdt_read_failed, file_name);
+        if (line.end == LineReader::End::too_long) throw_pdt_failure(PM_ERR_NOT_OPENED, file_name);
         if (line.end == LineReader::End::stream) return;
         wide.clear();
         page.decode(line.text, wide);

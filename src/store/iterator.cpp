@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <pm/error_number.h>
 #include <pm/exception.h>
 #include <utility>
 
@@ -13,10 +14,6 @@ namespace {
 
 constexpr const char16_t* source = u"$Workfile: pmobj $ $Revision: #1 $";
 constexpr const char16_t* value_place = u".\\pmobj";
-
-constexpr std::uint32_t no_root = 50;
-constexpr std::uint32_t bad_path = 51;
-constexpr std::uint32_t bad_raw_data = 53;
 
 constexpr std::size_t long_size = 12;
 constexpr std::size_t double_size = pm::double_text_capacity * sizeof(char16_t);
@@ -77,7 +74,7 @@ ValueBlock void_value(const PM_Property& prop) {
     const std::size_t text_size = 2 * prop.size() + 1;
     ValueBlock value(text_size, text_size);
     if (!pm_bin_to_hex(data.get(), value.bytes.get(), static_cast<int>(prop.size()))) {
-        throw PM_Error(bad_raw_data, value_place, u"bad raw data value", source);
+        throw PM_Error(PM_ERR_BAD_RAW_DATA, value_place, u"bad raw data value", source);
     }
     return value;
 }
@@ -106,11 +103,11 @@ bool has_text_form(PropType type) {
 PM_Iterator::PM_Iterator(const PM_Object& object, const char16_t* path, int depth)
     : m_max_depth(depth), m_depth(depth > 0 ? 0 : -1) {
     constexpr const char16_t* place = u"PM_Iterator::PM_Iterator()";
-    if (object.m_root == nullptr) throw PM_Severe(no_root, place, u"pmobj->m_root", source);
+    if (object.m_root == nullptr) throw PM_Severe(PM_ERR_NO_ROOT, place, u"pmobj->m_root", source);
     const PM_Node* node = object.m_root;
     if (pm::view(path) != u"\\") {
         const PM_Path names(*object.m_strings, path, false);
-        if (names.count() < 1) throw PM_Warning(bad_path, place, path, source);
+        if (names.count() < 1) throw PM_Warning(PM_ERR_BAD_PATH, place, path, source);
         for (int index = 0; index < names.count() && node != nullptr; ++index) {
             node = node->find_child(names.component(index));
         }

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <memory>
 #include <optional>
+#include <pm/error_number.h>
 #include <pm/exception.h>
 #include <pm/iterator.h>
 #include <pm/object.h>
@@ -12,14 +13,6 @@
 namespace {
 
 constexpr const char16_t* source = u"$Workfile: pmobj $ $Revision: #1 $";
-
-constexpr std::uint32_t no_root = 50;
-constexpr std::uint32_t bad_path = 51;
-constexpr std::uint32_t nothing_to_delete = 52;
-constexpr std::uint32_t wrong_type = 54;
-constexpr std::uint32_t copy_into_itself = 70;
-constexpr std::uint32_t no_such_node = 86;
-constexpr std::uint32_t no_such_property = 87;
 
 constexpr int no_index = -1;
 constexpr std::size_t text_limit = 4096;
@@ -35,7 +28,7 @@ constexpr const char16_t* duplicate_place = u"PM_Object::duplicate()";
 }
 
 void require_root(const PM_Node* root, const char16_t* place) {
-    if (root == nullptr) throw PM_Severe(no_root, place, u"m_root", source);
+    if (root == nullptr) throw PM_Severe(PM_ERR_NO_ROOT, place, u"m_root", source);
 }
 
 // A path text with its index worked in, on the stack.
@@ -50,7 +43,7 @@ public:
         const bool fits = star != std::u16string_view::npos ? replace_star(given, star, index)
                           : index != no_index ? append(given) && append(u"\\") && append_decimal(index)
                                               : given.size() <= limit;
-        if (!fits) raise_warning(bad_path, place, path);
+        if (!fits) raise_warning(PM_ERR_BAD_PATH, place, path);
         m_text[m_length] = u'\0';
         m_result = star == std::u16string_view::npos && index == no_index ? path : m_text;
     }
@@ -246,7 +239,7 @@ void PM_Object::setData(const char16_t* path, const void* data, std::size_t size
     require_root(m_root, place);
     const ResolvedPath resolved(path, index, place);
     const PM_Path names(*m_strings, resolved.text(), true);
-    if (names.count() < 1) raise_warning(bad_path, place, path);
+    if (names.count() < 1) raise_warning(PM_ERR_BAD_PATH, place, path);
 
     const int last = names.count() - 1;
     PM_Node* node = make_nodes(names, last);
@@ -254,7 +247,7 @@ void PM_Object::setData(const char16_t* path, const void* data, std::size_t size
     if (prop == nullptr) {
         prop = node->append_prop(names.last());
     } else if (prop->strict() && prop->type() != type) {
-        raise_warning(wrong_type, place, u"");
+        raise_warning(PM_ERR_WRONG_TYPE, place, u"");
     }
     prop->set_kind(type, strict);
     prop->SetData(data, size);
@@ -280,7 +273,7 @@ bool PM_Object::getData(const char16_t* path, void* buffer, std::size_t size, Pr
     const PM_Node* node = find_node(m_root, names, names.count() - 1);
     const PM_Property* prop = node != nullptr ? node->find_prop(names.last()) : nullptr;
     if (prop == nullptr) return false;
-    if (prop->strict() && prop->type() != type) raise_warning(wrong_type, place, u"");
+    if (prop->strict() && prop->type() != type) raise_warning(PM_ERR_WRONG_TYPE, place, u"");
     prop->GetData(buffer, size);
     return true;
 }
@@ -290,11 +283,11 @@ std::size_t PM_Object::getPropertySize(const char16_t* path, int index) const {
     require_root(m_root, place);
     const ResolvedPath resolved(path, index, place);
     const PM_Path names(*m_strings, resolved.text(), false);
-    if (names.count() < 1) raise_warning(bad_path, place, path);
+    if (names.count() < 1) raise_warning(PM_ERR_BAD_PATH, place, path);
     const PM_Node* node = find_node(m_root, names, names.count() - 1);
-    if (node == nullptr) raise_warning(no_such_node, place, resolved.text());
+    if (node == nullptr) raise_warning(PM_ERR_NO_SUCH_NODE, place, resolved.text());
     const PM_Property* prop = node->find_prop(names.last());
-    if (prop == nullptr) raise_warning(no_such_property, place, resolved.text());
+    if (prop == nullptr) raise_warning(PM_ERR_NO_SUCH_PROPERTY, place, resolved.text());
     return prop->size();
 }
 
@@ -308,10 +301,10 @@ void PM_Object::deletePath(const char16_t* path) {
     constexpr const char16_t* place = u"PM_Object::DeletePath()";
     require_root(m_root, place);
     const PM_Path names(*m_strings, path, false);
-    if (names.count() < 1) raise_warning(bad_path, place, path);
+    if (names.count() < 1) raise_warning(PM_ERR_BAD_PATH, place, path);
     PM_Node* node = find_node(m_root, names, names.count() - 1);
     if (node == nullptr || (!node->delete_prop(names.last()) && !node->delete_child(names.last()))) {
-        raise_warning(nothing_to_delete, place, path);
+        raise_warning(PM_ERR_NOTHING_THERE, place, path);
     }
 }
 
@@ -321,7 +314,7 @@ void PM_Object::duplicate(const char16_t* from, const char16_t* to) {
     PM_Path to_path(*m_strings, to, true);
     // Kept this narrow: only the last name of the source counts, wherever it stands in the destination.
     if (from_path.count() > 0 && occurs_in(to_path, from_path.last())) {
-        throw PM_Severe(copy_into_itself, duplicate_place, u"", source);
+        throw PM_Severe(PM_ERR_COPY_INTO_ITSELF, duplicate_place, u"", source);
     }
     const std::unique_ptr<PM_Iterator> walk(newIterator(from, 0));
     if (!walk) raise_no_memory(duplicate_place, u"piter");
@@ -341,7 +334,7 @@ void PM_Object::duplicate(const char16_t* from, const char16_t* to) {
             continue;
         }
         if (step == NODE_CHILD) ++depth;
-        if (!to_path.push(name)) raise_warning(bad_path, duplicate_place, to);
+        if (!to_path.push(name)) raise_warning(PM_ERR_BAD_PATH, duplicate_place, to);
         copy = make_nodes(to_path, to_path.count());
         copy_properties(*walk->currentNode(), *copy, scratch, scratch_size);
     }

@@ -3,16 +3,13 @@
 #include "base/text.h"
 #include <algorithm>
 #include <cstring>
+#include <pm/error_number.h>
 #include <pm/exception.h>
 #include <utility>
 
 namespace {
 
 constexpr const char16_t* source = u"$Workfile: pmpmgr $ $Revision: #1 $";
-
-constexpr std::uint32_t bad_path = 51;
-constexpr std::uint32_t buffer_too_small = 58;
-constexpr std::uint32_t no_value = 59;
 
 constexpr std::size_t link_size = sizeof(void*); // of the pointer in front of an interned text
 
@@ -187,7 +184,7 @@ PM_Path::PM_Path(PM_PathStrings& strings, const char16_t* text, bool add) : m_st
             return;
         }
         // Kept: the references taken so far stay behind.
-        if (m_count == max_components) raise_warning(bad_path, u"PM_Path::PM_Path()", text);
+        if (m_count == max_components) raise_warning(PM_ERR_BAD_PATH, u"PM_Path::PM_Path()", text);
         add_component(*entry);
     }
 }
@@ -238,8 +235,8 @@ void PM_Property::SetData(const void* data, std::size_t size) {
 
 void PM_Property::GetData(void* buffer, std::size_t size) const {
     constexpr const char16_t* place = u"PM_Property::GetData()";
-    if (m_data == nullptr) raise_warning(no_value, place, m_name);
-    if (size < m_size) raise_warning(buffer_too_small, place, m_name);
+    if (m_data == nullptr) raise_warning(PM_ERR_NO_VALUE, place, m_name);
+    if (size < m_size) raise_warning(PM_ERR_VALUE_TOO_LARGE, place, m_name);
     if (m_size != 0) std::memcpy(buffer, m_data, m_size);
 }
 

@@ -6,6 +6,7 @@
 #include <array>
 #include <gmock/gmock.h>
 #include <limits>
+#include <pm_test_paths.h>
 #include <sys/mman.h>
 #include <zlib.h>
 

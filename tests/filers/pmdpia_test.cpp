@@ -7,6 +7,7 @@
 #include "support/temp_folder.h"
 #include <cerrno>
 #include <pm/pm.h>
+#include <pm_test_paths.h>
 #include <sstream>
 #include <string>
 

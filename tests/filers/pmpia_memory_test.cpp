@@ -3,6 +3,7 @@
 #include "support/exceptions.h"
 #include "support/temp_folder.h"
 #include <gtest/gtest.h>
+#include <pm_test_paths.h>
 #include <set>
 #include <string>
 

@@ -6,6 +6,7 @@
 #include <bit>
 #include <cmath>
 #include <gtest/gtest.h>
+#include <pm_test_paths.h>
 #include <random>
 
 namespace {

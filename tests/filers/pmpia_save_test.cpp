@@ -6,6 +6,7 @@
 #include "support/temp_folder.h"
 #include <gtest/gtest.h>
 #include <limits>
+#include <pm_test_paths.h>
 
 namespace {
 

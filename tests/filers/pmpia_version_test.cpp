@@ -6,6 +6,7 @@
 #include "support/scoped_settings.h"
 #include "support/temp_folder.h"
 #include <gtest/gtest.h>
+#include <pm_test_paths.h>
 
 namespace {
 

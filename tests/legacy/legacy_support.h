@@ -13,6 +13,7 @@
 #include <optional>
 #include <pm/iterator.h>
 #include <pm/object.h>
+#include <pm_test_paths.h>
 #include <sstream>
 #include <stdexcept>
 #include <streambuf>

@@ -1,5 +1,6 @@
 #include "legacy/legacy_support.h"
 #include "legacy/pmpc2.h"
+#include <pm_test_paths.h>
 
 namespace pm::test {
 namespace {

@@ -1,6 +1,7 @@
 #include "legacy/pmpc2.h"
 
 #include "legacy/legacy_support.h"
+#include <pm_test_paths.h>
 
 namespace pm::test {
 namespace {

@@ -2,6 +2,7 @@
 
 #include "legacy/legacy_support.h"
 #include "support/allocation_failures.h"
+#include <pm_test_paths.h>
 
 namespace pm::test {
 namespace {

@@ -3,6 +3,7 @@
 #include "support/exceptions.h"
 #include "support/ordinary_user.h"
 #include <gtest/gtest.h>
+#include <pm_test_paths.h>
 #include <sstream>
 #include <sys/stat.h>
 

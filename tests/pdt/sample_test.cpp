@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <iterator>
 #include <memory>
+#include <pm_test_paths.h>
 #include <sstream>
 
 // The sample description, whole and cut short at every byte of every table.

@@ -2,6 +2,7 @@
 #include "support/exceptions.h"
 #include <fstream>
 #include <gtest/gtest.h>
+#include <pm_test_paths.h>
 #include <sstream>
 
 namespace {

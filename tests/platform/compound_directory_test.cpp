@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <bit>
 #include <gtest/gtest.h>
+#include <pm_test_paths.h>
 #include <set>
 #include <string>
 

@@ -7,6 +7,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
+#include <pm_test_paths.h>
 #include <string>
 #include <vector>
 

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
+#include <pm_test_paths.h>
 #include <stdexcept>
 #include <string>
 #include <vector>

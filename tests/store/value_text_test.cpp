@@ -16,6 +16,7 @@
 #include <memory>
 #include <optional>
 #include <pm/code_page.h>
+#include <pm_test_paths.h>
 #include <random>
 #include <string>
 #include <vector>

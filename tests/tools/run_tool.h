@@ -2,6 +2,7 @@
 
 #include "support/temp_folder.h"
 #include <gtest/gtest.h>
+#include <pm_test_paths.h>
 #include <string>
 #include <vector>
 

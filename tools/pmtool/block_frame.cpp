@@ -3,6 +3,7 @@
 #include "failure.h"
 #include "little_endian.h"
 #include <cstdint>
+#include <pm/error_number.h>
 
 namespace pmtool {
 
@@ -19,8 +20,6 @@ constexpr std::string_view huffman_tag = "pmhuffcodec";
 constexpr std::size_t huffman_bit_count = 1035;
 constexpr std::size_t huffman_bits = 1039;
 
-constexpr std::uint32_t no_block = 92;
-
 const char* const too_short = "the block is longer than the file";
 
 } // namespace
@@ -28,7 +27,7 @@ const char* const too_short = "the block is longer than the file";
 std::string zlib_frame_trouble(std::string_view data, bool checked) {
     // The decoder looks for the tag as in a text, which ends at the first zero.
     const std::size_t start = data.substr(0, data.find('\0')).find(zlib_tag);
-    if (start == std::string_view::npos) return number_text(no_block);
+    if (start == std::string_view::npos) return number_text(PM_ERR_NO_BLOCK);
     const std::string_view block = data.substr(start);
     const std::size_t lengths = checked ? checked_lengths : plain_lengths;
     if (block.size() < lengths + words) return too_short;
@@ -40,7 +39,7 @@ std::string zlib_frame_trouble(std::string_view data, bool checked) {
 }
 
 std::string huffman_frame_trouble(std::string_view data, bool) {
-    if (!data.starts_with(huffman_tag)) return number_text(no_block);
+    if (!data.starts_with(huffman_tag)) return number_text(PM_ERR_NO_BLOCK);
     if (data.size() < huffman_bits) return too_short;
     const std::uint64_t bits = little_endian(data, huffman_bit_count);
     if (bits / 8 + 1 > data.size() - huffman_bits) return too_short;

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <optional>
+#include <pm/error_number.h>
 #include <sstream>
 
 namespace pmtool {
@@ -16,7 +17,11 @@ namespace pmtool {
 namespace {
 
 // Numbers that say something about the file's content. All others are trouble with getting at it.
-constexpr std::uint32_t content_numbers[] = {51, 53, 54, 57, 66, 69, 82, 83, 84, 88, 89, 92, 96, 97, 99};
+constexpr std::uint32_t content_numbers[] = {
+    PM_ERR_BAD_PATH,      PM_ERR_BAD_RAW_DATA,    PM_ERR_WRONG_TYPE,     PM_ERR_BAD_LINE,
+    PM_ERR_NOT_READ,      PM_ERR_UNKNOWN_VERSION, PM_ERR_STREAM_FAILED,  PM_ERR_NO_SUCH_SECTION,
+    PM_ERR_NOT_DECODED,   PM_ERR_UNKNOWN_VALUE,   PM_ERR_NOT_A_HEADER,   PM_ERR_NO_BLOCK,
+    PM_ERR_INFLATE_START, PM_ERR_INFLATE,         PM_ERR_NOT_HEXADECIMAL};
 
 // One reading: what the handler heard, and what ended it.
 struct Reading {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fmt/format.h>
+#include <pm/error_number.h>
 #include <pm/pm.h>
 
 namespace pmtool {
@@ -15,12 +16,13 @@ struct SystemError {
     std::uint32_t number;
 };
 
-constexpr std::uint32_t any_other = 82;
-
 constexpr SystemError system_errors[] = {
-    {EACCES, 61},  {EPERM, 61},   {EROFS, 61},  {EMFILE, 62}, {ENFILE, 62}, {ENOENT, 63},
-    {ENOTDIR, 63}, {ENOMEM, 64},  {ENOSPC, 65}, {EDQUOT, 65}, {EISDIR, 68}, {EAGAIN, 72},
-    {EBUSY, 72},   {ETXTBSY, 72}, {EBADF, 73},  {EEXIST, 77}, {EINVAL, 78}, {EXDEV, 81},
+    {EACCES, PM_ERR_ACCESS_DENIED},  {EPERM, PM_ERR_ACCESS_DENIED},       {EROFS, PM_ERR_ACCESS_DENIED},
+    {EMFILE, PM_ERR_TOO_MANY_FILES}, {ENFILE, PM_ERR_TOO_MANY_FILES},     {ENOENT, PM_ERR_NO_SUCH_FILE},
+    {ENOTDIR, PM_ERR_NO_SUCH_FILE},  {ENOMEM, PM_ERR_NO_MEMORY_FOR_FILE}, {ENOSPC, PM_ERR_DISK_FULL},
+    {EDQUOT, PM_ERR_DISK_FULL},      {EISDIR, PM_ERR_IS_A_FOLDER},        {EAGAIN, PM_ERR_TRY_AGAIN},
+    {EBUSY, PM_ERR_TRY_AGAIN},       {ETXTBSY, PM_ERR_TRY_AGAIN},         {EBADF, PM_ERR_FILE_NOT_OPEN},
+    {EEXIST, PM_ERR_FILE_EXISTS},    {EINVAL, PM_ERR_INVALID_ARGUMENT},   {EXDEV, PM_ERR_OTHER_DRIVE},
 };
 
 } // namespace
@@ -33,7 +35,7 @@ std::string number_text(std::uint32_t number) {
 
 std::uint32_t number_of_system_error(int code) {
     const auto* found = std::ranges::find(system_errors, code, &SystemError::code);
-    return found != std::ranges::end(system_errors) ? found->number : any_other;
+    return found != std::ranges::end(system_errors) ? found->number : PM_ERR_STREAM_FAILED;
 }
 
 Failure system_failure(const std::string& file, int code) {

@@ -5,15 +5,13 @@
 #include <algorithm>
 #include <charconv>
 #include <fmt/format.h>
+#include <pm/error_number.h>
 #include <string_view>
 
 namespace pmtool {
 
 namespace {
 
-constexpr std::uint32_t bad_line = 57;
-constexpr std::uint32_t unknown_value = 88;
-constexpr std::uint32_t bad_fields = 99;
 constexpr std::size_t longest_detail = ZT_Exception::detail_capacity - 1;
 constexpr std::string_view separator = ", ";
 
@@ -54,7 +52,7 @@ Report make_report(std::uint32_t number, const char16_t* place, const char16_t* 
     Report report;
     report.number = number;
     const std::u16string_view wide = detail != nullptr ? detail : u"";
-    if (number == unknown_value && wide.empty()) {
+    if (number == PM_ERR_UNKNOWN_VALUE && wide.empty()) {
         report.subject = printable(to_utf8(place != nullptr ? place : u""));
         return report;
     }
@@ -70,7 +68,8 @@ Report make_report(const ZT_Exception& exception, const std::string& file) {
 }
 
 bool is_bad_line(const Report& report) {
-    return report.number == bad_line || report.number == unknown_value || report.number == bad_fields;
+    return report.number == PM_ERR_BAD_LINE || report.number == PM_ERR_UNKNOWN_VALUE ||
+           report.number == PM_ERR_NOT_HEXADECIMAL;
 }
 
 std::string describe(const Report& report, const std::string& file) {

@@ -6,15 +6,13 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <pm/error_number.h>
 #include <string_view>
 
 namespace pmtool {
 
 namespace {
 
-constexpr std::uint32_t unknown_path = 51;
-constexpr std::uint32_t bad_raw_data = 53;
-constexpr std::uint32_t no_value = 59;
 constexpr char16_t separator = u'\\';
 
 // The value texts of an iterator, which owns them between two calls.
@@ -39,8 +37,8 @@ public:
 private:
     // Raw data without a byte has no text; one that never held any is told with its name.
     static Property empty_raw_property(const ZT_Exception& e) {
-        if (e.m_number == no_value) return {e.m_detail, Raw()};
-        if (e.m_number == bad_raw_data) return {u"", Raw()};
+        if (e.m_number == PM_ERR_NO_VALUE) return {e.m_detail, Raw()};
+        if (e.m_number == PM_ERR_BAD_RAW_DATA) return {u"", Raw()};
         throw e;
     }
 
@@ -100,7 +98,7 @@ std::unique_ptr<PM_Iterator> iterate(const PM_Object& object, const std::u16stri
         if (iterator == nullptr) throw std::bad_alloc();
         return iterator->currentNode() != nullptr ? std::move(iterator) : nullptr;
     } catch (const ZT_Exception& e) {
-        if (e.m_number == unknown_path) return nullptr;
+        if (e.m_number == PM_ERR_BAD_PATH) return nullptr;
         throw;
     }
 }

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <memory>
+#include <pm/error_number.h>
 #include <pm/exception.h>
 #include <pm/object.h>
 
@@ -18,9 +19,6 @@ constexpr const char16_t* source = u"$Workfile: pmobj $ $Revision: #1 $";
 constexpr const char16_t* load_place = u"PM_Object::load()";
 constexpr const char16_t* save_place = u"PM_Object::save()";
 constexpr const char16_t* version_place = u"PM_Object::getFileVersion()";
-
-constexpr std::uint32_t no_root = 50;
-constexpr std::uint32_t type_refused = 67;
 
 using FileType = PM_Object::FileType;
 using FilerMaker = PM_File* (*)(ZT_Error_Handler*);
@@ -62,8 +60,8 @@ constexpr VersionRow version_filers[] = {
 // Makes the filer of an operation, which dies with the result.
 std::unique_ptr<PM_File> make_filer(const PM_Node* root, FilerMaker maker, ZT_Error_Handler* handler,
                                     const char16_t* place) {
-    if (root == nullptr) throw PM_Severe(no_root, place, u"m_root", source);
-    if (maker == nullptr) throw PM_Warning(type_refused, place, u"", source);
+    if (root == nullptr) throw PM_Severe(PM_ERR_NO_ROOT, place, u"m_root", source);
+    if (maker == nullptr) throw PM_Warning(PM_ERR_TYPE_REFUSED, place, u"", source);
     std::unique_ptr<PM_File> filer(maker(handler));
     if (!filer) throw PM_Memory_Exception(place, u"pFiler", source);
     return filer;
