@@ -59,9 +59,13 @@ TEST(Allocator, BlockWhoseSizeOverflowsIsNull) {
 }
 
 TEST(Allocator, BlocksAreReleasedByFreeToo) {
-    std::free(pm::allocate(10));
-    std::free(pm::allocate_zeroed(10));
-    std::free(pm::allocate_block<char16_t>(10).release());
+    const auto free_all = [] {
+        std::free(pm::allocate(10));
+        std::free(pm::allocate_zeroed(10));
+        std::free(pm::allocate_block<char16_t>(10).release());
+        std::exit(0);
+    };
+    EXPECT_EXIT(free_all(), testing::ExitedWithCode(0), "");
 }
 
 TEST(Allocator, FilterSeesTheSizeAndRefuses) {
@@ -99,8 +103,12 @@ TEST(MemObj, IsDeletedThroughItsBase) {
 }
 
 TEST(MemObj, DeleteReleasesBlocksAndTakesNull) {
-    PM_Mem_Obj::operator delete(pm::allocate(10));
-    PM_Mem_Obj::operator delete(nullptr);
+    const auto delete_both = [] {
+        PM_Mem_Obj::operator delete(pm::allocate(10));
+        PM_Mem_Obj::operator delete(nullptr);
+        std::exit(0);
+    };
+    EXPECT_EXIT(delete_both(), testing::ExitedWithCode(0), "");
 }
 
 TEST(FailEachAllocation, FailsOneAfterTheOther) {

@@ -1,6 +1,7 @@
 #include "base/deliver.h"
 
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -127,6 +128,17 @@ TEST(Deliver, CancellationNeverReachesTheHandler) {
 }
 
 TEST(Deliver, HandlerIsDeletedThroughItsBase) {
-    ZT_Error_Handler* handler = new OrderHandler(0);
-    delete handler;
+    class Noting : public OrderHandler {
+    public:
+        explicit Noting(bool& gone) : OrderHandler(0), m_gone(gone) {}
+        ~Noting() override { m_gone = true; }
+        Noting(const Noting&) = delete;
+        Noting& operator=(const Noting&) = delete;
+
+    private:
+        bool& m_gone;
+    };
+    bool gone = false;
+    std::unique_ptr<ZT_Error_Handler>(std::make_unique<Noting>(gone)).reset();
+    EXPECT_TRUE(gone);
 }

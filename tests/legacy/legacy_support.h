@@ -1,17 +1,16 @@
 #pragma once
 
-#include "platform/code_page.h"
 #include "support/exceptions.h"
+#include "support/expect_report.h"
 #include "support/recording_handler.h"
 #include "support/temp_folder.h"
+#include "support/tree_dump.h"
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <functional>
 #include <gtest/gtest.h>
-#include <memory>
 #include <optional>
-#include <pm/iterator.h>
 #include <pm/object.h>
 #include <pm_test_paths.h>
 #include <sstream>
@@ -65,41 +64,15 @@ struct DumpedProperty {
     PropType type;
     std::string value;
 
-    std::string text() const {
-        constexpr std::array<const char*, 6> names = {"none", "long", "double", "string", "bool", "void"};
-        const std::string quote = type == PROP_STRING ? "\"" : "";
-        return path + " " + names.at(static_cast<std::size_t>(type)) + " " + quote + value + quote;
-    }
+    std::string text() const { return path + " " + type_name(type) + " " + value; }
 };
 
 // All properties in the order of the tree.
 inline std::vector<DumpedProperty> dump(const PM_Object& object) {
     std::vector<DumpedProperty> all;
-    std::vector<std::string> nodes;
-    const std::unique_ptr<PM_Iterator> walk(object.newIterator(u"\\", 0));
-    char* value = nullptr;
-    std::size_t size = 0;
-    PropType type = PROP_NONE;
-    const auto take_properties = [&] {
-        while (const char16_t* name = walk->nextProp(value, size, type)) {
-            std::string path;
-            for (const std::string& node : nodes) {
-                path += "\\" + node;
-            }
-            path += "\\" + to_narrow(name, utf8_code_page);
-            const bool wide = type == PROP_STRING || type == PROP_DOUBLE;
-            all.push_back(
-                {path, type,
-                 wide ? to_narrow(reinterpret_cast<const char16_t*>(value), utf8_code_page) : value});
-        }
-    };
-    take_properties();
-    PM_Object::NodeType step = PM_Object::NODE_SIBLING;
-    while (const char16_t* name = walk->nextNode(step)) {
-        if (step != PM_Object::NODE_CHILD && !nodes.empty()) nodes.pop_back();
-        if (step == PM_Object::NODE_PARENT) continue;
-        nodes.push_back(to_narrow(name, utf8_code_page));
-        take_properties();
+    for (const TreeItem& item : tree_items(object)) {
+        all.push_back(
+            {"\\" + item.path, item.type, item.type == PROP_VOID ? hex_text(item.bytes) : value_text(item)});
     }
     return all;
 }
@@ -169,38 +142,6 @@ inline std::string filled_to_block(std::string content) {
     }
     content.resize(block, '\n');
     return content;
-}
-
-// The three things that can become of a report.
-struct ReportOutcome {
-    std::string content;
-    int kind = 0;
-    std::uint32_t number = 0;
-    std::u16string place;
-    std::u16string detail;
-};
-
-// Expects that `load`, given an object, tells of what `expected` says: thrown as a plain exception without a
-// handler, passed over by a handler that goes on, and cancelled by one that doesn't.
-inline void expect_report(const ReportOutcome& expected, const std::function<void(PM_Object&)>& load) {
-    SCOPED_TRACE(expected.content);
-    PM_Object without;
-    expect_thrown<ZT_Exception>([&] { load(without); }, expected.number, expected.place, expected.detail);
-
-    RecordingHandler goes_on(1);
-    PM_Object passed(&goes_on);
-    load(passed);
-    ASSERT_EQ(1U, goes_on.reports.size());
-    EXPECT_EQ(expected.kind, goes_on.reports[0].kind);
-    EXPECT_EQ(expected.number, goes_on.reports[0].number);
-    EXPECT_EQ(expected.place, goes_on.reports[0].place);
-    EXPECT_EQ(expected.detail, goes_on.reports[0].detail);
-
-    RecordingHandler stops(0);
-    PM_Object stopped(&stops);
-    expect_thrown<ZT_Canceled_Error>([&] { load(stopped); }, expected.number, expected.place,
-                                     expected.detail);
-    EXPECT_EQ(1U, stops.reports.size());
 }
 
 } // namespace pm::test

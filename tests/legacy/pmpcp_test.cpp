@@ -540,7 +540,7 @@ TEST_F(Pcp, ADefaultBlockWithoutRoomForAllColorsSetsNone) {
 TEST_F(Pcp, AKeyOfAnotherTypeEndsTheLoad) {
     object.SetProperty(u"\\ROTATE", true);
     expect_thrown<PM_Warning>([&] { load("ROTATE=1\nUNITS=M\n"); }, 54, u"PM_Object::SetData()", u"");
-    EXPECT_EQ((Lines{"\\ROTATE bool TRUE"}), tree());
+    EXPECT_EQ((Lines{"\\ROTATE bool true"}), tree());
 }
 
 // ---- Reports

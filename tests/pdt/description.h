@@ -1,11 +1,9 @@
 #pragma once
 
 #include "pdt/pmpdt.h"
-#include "store/pmpmgr.h"
 #include "support/temp_folder.h"
+#include "support/tree_dump.h"
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <pm/pm.h>
 #include <span>
 #include <string>
@@ -144,82 +142,12 @@ public:
     }
 };
 
-// One item as a test writes it: the path below the place asked for, and the value: 12, 2.5, true, "text" or
-// <0AFF> for raw bytes, and nothing for a property without a value.
-class TreeText {
-public:
-    static std::vector<std::string> of(const PM_Node& node) {
-        TreeText text;
-        text.walk(node, "");
-        return std::move(text.m_items);
-    }
-
-private:
-    void walk(const PM_Node& node, const std::string& prefix) {
-        for (const PM_Property* prop = node.first_prop(); prop != nullptr; prop = prop->next()) {
-            m_items.push_back(prefix + to_narrow_name(prop->name()) + "=" + value_of(*prop));
-        }
-        for (const PM_Node* child = node.first_child(); child != nullptr; child = child->next_sibling()) {
-            walk(*child, prefix + to_narrow_name(child->name()) + "\\");
-        }
-    }
-
-    template<class Value>
-    static Value read(const PM_Property& prop) {
-        Value value{};
-        prop.GetData(&value, sizeof value);
-        return value;
-    }
-
-    static std::string value_of(const PM_Property& prop) {
-        if (prop.size() == 0) return prop.type() == PROP_VOID ? "<>" : "nothing";
-        switch (prop.type()) {
-        case PROP_LONG:
-            return std::to_string(read<std::int32_t>(prop));
-        case PROP_DOUBLE:
-            return double_text(read<double>(prop));
-        case PROP_BOOL:
-            return read<bool>(prop) ? "true" : "false";
-        case PROP_STRING: {
-            std::u16string text(prop.size() / sizeof(char16_t), u'?');
-            prop.GetData(text.data(), prop.size());
-            const bool ended = text.back() == 0;
-            return ended ? '"' + to_narrow_name(text.c_str()) + '"' : "no terminator";
-        }
-        case PROP_VOID:
-            return raw_text(prop);
-        default:
-            return "no type";
-        }
-    }
-
-    static std::string double_text(double value) {
-        char text[40];
-        const int length = std::snprintf(text, sizeof text, "%.17g", value);
-        std::string digits(text, static_cast<std::size_t>(length));
-        std::snprintf(text, sizeof text, "%g", value);
-        if (std::strtod(text, nullptr) == value) digits = text;
-        return digits.find_first_of(".en") == std::string::npos ? digits + ".0" : digits;
-    }
-
-    static std::string raw_text(const PM_Property& prop) {
-        std::string bytes(prop.size(), '\0');
-        prop.GetData(bytes.data(), bytes.size());
-        std::string hex(2 * bytes.size() + 1, '\0');
-        pm_bin_to_hex(bytes.data(), hex.data(), static_cast<int>(bytes.size()));
-        hex.pop_back();
-        return '<' + hex + '>';
-    }
-
-    std::vector<std::string> m_items;
-};
-
 // A tree whose nodes can be looked at.
 class OpenObject : public PM_Object {
 public:
     const PM_Node& root() const { return *m_root; }
 
-    // All items below a node, properties before children, in the order of creation. Empty without the node.
+    // All items below a node as tree_dump() gives them. Empty without the node.
     std::vector<std::string> items(std::u16string_view path) const {
         const PM_Node* node = m_root;
         for (std::size_t at = 0; node != nullptr && at < path.size();) {
@@ -227,7 +155,7 @@ public:
             node = find(*node, path.substr(at, end - at));
             at = end + 1;
         }
-        return node != nullptr ? TreeText::of(*node) : std::vector<std::string>();
+        return node != nullptr ? tree_dump(tree_items(*node)) : std::vector<std::string>();
     }
 
 private:

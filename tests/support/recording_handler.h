@@ -1,6 +1,9 @@
 #pragma once
 
+#include "platform/code_page.h"
 #include <cstdint>
+#include <gmock/gmock.h>
+#include <ostream>
 #include <pm/error_handler.h>
 #include <string>
 #include <vector>
@@ -13,7 +16,22 @@ struct Report {
     std::u16string place;
     std::u16string detail;
     std::u16string source;
+
+    friend void PrintTo(const Report& report, std::ostream* out) {
+        *out << "kind " << report.kind << ", " << report.number << " at \""
+             << to_narrow(report.place, utf8_code_page) << "\" with \""
+             << to_narrow(report.detail, utf8_code_page) << '"';
+    }
 };
+
+// Matches a report whatever its source: EXPECT_THAT(handler.reports, ElementsAre(is_report(1, 57, place,
+// u"")))
+inline testing::Matcher<const Report&> is_report(int kind, std::uint32_t number, const std::u16string& place,
+                                                 const std::u16string& detail) {
+    return testing::AllOf(
+        testing::Field("kind", &Report::kind, kind), testing::Field("number", &Report::number, number),
+        testing::Field("place", &Report::place, place), testing::Field("detail", &Report::detail, detail));
+}
 
 // Keeps every report and answers each with `answer`.
 class RecordingHandler : public ZT_Error_Handler {
@@ -50,8 +68,10 @@ public:
 
     std::vector<std::uint32_t> numbers() const {
         std::vector<std::uint32_t> all;
-        for (const Report& report : reports)
+        all.reserve(reports.size());
+        for (const Report& report : reports) {
             all.push_back(report.number);
+        }
         return all;
     }
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "support/ordinary_user.h"
 #include <cstdlib>
 #include <pm/code_page.h>
 #include <string>
-#include <unistd.h>
 
 namespace pm::test {
 
@@ -46,19 +46,7 @@ private:
     bool m_was_set = false;
 };
 
-// Without root's rights while one lives, so that permissions of files count.
-class DroppedPrivileges {
-public:
-    DroppedPrivileges() : m_dropped(geteuid() == 0 && seteuid(nobody) == 0) {}
-    ~DroppedPrivileges() {
-        if (m_dropped && seteuid(0) != 0) std::abort();
-    }
-    DroppedPrivileges(const DroppedPrivileges&) = delete;
-    DroppedPrivileges& operator=(const DroppedPrivileges&) = delete;
-
-private:
-    static constexpr uid_t nobody = 65534;
-    bool m_dropped;
-};
+// OrdinaryUser by its other name.
+using DroppedPrivileges = OrdinaryUser;
 
 } // namespace pm::test
