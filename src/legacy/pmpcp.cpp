@@ -51,7 +51,7 @@ std::u16string_view text_from(std::u16string_view text, std::size_t place) {
 
 } // namespace
 
-bool PM_PCPFile::s_default_block = false;
+thread_local bool PM_PCPFile::s_default_block = false;
 
 struct PM_PCPFile::Keyword {
     std::u16string_view name;

@@ -59,8 +59,8 @@ private:
                            std::u16string_view number);
 
     // Between the start and the end of a default block. Kept: it outlives a load, so that a file which ends
-    // inside such a block leaves the next load in it.
-    static bool s_default_block;
+    // inside such a block leaves the next load of the same thread in it.
+    static thread_local bool s_default_block;
 
     PropType m_expected_type = PROP_NONE; // of the line at hand
 };
