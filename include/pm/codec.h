@@ -55,7 +55,7 @@ public:
     // Number 92 for data with fewer than two distinct byte values: they have no code.
     bool encode(unsigned char*& out, std::uint32_t& out_size);
     // Trusts its block and doesn't read the size of the data. Gives back what was encoded without its last
-    // byte: the format has always lost it. Number 92 for a block whose table has fewer than two values.
+    // byte, which the format loses. Number 92 for a block whose table has fewer than two values.
     bool decode(unsigned char*& out, std::uint32_t& out_size);
 
 private:

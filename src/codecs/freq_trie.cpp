@@ -80,7 +80,7 @@ TrieNode* FreqTrie::extract() {
     return first;
 }
 
-// Ties stop the node that sinks, and go to the left child: every block ever written depends on it.
+// Ties stop the node that sinks, and go to the left child: kept.
 void FreqTrie::sink_first(std::uint32_t end) {
     const auto weight = [this](std::uint32_t i) { return m_heap[i]->weight; };
     std::uint32_t parent = 1;

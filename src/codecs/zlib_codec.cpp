@@ -62,8 +62,9 @@ std::uint32_t stream_bound(std::uint32_t size) {
 }
 
 std::uint32_t block_size(std::size_t header, std::uint32_t stream_length) {
-    if (stream_length > std::numeric_limits<std::uint32_t>::max() - header)
+    if (stream_length > std::numeric_limits<std::uint32_t>::max() - header) {
         throw_codec_failure(PM_ERR_DEFLATE);
+    }
     return static_cast<std::uint32_t>(header + stream_length);
 }
 
