@@ -1,6 +1,7 @@
 #include "base/module.h"
 
 #include "platform/resource_library.h"
+#include <atomic>
 #include <pm/error_text.h>
 #include <pm/exception.h>
 
@@ -9,7 +10,7 @@ namespace pm {
 namespace {
 
 std::uint64_t module_handle = 0;
-std::uint64_t resource_handle = 0;
+std::atomic<std::uint64_t> resource_handle{0};
 
 struct ModuleLife {
     ModuleLife() { module_entry(0, process_start); }
@@ -24,9 +25,9 @@ int module_entry(std::uint64_t module, std::uint32_t reason) {
     if (reason == process_start) {
         module_handle = module;
         resource_handle = open_resource_library();
-    } else if (reason == process_end && resource_handle != 0) {
-        close_resource_library(resource_handle);
-        resource_handle = 0;
+    } else if (reason == process_end) {
+        const std::uint64_t handle = resource_handle.exchange(0);
+        if (handle != 0) close_resource_library(handle);
     }
     return 1;
 }

@@ -10,14 +10,17 @@ namespace pm {
 inline constexpr unsigned default_code_page = 0; // the system's narrow code page, as set by the caller
 inline constexpr unsigned utf8_code_page = 65001;
 
-// Conversion between narrow text in one code page and wide text. Neither direction fails: a byte without a
-// meaning becomes U+FFFD (in single-byte pages a byte of 0x80 to 0x9F the C1 control of its value), a unit
-// without a counterpart becomes "?".
+// Conversion between narrow text in one code page and wide text. Neither direction fails. In a single-byte
+// page every byte has a unit of its own and goes back to the same byte; a byte sequence of another page that
+// has no meaning becomes U+FFFD. A unit without a counterpart becomes "?"; there is no best fit.
+//
+// Pages are constants: they are never destroyed, and any number of threads may use one at once.
 class CodePage {
 public:
-    virtual ~CodePage() = default;
+    CodePage(const CodePage&) = delete;
+    CodePage& operator=(const CodePage&) = delete;
 
-    // Append the converted text. Pure ASCII touches no converter.
+    // Append the converted text. Pure ASCII touches no table.
     void decode(std::string_view narrow, std::u16string& wide) const;
     void encode(std::u16string_view wide, std::string& narrow) const;
 
@@ -28,7 +31,8 @@ public:
     unsigned number() const { return m_number; }
 
 protected:
-    explicit CodePage(unsigned number) : m_number(number) {}
+    constexpr explicit CodePage(unsigned number) : m_number(number) {}
+    constexpr ~CodePage() = default;
     virtual void decode_rest(std::string_view narrow, std::u16string& wide) const = 0;
     virtual void encode_rest(std::u16string_view wide, std::string& narrow) const = 0;
 
@@ -36,13 +40,13 @@ private:
     unsigned m_number;
 };
 
-// The converter of a code page; 0 and a number that the machine can't convert give the system's narrow code
-// page. The object lives as long as the calling thread, and belongs to it.
+// The code page of a number; 0 and a number that the machine can't convert give the system's narrow code
+// page. Throws std::bad_alloc if there is no memory for a page's first use.
 const CodePage& code_page(unsigned number);
 
 bool code_page_known(unsigned number);
 unsigned system_code_page();
-// `number` must be known; 0 sets 1252.
+// `number` must be known; 0 sets the system's own, or 1252 if that isn't known here.
 void set_system_code_page(unsigned number);
 
 std::u16string to_wide(std::string_view narrow, unsigned code_page_number = default_code_page);

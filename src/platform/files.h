@@ -1,18 +1,23 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
 namespace pm {
 
-// File names are wide inside the library; these are the calls that take them to the system.
+// File names are wide inside the library; these are the calls that take them to the system and back. Where
+// the system's names are bytes they are taken for UTF-8, and a unit from U+DC80 to U+DCFF that stands alone
+// for the byte 80 to FF, so that every name can be given and shown.
 
 // The name as the system's calls take it.
-std::string native_file_name(std::u16string_view name);
+std::filesystem::path native_file_name(std::u16string_view name);
+// The other way: a name of the system's as wide text. native_file_name() gives the same name back.
+std::u16string wide_file_name(const std::filesystem::path& name);
 // Whether the file's attributes can be read.
 bool file_exists(std::u16string_view name);
 // A new, empty file of a unique name in the system's folder of temporary files, readable by its owner only.
-// Empty if there is none to be had, or if that folder's name has 256 units or more or is no UTF-8.
+// Empty if there is none to be had, or if that folder's name has 256 units or more.
 std::u16string make_temp_file();
 void delete_file(std::u16string_view name);
 

@@ -1,6 +1,6 @@
 #include "platform/files.h"
 
-#include "platform/code_page.h"
+#include "platform/utf8.h"
 #include <cerrno>
 #include <cstdlib>
 #include <sys/stat.h>
@@ -8,8 +8,16 @@
 
 namespace pm {
 
-std::string native_file_name(std::u16string_view name) {
-    return to_narrow(name, utf8_code_page);
+std::filesystem::path native_file_name(std::u16string_view name) {
+    std::string bytes;
+    encode_name(name, bytes);
+    return bytes;
+}
+
+std::u16string wide_file_name(const std::filesystem::path& name) {
+    std::u16string wide;
+    decode_name(name.native(), wide);
+    return wide;
 }
 
 bool file_exists(std::u16string_view name) {
@@ -21,8 +29,7 @@ std::u16string make_temp_file() {
     constexpr std::size_t folder_limit = 256;
     const char* set = std::getenv("TMPDIR");
     std::string name = set != nullptr && *set != '\0' ? set : "/tmp";
-    const std::u16string folder = to_wide(name, utf8_code_page);
-    if (folder.size() >= folder_limit || native_file_name(folder) != name) return {};
+    if (wide_file_name(name).size() >= folder_limit) return {};
     name += "/XXXXXX";
     const int code = errno;
     const int file = mkstemp(name.data());
@@ -31,7 +38,7 @@ std::u16string make_temp_file() {
         return {};
     }
     close(file);
-    return to_wide(name, utf8_code_page);
+    return wide_file_name(name);
 }
 
 void delete_file(std::u16string_view name) {

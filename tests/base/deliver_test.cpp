@@ -1,8 +1,11 @@
 #include "base/deliver.h"
 
+#include <array>
 #include <gtest/gtest.h>
 #include <memory>
+#include <pm/error_number.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -13,7 +16,8 @@ constexpr const char16_t* source = u"$Workfile: pmpia $ $Revision: #1 $";
 // Of any kind, with two arguments.
 class AnyKind : public ZT_Exception {
 public:
-    explicit AnyKind(int given_kind) : ZT_Exception(57, place, u"line 3", source), m_kind(given_kind) {
+    explicit AnyKind(int given_kind)
+        : ZT_Exception(PM_ERR_BAD_LINE, place, u"line 3", source), m_kind(given_kind) {
         m_res_handle = 0x1234567890;
         m_arg_count = 2;
         m_args[0] = 11;
@@ -76,7 +80,7 @@ private:
              const char16_t* detail, const char16_t* marker) {
         calls.emplace_back(call);
         EXPECT_EQ(0x1234567890U, handle);
-        EXPECT_EQ(57U, number);
+        EXPECT_EQ(PM_ERR_BAD_LINE, number);
         EXPECT_EQ(place, at);
         EXPECT_EQ(std::u16string(u"line 3"), detail);
         EXPECT_EQ(source, marker);
@@ -89,6 +93,62 @@ void expect_delivered(int kind, const std::string& call, int answer, int result)
     EXPECT_EQ(result, pm::deliver(handler, AnyKind(kind))) << kind;
     EXPECT_EQ((std::vector<std::string>{"set_arguments", call}), handler.calls) << kind;
     EXPECT_EQ((std::vector<std::uint64_t>{11, 22}), handler.arguments) << kind;
+}
+
+// A handler as a caller makes it who has no C++ class for it: a pointer to a table of functions. The
+// destructor has the first two slots.
+class TableOfFunctions {
+public:
+    static constexpr std::size_t slot_count = 17;
+    struct Call {
+        std::size_t slot;
+        std::uint32_t number;
+        std::u16string detail;
+        bool operator==(const Call&) const = default;
+    };
+
+    ZT_Error_Handler& handler() { return *reinterpret_cast<ZT_Error_Handler*>(this); }
+    static std::vector<Call> calls;
+
+private:
+    using Function = void (*)();
+
+    template<std::size_t slot>
+    static int report(void*, std::uint64_t, std::uint32_t number, const char16_t*, const char16_t* detail,
+                      const char16_t*) {
+        calls.push_back({slot, number, detail});
+        return 40 + static_cast<int>(slot);
+    }
+    template<std::size_t slot>
+    static void take_arguments(void*, const std::uint64_t* args, std::int32_t count) {
+        calls.push_back({slot, static_cast<std::uint32_t>(args[0]),
+                         std::u16string(static_cast<std::size_t>(count), u'#')});
+    }
+
+    template<std::size_t... slots>
+    static std::array<Function, slot_count> make_table(std::index_sequence<slots...>) {
+        return {slots == slot_count - 1 ? reinterpret_cast<Function>(&take_arguments<slots>)
+                                        : reinterpret_cast<Function>(&report<slots>)...};
+    }
+
+    static const std::array<Function, slot_count> table;
+    const Function* m_table = table.data();
+};
+
+std::vector<TableOfFunctions::Call> TableOfFunctions::calls;
+const std::array<TableOfFunctions::Function, TableOfFunctions::slot_count> TableOfFunctions::table =
+    make_table(std::make_index_sequence<slot_count>());
+
+// What is called for the kind stands in this slot, and set_arguments() in the last.
+void expect_slot(int kind, std::size_t slot) {
+    TableOfFunctions functions;
+    TableOfFunctions::calls.clear();
+    const bool counts = kind != 0 && kind != 4 && kind != 5;
+    EXPECT_EQ(counts ? 40 + static_cast<int>(slot) : 2, pm::deliver(functions.handler(), AnyKind(kind)))
+        << kind;
+    EXPECT_EQ((std::vector<TableOfFunctions::Call>{{16, 11, u"##"}, {slot, PM_ERR_BAD_LINE, u"line 3"}}),
+              TableOfFunctions::calls)
+        << kind;
 }
 
 } // namespace
@@ -123,8 +183,18 @@ TEST(Deliver, UnknownKindsAreErrors) {
 TEST(Deliver, CancellationNeverReachesTheHandler) {
     OrderHandler handler(1);
     EXPECT_EQ(0, pm::deliver(handler, AnyKind(6)));
-    EXPECT_EQ(0, pm::deliver(handler, ZT_Canceled_Error(57, place, u"", source)));
+    EXPECT_EQ(0, pm::deliver(handler, ZT_Canceled_Error(PM_ERR_BAD_LINE, place, u"", source)));
     EXPECT_TRUE(handler.calls.empty());
+}
+
+TEST(Deliver, CallsTheOperationsByTheirSlots) {
+    expect_slot(0, 4);
+    expect_slot(1, 5);
+    expect_slot(4, 6);
+    expect_slot(2, 7);
+    expect_slot(100, 7);
+    expect_slot(3, 8);
+    expect_slot(5, 9);
 }
 
 TEST(Deliver, HandlerIsDeletedThroughItsBase) {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <pm/code_page.h>
+#include <pm/error_number.h>
 #include <pm/exception.h>
 #include <string>
 #include <type_traits>
@@ -15,7 +16,7 @@ constexpr const char16_t* place = u"PM_Object::SetData()";
 constexpr const char16_t* source = u"$Workfile: pmobj $ $Revision: #1 $";
 
 std::u16string detail_of(const std::u16string& detail) {
-    return PM_Error(51, place, detail.c_str(), source).m_detail;
+    return PM_Error(PM_ERR_BAD_PATH, place, detail.c_str(), source).m_detail;
 }
 
 std::shared_ptr<const char16_t[]> shared_text(const std::u16string& text) {
@@ -26,7 +27,7 @@ std::shared_ptr<const char16_t[]> shared_text(const std::u16string& text) {
 
 // An exception that carries arguments; the library itself never makes one.
 PM_Warning with_arguments() {
-    PM_Warning e(57, place, u"detail", source);
+    PM_Warning e(PM_ERR_BAD_LINE, place, u"detail", source);
     e.m_arg_count = 3;
     for (std::size_t i = 0; i < std::size(e.m_args); ++i) {
         e.m_args[i] = 100 + i;
@@ -37,9 +38,9 @@ PM_Warning with_arguments() {
 } // namespace
 
 TEST(Exception, CarriesWhatItWasMadeWith) {
-    const PM_Error e(53, place, u"bad raw data value", source);
+    const PM_Error e(PM_ERR_BAD_RAW_DATA, place, u"bad raw data value", source);
     EXPECT_EQ(GetPMErrResHandle(), e.m_res_handle);
-    EXPECT_EQ(53U, e.m_number);
+    EXPECT_EQ(PM_ERR_BAD_RAW_DATA, e.m_number);
     EXPECT_EQ(0, e.m_arg_count);
     EXPECT_EQ(place, e.m_place);
     EXPECT_STREQ("PM_Object::SetData()", e.m_place_narrow);
@@ -73,18 +74,18 @@ TEST(Exception, ClassesDeriveAsTheirNamesSay) {
 }
 
 TEST(Exception, MemoryExceptionIsAlwaysNumber55) {
-    EXPECT_EQ(55U, PM_Memory_Exception(place, u"node", source).m_number);
+    EXPECT_EQ(PM_ERR_NO_MEMORY, PM_Memory_Exception(place, u"node", source).m_number);
     EXPECT_EQ(std::u16string(u"node"), PM_Memory_Exception(place, u"node", source).m_detail);
 }
 
 TEST(Exception, WhatIsThatOfTheStandardClass) {
-    const PM_Error e(53, place, u"detail", source);
+    const PM_Error e(PM_ERR_BAD_RAW_DATA, place, u"detail", source);
     EXPECT_STREQ(std::exception().what(), static_cast<const std::exception&>(e).what());
 }
 
 TEST(Exception, NullDetailIsEmpty) {
-    EXPECT_EQ(std::u16string(), PM_Error(53, place, nullptr, source).m_detail);
-    EXPECT_EQ(std::u16string(), PM_Error(53, place, u"", source).m_detail);
+    EXPECT_EQ(std::u16string(), PM_Error(PM_ERR_BAD_RAW_DATA, place, nullptr, source).m_detail);
+    EXPECT_EQ(std::u16string(), PM_Error(PM_ERR_BAD_RAW_DATA, place, u"", source).m_detail);
 }
 
 TEST(Exception, LongDetailIsCutTo259Units) {
@@ -99,7 +100,7 @@ TEST(Exception, LongDetailIsCutTo259Units) {
 }
 
 TEST(Exception, RestOfTheDetailIsZero) {
-    const PM_Error e(53, place, u"ab", source);
+    const PM_Error e(PM_ERR_BAD_RAW_DATA, place, u"ab", source);
     const PM_Error copy(e);
     for (const ZT_Exception* each :
          {static_cast<const ZT_Exception*>(&e), static_cast<const ZT_Exception*>(&copy)}) {
@@ -114,20 +115,21 @@ TEST(Exception, DetailKeepsUnpairedSurrogates) {
 }
 
 TEST(Exception, NarrowPlaceIsInTheSystemCodePage) {
-    EXPECT_STREQ("\x80 ?", PM_Error(53, u"\u20AC \u4E00", u"", source).m_place_narrow);
+    EXPECT_STREQ("\x80 ?", PM_Error(PM_ERR_BAD_RAW_DATA, u"\u20AC \u4E00", u"", source).m_place_narrow);
     pm_set_system_code_page(65001);
-    EXPECT_STREQ("\xE2\x82\xAC \xE4\xB8\x80", PM_Error(53, u"\u20AC \u4E00", u"", source).m_place_narrow);
-    pm_set_system_code_page(0);
+    EXPECT_STREQ("\xE2\x82\xAC \xE4\xB8\x80",
+                 PM_Error(PM_ERR_BAD_RAW_DATA, u"\u20AC \u4E00", u"", source).m_place_narrow);
+    pm_set_system_code_page(1252);
 }
 
 TEST(Exception, CopyOutlivesItsOriginal) {
-    auto original = std::make_unique<PM_Error>(53, place, u"detail", source);
+    auto original = std::make_unique<PM_Error>(PM_ERR_BAD_RAW_DATA, place, u"detail", source);
     const PM_Error copy(*original);
     EXPECT_NE(original->m_place_narrow, copy.m_place_narrow);
     original.reset();
     EXPECT_STREQ("PM_Object::SetData()", copy.m_place_narrow);
     EXPECT_EQ(std::u16string(u"detail"), copy.m_detail);
-    EXPECT_EQ(53U, copy.m_number);
+    EXPECT_EQ(PM_ERR_BAD_RAW_DATA, copy.m_number);
     EXPECT_EQ(place, copy.m_place);
     EXPECT_EQ(source, copy.m_source);
     EXPECT_EQ(GetPMErrResHandle(), copy.m_res_handle);
@@ -156,7 +158,7 @@ TEST(Exception, AssignmentTakesEverything) {
         const PM_Warning original = with_arguments();
         target = original;
     }
-    EXPECT_EQ(57U, target.m_number);
+    EXPECT_EQ(PM_ERR_BAD_LINE, target.m_number);
     EXPECT_EQ(place, target.m_place);
     EXPECT_STREQ("PM_Object::SetData()", target.m_place_narrow);
     EXPECT_EQ(std::u16string(u"detail"), target.m_detail);
@@ -177,7 +179,7 @@ TEST(Exception, OwnedPlaceLivesAsLongAsAnyCopy) {
     std::optional<PM_Warning> copy;
     PM_Warning assigned(1, place, u"", source);
     {
-        const PM_Warning original(88, shared_text(u" the bad line"), u"", source);
+        const PM_Warning original(PM_ERR_UNKNOWN_VALUE, shared_text(u" the bad line"), u"", source);
         copy.emplace(original);
         assigned = original;
     }
@@ -187,18 +189,18 @@ TEST(Exception, OwnedPlaceLivesAsLongAsAnyCopy) {
 }
 
 TEST(Exception, PlainCopyLosesTheClassOnly) {
-    const PM_Severe severe(63, place, u"file", source);
+    const PM_Severe severe(PM_ERR_NO_SUCH_FILE, place, u"file", source);
     const ZT_Exception plain(severe);
     EXPECT_EQ(2, plain.kind());
-    EXPECT_EQ(63U, plain.m_number);
+    EXPECT_EQ(PM_ERR_NO_SUCH_FILE, plain.m_number);
     EXPECT_EQ(std::u16string(u"file"), plain.m_detail);
 }
 
 TEST(Exception, CancellationCarriesWhatWasReported) {
-    const PM_Warning reported(57, shared_text(u"line"), u"detail", source);
+    const PM_Warning reported(PM_ERR_BAD_LINE, shared_text(u"line"), u"detail", source);
     const ZT_Canceled_Error cancelled(reported);
     EXPECT_EQ(6, cancelled.kind());
-    EXPECT_EQ(57U, cancelled.m_number);
+    EXPECT_EQ(PM_ERR_BAD_LINE, cancelled.m_number);
     EXPECT_EQ(std::u16string(u"line"), cancelled.m_place);
     EXPECT_EQ(std::u16string(u"detail"), cancelled.m_detail);
     EXPECT_EQ(source, cancelled.m_source);

@@ -1,13 +1,14 @@
 #include "base/module.h"
 
 #include <gtest/gtest.h>
+#include <pm/error_number.h>
 #include <pm/error_text.h>
 #include <pm/exception.h>
 
 namespace {
 
 std::uint64_t handle_of_a_throw() {
-    return PM_Error(53, u"place", u"", u"source").m_res_handle;
+    return PM_Error(PM_ERR_BAD_RAW_DATA, u"place", u"", u"source").m_res_handle;
 }
 
 } // namespace
@@ -32,7 +33,7 @@ TEST(Module, EndClearsTheHandleAndStartOpensTheLibraryAgain) {
     EXPECT_EQ(0U, GetPMErrResHandle());
     EXPECT_EQ(0U, handle_of_a_throw());
     ZT_String text(u"old");
-    EXPECT_FALSE(pm_error_text(50, text));
+    EXPECT_FALSE(pm_error_text(PM_ERR_NO_ROOT, text));
     EXPECT_EQ(std::u16string(u"old"), text.text());
 
     pm::module_entry(1, pm::process_start);

@@ -14,7 +14,7 @@ TEST(NoMessageLibrary, ExceptionsCarryANullHandle) {
         FAIL() << "nothing was thrown";
     } catch (const PM_Error& e) {
         EXPECT_EQ(0U, e.m_res_handle);
-        EXPECT_EQ(78U, e.m_number);
+        EXPECT_EQ(PM_ERR_INVALID_ARGUMENT, e.m_number);
         EXPECT_EQ(std::u16string(u"12345"), e.m_detail);
     }
 }

@@ -1,8 +1,11 @@
 #include "platform/code_page.h"
 
+#include "platform/code_page_bytes.h"
 #include "support/exceptions.h"
 #include <gtest/gtest.h>
 #include <pm/code_page.h>
+#include <pm/error_number.h>
+#include <set>
 #include <span>
 #include <string>
 #include <thread>
@@ -14,6 +17,8 @@ namespace {
 
 using pm::to_narrow;
 using pm::to_wide;
+using pm::test::character_lengths;
+using pm::test::every_byte;
 using pm::test::expect_thrown;
 
 constexpr unsigned single_byte_pages[] = {
@@ -22,28 +27,10 @@ constexpr unsigned single_byte_pages[] = {
     20866, 21866, 28591, 28592, 28593, 28594, 28595, 28596, 28597, 28598, 28599, 28603, 28605};
 constexpr unsigned multi_byte_pages[] = {932, 936, 949, 950, 65001};
 
-// The characters of a narrow text by their lengths.
-std::string lengths(unsigned number, const char* text) {
-    const pm::CodePage& page = pm::code_page(number);
-    std::string all;
-    for (; *text != '\0'; text += page.character_length(text)) {
-        all += static_cast<char>('0' + page.character_length(text));
-    }
-    return all;
-}
-
 class SystemCodePage : public testing::Test {
 protected:
-    ~SystemCodePage() override { pm_set_system_code_page(0); }
+    ~SystemCodePage() override { pm_set_system_code_page(1252); }
 };
-
-std::string every_byte(unsigned first, unsigned last) {
-    std::string bytes;
-    for (unsigned byte = first; byte <= last; ++byte) {
-        bytes += static_cast<char>(byte);
-    }
-    return bytes;
-}
 
 } // namespace
 
@@ -93,20 +80,59 @@ TEST(CodePage, Appends) {
               narrow);
 }
 
-TEST(SingleBytePage, EveryDefinedByteComesBack) {
+TEST(SingleBytePage, EveryByteHasAUnitOfItsOwnAndComesBack) {
     for (const unsigned number : single_byte_pages) {
-        for (const char byte : every_byte(0, 0xFF)) {
-            const std::u16string wide = to_wide({&byte, 1}, number);
-            ASSERT_EQ(1U, wide.size());
-            if (wide == u"\uFFFD") continue;
-            EXPECT_EQ(std::string(1, byte), to_narrow(wide, number)) << number;
-        }
+        const std::u16string wide = to_wide(every_byte(0, 0xFF), number);
+        EXPECT_EQ(256U, std::set<char16_t>(wide.begin(), wide.end()).size()) << number;
+        EXPECT_EQ(std::u16string::npos, wide.find(u'\uFFFD')) << number;
+        EXPECT_EQ(every_byte(0, 0xFF), to_narrow(wide, number)) << number;
     }
+}
+
+TEST(SingleBytePage, UnitsOfOtherCharactersAreNotFittedIn) {
+    for (const unsigned number : single_byte_pages) {
+        std::u16string foreign;
+        const std::u16string own = to_wide(every_byte(0, 0xFF), number);
+        const std::set<char16_t> own_units(own.begin(), own.end());
+        for (unsigned unit = 0x80; unit <= 0xFFFF; ++unit) {
+            if (own_units.count(static_cast<char16_t>(unit)) == 0) foreign += static_cast<char16_t>(unit);
+        }
+        EXPECT_TRUE(std::string(foreign.size(), '?') == to_narrow(foreign, number)) << number;
+    }
+    EXPECT_EQ("???", to_narrow(u"\u0100\uFF21\u2032", 1252)) << "a letter with macron, a wide one, a prime";
+}
+
+TEST(SingleBytePage, MicroSignAndOthersAreThoseOfWindows) {
+    for (const unsigned number : {437U, 860U, 861U, 862U, 863U, 865U}) {
+        EXPECT_EQ(u"\u00B5", to_wide("\xE6", number)) << number;
+        EXPECT_EQ("\xE6?", to_narrow(u"\u00B5\u03BC", number)) << number;
+    }
+    EXPECT_EQ(u"\u00AC", to_wide("\xAA", 852));
+    EXPECT_EQ(u"\uFEC1\uFEC5\u0651", to_wide("\xD7\xD8\xF1", 864));
+    EXPECT_EQ(u"\u00B7\u0384", to_wide("\x88\xEF", 869));
+}
+
+TEST(SingleBytePage, UndefinedBytesAreTheUnitsThatWindowsHasForThem) {
+    EXPECT_EQ(u"\uF8BB\uF8BC\uF8BD", to_wide("\xD5\xE7\xF2", 857));
+    EXPECT_EQ(u"\u009F\uF8BE\uF8BF\uF8C0", to_wide("\x9F\xA6\xA7\xFF", 864));
+    EXPECT_EQ(u"\uF8C1\uF8C4\uF8C5\uF8C8", to_wide("\xDB\xDE\xFC\xFF", 874));
+    EXPECT_EQ(u"\uF8F9\uF8FA\uF8FB", to_wide("\xAA\xD2\xFF", 1253));
+    EXPECT_EQ(u"\u05BA\uF88D\uF893\uF894\uF895\uF896", to_wide("\xCA\xD9\xDF\xFB\xFC\xFF", 1255));
+    EXPECT_EQ(u"\uF8FC\uF8FD", to_wide("\xA1\xA5", 1257));
+    EXPECT_EQ(u"\uF7F5\uF7F6\uF7F7\uF7F8\uF7F9\uF7FA\uF7FB", to_wide("\xA5\xAE\xBE\xC3\xD0\xE3\xF0", 28593));
+    EXPECT_EQ(u"\uF7C8\uF7CA\uF7CB\uF7E2\uF7E8\uF7F4", to_wide("\xA1\xA3\xA5\xC0\xF3\xFF", 28596));
+    EXPECT_EQ(u"\uF7C5\uF7C6\uF7C7", to_wide("\xAE\xD2\xFF", 28597));
+    EXPECT_EQ(u"\uF79C\uF79D\uF7BC\uF7BD\uF7BE\uF7C1", to_wide("\xA1\xBF\xDE\xFB\xFC\xFF", 28598));
+}
+
+TEST(SingleBytePage, ByteWhoseUnitIsKnownNowhereIsMarkedByItsValue) {
+    EXPECT_EQ(u"\u0080\u009F\uF7A0\uF7FF", to_wide("\x80\x9F\xA0\xFF", 20127));
+    EXPECT_EQ("\x80\x9F\xA0\xFF?", to_narrow(u"\u0080\u009F\uF7A0\uF7FF\u00E4", 20127));
 }
 
 TEST(SingleBytePage, EachCharacterIsOneByte) {
     for (const unsigned number : single_byte_pages) {
-        EXPECT_EQ("1111", lengths(number, "a\x81\xE4z")) << number;
+        EXPECT_EQ("1111", character_lengths(number, "a\x81\xE4z")) << number;
     }
     EXPECT_EQ(1U, pm::code_page(1252).character_length(""));
 }
@@ -132,9 +158,8 @@ TEST(CodePage1252, UndefinedBytesAreTheirControls) {
     EXPECT_EQ("?", to_narrow(u"\u0080", 1252));
 }
 
-TEST(CodePage1253, UndefinedBytesAreControlsBelowA0AndReplacedAbove) {
+TEST(CodePage1253, DecodesAndEncodes) {
     EXPECT_EQ(u"\u0081\u0088\u009F", to_wide("\x81\x88\x9F", 1253));
-    EXPECT_EQ(u"\uFFFD\uFFFD", to_wide("\xD2\xFF", 1253));
     EXPECT_EQ(u"\u0391\u03C9", to_wide("\xC1\xF9", 1253));
     EXPECT_EQ("\xC1\xF9?", to_narrow(u"\u0391\u03C9\u00C4", 1253));
 }
@@ -164,112 +189,6 @@ TEST(CodePage28591, IsTheFirst256Units) {
     EXPECT_EQ(every_byte(0, 255), to_narrow(wide, 28591));
 }
 
-TEST(TwoBytePage, DecodesAndEncodes) {
-    EXPECT_EQ(u"\u3042\u30BD\uFF71\\~", to_wide("\x82\xA0\x83\x5C\xB1\\~", 932));
-    EXPECT_EQ("\x82\xA0\x83\x5C\xB1\\~", to_narrow(u"\u3042\u30BD\uFF71\\~", 932));
-    EXPECT_EQ(u"\u554A\u50DC\u20AC", to_wide("\xB0\xA1\x83\x5C\x80", 936));
-    EXPECT_EQ("\xB0\xA1\x83\x5C\x80", to_narrow(u"\u554A\u50DC\u20AC", 936));
-    EXPECT_EQ(u"\uAC00\u3000", to_wide("\xB0\xA1\xA1\xA1", 949));
-    EXPECT_EQ("\xB0\xA1\xA1\xA1", to_narrow(u"\uAC00\u3000", 949));
-    EXPECT_EQ(u"\u965B\uFE5B", to_wide("\xB0\xA1\xA1\xA1", 950));
-    EXPECT_EQ("\xB0\xA1\xA1\xA1", to_narrow(u"\u965B\uFE5B", 950));
-}
-
-TEST(TwoBytePage, CharacterIsTwoBytesBehindALeadByte) {
-    EXPECT_EQ("12121", lengths(932, "a\x83\x5C\xB1\xE0\x40z"));
-    EXPECT_EQ("1212", lengths(936, "a\x83\x5C\x80\xFE\x40"));
-    EXPECT_EQ("122", lengths(949, "a\xB0\xA1\xFE\x41"));
-    EXPECT_EQ("122", lengths(950, "a\xB0\xA1\xFE\x41"));
-}
-
-TEST(TwoBytePage, LeadBytesAreThoseOfThePage) {
-    const auto leads = [](unsigned number) {
-        std::string all;
-        for (const char byte : every_byte(1, 255)) {
-            const char text[] = {byte, 'A', '\0'};
-            if (pm::code_page(number).character_length(text) == 2) all += byte;
-        }
-        return all;
-    };
-    EXPECT_EQ(every_byte(0x81, 0x9F) + every_byte(0xE0, 0xFC), leads(932));
-    EXPECT_EQ(every_byte(0x81, 0xFE), leads(936));
-    EXPECT_EQ(every_byte(0x81, 0xFE), leads(949));
-    EXPECT_EQ(every_byte(0x81, 0xFE), leads(950));
-}
-
-TEST(TwoBytePage, CharacterNeverPassesTheTerminator) {
-    for (const unsigned number : {932U, 936U, 949U, 950U}) {
-        EXPECT_EQ(1U, pm::code_page(number).character_length("\x83"));
-        EXPECT_EQ(1U, pm::code_page(number).character_length(""));
-    }
-}
-
-TEST(TwoBytePage, CutCharacterIsReplaced) {
-    for (const unsigned number : {932U, 936U, 949U, 950U}) {
-        EXPECT_EQ(u"a\uFFFD", to_wide("a\x83", number)) << number;
-        EXPECT_EQ(u"\uFFFD \uFFFD", to_wide("\x83 \x83", number)) << number;
-    }
-    EXPECT_EQ(u"\u3042a", to_wide("\x82\xA0"
-                                  "a",
-                                  932))
-        << "a cut character left something behind";
-}
-
-TEST(TwoBytePage, UndefinedBytesAreReplaced) {
-    EXPECT_EQ(u"\uFFFD\uFFFDx", to_wide("\x81\xFFx", 932));
-    EXPECT_EQ(u"\uFFFD", to_wide("\xA0", 932));
-    EXPECT_EQ(u"\uFFFDx", to_wide("\x81\x80x", 949));
-    EXPECT_EQ(u"\uFFFDx", to_wide("\x81\x80x", 950));
-}
-
-TEST(TwoBytePage, UnitsWithoutACharacterBecomeAQuestionMarkEach) {
-    for (const unsigned number : {932U, 936U, 949U, 950U}) {
-        EXPECT_EQ("a?b", to_narrow(u"a\u0E01b", number)) << number;
-        EXPECT_EQ("a??b", to_narrow(u"a\U0001F600b", number)) << number;
-        EXPECT_EQ("?x?", to_narrow(u"\xD800x\xDC00", number)) << number;
-        EXPECT_EQ("??", to_narrow(u"\xDC00\xD800", number)) << number;
-        EXPECT_EQ("?", to_narrow(u"\u200D", number)) << number;
-    }
-}
-
-TEST(Utf8Page, DecodesAndEncodes) {
-    const std::u16string wide = u"a\u00E4\u20AC\uFFFF\U0001F600\U0010FFFF";
-    const std::string narrow = "a\xC3\xA4\xE2\x82\xAC\xEF\xBF\xBF\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF";
-    EXPECT_EQ(narrow, to_narrow(wide, 65001));
-    EXPECT_EQ(wide, to_wide(narrow, 65001));
-}
-
-TEST(Utf8Page, MalformedInputIsReplaced) {
-    EXPECT_EQ(u"a\uFFFDb", to_wide("a\x80"
-                                   "b",
-                                   65001)); // a trail byte alone
-    EXPECT_EQ(u"a\uFFFDb", to_wide("a\xE4\xB8"
-                                   "b",
-                                   65001));                                     // cut inside
-    EXPECT_EQ(u"a\uFFFD", to_wide("a\xE4\xB8", 65001));                         // cut at the end
-    EXPECT_EQ(u"\uFFFD\uFFFD", to_wide("\xC0\xAF", 65001));                     // overlong
-    EXPECT_EQ(u"\uFFFD\uFFFD\uFFFD", to_wide("\xED\xA0\x80", 65001));           // a surrogate
-    EXPECT_EQ(u"\uFFFD\uFFFD\uFFFD\uFFFD", to_wide("\xF4\x90\x80\x80", 65001)); // above the last character
-    EXPECT_EQ(u"\uFFFD\uFFFD", to_wide("\xFE\xFF", 65001));
-}
-
-TEST(Utf8Page, UnpairedSurrogatesBecomeQuestionMarks) {
-    EXPECT_EQ("?", to_narrow(u"\xD800", 65001));
-    EXPECT_EQ("a?b", to_narrow(u"a\xDC00"
-                               u"b",
-                               65001));
-    EXPECT_EQ("??", to_narrow(u"\xDC00\xD800", 65001));
-    EXPECT_EQ("?\xF0\x9F\x98\x80", to_narrow(u"\xD83D\U0001F600", 65001));
-}
-
-TEST(Utf8Page, CharacterHasTheBytesThatItsLeadTells) {
-    EXPECT_EQ("12341", lengths(65001, "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80z"));
-    EXPECT_EQ("11", lengths(65001, "\x80\xBF"));
-    EXPECT_EQ("21", lengths(65001, "\xE4\xB8z"));
-    EXPECT_EQ("3", lengths(65001, "\xF0\x9F\x98"));
-    EXPECT_EQ(1U, pm::code_page(65001).character_length(""));
-}
-
 TEST(CodePage, ZerosInsideATextStay) {
     const std::string narrow("\xC3\xA4\0b\xC3\xA4", 6);
     EXPECT_EQ(std::u16string(u"\u00E4\0b\u00E4", 4), to_wide(narrow, 65001));
@@ -288,7 +207,7 @@ TEST(CodePage, LongTextsConvertWhole) {
     }
 }
 
-TEST(CodePage, EachThreadHasItsOwnConverters) {
+TEST(CodePage, ThreadsConvertAtOnce) {
     std::vector<std::thread> threads;
     std::vector<int> wrong(4);
     for (std::size_t i = 0; i < wrong.size(); ++i) {
@@ -319,17 +238,11 @@ TEST_F(SystemCodePage, IsWhatTheCallerSets) {
     EXPECT_EQ("\xD0\x90", to_narrow(u"\u0410"));
 }
 
-TEST_F(SystemCodePage, ZeroSets1252) {
-    pm_set_system_code_page(866);
-    pm_set_system_code_page(0);
-    EXPECT_EQ(1252U, pm_system_code_page());
-}
-
 TEST_F(SystemCodePage, UnknownNumberIsRefusedAndTheSettingStays) {
     pm_set_system_code_page(866);
     for (const auto& [number, text] : {std::pair(1U, u"1"), std::pair(12345U, u"12345"),
                                        std::pair(65000U, u"65000"), std::pair(4294967295U, u"4294967295")}) {
-        expect_thrown<PM_Error>([n = number] { pm_set_system_code_page(n); }, 78,
+        expect_thrown<PM_Error>([n = number] { pm_set_system_code_page(n); }, PM_ERR_INVALID_ARGUMENT,
                                 u"pm_set_system_code_page()", text);
         EXPECT_EQ(866U, pm_system_code_page());
     }

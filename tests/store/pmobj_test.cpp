@@ -316,7 +316,7 @@ TEST(Object, NarrowTextIsLimitedIn4096CharactersOfTheCodePage) {
         pairs += "\x82\xA0";
     object.SetProperty(u"s", reinterpret_cast<const unsigned char*>(pairs.c_str()));
     EXPECT_EQ(2U * 4096 + 1, object.getPropertySize(u"s"));
-    pm_set_system_code_page(0);
+    pm_set_system_code_page(1252);
 }
 
 TEST(Object, NullTextsCountAsEmpty) {

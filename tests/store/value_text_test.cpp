@@ -126,7 +126,7 @@ std::u16string compound(const char16_t* a, const char16_t* b) {
 class CodePageSetting {
 public:
     explicit CodePageSetting(unsigned number) { pm_set_system_code_page(number); }
-    ~CodePageSetting() { pm_set_system_code_page(0); }
+    ~CodePageSetting() { pm_set_system_code_page(1252); }
     CodePageSetting(const CodePageSetting&) = delete;
     CodePageSetting& operator=(const CodePageSetting&) = delete;
 };
