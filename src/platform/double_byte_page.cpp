@@ -43,7 +43,7 @@ constexpr void put_ascii(Layout& layout) {
 constexpr Layout shift_jis_layout = [] {
     Layout layout{{}, 0xFC};
     put_ascii(layout);
-    for (const std::size_t undefined : {0x80, 0xA0, 0xFD, 0xFE, 0xFF}) {
+    for (const std::size_t undefined : {0x80U, 0xA0U, 0xFDU, 0xFEU, 0xFFU}) {
         layout.single[undefined] = replacement;
     }
     for (std::size_t byte = 0xA1; byte <= 0xDF; ++byte) {
@@ -110,7 +110,7 @@ private:
             m_characters.units[lead - first_lead][trail] = unit;
             if (unit == replacement) continue;
             std::uint16_t& bytes = m_characters.bytes[unit];
-            bytes = bytes == 0 ? static_cast<std::uint16_t>(lead << 8 | trail) : system.bytes_of(unit);
+            bytes = bytes == 0 ? static_cast<std::uint16_t>(lead * 0x100U + trail) : system.bytes_of(unit);
         }
     }
 

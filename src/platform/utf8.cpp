@@ -30,14 +30,13 @@ struct Lead {
 // RFC 3629, section 4: without longer forms than needed, surrogates, and characters above U+10FFFF.
 constexpr std::array<Lead, 0x100> leads = [] {
     std::array<Lead, 0x100> all{};
-    for (std::size_t byte = 0; byte < 0x80; ++byte)
-        all[byte].length = 1;
-    for (std::size_t byte = 0xC2; byte <= 0xDF; ++byte)
-        all[byte].length = 2;
-    for (std::size_t byte = 0xE0; byte <= 0xEF; ++byte)
-        all[byte].length = 3;
-    for (std::size_t byte = 0xF0; byte <= 0xF4; ++byte)
-        all[byte].length = 4;
+    const auto set_length = [&all](std::size_t first, std::size_t last, unsigned char length) {
+        std::fill(all.begin() + first, all.begin() + last + 1, Lead{length});
+    };
+    set_length(0x00, 0x7F, 1);
+    set_length(0xC2, 0xDF, 2);
+    set_length(0xE0, 0xEF, 3);
+    set_length(0xF0, 0xF4, 4);
     all[0xE0].lowest_second = 0xA0;
     all[0xED].highest_second = 0x9F;
     all[0xF0].lowest_second = 0x90;

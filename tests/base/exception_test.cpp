@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstddef>
 #include <exception>
 #include <gtest/gtest.h>
 #include <iterator>
@@ -212,4 +213,34 @@ TEST(Exception, IsCaughtByEachOfItsBases) {
     EXPECT_THROW(throw PM_Severe(1, place, u"", source), ZT_Exception);
     EXPECT_THROW(throw PM_Warning(1, place, u"", source), ZT_Warning);
     EXPECT_THROW(throw PM_Error(1, place, u"", source), std::exception);
+}
+
+TEST(Exception, KindStandsBehindWhatInTheTableOfOperations) {
+    using Kind = int (*)(const ZT_Exception*);
+    const PM_Severe severe(PM_ERR_NO_SUCH_FILE, place, u"file", source);
+    const ZT_Exception& e = severe;
+    // The destructor has the first two slots.
+    void* const* table = *reinterpret_cast<void* const* const*>(&e);
+    EXPECT_EQ(4, reinterpret_cast<Kind>(table[3])(&e));
+}
+
+TEST(Exception, FieldsLieInTheirOrderBehindTheBases) {
+    const PM_Error e(PM_ERR_BAD_RAW_DATA, place, u"", source);
+    const auto offset = [&e](const auto& field) {
+        return reinterpret_cast<const char*>(&field) -
+               reinterpret_cast<const char*>(static_cast<const ZT_Exception*>(&e));
+    };
+    const std::ptrdiff_t offsets[] = {offset(static_cast<const ZT_Object&>(e)),
+                                      offset(e.m_res_handle),
+                                      offset(e.m_number),
+                                      offset(e.m_arg_count),
+                                      offset(e.m_place),
+                                      offset(e.m_place_narrow),
+                                      offset(e.m_detail),
+                                      offset(e.m_source),
+                                      offset(e.m_args)};
+    EXPECT_TRUE(std::is_sorted(std::begin(offsets), std::end(offsets)));
+    EXPECT_EQ(4, offset(e.m_arg_count) - offset(e.m_number));
+    EXPECT_EQ(8, offset(e.m_number) - offset(e.m_res_handle));
+    EXPECT_EQ(520, offset(e.m_source) - offset(e.m_detail));
 }

@@ -2,6 +2,7 @@
 
 #include "platform/code_page_bytes.h"
 #include "support/exceptions.h"
+#include <bitset>
 #include <gtest/gtest.h>
 #include <pm/code_page.h>
 #include <pm/error_number.h>
@@ -93,9 +94,12 @@ TEST(SingleBytePage, UnitsOfOtherCharactersAreNotFittedIn) {
     for (const unsigned number : single_byte_pages) {
         std::u16string foreign;
         const std::u16string own = to_wide(every_byte(0, 0xFF), number);
-        const std::set<char16_t> own_units(own.begin(), own.end());
+        std::bitset<0x10000> is_own;
+        for (const char16_t unit : own) {
+            is_own[unit] = true;
+        }
         for (unsigned unit = 0x80; unit <= 0xFFFF; ++unit) {
-            if (own_units.count(static_cast<char16_t>(unit)) == 0) foreign += static_cast<char16_t>(unit);
+            if (!is_own[unit]) foreign += static_cast<char16_t>(unit);
         }
         EXPECT_TRUE(std::string(foreign.size(), '?') == to_narrow(foreign, number)) << number;
     }

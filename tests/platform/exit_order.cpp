@@ -47,6 +47,9 @@ void use_library() {
         expect(!saved(tree, u"KEPT_1.0,compress").empty());
         expect_no_such_file(tree);
     }
+    ZT_String text;
+    expect(pm_error_text(PM_ERR_NO_SUCH_FILE, text) ==
+           (text.length() > 0)); // the texts may be closed already
 }
 
 void keep() {
