@@ -37,23 +37,23 @@ std::u16string version_text(float version) {
     return {text.data(), end.ptr};
 }
 
-// The bytes of a property as its record holds them. Number 58 for a value beyond the limit.
-std::string record_value(const PM_Property& prop) {
-    std::array<char, value_limit> bytes{};
+using ValueBuffer = std::array<char, value_limit>;
+
+// A value that no load could take back. As the property itself says it of a longer one.
+[[noreturn]] void raise_too_large(const PM_Property& prop) {
+    throw PM_Warning(PM_ERR_VALUE_TOO_LARGE, u"PM_Property::GetData()", prop.name(), source);
+}
+
+// The narrow text of a string. Number 58 if the text or its narrow form is beyond the limit.
+std::string string_value(const PM_Property& prop) {
+    ValueBuffer bytes{};
     prop.GetData(bytes.data(), bytes.size());
-    if (prop.type() != PROP_STRING) return {bytes.data(), prop.size()};
     std::array<char16_t, value_limit / sizeof(char16_t)> units{};
     std::memcpy(units.data(), bytes.data(), prop.size());
     const std::u16string_view text(units.data(), prop.size() / sizeof(char16_t));
-    return pm::to_narrow(text.substr(0, text.find(u'\0')));
-}
-
-std::string make_record(const PM_Property& prop) {
-    const std::string value = record_value(prop);
-    unsigned char header[record_header];
-    pm::store_u32(header, static_cast<std::uint32_t>(prop.type()));
-    pm::store_u32(header + 4, static_cast<std::uint32_t>(value.size()));
-    return std::string(reinterpret_cast<const char*>(header), sizeof header) + value;
+    std::string narrow = pm::to_narrow(text.substr(0, text.find(u'\0')));
+    if (narrow.size() > value_limit) raise_too_large(prop);
+    return narrow;
 }
 
 // The first bytes of a value as a number; what is missing of it is zero.
@@ -113,19 +113,47 @@ void PM_DOCFile::save(const PM_Object* object, const char16_t* subtree, PM_Objec
 }
 
 void PM_DOCFile::write_version() {
-    const auto bytes = std::bit_cast<std::array<char, sizeof written_version>>(written_version);
-    write_element(*m_storage, version_name.data(), bytes);
+    const auto stream = create_stream(*m_storage, version_name.data());
+    write(*stream, std::bit_cast<std::array<char, sizeof written_version>>(written_version));
 }
 
-void PM_DOCFile::write_element(pm::IStorage& storage, const char16_t* name, std::span<const char> record) {
-    const auto stream = storage.CreateStream(name);
-    if (!stream || !stream->Write(record.data(), record.size())) raise_not_written();
+std::unique_ptr<pm::IStream> PM_DOCFile::create_stream(pm::IStorage& storage, const char16_t* name) {
+    auto stream = storage.CreateStream(name);
+    if (!stream) raise_not_written();
+    return stream;
+}
+
+void PM_DOCFile::write(pm::IStream& stream, std::span<const char> bytes) {
+    if (!stream.Write(bytes.data(), bytes.size())) raise_not_written();
+}
+
+void PM_DOCFile::write_number(pm::IStream& stream, std::uint32_t number) {
+    std::array<unsigned char, sizeof number> bytes{};
+    pm::store_u32(bytes.data(), number);
+    write(stream, std::bit_cast<std::array<char, sizeof number>>(bytes));
+}
+
+// What a value that can't be read leaves is part of the format's contract: its type in the stream, and the
+// size unless it is a string.
+void PM_DOCFile::write_record(pm::IStorage& storage, const char16_t* name, const PM_Property& prop) {
+    const auto stream = create_stream(storage, name);
+    write_number(*stream, static_cast<std::uint32_t>(prop.type()));
+    if (prop.type() == PROP_STRING) {
+        const std::string value = string_value(prop);
+        write_number(*stream, static_cast<std::uint32_t>(value.size()));
+        write(*stream, value);
+    } else {
+        write_number(*stream, static_cast<std::uint32_t>(prop.size()));
+        ValueBuffer value{};
+        prop.GetData(value.data(), value.size());
+        write(*stream, std::span(value).first(prop.size()));
+    }
 }
 
 void PM_DOCFile::write_properties(pm::IStorage& storage, PM_Iterator& walk) {
     pm::CurrentValue value;
     while (const char16_t* name = value.next(walk)) {
-        write_element(storage, name, make_record(*walk.currentProp()));
+        write_record(storage, name, *walk.currentProp());
     }
 }
 
@@ -177,7 +205,7 @@ void PM_DOCFile::load_elements(PM_Object& target, pm::WorkingPath& path) {
             continue;
         }
         if (pm::equals_ignoring_case(element.name, version_name)) continue;
-        if (!path.push(element.name)) raise_not_read(load_place);
+        if (element.repeated || !path.push(element.name)) raise_not_read(load_place);
         pm::IStorage& parent = *levels.back().storage;
         if (element.is_storage) {
             enter(parent.OpenStorage(element.name));

@@ -19,10 +19,11 @@ public:
 
     // Elements come in the order of the compound format; one called "Version", in any case and at any level,
     // is passed over; a boolean comes back as a long. Numbers: 66 (PM_Severe) for whatever can't be read,
-    // and what setData raises.
+    // when it is its turn, and what setData raises.
     void load(PM_Object* target, const char16_t* base, PM_Object::FileType type) override;
     // Numbers: 60 (PM_Severe) for an element that can't be written, 58 (PM_Warning) for a value of more than
-    // 1024 bytes, 55. What was written before a failure stays in the file. `tag` isn't used.
+    // 1024 bytes, as wide text or in the narrow code page, 55. What was written before a failure stays in the
+    // file, with the element that failed as far as it was begun. `tag` isn't used.
     void save(const PM_Object* source, const char16_t* subtree, PM_Object::FileType type,
               const char16_t* tag) override;
     // A compound file has no stream form: does nothing.
@@ -37,7 +38,10 @@ private:
     void write_version();
     void write_properties(pm::IStorage& storage, PM_Iterator& walk);
     void write_nodes(PM_Iterator& walk);
-    void write_element(pm::IStorage& storage, const char16_t* name, std::span<const char> record);
+    void write_record(pm::IStorage& storage, const char16_t* name, const PM_Property& prop);
+    void write(pm::IStream& stream, std::span<const char> bytes);
+    void write_number(pm::IStream& stream, std::uint32_t number);
+    std::unique_ptr<pm::IStream> create_stream(pm::IStorage& storage, const char16_t* name);
     std::unique_ptr<pm::IStorage> create_storage(pm::IStorage& parent, const char16_t* name);
 
     void load_elements(PM_Object& target, pm::WorkingPath& path);

@@ -14,6 +14,8 @@ inline constexpr std::size_t largest_file = 0x7FFFFFFF;
 
 // Offsets in the header.
 inline constexpr std::size_t header_size = 512;
+inline constexpr std::size_t minor_version_at = 24;
+inline constexpr std::size_t version_at = 26;
 inline constexpr std::size_t byte_order_at = 28;
 inline constexpr std::size_t sector_shift_at = 30;
 inline constexpr std::size_t mini_shift_at = 32;
@@ -21,17 +23,25 @@ inline constexpr std::size_t fat_count_at = 44;
 inline constexpr std::size_t directory_start_at = 48;
 inline constexpr std::size_t mini_cutoff_at = 56;
 inline constexpr std::size_t mini_fat_start_at = 60;
+inline constexpr std::size_t mini_fat_count_at = 64;
 inline constexpr std::size_t difat_start_at = 68;
+inline constexpr std::size_t difat_count_at = 72;
 inline constexpr std::size_t difat_at = 76;
 inline constexpr std::size_t difat_in_header = 109;
 
 inline constexpr std::uint16_t little_endian = 0xFFFE;
-inline constexpr unsigned small_shift = 9;  // of files of version 3
-inline constexpr unsigned large_shift = 12; // of version 4
+inline constexpr std::uint16_t minor_version = 0x3E;
+inline constexpr std::uint16_t small_version = 3; // of files of small sectors
+inline constexpr unsigned small_shift = 9;        // of files of version 3
+inline constexpr unsigned large_shift = 12;       // of version 4
 inline constexpr unsigned mini_shift = 6;
 inline constexpr std::uint32_t mini_cutoff = 4096; // a stream below it lies in the mini stream
 
+// In place of a successor in the allocation table.
+inline constexpr std::uint32_t difat_sector = 0xFFFFFFFC; // part of the list of the table's sectors
+inline constexpr std::uint32_t fat_sector = 0xFFFFFFFD;   // part of the table
 inline constexpr std::uint32_t end_of_chain = 0xFFFFFFFE;
+inline constexpr std::uint32_t free_sector = 0xFFFFFFFF;
 
 // Offsets in a directory entry.
 inline constexpr std::size_t entry_size = 128;
@@ -41,6 +51,7 @@ inline constexpr std::size_t colour_at = 67;
 inline constexpr std::size_t left_at = 68;
 inline constexpr std::size_t right_at = 72;
 inline constexpr std::size_t child_at = 76;
+inline constexpr std::size_t class_and_state_at = 80;
 inline constexpr std::size_t start_at = 116;
 inline constexpr std::size_t size_at = 120;
 
@@ -60,6 +71,10 @@ inline std::uint16_t get16(std::span<const std::byte> bytes, std::size_t at) {
 }
 inline std::uint32_t get32(std::span<const std::byte> bytes, std::size_t at) {
     return get16(bytes, at) | static_cast<std::uint32_t>(get16(bytes, at + 2)) << 16;
+}
+inline void put16(std::span<std::byte> bytes, std::size_t at, std::uint16_t value) {
+    bytes[at] = std::byte(value & 0xFF);
+    bytes[at + 1] = std::byte(value >> 8);
 }
 inline void put32(std::span<std::byte> bytes, std::size_t at, std::uint32_t value) {
     for (std::size_t place = 0; place < 4; ++place) {

@@ -11,16 +11,20 @@ using namespace compound;
 
 namespace {
 
+// Empty if the name's size can't be one.
 std::u16string entry_name(std::span<const std::byte> entry) {
     const std::size_t size = get16(entry, name_size_at);
     if (size < sizeof(char16_t) || size > name_room || size % sizeof(char16_t) != 0) return {};
     std::u16string name;
-    for (std::size_t at = 0; at < size; at += sizeof(char16_t)) {
+    for (std::size_t at = 0; at < size - sizeof(char16_t); at += sizeof(char16_t)) {
         name.push_back(static_cast<char16_t>(get16(entry, at)));
     }
-    const bool terminated = name.back() == u'\0';
-    name.pop_back();
-    return terminated && compound_name_allowed(name) ? name : std::u16string();
+    return name;
+}
+
+bool can_be_opened(std::span<const std::byte> entry, const CompoundEntry& parsed) {
+    return (parsed.type == storage_entry || parsed.type == stream_entry) &&
+           compound_name_allowed(parsed.name) && get16(entry, 2 * parsed.name.size()) == 0;
 }
 
 class Reader {
@@ -34,13 +38,17 @@ private:
         CompoundElement* storage;
         std::uint32_t first; // entry of its tree of children
     };
+    struct Child {
+        std::u16string key;
+        CompoundEntry entry;
+    };
 
     std::size_t entry_count() const { return m_directory.size() / entry_size; }
     CompoundEntry entry(std::uint32_t number) const;
     void read_mini_stream(const CompoundEntry& root);
-    bool read_children(const Folder& folder);
-    bool add_child(CompoundElement& storage, const CompoundEntry& entry);
-    std::optional<std::vector<std::byte>> content(const CompoundEntry& entry);
+    std::vector<Child> children(const Folder& folder);
+    void add_child(CompoundElement& storage, Child child);
+    void read_stream(CompoundElement& stream, const CompoundEntry& entry);
     std::optional<std::vector<std::byte>> mini_content(const CompoundEntry& entry);
 
     CompoundSectors m_sectors;
@@ -58,20 +66,21 @@ CompoundEntry Reader::entry(std::uint32_t number) const {
 }
 
 std::unique_ptr<CompoundTree> Reader::read() {
-    auto directory = m_sectors.content(m_sectors.header_number(directory_start_at));
+    auto directory = m_sectors.directory();
     if (!directory || directory->empty()) return nullptr;
     m_directory = std::move(*directory);
     m_seen.resize(entry_count());
     const CompoundEntry root = entry(0);
     if (root.type != root_entry) return nullptr;
     m_seen[0] = true;
+    m_tree->root().class_and_state = root.class_and_state;
     read_mini_stream(root);
     m_pending.push_back({&m_tree->root(), root.child});
     while (!m_pending.empty()) {
         const Folder folder = m_pending.back();
         m_pending.pop_back();
-        folder.storage->sound = read_children(folder);
-        if (!folder.storage->sound) folder.storage->children.clear();
+        for (Child& child : children(folder))
+            add_child(*folder.storage, std::move(child));
     }
     return std::move(m_tree);
 }
@@ -80,56 +89,66 @@ std::unique_ptr<CompoundTree> Reader::read() {
 void Reader::read_mini_stream(const CompoundEntry& root) {
     if (root.size == 0) return;
     auto stream = m_sectors.content(root.start, root.size);
-    const auto table = m_sectors.content(m_sectors.header_number(mini_fat_start_at));
-    if (!stream || !table) return;
+    if (!stream) return;
     m_mini_stream = std::move(*stream);
-    std::vector<std::uint32_t> next = sector_numbers(*table);
-    next.resize(std::min(next.size(), ((m_mini_stream.size() - 1) >> mini_shift) + 1));
-    m_mini_chains = SectorChains(std::move(next));
+    m_mini_chains = m_sectors.mini_chains(m_mini_stream.size());
 }
 
-bool Reader::read_children(const Folder& folder) {
-    const std::size_t folders_above = m_pending.size();
-    std::vector<std::uint32_t> siblings{folder.first};
-    while (!siblings.empty()) {
-        const std::uint32_t number = siblings.back();
-        siblings.pop_back();
+// In the order of their names, which isn't always that of the tree; of one name, the one nearer to the tree's
+// root first.
+std::vector<Reader::Child> Reader::children(const Folder& folder) {
+    std::vector<Child> found;
+    std::vector<std::uint32_t> pending{folder.first};
+    while (!pending.empty()) {
+        const std::uint32_t number = pending.back();
+        pending.pop_back();
         if (number == no_entry) continue;
-        const bool fresh = number < m_seen.size() && !m_seen[number];
-        if (fresh) m_seen[number] = true;
-        const CompoundEntry child = fresh ? entry(number) : CompoundEntry();
-        if (!fresh || !add_child(*folder.storage, child)) {
-            m_pending.resize(folders_above);
-            return false;
+        if (number >= m_seen.size() || m_seen[number]) {
+            folder.storage->complete = false;
+            continue;
         }
-        siblings.insert(siblings.end(), {child.left, child.right});
+        m_seen[number] = true;
+        CompoundEntry child = entry(number);
+        pending.insert(pending.end(), {child.left, child.right});
+        if (child.name.empty()) {
+            folder.storage->complete = false;
+        } else {
+            found.push_back({compound_name_key(child.name), std::move(child)});
+        }
     }
-    return true;
+    std::stable_sort(found.begin(), found.end(),
+                     [](const Child& a, const Child& b) { return CompoundNameOrder()(a.key, b.key); });
+    return found;
 }
 
-// False for what is no element, and for a second one of the same name.
-bool Reader::add_child(CompoundElement& storage, const CompoundEntry& entry) {
+void Reader::add_child(CompoundElement& storage, Child child) {
+    CompoundElement*& place = storage.children[std::move(child.key)];
+    if (place != nullptr) {
+        ++place->repeats;
+        return;
+    }
+    const CompoundEntry& entry = child.entry;
     const bool is_storage = entry.type == storage_entry;
-    if (entry.name.empty() || (!is_storage && entry.type != stream_entry)) return false;
-    CompoundElement*& place = storage.children[compound_name_key(entry.name)];
-    if (place != nullptr) return false;
     place = &m_tree->make(entry.name, is_storage ? CompoundKind::storage : CompoundKind::stream);
+    place->class_and_state = entry.class_and_state;
+    place->sound = entry.sound;
+    if (!entry.sound) return;
     if (is_storage) {
         m_pending.push_back({place, entry.child});
-    } else if (entry.size > 0) {
-        auto data = content(entry);
-        place->sound = data.has_value();
-        if (data) place->data = std::move(*data);
+    } else {
+        read_stream(*place, entry);
     }
-    return true;
 }
 
-std::optional<std::vector<std::byte>> Reader::content(const CompoundEntry& entry) {
-    return entry.size < mini_cutoff ? mini_content(entry) : m_sectors.content(entry.start, entry.size);
+void Reader::read_stream(CompoundElement& stream, const CompoundEntry& entry) {
+    if (entry.size == 0) return; // its start may be anything
+    auto data = entry.size < mini_cutoff ? mini_content(entry) : m_sectors.content(entry.start, entry.size);
+    stream.sound = data.has_value();
+    if (data) stream.data = std::move(*data);
 }
 
 std::optional<std::vector<std::byte>> Reader::mini_content(const CompoundEntry& entry) {
-    const auto sectors = m_mini_chains.take_chain(entry.start);
+    const auto sectors = m_mini_chains.take_chain(entry.start, sectors_of(entry.size, mini_shift));
     if (!sectors) return std::nullopt;
     return copy_sectors({m_mini_stream, 0, mini_shift}, *sectors, entry.size);
 }
@@ -147,6 +166,9 @@ CompoundEntry parse_compound_entry(std::span<const std::byte> entry, bool large_
     parsed.size = get32(entry, size_at);
     // Some writers leave rubbish in the upper half where the format has no use for it.
     if (large_sectors) parsed.size |= std::uint64_t{get32(entry, size_at + 4)} << 32;
+    const auto kept = entry.subspan(class_and_state_at, parsed.class_and_state.size());
+    std::copy(kept.begin(), kept.end(), parsed.class_and_state.begin());
+    parsed.sound = can_be_opened(entry, parsed);
     return parsed;
 }
 

@@ -14,13 +14,27 @@ bool SectorChains::take(std::uint32_t sector) {
     return true;
 }
 
-std::optional<std::vector<std::uint32_t>> SectorChains::take_chain(std::uint32_t first) {
-    std::vector<std::uint32_t> chain;
-    for (std::uint32_t sector = first; sector != end_of_chain; sector = m_next[sector]) {
-        if (!take(sector)) return std::nullopt;
-        chain.push_back(sector);
+SectorChains::Chain SectorChains::follow(std::uint32_t first, std::uint64_t limit) {
+    Chain chain;
+    for (std::uint32_t sector = first; chain.sectors.size() < limit; sector = m_next[sector]) {
+        chain.broken = sector != end_of_chain && sector != free_sector && !take(sector);
+        if (chain.broken || sector == end_of_chain || sector == free_sector) break;
+        chain.sectors.push_back(sector);
     }
     return chain;
+}
+
+std::optional<std::vector<std::uint32_t>> SectorChains::take_chain(std::uint32_t first) {
+    Chain chain = follow(first, m_next.size() + 1); // a cycle is met before
+    if (chain.broken) return std::nullopt;
+    return std::move(chain.sectors);
+}
+
+std::optional<std::vector<std::uint32_t>> SectorChains::take_chain(std::uint32_t first, std::uint64_t count) {
+    if (count > m_next.size()) return std::nullopt;
+    Chain chain = follow(first, count);
+    if (chain.sectors.size() < count) return std::nullopt;
+    return std::move(chain.sectors);
 }
 
 std::optional<std::vector<std::byte>>
@@ -107,13 +121,35 @@ bool CompoundSectors::read_allocation_table() {
 }
 
 std::optional<std::vector<std::byte>> CompoundSectors::content(std::uint32_t first, std::uint64_t size) {
-    const auto sectors = chain(first);
+    const auto sectors = m_chains.take_chain(first, sectors_of(size, m_shift));
     return sectors ? copy_sectors(space(), *sectors, size) : std::nullopt;
 }
 
-std::optional<std::vector<std::byte>> CompoundSectors::content(std::uint32_t first) {
-    const auto sectors = chain(first);
-    return sectors ? copy_sectors(space(), *sectors, sectors->size() << m_shift) : std::nullopt;
+std::optional<std::vector<std::byte>> CompoundSectors::directory() {
+    const auto sectors = m_chains.take_chain(header_number(directory_start_at));
+    return sectors ? std::optional(units_of(*sectors, entry_size)) : std::nullopt;
+}
+
+SectorChains CompoundSectors::mini_chains(std::uint64_t mini_stream_size) {
+    const std::uint64_t count = sectors_of(mini_stream_size, mini_shift);
+    const auto sectors = m_chains.take_up_to(header_number(mini_fat_start_at),
+                                             sectors_of(count * sizeof(std::uint32_t), m_shift));
+    std::vector<std::uint32_t> next = sector_numbers(units_of(sectors, sizeof(std::uint32_t)));
+    if (next.size() > count) next.resize(static_cast<std::size_t>(count));
+    return SectorChains(std::move(next));
+}
+
+std::vector<std::byte> CompoundSectors::units_of(const std::vector<std::uint32_t>& sectors,
+                                                 std::size_t unit) const {
+    constexpr std::byte missing{0xFF};
+    std::vector<std::byte> bytes;
+    for (const std::uint32_t sector : sectors) {
+        const std::size_t there = std::min(sector_size(), m_file.size() - offset(sector));
+        const auto whole = m_file.subspan(offset(sector), there / unit * unit);
+        bytes.insert(bytes.end(), whole.begin(), whole.end());
+        bytes.resize(bytes.size() + sector_size() - whole.size(), missing);
+    }
+    return bytes;
 }
 
 } // namespace pm

@@ -9,9 +9,14 @@
 
 namespace pm {
 
-// Sectors, each with the number of its successor. Nothing is trusted: a chain that leaves the table, meets a
-// sector taken before (its own or another chain's) or doesn't end is no chain. All chains of a table together
-// cost no more than its size.
+// How many sectors of 1 << shift bytes `size` bytes take.
+constexpr std::uint64_t sectors_of(std::uint64_t size, unsigned shift) {
+    return size == 0 ? 0 : ((size - 1) >> shift) + 1;
+}
+
+// Sectors, each with the number of its successor. Nothing is trusted: a chain breaks where it leaves the
+// table or meets a sector taken before, its own or another chain's. An end mark ends it, and so does a free
+// mark, which some writers leave. All chains of a table together cost no more than its size.
 class SectorChains {
 public:
     SectorChains() = default;
@@ -20,10 +25,22 @@ public:
 
     // False if there is no such sector or it was taken.
     bool take(std::uint32_t sector);
-    // The sectors of a chain in order, taken from now on.
+    // The sectors of a chain in order, taken from now on. Nothing if it breaks.
     std::optional<std::vector<std::uint32_t>> take_chain(std::uint32_t first);
+    // The first `count` sectors of a chain, whatever follows them. Nothing if it has fewer.
+    std::optional<std::vector<std::uint32_t>> take_chain(std::uint32_t first, std::uint64_t count);
+    // The first `count` sectors of a chain, or as many as there are.
+    std::vector<std::uint32_t> take_up_to(std::uint32_t first, std::uint64_t count) {
+        return follow(first, count).sectors;
+    }
 
 private:
+    struct Chain {
+        std::vector<std::uint32_t> sectors;
+        bool broken = false;
+    };
+    Chain follow(std::uint32_t first, std::uint64_t limit);
+
     std::vector<std::uint32_t> m_next;
     std::vector<bool> m_taken;
 };
@@ -50,22 +67,24 @@ public:
 
     unsigned shift() const { return m_shift; }
     std::uint32_t header_number(std::size_t at) const;
-    // The sectors of a chain in order; a chain is handed out once.
-    std::optional<std::vector<std::uint32_t>> chain(std::uint32_t first) {
-        return m_chains.take_chain(first);
-    }
-    // The first `size` bytes of a chain; nothing if there are fewer of them in chain or file.
+    // The first `size` bytes of a chain; nothing if there are fewer of them in chain or file. A sector is
+    // handed out once.
     std::optional<std::vector<std::byte>> content(std::uint32_t first, std::uint64_t size);
-    // All sectors of a chain; nothing if the file ends before one of them does.
-    std::optional<std::vector<std::byte>> content(std::uint32_t first);
-    // Where a sector begins in the file.
-    std::size_t offset(std::uint32_t sector) const { return (std::size_t{sector} + 1) << m_shift; }
+    // The entries of the directory in whole sectors; nothing if its chain breaks.
+    std::optional<std::vector<std::byte>> directory();
+    // The chains of the mini stream, as far as their table can be read.
+    SectorChains mini_chains(std::uint64_t mini_stream_size);
 
 private:
     CompoundSectors(std::span<const std::byte> file, unsigned shift);
     bool read_allocation_table();
     bool list_table_sectors(std::vector<std::uint32_t>& sectors);
+    // Where a sector begins in the file.
+    std::size_t offset(std::uint32_t sector) const { return (std::size_t{sector} + 1) << m_shift; }
     bool is_whole(std::uint32_t sector) const;
+    // The content of sectors that exist, for units that divide a sector: one that the file's end cuts off has
+    // all bits set.
+    std::vector<std::byte> units_of(const std::vector<std::uint32_t>& sectors, std::size_t unit) const;
     std::size_t sector_size() const { return std::size_t{1} << m_shift; }
     SectorSpace space() const { return {m_file, sector_size(), m_shift}; }
 

@@ -12,10 +12,11 @@ namespace pm {
 // Structured storage: a compound file holds a tree of storages (folders) with streams (files) in them. The
 // operations and their rules are those of the system interfaces of the same names.
 //
-// Names have 1 to 31 units, none of / \ : ! and no unpaired surrogate, and are compared without case within a
-// storage. Creating an element replaces one of the same name, whether storage or stream. A failure is a false
-// or null result; nothing here throws but std::bad_alloc. Objects may die in any order. Those of an element
-// that was replaced, or whose root storage died, only fail from then on.
+// Names have 1 to 31 units, none of / \ : !, and are compared without case within a storage. Creating an
+// element replaces one of the same name, whether storage or stream. A failure is a false or null result, also
+// where there is no memory for a file or a stream; nothing here throws but std::bad_alloc for the small
+// objects. Objects may die in any order. Those of an element that was replaced, or whose root storage died,
+// only fail from then on.
 //
 // What is written stands in the file when the root storage dies, also by an exception. Until then, or until
 // Commit, the file is a compound file with what stood in it before.
@@ -31,6 +32,7 @@ public:
 struct STATSTG {
     std::u16string name;
     bool is_storage = false;
+    bool repeated = false; // a further entry of the name before it: only the first can be opened
 };
 
 class IEnumSTATSTG {
@@ -38,7 +40,8 @@ public:
     enum class Result { element, end, failure };
     virtual ~IEnumSTATSTG() = default;
     // One element at a time, in the compound format's own order: shorter names first, names of one length by
-    // their uppercase units.
+    // their uppercase units. Those that can't be opened come too. Ends with a failure if there are entries in
+    // the file that have no name or are out of reach.
     virtual Result Next(STATSTG& element) = 0;
 };
 
@@ -51,7 +54,6 @@ public:
     // Null if there is no element of that name, or one of the other kind, or if it is broken in the file.
     virtual std::unique_ptr<IStream> OpenStream(std::u16string_view name) = 0;
     virtual std::unique_ptr<IStorage> OpenStorage(std::u16string_view name) = 0;
-    // Null if the list of elements is broken in the file.
     virtual std::unique_ptr<IEnumSTATSTG> EnumElements() = 0;
     // Writes the file as the tree stands; of use to learn whether that fails, since the root storage's end
     // does the same and can't tell. False if there is no room (the file is as it was before) or the writing

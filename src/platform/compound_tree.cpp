@@ -1,38 +1,6 @@
 #include "platform/compound_tree.h"
 
-#include <algorithm>
-#include <unicode/uchar.h>
-#include <unicode/utf16.h>
-
 namespace pm {
-
-namespace {
-
-constexpr std::size_t name_limit = 31;
-constexpr std::u16string_view units_not_allowed(u"/\\:!\0", 5);
-
-bool is_paired(std::u16string_view text) {
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (!U16_IS_SURROGATE(text[at])) continue;
-        if (!U16_IS_LEAD(text[at]) || at + 1 == text.size() || !U16_IS_TRAIL(text[at + 1])) return false;
-        ++at;
-    }
-    return true;
-}
-
-} // namespace
-
-bool compound_name_allowed(std::u16string_view name) {
-    return !name.empty() && name.size() <= name_limit &&
-           name.find_first_of(units_not_allowed) == std::u16string_view::npos && is_paired(name);
-}
-
-std::u16string compound_name_key(std::u16string_view name) {
-    std::u16string key(name);
-    std::transform(key.begin(), key.end(), key.begin(),
-                   [](char16_t unit) { return static_cast<char16_t>(u_toupper(unit)); });
-    return key;
-}
 
 CompoundTree::CompoundTree() {
     make(u"Root Entry", CompoundKind::storage);

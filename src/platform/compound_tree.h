@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/compound_names.h"
+#include <array>
 #include <cstddef>
 #include <deque>
 #include <map>
@@ -11,12 +13,6 @@ namespace pm {
 
 struct CompoundElement;
 
-// The compound format's own order of names: shorter ones first, those of one length by their uppercase units.
-struct CompoundNameOrder {
-    bool operator()(const std::u16string& a, const std::u16string& b) const {
-        return a.size() != b.size() ? a.size() < b.size() : a < b;
-    }
-};
 // The elements of a storage by the keys of their names.
 using CompoundChildren = std::map<std::u16string, CompoundElement*, CompoundNameOrder>;
 
@@ -25,16 +21,15 @@ enum class CompoundKind { storage, stream };
 struct CompoundElement {
     std::u16string name;
     CompoundKind kind = CompoundKind::stream;
-    bool sound = true;           // false if its content couldn't be taken from the file
+    bool sound = true;           // false if it can't be taken from the file: by name, type or content
+    bool complete = true;        // of a storage: false if a part of its list can't be taken from the file
     bool attached = true;        // false once it was replaced, or the tree was closed
+    std::size_t repeats = 0;     // further entries of its name in the file, none of which can be opened
     std::vector<std::byte> data; // of a stream
     CompoundChildren children;   // of a storage
+    // Class identifier and state bits, which belong to other programs: kept as they are in the file.
+    std::array<std::byte, 20> class_and_state{};
 };
-
-// 1 to 31 units, none of / \ : ! and no zero, every surrogate one of a pair.
-bool compound_name_allowed(std::u16string_view name);
-// What names are compared by: each unit in upper case.
-std::u16string compound_name_key(std::u16string_view name);
 
 // The tree of a compound file in memory. It owns all elements that ever were in it, so that an element stays
 // readable through a pointer (as detached and empty) until the tree dies.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/compound_format.h"
 #include "platform/compound_tree.h"
 #include <cstddef>
 #include <optional>
@@ -7,8 +8,10 @@
 
 namespace pm {
 
-// A compound file with this tree in it. Nothing if an element of the tree isn't sound, so that rewriting a
-// broken file never loses what might be saved from it, or if the tree is more than such a file holds.
-std::optional<std::vector<std::byte>> write_compound_file(const CompoundTree& tree);
+// A compound file of version 3 with this tree in it. Nothing if a part of the tree couldn't be taken from the
+// file it comes from, so that rewriting a broken file never loses what might be saved from it, or if the
+// file would be larger than `limit`.
+std::optional<std::vector<std::byte>> write_compound_file(const CompoundTree& tree,
+                                                          std::size_t limit = compound::largest_file);
 
 } // namespace pm

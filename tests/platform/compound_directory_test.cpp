@@ -7,8 +7,9 @@
 #include <bit>
 #include <gtest/gtest.h>
 #include <pm_test_paths.h>
-#include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace pm {
 namespace {
@@ -51,10 +52,6 @@ private:
     std::size_t m_start;
 };
 
-Bytes fixture(const std::string& name) {
-    return test::bytes_of(test::TempFolder::read_file(PM_TEST_DATA "/compound/" + name));
-}
-
 class Balanced : public testing::TestWithParam<int> {};
 
 TEST_P(Balanced, TreeIsRedBlackInTheOrderOfNames) {
@@ -73,18 +70,11 @@ TEST_P(Balanced, TreeIsRedBlackInTheOrderOfNames) {
 INSTANTIATE_TEST_SUITE_P(Counts, Balanced,
                          testing::Values(0, 1, 2, 3, 4, 5, 6, 7, 8, 12, 15, 16, 63, 64, 500));
 
-TEST(CompoundDirectory, OrderOfAnotherWriterIsSetRight) {
-    Bytes file = fixture("cfb_names.doc");
-    ASSERT_TRUE(balance_compound_directory(file));
-    TreeCheck check(file);
-    check.check(check.child(u"Root Entry"));
-    EXPECT_EQ(26, check.count);
-    EXPECT_EQ(5, check.deepest);
-}
-
 TEST(CompoundDirectory, EveryStorageIsBalanced) {
-    Bytes file = fixture("gsf_createole.doc");
-    ASSERT_TRUE(balance_compound_directory(file));
+    const auto tree = read_compound_file(
+        test::bytes_of(test::TempFolder::read_file(PM_TEST_DATA "/compound/gsf_createole.doc")));
+    ASSERT_NE(nullptr, tree);
+    const Bytes file = test::file_of(*tree);
     for (const auto& [name, count] :
          {std::pair(u"Root Entry", 8), {u"list", 60}, {u"folder", 3}, {u"inner", 1}}) {
         TreeCheck check(file);
@@ -93,47 +83,20 @@ TEST(CompoundDirectory, EveryStorageIsBalanced) {
     }
 }
 
-TEST(CompoundDirectory, NothingElseInTheFileChanges) {
-    const Bytes before = fixture("cfb_many.doc");
-    Bytes file = before;
-    ASSERT_TRUE(balance_compound_directory(file));
-    ASSERT_EQ(before.size(), file.size());
-    const std::size_t start = 512 * (get32(file, directory_start_at) + std::size_t{1});
-    const std::set<std::size_t> links{67, 68, 69, 70, 71, 72, 73, 74, 75, 76, 77, 78, 79};
-    for (std::size_t at = 0; at < file.size(); ++at) {
-        if (file[at] != before[at]) {
-            EXPECT_TRUE(at >= start && links.count(at % entry_size) == 1) << at;
-        }
-    }
-    EXPECT_NE(before, file);
-}
-
-TEST(CompoundDirectory, WhatIsNoCompoundFileIsLeftAlone) {
-    Bytes file = test::bytes_of("text");
-    EXPECT_FALSE(balance_compound_directory(file));
-    EXPECT_EQ(test::bytes_of("text"), file);
-}
-
-TEST(CompoundDirectory, FileThatEndsInItsDirectoryIsLeftAlone) {
+TEST(CompoundDirectory, ElementsAreNumberedStorageByStorageInTheirOrder) {
     CompoundTree tree;
-    Bytes file = test::file_of(tree);
-    const auto directory = static_cast<std::uint32_t>(file.size() / 512 - 1);
-    put32(file, directory_start_at, directory);
-    put32(file, test::successor_at(file, directory), end_of_chain);
-    file.resize(file.size() + 100);
-    const Bytes before = file;
-    EXPECT_FALSE(balance_compound_directory(file));
-    EXPECT_EQ(before, file);
-}
-
-TEST(CompoundDirectory, DirectoryWithACycleIsLeftAlone) {
-    CompoundTree tree;
-    Bytes file = test::file_of(tree);
-    const std::uint32_t start = get32(file, directory_start_at);
-    put32(file, test::successor_at(file, start), start);
-    const Bytes before = file;
-    EXPECT_FALSE(balance_compound_directory(file));
-    EXPECT_EQ(before, file);
+    CompoundElement& b = test::add_storage(tree, tree.root(), u"b");
+    CompoundElement& a = test::add_storage(tree, tree.root(), u"a");
+    CompoundElement& below_b = test::add_stream(tree, b, u"c", "");
+    CompoundElement& below_a = test::add_stream(tree, a, u"d", "");
+    const CompoundDirectory directory(tree);
+    std::vector<const CompoundElement*> elements;
+    for (const auto& entry : directory.entries())
+        elements.push_back(entry.element);
+    EXPECT_EQ((std::vector<const CompoundElement*>{&tree.root(), &a, &b, &below_a, &below_b}), elements);
+    EXPECT_EQ(2U, directory.entries()[0].child);
+    EXPECT_EQ(1U, directory.entries()[2].left);
+    EXPECT_EQ(no_entry, directory.entries()[2].right);
 }
 
 } // namespace

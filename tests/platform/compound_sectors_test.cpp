@@ -33,9 +33,44 @@ TEST(SectorChains, CycleIsNoChain) {
 TEST(SectorChains, SectorOutsideTheTableIsNoChain) {
     EXPECT_FALSE(SectorChains({1, 2}).take_chain(0));
     EXPECT_FALSE(SectorChains({1, 2}).take_chain(2));
-    EXPECT_FALSE(SectorChains({0xFFFFFFFF}).take_chain(0));
-    EXPECT_FALSE(SectorChains({0xFFFFFFFD}).take_chain(0));
+    EXPECT_FALSE(SectorChains({fat_sector}).take_chain(0));
+    EXPECT_FALSE(SectorChains({difat_sector}).take_chain(0));
     EXPECT_FALSE(SectorChains().take_chain(0));
+}
+
+TEST(SectorChains, FreeMarkEndsAChainToo) {
+    SectorChains chains({1, free_sector});
+    EXPECT_EQ((Numbers{0, 1}), chains.take_chain(0));
+    EXPECT_EQ(Numbers{}, chains.take_chain(free_sector));
+}
+
+TEST(SectorChains, ChainIsFollowedAsFarAsAskedAndNoFurther) {
+    SectorChains chains({1, 2, 3, 1000});
+    EXPECT_EQ((Numbers{0, 1}), chains.take_chain(0, 2));
+    EXPECT_EQ(Numbers{}, chains.take_chain(1000, 0));
+    EXPECT_EQ((Numbers{2, 3}), chains.take_chain(2, 2));
+}
+
+TEST(SectorChains, ShorterChainThanAskedIsNone) {
+    EXPECT_FALSE(SectorChains({1, end}).take_chain(0, 3));
+    EXPECT_FALSE(SectorChains({1, end, end}).take_chain(0, 3));
+    EXPECT_FALSE(SectorChains({1, 0, end}).take_chain(0, 3));
+    EXPECT_FALSE(SectorChains({1, end}).take_chain(0, 0xFFFFFFFFFFFFFFFF));
+}
+
+TEST(SectorChains, AsMuchOfAChainAsThereIsCanBeTaken) {
+    EXPECT_EQ((Numbers{0, 1}), SectorChains({1, end}).take_up_to(0, 5));
+    EXPECT_EQ((Numbers{0, 1}), SectorChains({1, 1000}).take_up_to(0, 5));
+    EXPECT_EQ((Numbers{0}), SectorChains({1, end}).take_up_to(0, 1));
+    EXPECT_EQ(Numbers{}, SectorChains({1, end}).take_up_to(1000, 5));
+}
+
+TEST(SectorsOf, LastSectorCountsWhole) {
+    EXPECT_EQ(0U, sectors_of(0, 9));
+    EXPECT_EQ(1U, sectors_of(1, 9));
+    EXPECT_EQ(1U, sectors_of(512, 9));
+    EXPECT_EQ(2U, sectors_of(513, 9));
+    EXPECT_EQ(std::uint64_t{1} << 55, sectors_of(0xFFFFFFFFFFFFFFFF, 9));
 }
 
 TEST(SectorChains, SectorBelongsToOneChain) {

@@ -59,16 +59,8 @@ protected:
 // Names
 
 TEST_F(CompoundStorage, NamesThatAreNotAllowedAreRefused) {
-    const Names refused{u"",
-                        std::u16string(32, u'n'),
-                        u"a/b",
-                        u"a\\b",
-                        u"a:b",
-                        u"a!b",
-                        std::u16string(u"a\0b", 3),
-                        u"a\xD83D",
-                        u"\xDE00"
-                        u"a"};
+    const Names refused{u"",    std::u16string(32, u'n'),  u"a/b", u"a\\b", u"a:b",
+                        u"a!b", std::u16string(u"a\0b", 3)};
     for (const std::u16string& each : refused) {
         EXPECT_EQ(nullptr, root->CreateStream(each));
         EXPECT_EQ(nullptr, root->CreateStorage(each));
@@ -80,11 +72,13 @@ TEST_F(CompoundStorage, NamesThatAreNotAllowedAreRefused) {
 
 TEST_F(CompoundStorage, NamesOfAllLengthsAndScriptsComeBack) {
     const Names expected{u"n",
+                         u"\xDE00",
                          u"名前",
                          u"Größe",
                          u"Москва",
                          u"a b.c (d)",
                          u"\u0005SummaryInformation",
+                         std::u16string(28, u'n') + u"\xD83D",
                          std::u16string(29, u'n') + u"😀",
                          std::u16string(31, u'\uFFFF')};
     for (const auto& each : expected)

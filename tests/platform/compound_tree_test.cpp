@@ -14,66 +14,6 @@ std::vector<std::u16string> names(const CompoundElement& storage) {
     return found;
 }
 
-TEST(CompoundName, OneTo31UnitsAreAllowed) {
-    EXPECT_FALSE(compound_name_allowed(u""));
-    EXPECT_TRUE(compound_name_allowed(u"n"));
-    EXPECT_TRUE(compound_name_allowed(std::u16string(31, u'n')));
-    EXPECT_FALSE(compound_name_allowed(std::u16string(32, u'n')));
-}
-
-TEST(CompoundName, SurrogatePairCountsAsTwoUnits) {
-    std::u16string name(29, u'n');
-    name += u"\U0001F600";
-    EXPECT_TRUE(compound_name_allowed(name));
-    EXPECT_FALSE(compound_name_allowed(name + u"n"));
-}
-
-TEST(CompoundName, SeparatorsAreNotAllowed) {
-    for (const char16_t unit : std::u16string_view(u"/\\:!")) {
-        EXPECT_FALSE(compound_name_allowed(std::u16string(1, unit)));
-        EXPECT_FALSE(compound_name_allowed(std::u16string(u"before") + unit + u"behind"));
-    }
-}
-
-TEST(CompoundName, ZeroUnitIsNotAllowed) {
-    EXPECT_FALSE(compound_name_allowed(std::u16string_view(u"a\0b", 3)));
-}
-
-TEST(CompoundName, OtherUnitsAreAllowed) {
-    EXPECT_TRUE(compound_name_allowed(u"\u0005SummaryInformation"));
-    EXPECT_TRUE(compound_name_allowed(u" .*?\"<>|[]{}~"));
-    EXPECT_TRUE(compound_name_allowed(u"\u540D\u524D\uFFFF"));
-}
-
-TEST(CompoundName, UnpairedSurrogateIsNotAllowed) {
-    EXPECT_FALSE(compound_name_allowed(u"a\xD83D"));
-    EXPECT_FALSE(compound_name_allowed(u"\xD83D"
-                                       u"a"));
-    EXPECT_FALSE(compound_name_allowed(u"\xDE00"
-                                       u"a"));
-    EXPECT_FALSE(compound_name_allowed(u"\xD83D\xD83D\xDE00"));
-    EXPECT_TRUE(compound_name_allowed(u"\xD83D\xDE00"));
-}
-
-TEST(CompoundName, KeyIsEachUnitInUpperCase) {
-    EXPECT_EQ(u"GR\u00D6\u00DFE 1", compound_name_key(u"Gr\u00F6\u00DFe 1"));
-    EXPECT_EQ(u"\u041C\u041E", compound_name_key(u"\u043C\u043E"));
-    EXPECT_EQ(u"\u03A3", compound_name_key(u"\u03C2"));
-    EXPECT_EQ(u"\xD801\xDC28", compound_name_key(u"\xD801\xDC28"));
-}
-
-TEST(CompoundName, ShorterNamesComeFirst) {
-    const CompoundNameOrder before;
-    EXPECT_TRUE(before(u"ZZ", u"AAA"));
-    EXPECT_FALSE(before(u"AAA", u"ZZ"));
-    EXPECT_TRUE(before(u"AB", u"AC"));
-    EXPECT_FALSE(before(u"AB", u"AB"));
-}
-
-TEST(CompoundName, NamesOfOneLengthGoByUnitsNotCharacters) {
-    EXPECT_TRUE(CompoundNameOrder()(u"\xD83D\xDE00", u"\uFF21\uFF21"));
-}
-
 TEST(CompoundTree, ChildrenStandInTheOrderOfTheirNames) {
     CompoundTree tree;
     for (const char16_t* name : {u"b", u"abc", u"A", u"aZ", u"a_", u"Zy", u"AB"}) {

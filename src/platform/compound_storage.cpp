@@ -20,6 +20,16 @@ struct OpenTree {
 };
 using SharedTree = std::shared_ptr<OpenTree>;
 
+// What `action` gives; false or null where there is no memory for it.
+template<class Action>
+auto if_memory_lasts(Action action) -> decltype(action()) {
+    try {
+        return action();
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
+
 class Stream final : public IStream {
 public:
     Stream(SharedTree tree, CompoundElement& element) : m_tree(std::move(tree)), m_element(element) {}
@@ -38,7 +48,11 @@ public:
         std::vector<std::byte>& bytes = m_element.data;
         const auto* from = static_cast<const std::byte*>(data);
         const std::size_t over = std::min(size, bytes.size() - m_position);
-        bytes.insert(bytes.end(), from + over, from + size);
+        const bool grown = if_memory_lasts([&] {
+            bytes.insert(bytes.end(), from + over, from + size);
+            return true;
+        });
+        if (!grown) return false;
         std::copy(from, from + over, bytes.begin() + static_cast<std::ptrdiff_t>(m_position));
         m_position += size;
         return true;
@@ -57,10 +71,17 @@ public:
 
     Result Next(STATSTG& element) override {
         if (!m_storage.attached) return Result::failure;
-        const auto next = m_storage.children.upper_bound(m_last);
-        if (next == m_storage.children.end()) return Result::end;
-        m_last = next->first;
-        element = {next->second->name, next->second->kind == CompoundKind::storage};
+        if (m_repeats > 0) {
+            --m_repeats;
+            m_given.repeated = true;
+        } else {
+            const auto next = m_storage.children.upper_bound(m_last);
+            if (next == m_storage.children.end()) return m_storage.complete ? Result::end : Result::failure;
+            m_last = next->first;
+            m_repeats = next->second->repeats;
+            m_given = {next->second->name, next->second->kind == CompoundKind::storage, false};
+        }
+        element = m_given;
         return Result::element;
     }
 
@@ -68,6 +89,8 @@ private:
     SharedTree m_tree;
     CompoundElement& m_storage;
     std::u16string m_last; // empty, and so before all names, at first
+    std::size_t m_repeats = 0;
+    STATSTG m_given;
 };
 
 class Storage : public IStorage {
@@ -124,12 +147,11 @@ public:
         : Storage(tree, tree->tree->root()), m_file(std::move(file)) {}
 
     ~RootStorage() override {
-        try {
-            (void)write();
+        (void)write();
+        (void)if_memory_lasts([this] {
             open_tree().tree->detach(open_tree().tree->root());
-        } catch (const std::bad_alloc&) {
-            return; // as a failed write: the file stays as it was
-        }
+            return true;
+        });
     }
     RootStorage(const RootStorage&) = delete;
     RootStorage& operator=(const RootStorage&) = delete;
@@ -139,10 +161,12 @@ public:
 private:
     bool write() {
         if (!m_file || !open_tree().changed) return true;
-        const auto content = write_compound_file(*open_tree().tree);
-        if (!content || !m_file->replace(*content)) return false;
-        open_tree().changed = false;
-        return true;
+        const bool written = if_memory_lasts([this] {
+            const auto content = write_compound_file(*open_tree().tree);
+            return content && m_file->replace(*content);
+        });
+        if (written) open_tree().changed = false;
+        return written;
     }
 
     std::unique_ptr<LockedFile> m_file;
@@ -174,9 +198,11 @@ StorageFile StgIsStorageFile(std::u16string_view name) {
 }
 
 std::unique_ptr<IStorage> StgOpenStorage(std::u16string_view name) {
-    auto file = LockedFile::open(name);
-    const auto content = file ? file->read(compound::largest_file) : std::nullopt;
-    return content ? make_root(read_compound_file(*content), std::move(file)) : nullptr;
+    return if_memory_lasts([name]() -> std::unique_ptr<IStorage> {
+        auto file = LockedFile::open(name);
+        const auto content = file ? file->read(compound::largest_file) : std::nullopt;
+        return content ? make_root(read_compound_file(*content), std::move(file)) : nullptr;
+    });
 }
 
 std::unique_ptr<IStorage> StgOpenStorageOnBytes(std::span<const std::byte> file) {

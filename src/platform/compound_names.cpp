@@ -1,0 +1,45 @@
+#include "platform/compound_names.h"
+
+#include "platform/compound_upper_case.h"
+#include <algorithm>
+
+namespace pm {
+
+namespace {
+
+constexpr std::size_t name_limit = 31;
+constexpr std::u16string_view units_not_allowed(u"/\\:!\0", 5);
+
+constexpr bool rows_ascend() {
+    for (std::size_t row = 1; row < upper_case_rows.size(); ++row) {
+        if (upper_case_rows[row].first <= upper_case_rows[row - 1].last) return false;
+    }
+    return true;
+}
+static_assert(rows_ascend());
+
+char16_t upper_case(char16_t unit) {
+    if (unit < upper_case_rows.front().first) return unit;
+    const auto next =
+        std::upper_bound(upper_case_rows.begin(), upper_case_rows.end(), unit,
+                         [](char16_t each, const UpperCaseRow& row) { return each < row.first; });
+    const UpperCaseRow& row = *(next - 1);
+    const int distance = unit - row.first;
+    const bool mapped = unit <= row.last && distance % row.step == 0;
+    return mapped ? static_cast<char16_t>(row.upper + distance) : unit;
+}
+
+} // namespace
+
+bool compound_name_allowed(std::u16string_view name) {
+    return !name.empty() && name.size() <= name_limit &&
+           name.find_first_of(units_not_allowed) == std::u16string_view::npos;
+}
+
+std::u16string compound_name_key(std::u16string_view name) {
+    std::u16string key(name);
+    std::transform(key.begin(), key.end(), key.begin(), upper_case);
+    return key;
+}
+
+} // namespace pm
