@@ -187,7 +187,9 @@ CASES = {
     "many": [("stream", "many/Item%d" % (place * 7919 % 10007), str(place % 90)) for place in range(3000)],
     "deep": [("stream", "/".join("L%d" % level for level in range(depth)) + "/value", str(depth)) for depth in range(1, 256)],
     "few": [("stream", "folder%d/%d" % (count, place), "5") for count in range(20) for place in range(count)],
-    "large": [("stream", "one", "9000000"), ("stream", "two", "100"), ("stream", "three", "8000000")],
+    # One and two sectors of the list of the table's sectors.
+    "large": [("stream", "one", "7200000")],
+    "larger": [("stream", "one", "9000000"), ("stream", "two", "100"), ("stream", "three", "8000000")],
 }
 
 
