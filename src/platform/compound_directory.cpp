@@ -12,8 +12,9 @@ CompoundDirectory::CompoundDirectory(const CompoundTree& tree) {
     for (std::size_t number = 0; number < m_entries.size(); ++number) {
         const CompoundChildren& children = m_entries[number].element->children;
         const std::size_t first = m_entries.size();
-        for (const auto& child : children)
+        for (const auto& child : children) {
             m_entries.push_back({child.second});
+        }
         m_entries[number].child = balanced(first, children.size());
     }
 }

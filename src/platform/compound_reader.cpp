@@ -79,8 +79,9 @@ std::unique_ptr<CompoundTree> Reader::read() {
     while (!m_pending.empty()) {
         const Folder folder = m_pending.back();
         m_pending.pop_back();
-        for (Child& child : children(folder))
+        for (Child& child : children(folder)) {
             add_child(*folder.storage, std::move(child));
+        }
     }
     return std::move(m_tree);
 }

@@ -20,13 +20,13 @@ struct OpenTree {
 };
 using SharedTree = std::shared_ptr<OpenTree>;
 
-// What `action` gives; false or null where there is no memory for it.
+// What `action` says; false where there is no memory for it.
 template<class Action>
-auto if_memory_lasts(Action action) -> decltype(action()) {
+bool if_memory_lasts(Action action) {
     try {
         return action();
     } catch (const std::bad_alloc&) {
-        return {};
+        return false;
     }
 }
 
@@ -198,11 +198,15 @@ StorageFile StgIsStorageFile(std::u16string_view name) {
 }
 
 std::unique_ptr<IStorage> StgOpenStorage(std::u16string_view name) {
-    return if_memory_lasts([name]() -> std::unique_ptr<IStorage> {
-        auto file = LockedFile::open(name);
-        const auto content = file ? file->read(compound::largest_file) : std::nullopt;
-        return content ? make_root(read_compound_file(*content), std::move(file)) : nullptr;
+    auto file = LockedFile::open(name);
+    if (!file) return nullptr;
+    std::unique_ptr<CompoundTree> tree;
+    (void)if_memory_lasts([&file, &tree] {
+        const auto content = file->read(compound::largest_file);
+        if (content) tree = read_compound_file(*content);
+        return content.has_value();
     });
+    return make_root(std::move(tree), std::move(file));
 }
 
 std::unique_ptr<IStorage> StgOpenStorageOnBytes(std::span<const std::byte> file) {

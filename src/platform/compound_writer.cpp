@@ -68,15 +68,17 @@ public:
 
     // Marks the next sectors as no chain's.
     void mark(std::uint64_t count, std::uint32_t what) {
-        for (; count > 0; --count)
+        for (; count > 0; --count) {
             put(what);
+        }
     }
     // Gives the first sector of a chain of the next ones.
     std::uint32_t chain(std::uint64_t count) {
         if (count == 0) return end_of_chain;
         const std::uint32_t first = m_next;
-        for (; count > 1; --count)
+        for (; count > 1; --count) {
             put(m_next + 1);
+        }
         put(end_of_chain);
         return first;
     }
@@ -165,8 +167,9 @@ void Writer::list_table_sectors() {
 
 void put_entry(std::span<std::byte> at, const CompoundDirectory::Entry& entry, std::uint8_t type) {
     const CompoundElement& element = *entry.element;
-    for (std::size_t unit = 0; unit < element.name.size(); ++unit)
+    for (std::size_t unit = 0; unit < element.name.size(); ++unit) {
         put16(at, unit * sizeof(char16_t), element.name[unit]);
+    }
     put16(at, name_size_at, static_cast<std::uint16_t>((element.name.size() + 1) * sizeof(char16_t)));
     at[type_at] = std::byte(type);
     at[colour_at] = entry.colour;
@@ -194,8 +197,9 @@ void Writer::write_entries(std::uint32_t directory, std::uint32_t mini_fat, std:
     put32(table, start_at, mini_stream);
     put32(table, size_at, static_cast<std::uint32_t>(m_layout.mini_sectors << mini_shift));
     for (; !rest.empty(); rest = rest.subspan(entry_size)) {
-        for (const std::size_t link : {left_at, right_at, child_at})
+        for (const std::size_t link : {left_at, right_at, child_at}) {
             put32(rest, link, no_entry);
+        }
     }
 }
 
