@@ -1,41 +1,9 @@
-#include "platform/compound_bytes.h"
+#include "platform/block_limit.h"
 #include "platform/compound_storage.h"
 #include "support/temp_folder.h"
-#include <cstdlib>
 #include <gtest/gtest.h>
-#include <limits>
 #include <memory>
-#include <new>
 #include <string>
-
-namespace {
-
-constexpr std::size_t no_limit = std::numeric_limits<std::size_t>::max();
-std::size_t largest_block = no_limit;
-
-// While one lives, there is no memory for a block of more than `size` bytes.
-class BlockLimit {
-public:
-    explicit BlockLimit(std::size_t size) { largest_block = size; }
-    ~BlockLimit() { largest_block = no_limit; }
-    BlockLimit(const BlockLimit&) = delete;
-    BlockLimit& operator=(const BlockLimit&) = delete;
-};
-
-} // namespace
-
-// In place of those of the whole test program.
-void* operator new(std::size_t size) {
-    void* block = size <= largest_block ? std::malloc(size > 0 ? size : 1) : nullptr;
-    if (block == nullptr) throw std::bad_alloc();
-    return block;
-}
-void operator delete(void* block) noexcept {
-    std::free(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-    std::free(block);
-}
 
 namespace pm {
 namespace {
@@ -58,7 +26,7 @@ protected:
 TEST_F(CompoundMemory, FileThatIsTooLargeForItIsNotOpened) {
     root.reset();
     {
-        const BlockLimit limit(little);
+        const test::BlockLimit limit(little);
         EXPECT_EQ(nullptr, StgOpenStorage(name));
     }
     EXPECT_NE(nullptr, StgOpenStorage(name));
@@ -67,7 +35,7 @@ TEST_F(CompoundMemory, FileThatIsTooLargeForItIsNotOpened) {
 TEST_F(CompoundMemory, TreeThatIsTooLargeForItIsNotCommittedUntilThereIsRoom) {
     const std::string before = folder.read("file.doc");
     {
-        const BlockLimit limit(little);
+        const test::BlockLimit limit(little);
         EXPECT_FALSE(root->Commit());
     }
     EXPECT_EQ(before, folder.read("file.doc"));
@@ -78,7 +46,7 @@ TEST_F(CompoundMemory, TreeThatIsTooLargeForItIsNotCommittedUntilThereIsRoom) {
 TEST_F(CompoundMemory, WriteThatIsTooLargeForItChangesNothing) {
     const auto stream = root->OpenStream(u"name");
     {
-        const BlockLimit limit(little);
+        const test::BlockLimit limit(little);
         EXPECT_FALSE(root->CreateStream(u"other")->Write(content.data(), content.size()));
         EXPECT_TRUE(stream->Write("y", 1));
     }
@@ -93,7 +61,7 @@ TEST_F(CompoundMemory, WriteThatIsTooLargeForItChangesNothing) {
 TEST_F(CompoundMemory, RootWhoseTreeIsTooLargeForItDiesQuietly) {
     const std::string before = folder.read("file.doc");
     {
-        const BlockLimit limit(little);
+        const test::BlockLimit limit(little);
         root.reset();
     }
     EXPECT_EQ(before, folder.read("file.doc"));
