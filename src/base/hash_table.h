@@ -59,18 +59,26 @@ private:
         m_threshold = static_cast<std::int32_t>(m_mean_chain * count * 0.75);
     }
 
-    // Each entry moves to the head of its new chain, old buckets in ascending order.
+    static void move_to_head(Entry*& entry, Entry*& head) {
+        Entry* const following = entry->next;
+        entry->next = head;
+        head = entry;
+        entry = following;
+    }
+
+    // Each entry moves to the head of its new chain, old buckets in ascending order and each from its tail:
+    // of two entries of one key the later one stays in front.
     void grow() {
         std::vector<Entry*> old;
         old.swap(m_buckets);
         set_bucket_count(static_cast<std::int32_t>(static_cast<float>(m_bucket_count) * m_growth));
-        for (Entry* entry : old) {
-            while (entry != nullptr) {
-                Entry* following = entry->next;
-                Entry*& head = m_buckets[bucket_of(entry->key)];
-                entry->next = head;
-                head = entry;
-                entry = following;
+        for (Entry* chain : old) {
+            Entry* from_tail = nullptr;
+            while (chain != nullptr) {
+                move_to_head(chain, from_tail);
+            }
+            while (from_tail != nullptr) {
+                move_to_head(from_tail, m_buckets[bucket_of(from_tail->key)]);
             }
         }
     }

@@ -71,13 +71,24 @@ TEST(HashTable, FindsAllEntriesAfterGrowing) {
     }
 }
 
-TEST(HashTable, AnEntryOfARepeatedKeyIsStillFoundAfterGrowing) {
-    Table table;
-    const std::vector<char16_t> keys(1000);
-    table.insert(keys.data(), u"first");
-    for (const char16_t& key : keys)
-        table.insert(&key, u"later");
-    ASSERT_NE(nullptr, table.find(keys.data()));
+// One key three times, with as many others behind it as told.
+void fill_with_a_repeated_key(Table& table, const std::vector<char16_t>& keys) {
+    for (const char16_t* value : {u"first", u"second", u"third"}) {
+        table.insert(keys.data(), value);
+    }
+    for (std::size_t key = 1; key < keys.size(); ++key) {
+        table.insert(&keys[key], u"");
+    }
+}
+
+TEST(HashTable, LaterEntryOfAKeyIsFoundHoweverOftenTheTableGrew) {
+    // 32, 64, 128, 256 and 512 buckets.
+    for (const std::size_t count : {477U, 479U, 1000U, 2000U, 5000U}) {
+        const std::vector<char16_t> keys(count);
+        Table table;
+        fill_with_a_repeated_key(table, keys);
+        EXPECT_EQ(std::u16string(u"third"), *table.find(keys.data())) << count;
+    }
 }
 
 } // namespace

@@ -99,6 +99,16 @@ TEST(StringTable, LaterLineOfAKeyWins) {
     EXPECT_EQ(u"two", Loaded("DRFX_MEDIA_SIZE_B3 \"one\"\nDRFX_MEDIA_SIZE_B3 \"two\"\n").size_text(3));
 }
 
+TEST(StringTable, LaterLineOfAKeyWinsAmongAnyNumberOfKeys) {
+    for (const int keys : {479, 480, 1000, 5000}) {
+        std::string content = "DRFX_MEDIA_SIZE_B3 \"one\"\nDRFX_MEDIA_SIZE_B3 \"two\"\n";
+        for (int row = 4; row < 3 + keys; ++row) {
+            content += "DRFX_MEDIA_SIZE_B" + std::to_string(row) + " \"x\"\n";
+        }
+        EXPECT_EQ(u"two", Loaded(content).size_text(3)) << keys;
+    }
+}
+
 TEST(StringTable, LastLineCountsOnlyWithItsLineEnd) {
     EXPECT_EQ(u"none", Loaded("DRFX_MEDIA_SIZE_B3 \"one\"").size_text(3));
     EXPECT_EQ(u"one", Loaded("DRFX_MEDIA_SIZE_B3 \"one\"\n").size_text(3));
