@@ -61,9 +61,9 @@ void PM_PDTFile::Branch::set_cell(std::u16string_view item, char16_t* cell, Cell
     case CellForm::integer:
         return set_long(item, pm::scan_long(cell), index);
     case CellForm::number:
-        return set_double(item, pm::scan_double(cell), index);
+        return set_double(item, pm::cell_number(cell), index);
     case CellForm::narrow_number:
-        return set_double(item, static_cast<float>(pm::scan_double(cell)), index);
+        return set_double(item, static_cast<float>(pm::cell_number(cell)), index);
     case CellForm::exact_yes:
         return set_bool(item, *cell == u'Y', index);
     case CellForm::any_case_yes:

@@ -62,8 +62,8 @@ void PM_PDTFile::convert_custom_capability(PM_Object& object, const char16_t* ba
         if (row.has('D')) capability.set_typed_value(u"\\default_value", row['D'], -1, type);
         capability.set_bool(u"\\range_type", is_range);
         if (is_range) {
-            capability.set_double(u"\\range_max", pm::scan_double(row['E']));
-            capability.set_double(u"\\range_min", pm::scan_double(row['F']));
+            capability.set_double(u"\\range_max", pm::cell_number(row['E']));
+            capability.set_double(u"\\range_min", pm::cell_number(row['F']));
         } else {
             add_value(row['I']);
         }

@@ -13,11 +13,11 @@ void PM_PDTFile::read_media_source_entry(PM_Object&, const char16_t*) {
             record.default_size.copy(row.name('C'));
             if (row.has('D')) {
                 mark(m_media_abilities, {48});
-                record.width = static_cast<float>(pm::scan_double(row['D']));
+                record.width = static_cast<float>(pm::cell_number(row['D']));
             }
             if (row.has('E')) {
                 mark(m_media_abilities, {49});
-                record.frame_height = static_cast<float>(pm::scan_double(row['E']));
+                record.frame_height = static_cast<float>(pm::cell_number(row['E']));
             }
         },
         [](UC_Media_Source_Entry& record, const pm::Row& row) { append_name(record.size_names, row, 'F'); });

@@ -9,7 +9,7 @@ namespace {
 constexpr std::int32_t unknown_color_system = 5;
 
 float narrow_number(const char16_t* cell) {
-    return static_cast<float>(pm::scan_double(cell));
+    return static_cast<float>(pm::cell_number(cell));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "pdt/row.h"
 
+#include "base/text.h"
 #include <algorithm>
 
 namespace pm {
@@ -56,6 +57,11 @@ void normalize_name(char16_t* text) {
         --length;
     }
     std::replace(text, text + length, u' ', u'_');
+}
+
+double cell_number(std::u16string_view cell) {
+    constexpr std::u16string_view units = u" \t\n\v\f\r+-.0123456789eE";
+    return scan_double(cell.substr(0, cell.find_first_not_of(units)));
 }
 
 Row::Row(RowLine& line, int columns) : m_line(line) {

@@ -37,6 +37,10 @@ private:
 // blank that is left a "_".
 void normalize_name(char16_t* text);
 
+// The number at the start of a cell, behind white space: decimal, with an optional sign, point and exponent.
+// 0 for none, and "inf", "nan" and "0x" begin none.
+double cell_number(std::u16string_view cell);
+
 // The fields of the line by their columns, "A" being the first.
 class Row {
 public:

@@ -33,7 +33,7 @@ void PM_PDTFile::set_typed_value(PM_Object& object, const char16_t* path, const 
     case pm::typed_long:
         return set_long(object, path, pm::scan_long(text), index);
     case pm::typed_double:
-        return set_double(object, path, pm::scan_double(text), index);
+        return set_double(object, path, pm::cell_number(text), index);
     case pm::typed_bool:
         return set_bool(object, path, *text == u'Y', index);
     case pm::typed_raw: {

@@ -49,6 +49,12 @@ TEST(CustomCapability, RangeHasBoundsAndNoList) {
     EXPECT_EQ(expected, capabilities("Fan\t\tN\t60\t100\t-.5\tPT_Long\tY\t7\n"));
 }
 
+TEST(CustomCapability, BoundThatIsNoDecimalNumberIsZero) {
+    const Items items = capabilities("Fan\t\t\t\tInformal\t0x10\tPT_Double\tY\n");
+    EXPECT_TRUE(has_item(items, "Fan\\range_max=0.0"));
+    EXPECT_TRUE(has_item(items, "Fan\\range_min=0.0"));
+}
+
 TEST(CustomCapability, RowsBelowARangeMakeAListFromIndexZero) {
     const Items expected = {
         "Fan\\localized_name=\"\"",    "Fan\\custom_caps_type=0",

@@ -46,6 +46,11 @@ TEST(MediaSourceEntry, NamedRowFillsTheRecord) {
     EXPECT_EQ((Marks{3, 48, 49}), read.pdt.media_marks());
 }
 
+TEST(MediaSourceEntry, WidthThatIsNoDecimalNumberIsZero) {
+    EXPECT_EQ(0.0F, Read("", "A\t\t\tInfinite\t0x10\n").entry(0).width);
+    EXPECT_EQ(0.0F, Read("", "A\t\t\tInfinite\t0x10\n").entry(0).frame_height);
+}
+
 TEST(MediaSourceEntry, WidthAndHeightHaveMarksOfTheirOwn) {
     EXPECT_EQ(Marks{3}, Read("", "A\n").pdt.media_marks());
     EXPECT_EQ((Marks{3, 48}), Read("", "A\t\t\t1\n").pdt.media_marks());

@@ -223,7 +223,10 @@ TEST(MiscInfo, NarrowNumbersAreRoundedTo32Bits) {
         const std::string item = std::string(line.item) + "=";
         expect_effects({{line.number, "0.1", {item + "0.10000000149011612", line.marks}},
                         {line.number, "12.5 mm", {item + "12.5", line.marks}},
-                        {line.number, "wide", {item + "0.0", line.marks}}});
+                        {line.number, "wide", {item + "0.0", line.marks}},
+                        {line.number, "Informal", {item + "0.0", line.marks}},
+                        {line.number, "nan", {item + "0.0", line.marks}},
+                        {line.number, "0x10", {item + "0.0", line.marks}}});
     }
 }
 
@@ -231,6 +234,8 @@ TEST(MiscInfo, NumbersAreNotRounded) {
     expect_effects({
         {40, "0.1", {"media\\size_max_x=0.1"}},
         {40, "x", {"media\\size_max_x=0.0"}},
+        {40, "inf", {"media\\size_max_x=0.0"}},
+        {40, "0x10", {"media\\size_max_x=0.0"}},
         {41, "0.1", {"media\\size_max_y=0.1"}},
         {41, "x", {"media\\size_max_y=0.0"}},
         {42, "0.1", {"media\\max_roll_height=0.1", media({50})}},

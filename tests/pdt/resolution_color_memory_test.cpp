@@ -123,6 +123,14 @@ TEST(Resolution, NamedRowFillsTheRecord) {
     EXPECT_EQ(Items{"Full_memory"}, names(resolution.mem_areas));
 }
 
+TEST(Resolution, CellThatIsNoDecimalNumberIsZero) {
+    const Read read("", "R\t\tInformal\tnan\t0x258\n", "");
+    const UC_Resolution& resolution = record(read.pdt.m_resolutions, 0);
+    EXPECT_EQ(0.0F, resolution.physical_x);
+    EXPECT_EQ(0.0F, resolution.physical_y);
+    EXPECT_EQ(0.0F, resolution.addressable_x);
+}
+
 TEST(Resolution, FurtherRowsAddMemoryAreas) {
     const Read read("", "R\t\t\t\t\t\t\t\t\tA\n\t\t\t\t\t\t\t\t\tB\n\n\t\t\t\t\t\t\t\t\tC\nS\n", "");
     ASSERT_EQ(2, read.pdt.m_resolutions.count());

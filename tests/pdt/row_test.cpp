@@ -1,4 +1,6 @@
 #include "pdt/row.h"
+
+#include "pdt/description.h"
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -166,6 +168,22 @@ TEST(NormalizeName, EmptyAndNearlyEmptyTexts) {
     EXPECT_EQ(u"", normalized(u"\"\""));
     EXPECT_EQ(u"\"", normalized(u"\"\"\""));
     EXPECT_EQ(u"_", normalized(u"\" \""));
+}
+
+TEST(CellNumber, IsTheDecimalNumberAtTheStart) {
+    EXPECT_EQ(12.5, pm::cell_number(u" 12.5 mm"));
+    EXPECT_EQ(-0.5, pm::cell_number(u"-.5e0x"));
+    EXPECT_EQ(250.0, pm::cell_number(u"+2.5E2e3"));
+    EXPECT_EQ(0.0, pm::cell_number(u""));
+    EXPECT_EQ(0.0, pm::cell_number(u"wide"));
+}
+
+TEST(CellNumber, TextsOfInfinityNanAndHexadecimalAreNone) {
+    for (const char16_t* cell : {u"inf", u"-inf", u"INF", u"infinity", u"Informal", u"nan", u"NaN(12)", u"-nan",
+                                 u"0x10", u"0X1.8p3", u"0x.8"}) {
+        EXPECT_EQ(0.0, pm::cell_number(cell)) << pm::test::to_narrow_name(cell);
+    }
+    EXPECT_EQ(5.0, pm::cell_number(u"5inf"));
 }
 
 TEST(NormalizeName, TabsStay) {

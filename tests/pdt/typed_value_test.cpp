@@ -53,6 +53,12 @@ TEST(TypedValue, EachType) {
     EXPECT_EQ(Items{"a\\v=<0AFF>"}, written(u"0x0AFF", 4));
 }
 
+TEST(TypedValue, DoublesAreDecimal) {
+    for (const char16_t* text : {u"inf", u"nan", u"Informal", u"0x10"}) {
+        EXPECT_EQ(Items{"a\\v=0.0"}, written(text, 2)) << pm::test::to_narrow_name(text);
+    }
+}
+
 TEST(TypedValue, BoolIsTrueForUppercaseYOnly) {
     EXPECT_EQ(Items{"a\\v=true"}, written(u"Yellow", 3));
     EXPECT_EQ(Items{"a\\v=false"}, written(u"y", 3));
