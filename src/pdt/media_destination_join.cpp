@@ -24,6 +24,7 @@ public:
                        const ZT_String& name, const Marks& marks) {
         const Record* record = records.find_by_name(name.text());
         if (record == nullptr || record->name.length() <= 0) return;
+        m_pdt.count_joined(1);
         m_destination.set_string(item, record->name);
         mark(m_pdt.m_media_abilities, marks);
     }
@@ -37,9 +38,12 @@ public:
     void write_list(const char16_t* kind, const SimpleListWithSearch<Record>& records,
                     const UC_Name_List& names, std::initializer_list<Number<Record>> numbers,
                     const Marks& marks) {
+        auto items = static_cast<std::uint32_t>(4 + numbers.size()); // with the node of the kind
         for (const ZT_String& name : names) {
             const Record* record = records.find_by_name(name.text());
             if (record == nullptr) continue;
+            m_pdt.count_joined(items);
+            items = static_cast<std::uint32_t>(3 + numbers.size());
             mark(m_pdt.m_media_abilities, marks);
             Branch branch = m_destination.below({kind, record->name.text()});
             branch.set_long(u"\\caps_type", m_pdt.m_caps_type);

@@ -23,7 +23,8 @@ void PM_PDTFile::read_media_source_entry(PM_Object&, const char16_t*) {
         [](UC_Media_Source_Entry& record, const pm::Row& row) { append_name(record.size_names, row, 'F'); });
 }
 
-void PM_PDTFile::write_source_entry(const Branch& source, const UC_Media_Source_Entry& record) {
+void PM_PDTFile::write_source_entry(const Branch& source, const UC_Media_Source_Entry& record, bool first) {
+    count_joined(first ? 7 : 6);
     Branch entry = source.below({u"\\entry\\", record.name.text()});
     entry.set_string(u"\\default_size", record.default_size);
     entry.set_double(u"\\width", record.width);
@@ -33,6 +34,7 @@ void PM_PDTFile::write_source_entry(const Branch& source, const UC_Media_Source_
     mark(m_media_abilities, {4});
     int index = 0;
     for (const ZT_String& name : record.size_names) {
+        count_joined(index == 0 ? 4 : 3);
         entry.set_string(u"\\size_names\\*\\name", name, index);
         entry.set_long(u"\\size_names\\*\\caps_type", m_caps_type, index);
         ++index;
@@ -44,11 +46,13 @@ void PM_PDTFile::write_source_entry(const Branch& source, const UC_Media_Source_
 void PM_PDTFile::convert_media_source(PM_Object& object, const char16_t* base) {
     pm::SectionReader section = open_rows(pm::Section::media_source);
     Branch source(object, base, {u"\\media\\source\\"});
+    bool first_entry = true;
     for (int number = pm::SectionReader::first_row; section.read_row(m_line); ++number) {
         const pm::Row row(m_line, 5);
         const char16_t* name = row.name('A');
         if (*name != 0) {
             source.enter({name});
+            first_entry = true;
             mark(m_media_abilities, {2, 1});
             source.set_long(u"\\caps_type", m_caps_type);
             source.set_string(u"\\localized_name",
@@ -63,6 +67,6 @@ void PM_PDTFile::convert_media_source(PM_Object& object, const char16_t* base) {
         if (!row.has('D')) continue;
         const UC_Media_Source_Entry* entry = m_source_entries.find_by_name(row.name('D'));
         if (entry == nullptr || entry->name.length() <= 0) continue;
-        write_source_entry(source, *entry);
+        write_source_entry(source, *entry, std::exchange(first_entry, false));
     }
 }

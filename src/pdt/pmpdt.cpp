@@ -86,6 +86,11 @@ void PM_PDTFile::getVersion(char16_t* buffer, std::size_t size) {
     copy_version(m_line.next_field(position), buffer, size);
 }
 
+void PM_PDTFile::count_joined(std::uint32_t items) {
+    if (items > most_joined - m_joined) pm::throw_pdt_failure(PM_ERR_NOT_READ, file_name());
+    m_joined += items;
+}
+
 void PM_PDTFile::append_name(UC_Name_List& list, const pm::Row& row, char column) {
     if (row.has(column)) list.append(ZT_String(row.name(column)));
 }

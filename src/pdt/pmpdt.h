@@ -17,7 +17,11 @@ public:
     using PM_PIAFile::PM_PIAFile;
     ~PM_PDTFile() override;
 
-    // Numbers (PM_Severe, place u"PM_PDTFile::load()"): 52 no object, 51 an empty base, 54 another type, each
+    // What the joins of records make, nodes and properties together, written again or not.
+    static constexpr std::uint32_t most_joined = 2'000'000;
+
+    // Numbers (PM_Severe, place u"PM_PDTFile::load()"): 66 if joins would make more than most_joined, with the
+    // string file; 52 no object, 51 an empty base, 54 another type, each
     // with the base; those of SectionReader for a table that can't be read, 56 for the string file. Bad cells
     // are no failure. What setData raises passes.
     void load(PM_Object* object, const char16_t* root, PM_Object::FileType type) override;
@@ -99,11 +103,11 @@ protected:
     void convert_linetype(PM_Object& object, const char16_t* base);
 
     // Writes an entry below the source that `source` is at.
-    void write_source_entry(const Branch& source, const UC_Media_Source_Entry& record);
+    void write_source_entry(const Branch& source, const UC_Media_Source_Entry& record, bool first);
     // A step of convert_misc_info: writes the colour records with their resolutions and memory areas.
     void publish_res_color_mem(PM_Object& object, const char16_t* base);
     // Writes a resolution below the colour record that `mode` is at.
-    void write_resolution(const Branch& mode, const UC_Resolution& record);
+    void write_resolution(const Branch& mode, const UC_Resolution& record, bool first);
     void write_memory_areas(Branch& resolution, const UC_Name_List& names);
     // The last step of load.
     void write_capability_states(PM_Object& object, const char16_t* base);
@@ -118,6 +122,8 @@ protected:
                       Every every);
     template<class Record, class Named>
     void read_records(pm::Section section, int columns, SimpleListWithSearch<Record>& list, Named named);
+    // To be called before a join writes so many nodes and properties.
+    void count_joined(std::uint32_t items);
     // Appends the cell as a name, unless the cell is empty.
     static void append_name(UC_Name_List& list, const pm::Row& row, char column);
 
@@ -129,6 +135,7 @@ protected:
     pm::StringTable m_strings;
     pm::RowLine m_line;
     std::int32_t m_caps_type = 0; // of every "caps_type" item; nothing changes it
+    std::uint32_t m_joined = 0;
     bool m_landscape_seen = false;
     bool m_portrait_seen = false;
 

@@ -89,15 +89,16 @@ void PM_PDTFile::publish_res_color_mem(PM_Object& object, const char16_t* base) 
             mode.set_string(u"\\default_resolution", record.default_resolution);
         }
         mode.set_long(u"\\caps_type", m_caps_type);
+        bool first = true;
         for (const ZT_String& name : record.resolutions) {
             if (const UC_Resolution* found = m_resolutions.find_by_name(name.text())) {
-                write_resolution(mode, *found);
+                write_resolution(mode, *found, std::exchange(first, false));
             }
         }
     }
 }
 
-void PM_PDTFile::write_resolution(const Branch& mode, const UC_Resolution& record) {
+void PM_PDTFile::write_resolution(const Branch& mode, const UC_Resolution& record, bool first) {
     struct Pair {
         int ability;
         const char16_t* item_x;
@@ -113,20 +114,24 @@ void PM_PDTFile::write_resolution(const Branch& mode, const UC_Resolution& recor
         {10, u"\\effective_resolution_x", u"\\effective_resolution_y", &UC_Resolution::effective_x,
          &UC_Resolution::effective_y},
     };
+    count_joined(first ? 4 : 3);
     Branch branch = mode.below({u"\\resolution_list\\", record.name.text()});
     mark(m_res_color_mem_abilities, {3});
     branch.set_long(u"\\caps_type", m_caps_type);
     branch.set_string(u"\\localized_name", record.localized_name);
     for (const Pair& pair : pairs) {
         if (record.*pair.x == 0.0F) continue;
+        count_joined(2);
         mark(m_res_color_mem_abilities, {pair.ability});
         branch.set_double(pair.item_x, record.*pair.x);
         branch.set_double(pair.item_y, record.*pair.y);
     }
     if (record.default_mem_area.length() > 0) {
+        count_joined(1);
         branch.set_string(u"\\default_mem_area", record.default_mem_area);
     }
     if (record.dithering.length() > 0) {
+        count_joined(2);
         mark(m_res_color_mem_abilities, {4});
         // Below the resolution, whatever its name says (kept: readers look there).
         branch.set_string(u"\\res_color_mem\\dithering_list", record.dithering);
@@ -139,6 +144,7 @@ void PM_PDTFile::write_memory_areas(Branch& resolution, const UC_Name_List& name
     for (const ZT_String& name : names) {
         const UC_Memory_Area* area = m_memory_areas.find_by_name(name.text());
         if (area == nullptr) continue;
+        count_joined(index == 0 ? 4 : 3);
         mark(m_res_color_mem_abilities, {7});
         resolution.set_long(u"\\mem_area\\*\\caps_type", m_caps_type, index);
         resolution.set_string(u"\\mem_area\\*\\name", area->name, index);

@@ -41,6 +41,20 @@ inline constexpr Section loaded_sections[] = {
     Section::line_type_capabilities,
 };
 
+// The current folder, as long as one lives.
+class CurrentFolder {
+public:
+    explicit CurrentFolder(const std::filesystem::path& folder) : m_old(std::filesystem::current_path()) {
+        std::filesystem::current_path(folder);
+    }
+    ~CurrentFolder() { std::filesystem::current_path(m_old); }
+    CurrentFolder(const CurrentFolder&) = delete;
+    CurrentFolder& operator=(const CurrentFolder&) = delete;
+
+private:
+    std::filesystem::path m_old;
+};
+
 // A folder with a device description in which every table has its two heading lines only, and no text is
 // translated, until a test says otherwise.
 class Description {

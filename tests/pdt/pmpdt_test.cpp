@@ -10,6 +10,7 @@
 namespace {
 
 using pm::Section;
+using pm::test::CurrentFolder;
 using pm::test::Description;
 using pm::test::expect_thrown;
 using pm::test::has_item;
@@ -19,19 +20,6 @@ using pm::test::OpenObject;
 using pm::test::OpenPdt;
 
 constexpr const char16_t* place = u"PM_PDTFile::load()";
-
-class CurrentFolder {
-public:
-    explicit CurrentFolder(const std::filesystem::path& folder) : m_old(std::filesystem::current_path()) {
-        std::filesystem::current_path(folder);
-    }
-    ~CurrentFolder() { std::filesystem::current_path(m_old); }
-    CurrentFolder(const CurrentFolder&) = delete;
-    CurrentFolder& operator=(const CurrentFolder&) = delete;
-
-private:
-    std::filesystem::path m_old;
-};
 
 // --- What a load writes and where
 

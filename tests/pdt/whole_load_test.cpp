@@ -8,6 +8,7 @@
 namespace {
 
 using pm::Section;
+using pm::test::CurrentFolder;
 using pm::test::Description;
 using pm::test::expect_thrown;
 using pm::test::has_item;
@@ -15,20 +16,6 @@ using pm::test::Items;
 using pm::test::OpenObject;
 
 const std::u16string sample = u"" PM_SAMPLES "/dx4200/strings.pdt";
-
-// The current folder, as long as one lives.
-class CurrentFolder {
-public:
-    explicit CurrentFolder(const std::filesystem::path& folder) : m_before(std::filesystem::current_path()) {
-        std::filesystem::current_path(folder);
-    }
-    ~CurrentFolder() { std::filesystem::current_path(m_before); }
-    CurrentFolder(const CurrentFolder&) = delete;
-    CurrentFolder& operator=(const CurrentFolder&) = delete;
-
-private:
-    std::filesystem::path m_before;
-};
 
 Items sample_items(const char16_t* base, std::u16string_view path) {
     OpenObject object;
