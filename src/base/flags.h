@@ -4,6 +4,10 @@
 #include <pm/zt_string.h>
 #include <string>
 
+namespace pm {
+struct FlagAccess;
+}
+
 // A fixed number of flags, each a number from 0 to 15, all 0 at the start. A subclass only tells how many.
 class ZT_Flags : public ZT_Object {
 public:
@@ -13,7 +17,7 @@ public:
     ~ZT_Flags() override;
 
 protected:
-    friend class PM_PDTFile; // the reader of device descriptions, which fills the sets
+    friend struct pm::FlagAccess;
 
     // An index outside the set is ignored, and reads 0. Of a value the low four bits are kept.
     void set_flag(int index, int value);
@@ -28,6 +32,17 @@ private:
 
     std::u16string m_digits;
 };
+
+namespace pm {
+
+// Opens the flags of any set to whoever fills or shows it.
+struct FlagAccess {
+    static void set(ZT_Flags& flags, int index, int value) { flags.set_flag(index, value); }
+    static int get(const ZT_Flags& flags, int index) { return flags.get_flag(index); }
+    static const char16_t* text(const ZT_Flags& flags) { return flags.get_flags(); }
+};
+
+} // namespace pm
 
 class ZT_Abilities : public ZT_Flags {
 public:

@@ -1,16 +1,43 @@
 #pragma once
 
-#include "pdt/pmpdt.h"
+#include "pdt/abilities.h"
+#include "pdt/load.h"
+#include <span>
 #include <string>
 
+namespace pm {
+
+// How a cell is stored.
+enum class CellForm {
+    text,          // as it stands
+    name,          // after normalize_name
+    integer,       // the integer at its start
+    number,        // the number at its start
+    narrow_number, // the same, rounded to 32 bits
+    exact_yes,     // true for "Y" as first character
+    any_case_yes,  // true for "Y" and "y"
+    unless_u       // false for "U"
+};
+
+// A cell that is written to an item, and what is then marked, if it, or the cell that `if_set` names, isn't
+// empty.
+struct CellItem {
+    char column;
+    const char16_t* item;
+    CellForm form = CellForm::text;
+    Marks marks = {};
+    char if_set = 0;
+};
+
 // A place in the tree, and the writing of items below it. Places and items are path texts that are joined as
-// they stand, in one buffer; an item with a "*" takes an index for it. What setData raises passes.
-class PM_PDTFile::Branch {
+// they stand, in one buffer; an item with a "*" takes an index for it. What SetProperty raises passes.
+class Branch {
 public:
     using Texts = std::initializer_list<std::u16string_view>;
 
     // The place is `base` and `texts` behind it.
     Branch(PM_Object& target, std::u16string_view base, Texts texts);
+    Branch(const PdtLoad& load, Texts texts) : Branch(*load.object, load.base, texts) {}
 
     // A branch of its own, from this place with `texts` behind it.
     Branch below(Texts texts) const;
@@ -24,11 +51,15 @@ public:
     void set_string(std::u16string_view item, const ZT_String& text, int index = -1) {
         set_string(item, text.text(), index);
     }
+    void set_bytes(std::u16string_view item, std::span<const unsigned char> bytes, int index = -1);
+    // The text form of the set.
+    void set_flags(std::u16string_view item, const ZT_Flags& flags) {
+        set_string(item, FlagAccess::text(flags));
+    }
     void set_cell(std::u16string_view item, char16_t* cell, CellForm form, int index = -1);
-    void set_typed_value(std::u16string_view item, const char16_t* text, int index, std::int32_t type);
 
-    // Writes the item and marks its abilities, and gives true, unless the tested cell is empty.
-    bool set_present(const CellItem& item, const pm::Row& row, ZT_Flags& flags, int index = -1);
+    // Writes the item and marks what goes with it, and gives true, unless the cell that decides is empty.
+    bool set_present(const CellItem& item, const Row& row, ZT_Flags& flags, int index = -1);
 
 private:
     const char16_t* path(std::u16string_view item);
@@ -39,3 +70,5 @@ private:
     std::size_t m_root_length;
     std::size_t m_place_length;
 };
+
+} // namespace pm

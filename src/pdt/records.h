@@ -1,10 +1,8 @@
 #pragma once
 
 #include "base/simple_list.h"
-#include "pdt/section_reader.h"
 #include <cstdint>
 #include <pm/zt_string.h>
-#include <utility>
 
 // Records of sections that later sections refer to by name. Names in a record are references by name: one
 // without a record is no failure.
@@ -111,30 +109,3 @@ struct UC_Resolution_Color_Memory {
 
     void clear_lists() { resolutions.clear(); }
 };
-
-namespace pm {
-
-// How the rows of a section become the records of a list: a record is appended when the next named row is
-// met, or the rows end. Only the row number tells whether there is one to append, so that a section whose
-// first data row has no name gets a record with an empty name (kept: list lengths count it).
-template<class Record>
-class PendingRecord {
-public:
-    explicit PendingRecord(SimpleListWithSearch<Record>& list) : m_list(list) {}
-
-    // At a row with a name, or behind the last row: appends a copy of the record unless `row` is the first
-    // one, and empties the record's name lists. Other fields stay until the row overwrites them.
-    void finish(int row) {
-        if (row <= SectionReader::first_row) return;
-        m_list.append(m_record);
-        if constexpr (requires(Record & record) { record.clear_lists(); }) m_record.clear_lists();
-    }
-
-    Record& record() { return m_record; }
-
-private:
-    SimpleListWithSearch<Record>& m_list;
-    Record m_record;
-};
-
-} // namespace pm

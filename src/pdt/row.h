@@ -40,6 +40,9 @@ void normalize_name(char16_t* text);
 // The number at the start of a cell, behind white space: decimal, with an optional sign, point and exponent.
 // 0 for none, and "inf", "nan" and "0x" begin none.
 double cell_number(std::u16string_view cell);
+inline float narrow_cell_number(std::u16string_view cell) {
+    return static_cast<float>(cell_number(cell));
+}
 
 // The fields of the line by their columns, "A" being the first.
 class Row {

@@ -41,10 +41,12 @@ void StringTable::take_line(std::u16string_view text) {
     const std::size_t open = text.find(u'"');
     const std::size_t close = open == text.npos ? text.npos : text.find(u'"', open + 1);
     if (close == text.npos) return;
-    m_key = trim_end(text.substr(0, open), u" ");
-    const char16_t* key = m_strings.Add(m_key.c_str());
-    m_key = text.substr(open + 1, close - open - 1);
-    m_table.insert(key, m_strings.Add(m_key.c_str()));
+    m_table.insert(intern(trim_end(text.substr(0, open), u" ")),
+                   intern(text.substr(open + 1, close - open - 1)));
+}
+
+const char16_t* StringTable::intern(std::u16string_view text) {
+    return m_strings.Add(PM_PathStrings::Key(text)).text();
 }
 
 bool StringTable::lookup_string(char16_t* out, std::size_t size, const char16_t* prefix, char16_t column,
@@ -52,7 +54,8 @@ bool StringTable::lookup_string(char16_t* out, std::size_t size, const char16_t*
     m_key = prefix;
     m_key += column;
     append_decimal(m_key, row);
-    const char16_t* const* found = m_table.find(m_strings.Add(m_key.c_str()));
+    const PM_PathStrings::Entry* key = m_strings.Find(PM_PathStrings::Key(m_key));
+    const char16_t* const* found = key != nullptr ? m_table.find(key->text()) : nullptr;
     if (found == nullptr || size == 0) return false;
     const std::u16string_view text = view(*found).substr(0, size - 1);
     *std::copy(text.begin(), text.end(), out) = 0;

@@ -37,8 +37,9 @@ public:
 
 private:
     void take_line(std::u16string_view text);
+    const char16_t* intern(std::u16string_view text);
 
-    PM_PathStrings m_strings; // keys and values, and each key that was looked up
+    PM_PathStrings m_strings; // keys and values
     ZT_Hash_Table<const char16_t*, const char16_t*> m_table;
     std::array<char16_t, text_capacity> m_localized{};
     std::u16string m_key;

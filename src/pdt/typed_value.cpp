@@ -1,8 +1,5 @@
 #include "pdt/typed_value.h"
 
-#include "base/text.h"
-#include "pdt/pmpdt.h"
-
 namespace pm {
 
 namespace {
@@ -23,24 +20,21 @@ std::vector<unsigned char> decode_raw_cell(std::u16string_view text) {
     return bytes;
 }
 
-} // namespace pm
-
-void PM_PDTFile::set_typed_value(PM_Object& object, const char16_t* path, const char16_t* text, int index,
-                                 std::int32_t type) {
+void set_typed_value(Branch& branch, std::u16string_view item, char16_t* cell, int index, std::int32_t type) {
     switch (type) {
-    case pm::typed_string:
-        return set_string(object, path, text, index);
-    case pm::typed_long:
-        return set_long(object, path, pm::scan_long(text), index);
-    case pm::typed_double:
-        return set_double(object, path, pm::cell_number(text), index);
-    case pm::typed_bool:
-        return set_bool(object, path, *text == u'Y', index);
-    case pm::typed_raw: {
-        const std::vector<unsigned char> bytes = pm::decode_raw_cell(text);
-        return set_data(object, path, bytes.data(), bytes.size(), PROP_VOID, index);
-    }
+    case typed_string:
+        return branch.set_cell(item, cell, CellForm::text, index);
+    case typed_long:
+        return branch.set_cell(item, cell, CellForm::integer, index);
+    case typed_double:
+        return branch.set_cell(item, cell, CellForm::number, index);
+    case typed_bool:
+        return branch.set_cell(item, cell, CellForm::exact_yes, index);
+    case typed_raw:
+        return branch.set_bytes(item, decode_raw_cell(cell), index);
     default:
         return;
     }
 }
+
+} // namespace pm

@@ -1,9 +1,13 @@
 #pragma once
 
-#include "pdt/pmpdt.h"
+#include "pdt/abilities.h"
+#include "pdt/load_steps.h"
+#include "platform/files.h"
+#include "store/pmpmgr.h"
 #include "support/temp_folder.h"
 #include "support/tree_dump.h"
 #include <algorithm>
+#include <fstream>
 #include <pm/pm.h>
 #include <span>
 #include <string>
@@ -104,47 +108,36 @@ private:
     TempFolder m_folder;
 };
 
-// Reads a description with what it holds open to look at: records that no item shows, and the abilities.
-class OpenPdt : public PM_PDTFile {
+// Reads a description, or single tables of it, with what a load carries open to look at: records that no item
+// shows, and the abilities.
+class DescriptionLoad : public PdtLoad {
 public:
-    explicit OpenPdt(const std::u16string& string_file) : PM_PDTFile(nullptr) {
-        open(string_file.c_str(), false);
+    explicit DescriptionLoad(const Description& description) {
+        string_file = description.string_file();
+        base = u"\\";
     }
-    explicit OpenPdt(const Description& description) : OpenPdt(description.string_file()) {}
-    void load_into(PM_Object& object) { load(&object, u"\\", PM_Object::FILE_PDT); }
+    // All steps of a load.
+    void load_into(PM_Object& target) {
+        begin(target);
+        for (const LoadStep& step : load_steps()) {
+            run_step(*this, step);
+        }
+    }
+    // The step of one table.
+    void load_section_into(PM_Object& target, Section section) {
+        if (object == nullptr) begin(target);
+        run_step(*this, load_step_of(section));
+    }
 
-    using PM_PDTFile::m_caps_type;
-    using PM_PDTFile::m_collating;
-    using PM_PDTFile::m_color_modes;
-    using PM_PDTFile::m_cutting;
-    using PM_PDTFile::m_destinations;
-    using PM_PDTFile::m_folding;
-    using PM_PDTFile::m_landscape_seen;
-    using PM_PDTFile::m_memory_areas;
-    using PM_PDTFile::m_portrait_seen;
-    using PM_PDTFile::m_protocols;
-    using PM_PDTFile::m_resolutions;
-    using PM_PDTFile::m_source_entries;
-    using PM_PDTFile::m_stapling;
-    using PM_PDTFile::m_strings;
-
-    // Without 24, which every load marks.
+    // Without the one that every load marks.
     std::vector<int> media_marks() const {
-        std::vector<int> marks = marks_of(m_media_abilities);
-        std::erase(marks, 24);
+        std::vector<int> marks = marks_in(FlagAccess::text(media_abilities));
+        std::erase(marks, static_cast<int>(MediaAbility::form_read));
         return marks;
     }
-    std::vector<int> io_marks() const { return marks_of(m_io_abilities); }
-    std::vector<int> res_color_mem_marks() const { return marks_of(m_res_color_mem_abilities); }
+    std::vector<int> io_marks() const { return marks_in(FlagAccess::text(io_abilities)); }
+    std::vector<int> color_marks() const { return marks_in(FlagAccess::text(color_abilities)); }
 
-private:
-    // Flags are open to subclasses only.
-    struct OpenFlags : ZT_Flags {
-        static const char16_t* text(const ZT_Flags& flags) { return (flags.*&OpenFlags::get_flags)(); }
-    };
-    static std::vector<int> marks_of(const ZT_Flags& flags) { return marks_in(OpenFlags::text(flags)); }
-
-public:
     // The numbers of the flags that are marked in a set's text; any other value than a mark shows as -1.
     static std::vector<int> marks_in(std::u16string_view text) {
         std::vector<int> marks;
@@ -153,6 +146,15 @@ public:
             marks.push_back(text[index] == u'5' ? static_cast<int>(index) : -1);
         }
         return marks;
+    }
+
+private:
+    void begin(PM_Object& target) {
+        object = &target;
+        std::ifstream stream(native_file_name(string_file), std::ios::binary);
+        LineReader reader;
+        reader.attach(stream);
+        strings.load_strings(reader, string_file.c_str());
     }
 };
 

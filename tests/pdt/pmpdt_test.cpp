@@ -1,11 +1,15 @@
+#include "pdt/pmpdt.h"
+
 #include "pdt/description.h"
 
 #include "support/exceptions.h"
 #include "support/ordinary_user.h"
+#include "support/recording_handler.h"
 #include <gtest/gtest.h>
 #include <pm_test_paths.h>
 #include <sstream>
 #include <sys/stat.h>
+#include <thread>
 
 namespace {
 
@@ -17,9 +21,15 @@ using pm::test::has_item;
 using pm::test::Items;
 using pm::test::loaded_sections;
 using pm::test::OpenObject;
-using pm::test::OpenPdt;
 
 constexpr const char16_t* place = u"PM_PDTFile::load()";
+
+struct OpenPdt : PM_PDTFile {
+    explicit OpenPdt(const std::u16string& string_file) : PM_PDTFile(nullptr) {
+        open(string_file.c_str(), false);
+    }
+    explicit OpenPdt(const Description& description) : OpenPdt(description.string_file()) {}
+};
 
 // --- What a load writes and where
 
@@ -115,8 +125,8 @@ TEST(PdtLoad, TablesBesideAStreamAreNamedAlone) {
     const CurrentFolder here(folder.path());
     std::stringstream stream;
     PM_Object object;
-    expect_thrown<PM_Severe>([&] { object.load(stream, PM_Object::FILE_PDT, u"\\"); }, 63, place,
-                             u"Custom Capability.pdt");
+    expect_thrown<PM_Severe>([&] { object.load(stream, PM_Object::FILE_PDT, u"\\"); }, PM_ERR_NO_SUCH_FILE,
+                             place, u"Custom Capability.pdt");
 }
 
 // --- Failures
@@ -128,7 +138,7 @@ TEST(PdtLoad, TablesAreOpenedInTheirOrder) {
             description.remove(loaded_sections[each]);
         }
         PM_Object object;
-        expect_thrown<PM_Severe>([&] { description.load(object); }, 63, place,
+        expect_thrown<PM_Severe>([&] { description.load(object); }, PM_ERR_NO_SUCH_FILE, place,
                                  description.path_of(loaded_sections[first]));
     }
 }
@@ -138,7 +148,8 @@ TEST(PdtLoad, EachTableMustExist) {
         Description description;
         description.remove(section);
         PM_Object object;
-        expect_thrown<PM_Severe>([&] { description.load(object); }, 63, place, description.path_of(section));
+        expect_thrown<PM_Severe>([&] { description.load(object); }, PM_ERR_NO_SUCH_FILE, place,
+                                 description.path_of(section));
     }
 }
 
@@ -157,7 +168,7 @@ TEST(PdtLoad, FolderInPlaceOfATableIsNumber68) {
     description.remove(Section::protocol);
     std::filesystem::create_directory(description.folder() / "Protocol .pdt");
     PM_Object object;
-    expect_thrown<PM_Severe>([&] { description.load(object); }, 68, place,
+    expect_thrown<PM_Severe>([&] { description.load(object); }, PM_ERR_IS_A_FOLDER, place,
                              description.path_of(Section::protocol));
 }
 
@@ -167,7 +178,7 @@ TEST(PdtLoad, UnreadableTableIsNumber61) {
     chmod((description.folder() / "Media Cutting.pdt").c_str(), 0);
     PM_Object object;
     const pm::test::OrdinaryUser user;
-    expect_thrown<PM_Severe>([&] { description.load(object); }, 61, place,
+    expect_thrown<PM_Severe>([&] { description.load(object); }, PM_ERR_ACCESS_DENIED, place,
                              description.path_of(Section::media_cutting));
 }
 
@@ -175,7 +186,7 @@ TEST(PdtLoad, TooLongLineOfATableIsNumber56) {
     Description description;
     description.rows(Section::media_folding, std::string(2048, 'x') + "\n");
     PM_Object object;
-    expect_thrown<PM_Severe>([&] { description.load(object); }, 56, place,
+    expect_thrown<PM_Severe>([&] { description.load(object); }, PM_ERR_NOT_OPENED, place,
                              description.path_of(Section::media_folding));
 }
 
@@ -183,7 +194,7 @@ TEST(PdtLoad, TooLongHeadingIsNumber56) {
     Description description;
     description.whole(Section::media_folding, std::string(5000, 'x'));
     PM_Object object;
-    expect_thrown<PM_Severe>([&] { description.load(object); }, 56, place,
+    expect_thrown<PM_Severe>([&] { description.load(object); }, PM_ERR_NOT_OPENED, place,
                              description.path_of(Section::media_folding));
 }
 
@@ -191,15 +202,49 @@ TEST(PdtLoad, TooLongLineOfTheStringFileIsNumber56) {
     Description description;
     description.strings(std::string(2048, 'x') + "\n");
     PM_Object object;
-    expect_thrown<PM_Severe>([&] { description.load(object); }, 56, place, description.string_file());
+    expect_thrown<PM_Severe>([&] { description.load(object); }, PM_ERR_NOT_OPENED, place,
+                             description.string_file());
 }
 
 TEST(PdtLoad, MissingStringFileIsRefusedByOpen) {
     const pm::test::TempFolder folder;
     PM_Object object;
     expect_thrown<PM_Severe>(
-        [&] { object.load(folder.wide("strings.pdt").c_str(), PM_Object::FILE_PDT, u"\\"); }, 63,
-        u"PM_PIAFile::load()", folder.wide("strings.pdt"));
+        [&] { object.load(folder.wide("strings.pdt").c_str(), PM_Object::FILE_PDT, u"\\"); },
+        PM_ERR_NO_SUCH_FILE, u"PM_PIAFile::load()", folder.wide("strings.pdt"));
+}
+
+TEST(PdtLoad, FailuresPassTheHandlerBy) {
+    Description description;
+    description.remove(Section::media_type);
+    pm::test::RecordingHandler handler;
+    PM_Object object(&handler);
+    expect_thrown<PM_Severe>([&] { description.load(object); }, PM_ERR_NO_SUCH_FILE, place,
+                             description.path_of(Section::media_type));
+    expect_thrown<PM_Severe>([&] { description.load(object, u""); }, PM_ERR_BAD_PATH, place, u"");
+    object.SetProperty(u"\\RASTER\\orientation_prefs", 2.5);
+    description.rows(Section::media_type, "");
+    expect_thrown<PM_Warning>([&] { description.load(object); }, PM_ERR_WRONG_TYPE, u"PM_Object::SetData()",
+                              u"");
+    EXPECT_TRUE(handler.reports.empty());
+}
+
+TEST(PdtLoad, ThreadsLoadEachIntoItsOwnTree) {
+    const std::u16string sample = pm::to_wide(PM_SAMPLES "/dx4200/strings.pdt");
+    const auto load = [&sample](Items& items) {
+        for (int time = 0; time < 3; ++time) {
+            OpenObject object;
+            object.load(sample.c_str(), PM_Object::FILE_PDT, u"\\");
+            items = object.items(u"");
+        }
+    };
+    Items first;
+    Items second;
+    std::thread other(load, std::ref(second));
+    load(first);
+    other.join();
+    EXPECT_FALSE(first.empty());
+    EXPECT_EQ(first, second);
 }
 
 TEST(PdtLoad, ItemsWrittenBeforeAFailureStay) {
@@ -214,18 +259,20 @@ TEST(PdtLoad, ItemsWrittenBeforeAFailureStay) {
 TEST(PdtLoad, ObjectMissingIsNumber52) {
     const Description description;
     OpenPdt pdt(description);
-    expect_thrown<PM_Severe>([&] { pdt.load(nullptr, u"\\there", PM_Object::FILE_PDT); }, 52, place,
-                             u"\\there");
-    expect_thrown<PM_Severe>([&] { pdt.load(nullptr, u"", PM_Object::FILE_PIA); }, 52, place, u"");
+    expect_thrown<PM_Severe>([&] { pdt.load(nullptr, u"\\there", PM_Object::FILE_PDT); },
+                             PM_ERR_NOTHING_THERE, place, u"\\there");
+    expect_thrown<PM_Severe>([&] { pdt.load(nullptr, u"", PM_Object::FILE_PIA); }, PM_ERR_NOTHING_THERE,
+                             place, u"");
 }
 
 TEST(PdtLoad, EmptyBaseIsNumber51) {
     const Description description;
     PM_Object object;
-    expect_thrown<PM_Severe>([&] { description.load(object, u""); }, 51, place, u"");
-    expect_thrown<PM_Severe>([&] { description.load(object, nullptr); }, 51, place, u"");
+    expect_thrown<PM_Severe>([&] { description.load(object, u""); }, PM_ERR_BAD_PATH, place, u"");
+    expect_thrown<PM_Severe>([&] { description.load(object, nullptr); }, PM_ERR_BAD_PATH, place, u"");
     OpenPdt pdt(description);
-    expect_thrown<PM_Severe>([&] { pdt.load(&object, u"", PM_Object::FILE_PIA); }, 51, place, u"");
+    expect_thrown<PM_Severe>([&] { pdt.load(&object, u"", PM_Object::FILE_PIA); }, PM_ERR_BAD_PATH, place,
+                             u"");
 }
 
 TEST(PdtLoad, OtherTypeIsNumber54) {
@@ -233,7 +280,8 @@ TEST(PdtLoad, OtherTypeIsNumber54) {
     PM_Object object;
     for (const auto type : {PM_Object::FILE_PIA, PM_Object::FILE_DOC, PM_Object::FILE_DPIA}) {
         OpenPdt pdt(description);
-        expect_thrown<PM_Severe>([&] { pdt.load(&object, u"\\base", type); }, 54, place, u"\\base");
+        expect_thrown<PM_Severe>([&] { pdt.load(&object, u"\\base", type); }, PM_ERR_WRONG_TYPE, place,
+                                 u"\\base");
     }
 }
 
@@ -241,7 +289,7 @@ TEST(PdtLoad, StringsAreReadBeforeArgumentsAreLookedAt) {
     Description description;
     description.strings(std::string(2048, 'x'));
     OpenPdt pdt(description);
-    expect_thrown<PM_Severe>([&] { pdt.load(nullptr, u"", PM_Object::FILE_PIA); }, 56, place,
+    expect_thrown<PM_Severe>([&] { pdt.load(nullptr, u"", PM_Object::FILE_PIA); }, PM_ERR_NOT_OPENED, place,
                              description.string_file());
 }
 
@@ -250,7 +298,8 @@ TEST(PdtLoad, PropertyOfAnotherTypeStopsTheLoad) {
     description.rows(Section::custom_capability, "C\t\t\t\t\t\tPT_Long\tY\n");
     PM_Object object;
     object.SetProperty(u"\\custom_name\\C\\data_type", 2.5);
-    expect_thrown<PM_Warning>([&] { description.load(object); }, 54, u"PM_Object::SetData()", u"");
+    expect_thrown<PM_Warning>([&] { description.load(object); }, PM_ERR_WRONG_TYPE, u"PM_Object::SetData()",
+                              u"");
 }
 
 TEST(PdtLoad, PathThatIsTooLongIsNumber51) {
@@ -260,7 +309,7 @@ TEST(PdtLoad, PathThatIsTooLongIsNumber51) {
     PM_Object object;
     const std::u16string path =
         u"\\\\custom_name\\" + std::u16string(name.begin(), name.end()) + u"\\localized_name";
-    expect_thrown<PM_Warning>([&] { description.load(object); }, 51, u"PM_Object::SetData()",
+    expect_thrown<PM_Warning>([&] { description.load(object); }, PM_ERR_BAD_PATH, u"PM_Object::SetData()",
                               path.substr(0, 259));
 }
 
@@ -276,8 +325,8 @@ TEST(PdtLoad, CannotBeSaved) {
     const Description description;
     PM_Object object;
     expect_thrown<PM_Warning>(
-        [&] { object.save(description.string_file().c_str(), PM_Object::FILE_PDT, u"", u"\\"); }, 67,
-        u"PM_Object::save()", u"");
+        [&] { object.save(description.string_file().c_str(), PM_Object::FILE_PDT, u"", u"\\"); },
+        PM_ERR_TYPE_REFUSED, u"PM_Object::save()", u"");
 }
 
 // --- Version
@@ -324,7 +373,7 @@ TEST(PdtVersion, NeedsNoLineEnd) {
 TEST(PdtVersion, MissingTableIsNumber63InThePlaceOfLoad) {
     Description description;
     description.remove(Section::global_static_lists);
-    expect_thrown<PM_Severe>([&] { version_of(description); }, 63, place,
+    expect_thrown<PM_Severe>([&] { version_of(description); }, PM_ERR_NO_SUCH_FILE, place,
                              description.path_of(Section::global_static_lists));
 }
 

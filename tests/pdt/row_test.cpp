@@ -179,8 +179,8 @@ TEST(CellNumber, IsTheDecimalNumberAtTheStart) {
 }
 
 TEST(CellNumber, TextsOfInfinityNanAndHexadecimalAreNone) {
-    for (const char16_t* cell : {u"inf", u"-inf", u"INF", u"infinity", u"Informal", u"nan", u"NaN(12)", u"-nan",
-                                 u"0x10", u"0X1.8p3", u"0x.8"}) {
+    for (const char16_t* cell : {u"inf", u"-inf", u"INF", u"infinity", u"Informal", u"nan", u"NaN(12)",
+                                 u"-nan", u"0x10", u"0X1.8p3", u"0x.8"}) {
         EXPECT_EQ(0.0, pm::cell_number(cell)) << pm::test::to_narrow_name(cell);
     }
     EXPECT_EQ(5.0, pm::cell_number(u"5inf"));

@@ -11,10 +11,10 @@ namespace {
 
 using pm::Section;
 using pm::test::Description;
+using pm::test::DescriptionLoad;
 using pm::test::has_item;
 using pm::test::Items;
 using pm::test::OpenObject;
-using pm::test::OpenPdt;
 
 const std::string sample_folder = PM_SAMPLES "/dx4200/";
 
@@ -22,77 +22,31 @@ std::string sample_table(Section section) {
     return pm::test::TempFolder::read_file(sample_folder + Description::file_of(section));
 }
 
-class Peer : public OpenPdt {
-public:
-    using OpenPdt::OpenPdt;
-
-    // The converter of a section alone, with records that it may refer to.
-    void convert(Section section, PM_Object& object) {
-        pm::init_static_tables();
-        (this->*converter_of(section))(object, u"\\");
-    }
-
-private:
-    static Converter converter_of(Section section) {
-        struct Row {
-            Section section;
-            Converter converter;
-        };
-        static constexpr Row rows[] = {
-            {Section::custom_capability, &Peer::convert_custom_capability},
-            {Section::dithering_method, &Peer::convert_dithering_method},
-            {Section::protocol, &Peer::read_protocol},
-            {Section::io_method, &Peer::convert_io_method},
-            {Section::media_collating, &Peer::read_media_collating},
-            {Section::media_cutting, &Peer::read_media_cutting},
-            {Section::media_description, &Peer::convert_media_description},
-            {Section::media_destination, &Peer::read_media_destination},
-            {Section::media_folding, &Peer::read_media_folding},
-            {Section::media_size, &Peer::convert_media_size},
-            {Section::media_source_entry, &Peer::read_media_source_entry},
-            {Section::media_source, &Peer::convert_media_source},
-            {Section::media_stapling, &Peer::read_media_stapling},
-            {Section::media_type, &Peer::convert_media_type},
-            {Section::memory_area, &Peer::convert_memory_area},
-            {Section::raster_capability, &Peer::convert_raster},
-            {Section::resolution, &Peer::read_resolution},
-            {Section::resolution_color_memory, &Peer::read_resolution_color_memory},
-            {Section::misc_info, &Peer::convert_misc_info},
-            {Section::misc_localizable_info, &Peer::convert_meta},
-            {Section::line_type_capabilities, &Peer::convert_linetype},
-        };
-        const auto* row = std::find_if(std::begin(rows), std::end(rows),
-                                       [section](const Row& each) { return each.section == section; });
-        return row->converter;
-    }
-};
-
 // What a table gives: the tree, the counts of the lists and the marks.
 struct Outcome {
     std::string tree;
     std::vector<int> counts;
     std::vector<int> media_marks;
     std::vector<int> io_marks;
-    std::vector<int> res_color_mem_marks;
+    std::vector<int> color_marks;
     bool operator==(const Outcome&) const = default;
 };
 
 Outcome outcome_of(Section section, const Description& description) {
-    Peer peer(description);
+    DescriptionLoad load(description);
     OpenObject object;
-    if (section == Section::media_source) peer.convert(Section::media_source_entry, object);
-    if (section == Section::io_method) peer.convert(Section::protocol, object);
-    peer.convert(section, object);
+    if (section == Section::media_source) load.load_section_into(object, Section::media_source_entry);
+    if (section == Section::io_method) load.load_section_into(object, Section::protocol);
+    load.load_section_into(object, section);
     std::stringstream tree;
     object.save(tree, PM_Object::FILE_PIA, u"", u"\\");
     return {tree.str(),
-            {peer.m_protocols.count(), peer.m_collating.count(), peer.m_cutting.count(),
-             peer.m_destinations.count(), peer.m_folding.count(), peer.m_source_entries.count(),
-             peer.m_stapling.count(), peer.m_memory_areas.count(), peer.m_resolutions.count(),
-             peer.m_color_modes.count()},
-            peer.media_marks(),
-            peer.io_marks(),
-            peer.res_color_mem_marks()};
+            {load.protocols.count(), load.collating.count(), load.cutting.count(), load.destinations.count(),
+             load.folding.count(), load.source_entries.count(), load.stapling.count(),
+             load.memory_areas.count(), load.resolutions.count(), load.color_modes.count()},
+            load.media_marks(),
+            load.io_marks(),
+            load.color_marks()};
 }
 
 class EverySection : public testing::TestWithParam<Section> {};

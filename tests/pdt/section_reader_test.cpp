@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <gtest/gtest.h>
 #include <pm/code_page.h>
+#include <pm/error_number.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <vector>
@@ -85,7 +86,7 @@ TEST(SectionReader, LongerLineIsNumber56) {
                         RowLine line;
                         reader.read_row(line);
                     },
-                    56, place, path);
+                    PM_ERR_NOT_OPENED, place, path);
             }
         }
     }
@@ -124,8 +125,8 @@ TEST(SectionReader, FilesInTheirFolder) {
 
 TEST(SectionReader, NoSuchFileIsNumber63) {
     const TempFolder folder;
-    expect_thrown<PM_Severe>([&] { SectionReader(folder.wide(""), Section::io_method, 2); }, 63, place,
-                             folder.wide("IO Method.pdt"));
+    expect_thrown<PM_Severe>([&] { SectionReader(folder.wide(""), Section::io_method, 2); },
+                             PM_ERR_NO_SUCH_FILE, place, folder.wide("IO Method.pdt"));
 }
 
 TEST(SectionReader, FailuresCarryTheMarkerOfTheUnit) {
@@ -135,14 +136,14 @@ TEST(SectionReader, FailuresCarryTheMarkerOfTheUnit) {
 }
 
 TEST(SectionReader, EmptyPathIsNumber63) {
-    expect_thrown<PM_Severe>([] { SectionReader(u"", 0); }, 63, place, u"");
+    expect_thrown<PM_Severe>([] { SectionReader(u"", 0); }, PM_ERR_NO_SUCH_FILE, place, u"");
 }
 
 TEST(SectionReader, FolderInPlaceOfAFileIsNumber68) {
     const TempFolder folder;
     std::filesystem::create_directory(folder / "IO Method.pdt");
-    expect_thrown<PM_Severe>([&] { SectionReader(folder.wide(""), Section::io_method, 2); }, 68, place,
-                             folder.wide("IO Method.pdt"));
+    expect_thrown<PM_Severe>([&] { SectionReader(folder.wide(""), Section::io_method, 2); },
+                             PM_ERR_IS_A_FOLDER, place, folder.wide("IO Method.pdt"));
 }
 
 TEST(SectionReader, UnreadableFileIsNumber61) {
@@ -151,7 +152,8 @@ TEST(SectionReader, UnreadableFileIsNumber61) {
     chmod(folder.path().c_str(), 0755);
     chmod((folder / "IO Method.pdt").c_str(), 0);
     const pm::test::OrdinaryUser user;
-    expect_thrown<PM_Severe>([&] { SectionReader(folder.wide(""), Section::io_method, 2); }, 61, place, path);
+    expect_thrown<PM_Severe>([&] { SectionReader(folder.wide(""), Section::io_method, 2); },
+                             PM_ERR_ACCESS_DENIED, place, path);
 }
 
 // No file can be opened while it lives.
@@ -174,7 +176,7 @@ TEST(SectionReader, TooManyOpenFilesIsNumber62WithoutAName) {
     const TempFolder folder;
     const std::u16string path = folder.write("table.pdt", "");
     const NoMoreFiles limited;
-    expect_thrown<PM_Severe>([&] { SectionReader(path, 0); }, 62, place, u"");
+    expect_thrown<PM_Severe>([&] { SectionReader(path, 0); }, PM_ERR_TOO_MANY_FILES, place, u"");
 }
 
 TEST(SectionReader, NumbersOfOpenFailures) {
@@ -184,8 +186,10 @@ TEST(SectionReader, NumbersOfOpenFailures) {
         bool names_file;
     };
     const Case cases[] = {
-        {ENOENT, 63, true}, {EACCES, 61, true}, {EMFILE, 62, false}, {ENOMEM, 64, false},
-        {ENOSPC, 65, true}, {EISDIR, 68, true}, {EIO, 56, true},     {0, 56, true},
+        {ENOENT, PM_ERR_NO_SUCH_FILE, true},    {EACCES, PM_ERR_ACCESS_DENIED, true},
+        {EMFILE, PM_ERR_TOO_MANY_FILES, false}, {ENOMEM, PM_ERR_NO_MEMORY_FOR_FILE, false},
+        {ENOSPC, PM_ERR_DISK_FULL, true},       {EISDIR, PM_ERR_IS_A_FOLDER, true},
+        {EIO, PM_ERR_NOT_OPENED, true},         {0, PM_ERR_NOT_OPENED, true},
     };
     for (const Case& each : cases) {
         EXPECT_EQ(each.number, pm::open_failure(each.code).number) << each.code;

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <optional>
+#include <pm/error_number.h>
 #include <sstream>
 
 namespace {
@@ -175,14 +176,31 @@ TEST(StringTable, LineOf2047BytesIsTakenAndALongerOneIsNumber56) {
     EXPECT_EQ(u"x", Loaded(line_of(2047) + "\n").size_text(3));
     for (const std::size_t length : {2048U, 5000U}) {
         for (const char* end : {"\n", ""}) {
-            pm::test::expect_thrown<PM_Severe>([&] { Loaded(line_of(length) + end); }, 56,
+            pm::test::expect_thrown<PM_Severe>([&] { Loaded(line_of(length) + end); }, PM_ERR_NOT_OPENED,
                                                u"PM_PDTFile::load()", u"strings.pdt");
         }
     }
 }
 
+TEST(StringTable, CarriageReturnCountsInTheLengthOfALine) {
+    const std::string start = "DRFX_MEDIA_SIZE_B3 \"x\"";
+    EXPECT_EQ(u"x", Loaded(start + std::string(2046 - start.size(), ' ') + "\r\n").size_text(3));
+    pm::test::expect_thrown<PM_Severe>(
+        [&] { Loaded(start + std::string(2047 - start.size(), ' ') + "\r\n"); }, PM_ERR_NOT_OPENED,
+        u"PM_PDTFile::load()", u"strings.pdt");
+}
+
+TEST(StringTable, LookUpsOfAnyNumberOfMissingKeysLeaveTheTableAlone) {
+    Loaded loaded("DRFX_MEDIA_SIZE_B3 \"x\"\n");
+    for (int row = 4; row < 100'000; ++row) {
+        ASSERT_EQ(std::u16string(u""), loaded.table.localized(Section::media_size, u'B', row));
+    }
+    EXPECT_EQ(u"x", loaded.size_text(3));
+}
+
 TEST(StringTable, LongLineThatIsIgnoredFailsToo) {
-    EXPECT_EQ(56U, pm::test::thrown_by([] { Loaded(std::string(5000, ';') + "\n"); })->m_number);
+    EXPECT_EQ(PM_ERR_NOT_OPENED,
+              pm::test::thrown_by([] { Loaded(std::string(5000, ';') + "\n"); })->m_number);
 }
 
 // --- Code pages

@@ -9,14 +9,10 @@ using Bytes = std::vector<unsigned char>;
 using pm::decode_raw_cell;
 using pm::test::Items;
 
-struct Peer : PM_PDTFile {
-    Peer() : PM_PDTFile(nullptr) {}
-    using PM_PDTFile::set_typed_value;
-};
-
-Items written(const char16_t* text, std::int32_t type, int index = -1) {
+Items written(std::u16string text, std::int32_t type, int index = -1) {
     pm::test::OpenObject object;
-    Peer::set_typed_value(object, index < 0 ? u"\\a\\v" : u"\\a\\*\\v", text, index, type);
+    pm::Branch branch(object, u"\\a", {});
+    pm::set_typed_value(branch, index < 0 ? u"\\v" : u"\\*\\v", text.data(), index, type);
     return object.items(u"");
 }
 

@@ -37,7 +37,8 @@ TEST(WholeLoad, RefusedWriteEndsTheLoad) {
     description.rows(Section::misc_info, "pens\t8\ndefault\t4\n");
     OpenObject object;
     object.SetProperty(u"physical_pen\\default_npens", 2.5);
-    expect_thrown<PM_Warning>([&] { description.load(object); }, 54, u"PM_Object::SetData()", u"");
+    expect_thrown<PM_Warning>([&] { description.load(object); }, PM_ERR_WRONG_TYPE, u"PM_Object::SetData()",
+                              u"");
     EXPECT_EQ((Items{"default_npens=2.5", "max_npens=8"}), object.items(u"physical_pen"));
     EXPECT_EQ(Items{}, object.items(u"io"));
 }
@@ -136,8 +137,8 @@ TEST(PdtDispatch, FileVersionIsRefused) {
     char16_t version[64];
     const PM_Object object;
     expect_thrown<PM_Warning>(
-        [&] { object.getFileVersion(sample.c_str(), version, std::size(version), PM_Object::FILE_PDT); }, 67,
-        u"PM_Object::getFileVersion()", u"");
+        [&] { object.getFileVersion(sample.c_str(), version, std::size(version), PM_Object::FILE_PDT); },
+        PM_ERR_TYPE_REFUSED, u"PM_Object::getFileVersion()", u"");
 }
 
 } // namespace

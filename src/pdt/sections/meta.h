@@ -1,0 +1,10 @@
+#pragma once
+
+#include "pdt/rows.h"
+
+namespace pm {
+
+// "Misc Localizable Information", below \meta.
+void convert_meta(PdtLoad& load, Rows& rows);
+
+} // namespace pm
