@@ -11,7 +11,8 @@ namespace pm::fuzz {
 // The bytes that the process has allocated and not given back.
 inline std::size_t heap_in_use() {
     if (__sanitizer_get_current_allocated_bytes != nullptr) return __sanitizer_get_current_allocated_bytes();
-    return mallinfo2().uordblks;
+    const struct mallinfo2 heap = mallinfo2();
+    return heap.uordblks + heap.hblkhd;
 }
 
 } // namespace pm::fuzz

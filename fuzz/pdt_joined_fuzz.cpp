@@ -2,8 +2,10 @@
 // feed ends the file and begins that of the next table. All other tables have their headings only.
 
 #include "fuzz_support.h"
+#include "heap_in_use.h"
 #include "pdt/section_reader.h"
 #include "platform/code_page.h"
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -63,14 +65,30 @@ void check(const PM_Object& object) {
     require(object.getPropertySize(u"\\meta\\toolkit_version") == sizeof(double));
 }
 
-void load(const Description& description) {
+// What a tree may take: so much for each byte of its description, and so much for each item that joins make.
+std::size_t memory_bound(std::size_t size) {
+    constexpr std::size_t joined_items = 2'000'000;
+    constexpr std::size_t bytes_of_an_item = 192;
+    constexpr std::size_t bytes_of_a_byte = 1024;
+    constexpr std::size_t empty_tree = 256 * 1024;
+    // Joined items are at most the square of the lines, and a line that counts has 3 bytes and more.
+    const std::size_t lines = size / 3;
+    return empty_tree + bytes_of_a_byte * size +
+           bytes_of_an_item * std::min(joined_items, 12 * lines * lines);
+}
+
+void load(const Description& description, std::size_t size) {
+    const std::size_t before = pm::fuzz::heap_in_use();
     PM_Object object;
+    bool whole = true;
     try {
         object.load(description.string_file().c_str(), PM_Object::FILE_PDT, u"\\");
     } catch (const ZT_Exception&) {
-        return;
+        whole = false;
     }
-    check(object);
+    const std::size_t after = pm::fuzz::heap_in_use();
+    require(after < before || after - before <= memory_bound(size));
+    if (whole) check(object);
 }
 
 } // namespace
@@ -89,7 +107,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         changed.push_back(section);
         if (more) rest.remove_prefix(end + 1);
     }
-    load(description);
+    load(description, size);
     for (const int each : changed) {
         description.reset(each);
     }

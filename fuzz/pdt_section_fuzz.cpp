@@ -66,9 +66,9 @@ void load(const Folder& folder) {
     try {
         object.load(folder.string_file().c_str(), PM_Object::FILE_PDT, u"\\");
     } catch (const PM_Severe& e) {
-        pm::fuzz::require(e.m_number == 56);
+        pm::fuzz::require(e.m_number == PM_ERR_NOT_OPENED);
     } catch (const PM_Warning& e) {
-        pm::fuzz::require(e.m_number == 51 || e.m_number == 54);
+        pm::fuzz::require(e.m_number == PM_ERR_BAD_PATH || e.m_number == PM_ERR_WRONG_TYPE);
     }
 }
 

@@ -3,6 +3,7 @@
 #include "fuzz_support.h"
 #include "pdt/string_table.h"
 #include <cstdlib>
+#include <pm/error_number.h>
 #include <pm/exception.h>
 #include <sstream>
 #include <string>
@@ -37,7 +38,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     try {
         table.load_strings(reader, nullptr);
     } catch (const PM_Severe& e) {
-        pm::fuzz::require(e.m_number == 56);
+        pm::fuzz::require(e.m_number == PM_ERR_NOT_OPENED);
     }
     look_up_all(table);
     return 0;
