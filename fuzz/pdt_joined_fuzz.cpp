@@ -68,7 +68,7 @@ void check(const PM_Object& object) {
 // What a tree may take: so much for each byte of its description, and so much for each item that joins make.
 std::size_t memory_bound(std::size_t size) {
     constexpr std::size_t joined_items = 2'000'000;
-    constexpr std::size_t bytes_of_an_item = 192;
+    constexpr std::size_t bytes_of_an_item = 128;
     constexpr std::size_t bytes_of_a_byte = 1024;
     constexpr std::size_t empty_tree = 256 * 1024;
     // Joined items are at most the square of the lines, and a line that counts has 3 bytes and more.

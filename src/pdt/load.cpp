@@ -12,7 +12,7 @@ void PdtLoad::count_joined(std::size_t items) {
 }
 
 void PdtLoad::count_joined(std::size_t items, std::initializer_list<const ZT_String*> texts) {
-    constexpr int units_of_an_item = 64;
+    constexpr int units_of_an_item = 32;
     for (const ZT_String* text : texts) {
         items += static_cast<std::size_t>(std::max(text->length(), 0) / units_of_an_item);
     }

@@ -40,7 +40,7 @@ struct PdtLoad {
     ZT_Plotter_IO_Abilities io_abilities;
 
     // What joins of records may make, and have made: nodes and properties together, as often as written. A
-    // long text counts once more for each 64 units, so that the limit holds memory too.
+    // long text counts once more for each 32 units, so that the limit holds memory too.
     std::uint32_t join_limit = 2'000'000;
     std::uint32_t joined = 0;
     // To be called before a join writes so many. Number 66 with the string file if they pass the limit.

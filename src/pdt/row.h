@@ -20,7 +20,7 @@ public:
 
     // The next field from `position` (0 for the first), ended in place. A field runs to the next tab; "//"
     // ends its text early, and blanks before it, but the search for the tab goes on behind. A field that
-    // begins with "//" is empty, and the next one begins with the second "/" (kept: files depend on it).
+    // begins with "//" is empty, and the next one begins with the second "/" (kept).
     // Fields past the end of the line are empty, however many are read.
     char16_t* next_field(std::size_t& position);
 

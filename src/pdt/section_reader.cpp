@@ -2,6 +2,7 @@
 
 #include "pdt/failure.h"
 #include "platform/files.h"
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <pm/error_number.h>
@@ -11,36 +12,48 @@ namespace pm {
 namespace {
 
 struct SectionFile {
+    Section section;
     const char16_t* name;
     const char16_t* key_prefix;
 };
 
 constexpr SectionFile section_files[section_count] = {
-    {u"Baud Rate", u""},
-    {u"Custom Capability", u"DRFX_CUSTOM_CAPABILITY_"},
-    {u"Dithering Method", u"DRFX_DITHERING_METHOD_"},
-    {u"IO Method", u""},
-    {u"Media Collating", u"DRFX_MEDIA_COLLATING_"},
-    {u"Media Cutting", u"DRFX_MEDIA_CUTTING_"},
-    {u"Media Description", u"DRFX_MEDIA_DESCRIPTION_"},
-    {u"Media Destination", u"DRFX_MEDIA_DESTINATION_"},
-    {u"Media Folding", u"DRFX_MEDIA_FOLDING_"},
-    {u"Media Source Size", u""},
-    {u"Media Source", u"DRFX_MEDIA_SOURCE_"},
-    {u"Media Size", u"DRFX_MEDIA_SIZE_"},
-    {u"Media Stapling", u"DRFX_MEDIA_STAPLING_"},
-    {u"Media Type", u"DRFX_MEDIA_TYPE_"},
-    {u"Memory Area", u"DRFX_MEMORY_AREA_"},
-    {u"Resolution", u"DRFX_RESOLUTION_"},
-    {u"Resolution Color Memory", u"DRFX_RESOLUTION_COLOR_MEMORY_"},
-    {u"Misc Non-Localizable Info", u""},
-    {u"Misc Localizable Information", u"DRFX_MISC_LOCALIZABLE_INFORMATION_"},
-    {u"Global Static Lists", u""},
-    {u"Line Type Capabilities", u""},
-    {u"Raster Capability", u""},
-    {u"Protocol ", u"DRFX_PROTOCOL__"}, // the file's name has a blank before the dot
-    {u"Media Source Entry", u"DRFX_MEDIA_SOURCE_ENTRY_"},
+    {Section::baud_rate, u"Baud Rate", u""},
+    {Section::custom_capability, u"Custom Capability", u"DRFX_CUSTOM_CAPABILITY_"},
+    {Section::dithering_method, u"Dithering Method", u"DRFX_DITHERING_METHOD_"},
+    {Section::io_method, u"IO Method", u""},
+    {Section::media_collating, u"Media Collating", u"DRFX_MEDIA_COLLATING_"},
+    {Section::media_cutting, u"Media Cutting", u"DRFX_MEDIA_CUTTING_"},
+    {Section::media_description, u"Media Description", u"DRFX_MEDIA_DESCRIPTION_"},
+    {Section::media_destination, u"Media Destination", u"DRFX_MEDIA_DESTINATION_"},
+    {Section::media_folding, u"Media Folding", u"DRFX_MEDIA_FOLDING_"},
+    {Section::media_source_size, u"Media Source Size", u""},
+    {Section::media_source, u"Media Source", u"DRFX_MEDIA_SOURCE_"},
+    {Section::media_size, u"Media Size", u"DRFX_MEDIA_SIZE_"},
+    {Section::media_stapling, u"Media Stapling", u"DRFX_MEDIA_STAPLING_"},
+    {Section::media_type, u"Media Type", u"DRFX_MEDIA_TYPE_"},
+    {Section::memory_area, u"Memory Area", u"DRFX_MEMORY_AREA_"},
+    {Section::resolution, u"Resolution", u"DRFX_RESOLUTION_"},
+    {Section::resolution_color_memory, u"Resolution Color Memory", u"DRFX_RESOLUTION_COLOR_MEMORY_"},
+    {Section::misc_info, u"Misc Non-Localizable Info", u""},
+    {Section::misc_localizable_info, u"Misc Localizable Information", u"DRFX_MISC_LOCALIZABLE_INFORMATION_"},
+    {Section::global_static_lists, u"Global Static Lists", u""},
+    {Section::line_type_capabilities, u"Line Type Capabilities", u""},
+    {Section::raster_capability, u"Raster Capability", u""},
+    {Section::protocol, u"Protocol ", u"DRFX_PROTOCOL__"}, // the file's name has a blank before the dot
+    {Section::media_source_entry, u"Media Source Entry", u"DRFX_MEDIA_SOURCE_ENTRY_"},
 };
+
+constexpr std::size_t index_of(Section section) {
+    return static_cast<std::size_t>(section);
+}
+
+constexpr bool each_row_stands_at_its_section() {
+    std::size_t index = 0;
+    return std::all_of(std::begin(section_files), std::end(section_files),
+                       [&index](const SectionFile& file) { return index_of(file.section) == index++; });
+}
+static_assert(each_row_stands_at_its_section());
 
 struct OpenFailureRow {
     int code;
@@ -68,11 +81,11 @@ std::u16string section_path(std::u16string_view folder, Section section) {
 } // namespace
 
 const char16_t* section_name(Section section) {
-    return section_files[static_cast<int>(section)].name;
+    return section_files[index_of(section)].name;
 }
 
 const char16_t* section_key_prefix(Section section) {
-    return section_files[static_cast<int>(section)].key_prefix;
+    return section_files[index_of(section)].key_prefix;
 }
 
 std::u16string_view folder_of(std::u16string_view file_name) {

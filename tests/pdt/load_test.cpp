@@ -110,10 +110,12 @@ TEST(JoinLimit, CountsFinishingStepsOfDestinations) {
 
 TEST(JoinLimit, CountsLongTextsByTheirLength) {
     SourcesOfOneEntry description(2, 0);
-    description.append(Section::media_source_entry, "\t\t\t\t\t" + std::string(127, 'x') + "\n");
-    EXPECT_EQ(2U * (1 + 6 + 1 + 3 + 1), Joined(description, 1000).count);
+    description.append(Section::media_source_entry, "\t\t\t\t\t" + std::string(31, 'x') + "\n");
+    EXPECT_EQ(2U * (1 + 6 + 1 + 3), Joined(description, 1000).count);
+    description.append(Section::media_source_entry, "\t\t\t\t\t" + std::string(32, 'x') + "\n");
+    EXPECT_EQ(2U * (1 + 6 + 1 + 3 + 3 + 1), Joined(description, 1000).count);
     description.append(Section::media_source_entry, "\t\t\t\t\t" + std::string(2000, 'x') + "\n");
-    EXPECT_EQ(2U * (1 + 6 + 1 + 3 + 1 + 3 + 31), Joined(description, 1000).count);
+    EXPECT_EQ(2U * (1 + 6 + 1 + 3 + 3 + 1 + 3 + 62), Joined(description, 1000).count);
 }
 
 TEST(JoinLimit, IsTwoMillionNodesAndProperties) {

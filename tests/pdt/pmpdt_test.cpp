@@ -5,6 +5,7 @@
 #include "support/exceptions.h"
 #include "support/ordinary_user.h"
 #include "support/recording_handler.h"
+#include "support/scoped_settings.h"
 #include <gtest/gtest.h>
 #include <pm_test_paths.h>
 #include <sstream>
@@ -101,9 +102,8 @@ TEST(PdtLoad, TablesAreInTheSystemCodePageWhateverTheVariable) {
     Description description;
     description.rows(Section::custom_capability, "Caf\xE9\n")
         .strings("DRFX_CUSTOM_CAPABILITY_B3 \"\xC3\xA9\"\n");
-    setenv("CODEP", "65001", 1);
+    const pm::test::ScopedVariable variable("CODEP", "65001");
     const Items items = pm::test::items_of(description, u"custom_name");
-    unsetenv("CODEP");
     EXPECT_TRUE(has_item(items, "Caf\xC3\xA9\\localized_name=\"\xC3\xA9\""));
 }
 

@@ -1,9 +1,8 @@
 #include "pdt/string_table.h"
 
 #include "support/exceptions.h"
-#include <cstdlib>
+#include "support/scoped_settings.h"
 #include <gtest/gtest.h>
-#include <optional>
 #include <pm/error_number.h>
 #include <sstream>
 
@@ -13,24 +12,8 @@ using pm::Section;
 using pm::StringTable;
 
 // The environment variable that names the string file's code page, while it lives.
-class CodePageVariable {
-public:
-    explicit CodePageVariable(const char* value) {
-        if (const char* old = std::getenv("CODEP")) m_old = old;
-        setenv("CODEP", value, 1);
-    }
-    ~CodePageVariable() {
-        if (m_old) {
-            setenv("CODEP", m_old->c_str(), 1);
-        } else {
-            unsetenv("CODEP");
-        }
-    }
-    CodePageVariable(const CodePageVariable&) = delete;
-    CodePageVariable& operator=(const CodePageVariable&) = delete;
-
-private:
-    std::optional<std::string> m_old;
+struct CodePageVariable : pm::test::ScopedVariable {
+    explicit CodePageVariable(const char* value) : ScopedVariable("CODEP", value) {}
 };
 
 struct Loaded {
