@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <pm/export.h>
+#include <string_view>
+#include <utility>
 
 // Implemented by the caller and handed to PM_Object, which borrows it. The library calls it when a filer
 // meets something that it can pass over, such as a bad line, and when a codec fails.
@@ -38,3 +40,71 @@ public:
     // `args` holds `count` arguments for the text of the number that is reported next.
     virtual void set_arguments(const std::uint64_t* args, std::int32_t count) = 0;
 };
+
+namespace pm {
+
+// What a handler answers to a report. A report that only tells (severe) goes on whatever the answer is.
+enum class Answer : int { stop = 0, go_on = 1 };
+
+// ZT_Error_Handler with one operation in place of seven.
+class ReportHandler : public ZT_Error_Handler {
+public:
+    // `kind` is that of the exception: 1 warning, 2 error, 4 severe; the library has no others. `number` is
+    // one of error_number.h. `place` names the operation that met it, `detail` what it concerns, such as the
+    // line with its number and file; both are valid during the call only. May throw: the exception leaves
+    // the load, and what was read stays.
+    virtual Answer on_report(int kind, std::uint32_t number, std::u16string_view place,
+                             std::u16string_view detail) = 0;
+
+    void on_kind_0(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
+                   const char16_t*) final {
+        tell(0, number, place, detail);
+    }
+    int on_warning(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
+                   const char16_t*) final {
+        return tell(1, number, place, detail);
+    }
+    int on_error(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
+                 const char16_t*) final {
+        return tell(2, number, place, detail);
+    }
+    int on_kind_3(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
+                  const char16_t*) final {
+        return tell(3, number, place, detail);
+    }
+    void on_severe(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
+                   const char16_t*) final {
+        tell(4, number, place, detail);
+    }
+    void on_kind_5(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
+                   const char16_t*) final {
+        tell(5, number, place, detail);
+    }
+    // The library's texts take no arguments.
+    void set_arguments(const std::uint64_t*, std::int32_t) override {}
+
+private:
+    int tell(int kind, std::uint32_t number, const char16_t* place, const char16_t* detail) {
+        const auto view = [](const char16_t* text) {
+            return text != nullptr ? std::u16string_view(text) : std::u16string_view();
+        };
+        return static_cast<int>(on_report(kind, number, view(place), view(detail)));
+    }
+};
+
+// A handler that calls a function: ReportCall handler([&](int kind, std::uint32_t number, auto place,
+// auto detail) { ...; return pm::Answer::go_on; });
+template<class Function>
+class ReportCall final : public ReportHandler {
+public:
+    explicit ReportCall(Function function) : m_function(std::move(function)) {}
+    Answer on_report(int kind, std::uint32_t number, std::u16string_view place,
+                     std::u16string_view detail) override {
+        return m_function(kind, number, place, detail);
+    }
+
+private:
+    Function m_function;
+};
+
+} // namespace pm

@@ -144,6 +144,8 @@ protected:
 private:
     friend class PM_File;
     friend class PM_Iterator;
+    friend const PM_Property* pm_find_property(const PM_Object& object, const char16_t* path, int index);
+    friend const PM_Node* pm_find_node(const PM_Object& object, const char16_t* path);
 
     bool getData(const char16_t* path, void* buffer, std::size_t size, PropType type, int index) const;
     PM_Node* make_nodes(const class PM_Path& path, int count);

@@ -12,5 +12,9 @@
 #include <pm/mem_obj.h>
 #include <pm/object.h>
 #include <pm/srcstreambuf.h>
+#include <pm/text.h>
+#include <pm/tree.h>
 #include <pm/value_text.h>
+#include <pm/version.h>
+#include <pm/view.h>
 #include <pm/zt_string.h>

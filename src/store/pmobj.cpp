@@ -9,6 +9,7 @@
 #include <pm/exception.h>
 #include <pm/iterator.h>
 #include <pm/object.h>
+#include <pm/view.h>
 
 namespace {
 
@@ -342,4 +343,21 @@ void PM_Object::duplicate(const char16_t* from, const char16_t* to) {
 
 PM_Iterator* PM_Object::newIterator(const char16_t* path, int depth) const {
     return new PM_Iterator(*this, path, depth);
+}
+
+const PM_Property* pm_find_property(const PM_Object& object, const char16_t* path, int index) {
+    constexpr const char16_t* place = u"pm_find_property()";
+    require_root(object.m_root, place);
+    const ResolvedPath resolved(path, index, place);
+    const PM_Path names(*object.m_strings, resolved.text(), false);
+    if (names.count() < 1) return nullptr;
+    const PM_Node* node = find_node(object.m_root, names, names.count() - 1);
+    return node != nullptr ? node->find_prop(names.last()) : nullptr;
+}
+
+const PM_Node* pm_find_node(const PM_Object& object, const char16_t* path) {
+    require_root(object.m_root, u"pm_find_node()");
+    if (pm::view(path).find_first_not_of(u'\\') == std::u16string_view::npos) return object.m_root;
+    const PM_Path names(*object.m_strings, path, false);
+    return names.count() > 0 ? find_node(object.m_root, names, names.count()) : nullptr;
 }

@@ -132,6 +132,7 @@ public:
     PM_Property* next() const { return m_next; }
     PropType type() const { return m_type; }
     bool strict() const { return m_strict; }
+    const unsigned char* data() const { return m_data; }
     std::size_t size() const { return m_size; }
     void set_kind(PropType type, bool strict) {
         m_type = type;
