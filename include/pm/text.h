@@ -1,6 +1,6 @@
 #pragma once
 
-#include <concepts>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -64,36 +64,51 @@ inline char16_t* put_malformed(std::string_view bytes, Malformed malformed, char
     return out;
 }
 
-// Copies eight ASCII bytes at a time, up to the first eight with another among them.
+// Spreads eight ASCII bytes to units; false, with nothing written, if one of them is none.
+inline bool widen_eight(const char* bytes, char16_t* out) noexcept {
+    std::uint64_t eight = 0;
+    std::memcpy(&eight, bytes, sizeof eight);
+    if ((eight & 0x8080808080808080U) != 0) return false;
+    const auto spread = [](std::uint64_t four) {
+        four = (four | four << 16) & 0x0000FFFF0000FFFFU;
+        return (four | four << 8) & 0x00FF00FF00FF00FFU;
+    };
+    // The low half of the number is the first half of the text on little-endian machines only.
+    constexpr int first = std::endian::native == std::endian::little ? 0 : 32;
+    const std::uint64_t halves[] = {spread(eight >> first & 0xFFFFFFFFU),
+                                    spread(eight >> (32 - first) & 0xFFFFFFFFU)};
+    std::memcpy(out, halves, sizeof halves);
+    return true;
+}
+
+// Copies the ASCII bytes at the front of a text; gives their number, or less.
 inline std::size_t copy_ascii(std::string_view text, char16_t* out) noexcept {
     std::size_t done = 0;
     for (; text.size() - done >= 8; done += 8) {
-        std::uint64_t eight = 0;
-        std::memcpy(&eight, text.data() + done, 8);
-        if ((eight & 0x8080808080808080U) != 0) break;
-        for (std::size_t at = done; at < done + 8; ++at)
-            out[at] = static_cast<unsigned char>(text[at]);
+        if (!widen_eight(text.data() + done, out + done)) return done;
+    }
+    for (; done < text.size() && static_cast<unsigned char>(text[done]) < 0x80; ++done) {
+        out[done] = static_cast<unsigned char>(text[done]);
     }
     return done;
+}
+
+inline std::size_t decode_sequences(std::string_view text, Malformed malformed, char16_t* out) noexcept {
+    char16_t* end = out;
+    while (!text.empty()) {
+        const Sequence sequence = read_sequence(text, malformed == Malformed::replace);
+        end = sequence.good ? put_utf16(sequence.code_point, end)
+                            : put_malformed(text.substr(0, sequence.length), malformed, end);
+        text.remove_prefix(sequence.length);
+    }
+    return static_cast<std::size_t>(end - out);
 }
 
 // Writes at most one unit for each byte; gives the number of units.
 inline std::size_t decode_utf8(std::string_view text, Malformed malformed, char16_t* out) noexcept {
     const std::size_t ascii = copy_ascii(text, out);
-    char16_t* end = out + ascii;
-    for (std::size_t at = ascii; at < text.size();) {
-        const std::string_view rest = text.substr(at);
-        if (static_cast<unsigned char>(rest[0]) < 0x80) {
-            *end++ = static_cast<unsigned char>(rest[0]);
-            ++at;
-            continue;
-        }
-        const Sequence sequence = read_sequence(rest, malformed == Malformed::replace);
-        end = sequence.good ? put_utf16(sequence.code_point, end)
-                            : put_malformed(rest.substr(0, sequence.length), malformed, end);
-        at += sequence.length;
-    }
-    return static_cast<std::size_t>(end - out);
+    if (ascii == text.size()) return ascii;
+    return ascii + decode_sequences(text.substr(ascii), malformed, out + ascii);
 }
 
 inline bool is_high_surrogate(char16_t unit) noexcept {
@@ -136,33 +151,51 @@ inline void append_utf8(char32_t code_point, std::string& out) {
 // what a function makes of them it tells itself.
 class TextView {
 public:
-    constexpr TextView() noexcept = default;
+    constexpr TextView() noexcept : TextView(std::string_view()) {}
     constexpr TextView(const char* utf8) noexcept
-        : TextView(utf8 != nullptr ? std::string_view(utf8) : std::string_view()) {}
+        : TextView(utf8 != nullptr ? std::string_view(utf8) : std::string_view()) {
+        m_may_hold_zero = false;
+    }
     constexpr TextView(const char16_t* wide) noexcept
-        : TextView(wide != nullptr ? std::u16string_view(wide) : std::u16string_view()) {}
-    constexpr TextView(std::string_view utf8) noexcept : m_narrow(utf8.data()), m_size(utf8.size()) {}
+        : TextView(wide != nullptr ? std::u16string_view(wide) : std::u16string_view(u"")) {
+        m_may_hold_zero = false;
+        m_is_terminated = true;
+    }
+    constexpr TextView(std::string_view utf8) noexcept : m_utf8(utf8.data()), m_size(utf8.size()) {}
     constexpr TextView(std::u16string_view wide) noexcept
         : m_wide(wide.data()), m_size(wide.size()), m_is_wide(true) {}
     constexpr TextView(const std::string& utf8) noexcept : TextView(std::string_view(utf8)) {}
-    constexpr TextView(const std::u16string& wide) noexcept : TextView(std::u16string_view(wide)) {}
+    constexpr TextView(const std::u16string& wide) noexcept : TextView(std::u16string_view(wide)) {
+        m_is_terminated = true;
+    }
 
     // Which of the two it is: the other is empty.
     constexpr bool is_wide() const noexcept { return m_is_wide; }
     constexpr std::string_view utf8() const noexcept {
-        return m_is_wide || m_size == 0 ? std::string_view() : std::string_view(m_narrow, m_size);
+        return m_is_wide ? std::string_view() : std::string_view(m_utf8, m_size);
     }
     constexpr std::u16string_view wide() const noexcept {
-        return !m_is_wide || m_size == 0 ? std::u16string_view() : std::u16string_view(m_wide, m_size);
+        return m_is_wide ? std::u16string_view(m_wide, m_size) : std::u16string_view();
     }
     // In bytes or units, by is_wide(). As UTF-16 a text never takes more units than this.
     constexpr std::size_t size() const noexcept { return m_size; }
+    // A wide text whose end is known to be marked by a zero, so that it can be handed on as it is.
+    constexpr bool is_terminated() const noexcept { return m_is_terminated; }
+    constexpr bool holds_zero() const noexcept {
+        if (!m_may_hold_zero) return false;
+        return m_is_wide ? wide().find(u'\0') != std::u16string_view::npos
+                         : utf8().find('\0') != std::string_view::npos;
+    }
 
 private:
-    const char* m_narrow = nullptr;
-    const char16_t* m_wide = nullptr;
-    std::size_t m_size = 0;
+    union {
+        const char* m_utf8;
+        const char16_t* m_wide;
+    };
+    std::size_t m_size;
     bool m_is_wide = false;
+    bool m_is_terminated = false;
+    bool m_may_hold_zero = true;
 };
 
 // What isn't UTF-8 becomes U+FFFD, one for each broken sequence.

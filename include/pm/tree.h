@@ -106,23 +106,26 @@ namespace detail {
     throw PM_Warning(number, u"pm::Tree", detail, u"$Workfile: tree $ $Revision: #1 $");
 }
 
-// A text as the told interface takes it: wide and zero-terminated, on the stack if it isn't long.
+// A text as the told interface takes it: wide and zero-terminated. A text that is so already is used as it
+// is, one that isn't long lies on the stack.
 class Terminated {
 public:
     // A text that holds a zero raises `number`; the detail, if none is given, is what stands before it.
-    explicit Terminated(TextView text, std::uint32_t number = PM_ERR_BAD_PATH,
+    explicit Terminated(const TextView& text, std::uint32_t number = PM_ERR_BAD_PATH,
                         const char16_t* detail = nullptr) {
-        char16_t* const units = text.size() < capacity ? m_units : allocate(text.size());
-        if (text.is_wide()) {
-            std::copy(text.wide().begin(), text.wide().end(), units);
+        if (text.is_terminated()) {
+            m_text = text.wide().data();
             m_size = text.size();
         } else {
-            m_size = decode_utf8(text.utf8(), Malformed::replace, units);
+            char16_t* const units = text.size() < capacity ? m_units : allocate(text.size());
+            m_size = put(text, units);
+            units[m_size] = u'\0';
+            m_text = units;
         }
-        finish(units, number, detail);
+        if (text.holds_zero()) raise(number, detail != nullptr ? detail : m_text);
     }
     // The name of a file, see file_name_to_utf16().
-    static Terminated file_name(TextView text) { return Terminated(text, FileName()); }
+    static Terminated file_name(const TextView& text) { return Terminated(text, FileName()); }
     Terminated(const Terminated&) = delete;
     Terminated& operator=(const Terminated&) = delete;
 
@@ -133,10 +136,10 @@ private:
     static constexpr std::size_t capacity = 512;
     struct FileName {};
 
-    Terminated(TextView text, FileName)
+    Terminated(const TextView& text, FileName)
         : m_long(text.is_wide() ? std::u16string(text.wide()) : file_name_to_utf16(text.utf8())),
-          m_size(m_long.size()) {
-        finish(m_long.data(), PM_ERR_BAD_PATH, nullptr);
+          m_size(m_long.size()), m_text(m_long.c_str()) {
+        if (text.holds_zero()) raise(PM_ERR_BAD_PATH, m_text);
     }
 
     char16_t* allocate(std::size_t size) {
@@ -144,12 +147,9 @@ private:
         return m_long.data();
     }
 
-    void finish(char16_t* units, std::uint32_t number, const char16_t* detail) {
-        units[m_size] = u'\0';
-        m_text = units;
-        if (std::u16string_view(units, m_size).find(u'\0') != std::u16string_view::npos) {
-            raise(number, detail != nullptr ? detail : units);
-        }
+    static std::size_t put(const TextView& text, char16_t* units) noexcept {
+        if (!text.is_wide()) return decode_utf8(text.utf8(), Malformed::replace, units);
+        return text.wide().copy(units, text.size());
     }
 
     std::u16string m_long;
@@ -164,7 +164,11 @@ Number stored_number(const PM_Property_View& property) {
     if (property.data == nullptr) raise(PM_ERR_NO_VALUE, property.name);
     if (property.size > sizeof(Number)) raise(PM_ERR_VALUE_TOO_LARGE, property.name);
     Number number{};
-    std::memcpy(&number, property.data, property.size);
+    if (property.size == sizeof(Number)) {
+        std::memcpy(&number, property.data, sizeof(Number));
+    } else {
+        std::memcpy(&number, property.data, property.size);
+    }
     return number;
 }
 
@@ -447,12 +451,12 @@ inline std::pair<Node, int> detail::WalkStep::read() const noexcept {
     return Node(*pm_find_node(object, u"\\"));
 }
 // Nothing if there is no such node; the root for a path without components.
-[[nodiscard]] inline std::optional<Node> find_node(const PM_Object& object, TextView path) {
+[[nodiscard]] inline std::optional<Node> find_node(const PM_Object& object, const TextView& path) {
     const PM_Node* const node = pm_find_node(object, detail::Terminated(path).text());
     return node != nullptr ? std::optional(Node(*node)) : std::nullopt;
 }
 // Nothing if there is no such property.
-[[nodiscard]] inline std::optional<Property> find_property(const PM_Object& object, TextView path,
+[[nodiscard]] inline std::optional<Property> find_property(const PM_Object& object, const TextView& path,
                                                            int index = -1) {
     const PM_Property* const property = pm_find_property(object, detail::Terminated(path).text(), index);
     return property != nullptr ? std::optional(Property(*property)) : std::nullopt;
@@ -471,7 +475,7 @@ public:
     // The value at a path; nothing if there is no such property. T is one of detail::Readable; a float is
     // the stored double rounded. Number 54 for a property of another type.
     template<detail::Readable T>
-    [[nodiscard]] std::optional<T> get(TextView path, int index = -1) const {
+    [[nodiscard]] std::optional<T> get(const TextView& path, int index = -1) const {
         const detail::Terminated wide(path);
         const PM_Property* const property = pm_find_property(object(), wide.text(), index);
         if (property == nullptr) return std::nullopt;
@@ -480,7 +484,7 @@ public:
     // The same, raising what PM_Object::getPropertySize() raises where there is no property: number 51 for a
     // name that nothing in the tree has, 86 for a missing node, 87 for a missing property.
     template<detail::Readable T>
-    [[nodiscard]] T at(TextView path, int index = -1) const {
+    [[nodiscard]] T at(const TextView& path, int index = -1) const {
         const detail::Terminated wide(path);
         const PM_Property* const property = pm_find_property(object(), wide.text(), index);
         if (property == nullptr) {
@@ -494,7 +498,7 @@ public:
     // float, double, bool, text of either width, a span of bytes or a Value. Number 54 if the property is
     // strict and of another type; `strict` counts for the next time.
     template<class T>
-    void set(TextView path, const T& value, int index = -1, bool strict = true) {
+    void set(const TextView& path, const T& value, int index = -1, bool strict = true) {
         const detail::Terminated wide(path);
         if constexpr (std::same_as<T, Value>) {
             std::visit([&](const auto& held) { store(wide, held, index, strict); }, value);
@@ -505,7 +509,7 @@ public:
 
     // Removes the property of that path or, if there is none, the node with all below it. False if there is
     // neither. Number 51 for the root.
-    bool erase(TextView path, int index = -1) {
+    bool erase(const TextView& path, int index = -1) {
         const detail::Terminated wide(path);
         const std::u16string resolved = resolve(wide, index);
         if (!holds(wide, index, resolved)) return false;
@@ -514,22 +518,22 @@ public:
     }
 
     // Whether there is a property, or a node, of that path.
-    [[nodiscard]] bool contains(TextView path, int index = -1) const {
+    [[nodiscard]] bool contains(const TextView& path, int index = -1) const {
         const detail::Terminated wide(path);
         return holds(wide, index, resolve(wide, index));
     }
 
     [[nodiscard]] Node root() const { return root_of(object()); }
     // Nothing if there is no such node; the root for a path without components.
-    [[nodiscard]] std::optional<Node> node(TextView path) const { return find_node(object(), path); }
-    [[nodiscard]] std::optional<Property> property(TextView path, int index = -1) const {
+    [[nodiscard]] std::optional<Node> node(const TextView& path) const { return find_node(object(), path); }
+    [[nodiscard]] std::optional<Property> property(const TextView& path, int index = -1) const {
         return find_property(object(), path, index);
     }
     [[nodiscard]] Walk walk(int levels = 0) const { return root().walk(levels); }
 
     // Read a file into this tree; gives the reports met. A failure is an exception: what was read before
     // stays, and reports() has the reports met before. File names: see file_name_to_utf16().
-    std::vector<Report> load(TextView file, const LoadOptions& options = {}) {
+    std::vector<Report> load(const TextView& file, const LoadOptions& options = {}) {
         const detail::Terminated name = detail::Terminated::file_name(file);
         return collect(options, [&](const char16_t* base) {
             if (options.section) {
@@ -551,7 +555,7 @@ public:
 
     // Write this tree to a file or a stream. The library hands no handler to a save: whatever it meets is an
     // exception, and there are no reports.
-    void save(TextView file, const SaveOptions& options = {}) const {
+    void save(const TextView& file, const SaveOptions& options = {}) const {
         const detail::Terminated name = detail::Terminated::file_name(file);
         const detail::Terminated tag(options.tag);
         const detail::Terminated subtree(options.subtree);
@@ -626,7 +630,7 @@ private:
         }
     }
 
-    void store_text(const detail::Terminated& path, TextView text, int index, bool strict) {
+    void store_text(const detail::Terminated& path, const TextView& text, int index, bool strict) {
         constexpr std::size_t limit = 4096;
         const detail::Terminated wide(text, PM_ERR_INVALID_ARGUMENT, path.text());
         if (wide.size() > limit) detail::raise(PM_ERR_VALUE_TOO_LARGE, path.text());
@@ -669,7 +673,7 @@ struct Loaded {
 };
 
 // Read a file into a new tree. Tree::load() is the form that keeps what was read before a failure.
-[[nodiscard]] inline Loaded load(TextView file, const LoadOptions& options = {}) {
+[[nodiscard]] inline Loaded load(const TextView& file, const LoadOptions& options = {}) {
     Loaded loaded;
     loaded.reports = loaded.tree.load(file, options);
     return loaded;
@@ -680,7 +684,7 @@ struct Loaded {
     return loaded;
 }
 
-inline void save(const Tree& tree, TextView file, const SaveOptions& options = {}) {
+inline void save(const Tree& tree, const TextView& file, const SaveOptions& options = {}) {
     tree.save(file, options);
 }
 inline void save(const Tree& tree, std::iostream& stream, const SaveOptions& options = {}) {
