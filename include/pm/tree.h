@@ -87,15 +87,15 @@ using OnReport = std::function<Answer(const Report&)>;
 
 struct LoadOptions {
     PM_Object::FileType type = PM_Object::FILE_PIA;
-    std::string base = "\\";            // the node to load into
-    std::optional<std::string> section; // the one section of a DPIA file to load, by name
-    int plotter = 0;                    // the plotter of a CFG file to load
-    OnReport on_report;                 // Answer::stop ends the load with ZT_Canceled_Error
+    std::string base = "\\";                 // the node to load into
+    std::optional<std::string> section = {}; // the one section of a DPIA file to load, by name
+    int plotter = 0;                         // the plotter of a CFG file to load
+    OnReport on_report = {};                 // Answer::stop ends the load with ZT_Canceled_Error
 };
 
 struct SaveOptions {
     PM_Object::FileType type = PM_Object::FILE_PIA; // or FILE_DPIA, FILE_DOC
-    std::string tag;                                // stands in a PIA header; "compress" in it compresses
+    std::string tag = {};                           // stands in a PIA header; "compress" in it compresses
     std::string subtree = "\\";                     // the node to save
     bool utf8 = false;                              // PIA only: UTF-8 in place of the system's code page
 };
