@@ -6,14 +6,24 @@
 #include <pm/export.h>
 #include <pm/zt_string.h>
 
-// The handle of the message library pmres9, opened when this library starts; 0 if it couldn't be opened.
-// Without it everything works and numbers have no text.
+// The handle of the message library pmres9, opened when this library starts and closed when it ends; 0 if it
+// couldn't be opened. Without it everything works and numbers have no text.
 PM_API std::uint64_t GetPMErrResHandle();
 
-// Every failure of the library is one of the classes below, thrown by value.
+// Every failure of the library is one of the classes below, thrown by value. Which number comes with which class
+// and place is told in docs/errors.md; catching ZT_Exception catches all.
 //
-// An exception carries a number and no message; pm_error_text() gives the text of a number. Fields are
-// public and read-only by convention.
+//   ZT_Warning         PM_Warning           kind 1   a wrong argument, or something that isn't there
+//   ZT_Error           PM_Error             kind 2   a value or line that isn't valid
+//   ZT_Severe_Error    PM_Severe            kind 4   a file that can't be read or written
+//                      PM_Memory_Exception  kind 4   number 55, no memory
+//   ZT_Canceled_Error                       kind 6   a handler answered a report with 0
+//   ZT_Exception                            kind 2   a report without a handler, its own class lost
+//
+// Only these leave the library, but for std::bad_alloc out of ZT_String and ZT_Object and what a handler
+// throws; codecs throw nothing. An exception carries a number and no message: what() tells nothing,
+// pm_error_text() gives the text of a number. Fields are public and read-only by convention. An exception owns
+// all it shows, or points to static text: it can be copied, kept and handed to another thread.
 class PM_API ZT_Exception : public std::exception, public ZT_Object {
 public:
     static constexpr int detail_capacity = 260;
@@ -49,6 +59,7 @@ private:
     std::shared_ptr<const char16_t[]> m_place_owner;
 };
 
+// The bases, shared with sibling libraries; this library throws only the PM_ classes that derive from them.
 class PM_API ZT_Warning : public ZT_Exception {
 public:
     using ZT_Exception::ZT_Exception;
@@ -70,7 +81,7 @@ public:
     int kind() const noexcept override;
 };
 
-// Thrown when a handler answers a report with 0.
+// Thrown when a handler answers a report with 0: the load has ended, what was read stays.
 class PM_API ZT_Canceled_Error : public ZT_Exception {
 public:
     using ZT_Exception::ZT_Exception;

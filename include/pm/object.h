@@ -31,11 +31,36 @@ enum PropType : std::int32_t {
 // Index: where an operation takes one, the first "*" of the path is replaced by it in decimal; without a "*"
 // an index other than -1 names one more level. The resolved path has at most 1023 units.
 //
-// Failures are exceptions (exception.h). Unless told otherwise a failed operation leaves what it had done:
-// nodes made on the way stay. All operations raise number 51 (PM_Warning, detail the path) for a path
-// without components or with too many, and number 55 (PM_Memory_Exception) when memory runs out.
+// Failures are exceptions (exception.h); docs/errors.md has all numbers. A failed operation leaves what it had
+// done: nodes made on the way stay, and so does what a load had read.
 //
-// An object belongs to one thread at a time, reading included. Null texts count as empty ones.
+// What isn't there, and a path that names nothing:
+//
+//   operation                 no components        unknown name   known, elsewhere
+//   SetProperty, setVoid...   51                   made           made
+//   GetProperty, getVoid...   false                false          false
+//   getPropertySize           51                   51             86 node, 87 property
+//   pathExists                false                false          see there
+//   deletePath                51                   51             52
+//   newIterator               51, but "\" is root  51             an iterator at its end
+//   duplicate, source         51, but "\" is root  copies nothing copies nothing
+//
+// "Unknown" is a name that no node and no property of this object has, wherever. All of these numbers are
+// PM_Warning. Beside them each operation raises
+//
+//   50  PM_Severe             the object's tree is gone; only a derived class can bring that about
+//   51  PM_Warning            more than 256 components, of which the first 256 are known to an operation
+//                             that makes none; a resolved path of more than 1023 units in SetProperty,
+//                             GetProperty, getPropertySize and their kin; the detail is the path
+//   55  PM_Memory_Exception   no memory
+//
+// Threads: an object, its iterators and what a load or save of it uses belong to one thread at a time, also
+// for reading, since a look-up counts references. Different objects may be used by different threads at the
+// same time. What they share is the system's code page (code_page.h) and the message library, both safe, and
+// what the process has once: its current folder, its environment, and errno, which loads and saves set to 0.
+// A handler is called by the thread that loads; one that serves two objects has to protect itself.
+//
+// Null texts count as empty ones.
 class PM_API PM_Object : public PM_Mem_Obj {
 public:
     // How a step of PM_Iterator went.
@@ -98,11 +123,13 @@ public:
 
     // Copies the properties and children of the node `source` into the node `destination`, which is made if
     // missing. Properties that are there already stay. Number 70 (PM_Severe) if the last name of `source`
-    // occurs anywhere in `destination`.
+    // occurs anywhere in `destination`; 51, with what was copied staying, if a path grows past 256 components
+    // on the way; 59 for a property without a value.
     void duplicate(const char16_t* source, const char16_t* destination);
 
     // An iterator (iterator.h) at the node `path`, u"\\" for the root, that goes down `depth` levels, 0 for
-    // all. The caller deletes it before this object dies. Null without memory.
+    // all. The caller owns it and deletes it before this object dies. Null without memory. A missing node
+    // whose names are all known gives an iterator that is at its end.
     PM_Iterator* newIterator(const char16_t* path, int depth) const;
 
     // Read a file into the node `base` ("\" or empty for the root). What was read before a failure stays.
