@@ -5,9 +5,9 @@
 #include <string_view>
 #include <utility>
 
-// Implemented by the caller and handed to PM_Object, which borrows it: it must outlive the object. The library
-// calls it when a filer meets something that it can pass over, such as a bad line, and when a codec fails.
-// pm::ReportHandler below asks for one operation in place of seven.
+// Implemented by the caller and handed to PM_Object, which borrows it: it must outlive the object. The
+// library calls it when a filer meets something that it can pass over, such as a bad line, and when a codec
+// fails. pm::ReportHandler below asks for one operation in place of seven.
 //
 // Which kinds occur: warnings and errors out of loads (57 bad lines, 69, 88 values of no known type, 89, 99),
 // severe ones out of codecs (55, 90 to 98). Kinds 0, 3 and 5 have no exception in this library, and a
@@ -62,7 +62,15 @@ namespace pm {
 // What a handler answers to a report. A report that only tells (severe) goes on whatever the answer is.
 enum class Answer : int { stop = 0, go_on = 1 };
 
-// ZT_Error_Handler with one operation in place of seven.
+// ZT_Error_Handler with one operation in place of seven:
+//
+//     class Log : public pm::ReportHandler {
+//         pm::Answer on_report(int kind, std::uint32_t number, std::u16string_view place,
+//                              std::u16string_view detail) override { ...; return pm::Answer::go_on; }
+//     } log;
+//     PM_Object object(&log);
+//
+// A pm::Tree (tree.h) has one of its own and gives the reports as a list.
 class ReportHandler : public ZT_Error_Handler {
 public:
     // `kind` is that of the exception: 1 warning, 2 error, 4 severe; the library has no others. `number` is

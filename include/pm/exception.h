@@ -10,8 +10,8 @@
 // couldn't be opened. Without it everything works and numbers have no text.
 PM_API std::uint64_t GetPMErrResHandle();
 
-// Every failure of the library is one of the classes below, thrown by value. Which number comes with which class
-// and place is told in docs/errors.md; catching ZT_Exception catches all.
+// Every failure of the library is one of the classes below, thrown by value. Which number comes with which
+// class and place is told in docs/errors.md; catching ZT_Exception catches all.
 //
 //   ZT_Warning         PM_Warning           kind 1   a wrong argument, or something that isn't there
 //   ZT_Error           PM_Error             kind 2   a value or line that isn't valid
@@ -22,14 +22,15 @@ PM_API std::uint64_t GetPMErrResHandle();
 //
 // Only these leave the library, but for std::bad_alloc out of ZT_String and ZT_Object and what a handler
 // throws; codecs throw nothing. An exception carries a number and no message: what() tells nothing,
-// pm_error_text() gives the text of a number. Fields are public and read-only by convention. An exception owns
-// all it shows, or points to static text: it can be copied, kept and handed to another thread.
+// pm_error_text() gives the text of a number. Fields are public and read-only by convention. An exception
+// owns all it shows, or points to static text: it can be copied, kept and handed to another thread.
 class PM_API ZT_Exception : public std::exception, public ZT_Object {
 public:
     static constexpr int detail_capacity = 260;
     static constexpr int arg_capacity = 32;
 
-    // `place` and `source` must be static texts. `detail` is copied, cut to 259 units; null counts as empty.
+    // Never throws: without memory the narrow place is missing, nothing else. `place` and `source` must be
+    // static texts. `detail` is copied, cut to 259 units; null counts as empty.
     ZT_Exception(std::uint32_t number, const char16_t* place, const char16_t* detail,
                  const char16_t* source) noexcept;
     // For the one report whose place name is a line of a file: the place is kept alive by the exception and
@@ -40,7 +41,8 @@ public:
     ZT_Exception& operator=(const ZT_Exception& other) noexcept;
     ~ZT_Exception() override;
 
-    // Severity code: 1 warning, 2 error, 4 severe, 6 cancelled.
+    // Severity code: 1 warning, 2 error, 4 severe, 6 cancelled. It decides which operation of a handler is
+    // called.
     virtual int kind() const noexcept;
 
     std::uint64_t m_res_handle;           // GetPMErrResHandle() at the time of the throw
@@ -91,18 +93,22 @@ public:
     int kind() const noexcept override;
 };
 
+// A wrong argument, an absent thing, a bad value: nothing is broken, and the operation can be tried
+// otherwise.
 class PM_API PM_Warning : public ZT_Warning {
 public:
     using ZT_Warning::ZT_Warning;
     ~PM_Warning() override;
 };
 
+// A value, a line or a file header that isn't valid.
 class PM_API PM_Error : public ZT_Error {
 public:
     using ZT_Error::ZT_Error;
     ~PM_Error() override;
 };
 
+// A file or a stream that can't be used, or a tree that can't.
 class PM_API PM_Severe : public ZT_Severe_Error {
 public:
     using ZT_Severe_Error::ZT_Severe_Error;

@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <pm/export.h>
 
-// Base class of all heap objects of the store. Its operator new gives null in place of throwing: whoever
-// makes an object of a derived class tests the result and raises number 55.
+// Base class of all heap objects of the store and of the codecs. Its operator new gives null in place of
+// throwing: whoever makes an object of a derived class tests the result and raises number 55.
 //
 // A block that the library hands out (codec output, the value of an iterator that was given up early)
 // comes from the same allocator and is released with PM_Mem_Obj::operator delete(block).
@@ -13,9 +13,10 @@ public:
     PM_Mem_Obj() = default;
     virtual ~PM_Mem_Obj();
 
-    // Null when there is no memory.
+    // Null when there is no memory; never throws. There is no form for arrays.
     static void* operator new(std::size_t size) noexcept;
-    // Null is allowed and does nothing.
+    // Takes what operator new of this class gave and blocks that the library handed out. Null is allowed and
+    // does nothing.
     static void operator delete(void* block) noexcept;
 
 private:

@@ -31,8 +31,8 @@ enum PropType : std::int32_t {
 // Index: where an operation takes one, the first "*" of the path is replaced by it in decimal; without a "*"
 // an index other than -1 names one more level. The resolved path has at most 1023 units.
 //
-// Failures are exceptions (exception.h); docs/errors.md has all numbers. A failed operation leaves what it had
-// done: nodes made on the way stay, and so does what a load had read.
+// Failures are exceptions (exception.h); docs/errors.md has all numbers. A failed operation leaves what it
+// had done: nodes made on the way stay, and so does what a load had read.
 //
 // What isn't there, and a path that names nothing:
 //

@@ -15,8 +15,12 @@ public:
     static void operator delete(void* block) noexcept;
 };
 
-// Owned, zero-terminated wide text. Units are 16 bits on every platform; the text is UTF-16 in name only,
-// so that unpaired surrogates pass through untouched.
+// Owned, zero-terminated wide text, as the functions of value_text.h and error_text.h give it. Units are 16
+// bits on every platform; the text is UTF-16 in name only, so that unpaired surrogates pass through
+// untouched.
+//
+// Copies are deep. A string that was moved from is as one that was never set. Whatever makes a text throws
+// std::bad_alloc for want of memory.
 class PM_API ZT_String {
 public:
     // A string that was never set: length() is -1, text() is the empty text.
@@ -29,7 +33,7 @@ public:
     ZT_String& operator=(ZT_String&& other) noexcept;
     ~ZT_String();
 
-    // Replace the content. The argument may lie inside this string.
+    // Replace the content. Without memory the old one stays. The argument may lie inside this string.
     void copy(const char16_t* text);
     void copy(const ZT_String& other);
 

@@ -20,12 +20,12 @@ using testing::ElementsAre;
 constexpr const char16_t* tree_place = u"pm::Tree";
 
 // Which types get() and at() take.
-static_assert(pm::detail::Readable<int> && pm::detail::Readable<long> && pm::detail::Readable<long long>);
-static_assert(pm::detail::Readable<float> && pm::detail::Readable<double> && pm::detail::Readable<bool>);
-static_assert(pm::detail::Readable<std::string> && pm::detail::Readable<std::u16string>);
-static_assert(pm::detail::Readable<pm::Bytes> && pm::detail::Readable<pm::Value>);
-static_assert(!pm::detail::Readable<short> && !pm::detail::Readable<unsigned>);
-static_assert(!pm::detail::Readable<const char*> && !pm::detail::Readable<std::string_view>);
+static_assert(pm::Readable<int> && pm::Readable<long> && pm::Readable<long long>);
+static_assert(pm::Readable<float> && pm::Readable<double> && pm::Readable<bool>);
+static_assert(pm::Readable<std::string> && pm::Readable<std::u16string>);
+static_assert(pm::Readable<pm::Bytes> && pm::Readable<pm::Value>);
+static_assert(!pm::Readable<short> && !pm::Readable<unsigned>);
+static_assert(!pm::Readable<const char*> && !pm::Readable<std::string_view>);
 
 static_assert(std::is_nothrow_move_constructible_v<pm::Tree> && std::is_nothrow_move_assignable_v<pm::Tree>);
 static_assert(!std::is_copy_constructible_v<pm::Tree>);
