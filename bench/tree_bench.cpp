@@ -1,4 +1,5 @@
-// What pm/tree.h costs beside the told calls that do the same: each pair below reads or writes the same tree.
+// What pm/tree.h costs beside the calls of PM_Object that do the same: each pair below reads or writes the
+// same tree.
 
 #include <benchmark/benchmark.h>
 #include <cstring>
@@ -32,13 +33,13 @@ constexpr const char* narrow_double_path = "\\media12\\size7\\printable_area";
 constexpr const char* narrow_text_path = "\\media12\\size7\\name";
 
 // A program's own road from a stored text to UTF-8: the size, a buffer, the text.
-std::string told_text(const PM_Object& object, const char16_t* path) {
+std::string object_text(const PM_Object& object, const char16_t* path) {
     std::u16string wide(object.getPropertySize(path) / sizeof(char16_t), u'\0');
     if (!object.GetProperty(path, wide.data(), wide.size() * sizeof(char16_t))) return {};
     return pm::to_utf8(wide.c_str());
 }
 
-void told_get_long(benchmark::State& state) {
+void object_get_long(benchmark::State& state) {
     PM_Object object;
     fill(object);
     for (auto _ : state) {
@@ -56,7 +57,7 @@ void tree_get_long(benchmark::State& state, Path path) {
         benchmark::DoNotOptimize(tree.get<int>(path));
 }
 
-void told_get_double(benchmark::State& state) {
+void object_get_double(benchmark::State& state) {
     PM_Object object;
     fill(object);
     for (auto _ : state) {
@@ -73,11 +74,11 @@ void tree_get_double(benchmark::State& state) {
         benchmark::DoNotOptimize(tree.get<double>(narrow_double_path));
 }
 
-void told_get_text(benchmark::State& state) {
+void object_get_text(benchmark::State& state) {
     PM_Object object;
     fill(object);
     for (auto _ : state)
-        benchmark::DoNotOptimize(told_text(object, text_path));
+        benchmark::DoNotOptimize(object_text(object, text_path));
 }
 
 void tree_get_text(benchmark::State& state) {
@@ -87,7 +88,7 @@ void tree_get_text(benchmark::State& state) {
         benchmark::DoNotOptimize(tree.get<std::string>(narrow_text_path));
 }
 
-void told_set_long(benchmark::State& state) {
+void object_set_long(benchmark::State& state) {
     PM_Object object;
     fill(object);
     int value = 0;
@@ -104,7 +105,7 @@ void tree_set_long(benchmark::State& state, Path path) {
         tree.set(path, ++value);
 }
 
-void told_set_text(benchmark::State& state) {
+void object_set_text(benchmark::State& state) {
     PM_Object object;
     fill(object);
     const char16_t* const text = u"ISO_A1_landscape";
@@ -120,7 +121,7 @@ void tree_set_text(benchmark::State& state) {
 }
 
 // Every name and value by the iterator, texts in UTF-8.
-void told_walk(benchmark::State& state) {
+void object_walk(benchmark::State& state) {
     PM_Object object;
     fill(object);
     for (auto _ : state) {
@@ -157,7 +158,7 @@ void tree_walk(benchmark::State& state) {
 }
 
 // Nothing but the steps: no value is looked at.
-void told_walk_nodes(benchmark::State& state) {
+void object_walk_nodes(benchmark::State& state) {
     PM_Object object;
     fill(object);
     for (auto _ : state) {
@@ -177,21 +178,21 @@ void tree_walk_nodes(benchmark::State& state) {
     }
 }
 
-BENCHMARK(told_get_long);
+BENCHMARK(object_get_long);
 BENCHMARK_CAPTURE(tree_get_long, utf8, narrow_long_path);
 BENCHMARK_CAPTURE(tree_get_long, utf16, long_path);
-BENCHMARK(told_get_double);
+BENCHMARK(object_get_double);
 BENCHMARK(tree_get_double);
-BENCHMARK(told_get_text);
+BENCHMARK(object_get_text);
 BENCHMARK(tree_get_text);
-BENCHMARK(told_set_long);
+BENCHMARK(object_set_long);
 BENCHMARK_CAPTURE(tree_set_long, utf8, narrow_long_path);
 BENCHMARK_CAPTURE(tree_set_long, utf16, long_path);
-BENCHMARK(told_set_text);
+BENCHMARK(object_set_text);
 BENCHMARK(tree_set_text);
-BENCHMARK(told_walk);
+BENCHMARK(object_walk);
 BENCHMARK(tree_walk);
-BENCHMARK(told_walk_nodes);
+BENCHMARK(object_walk_nodes);
 BENCHMARK(tree_walk_nodes);
 
 } // namespace

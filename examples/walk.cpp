@@ -2,7 +2,9 @@
 //
 //     walk FILE
 
+#include <charconv>
 #include <cstdio>
+#include <iterator>
 #include <pm/pm.h>
 #include <string>
 
@@ -12,7 +14,10 @@ namespace {
 struct ValueText {
     std::string operator()(std::monostate) const { return "(nothing)"; }
     std::string operator()(std::int32_t number) const { return std::to_string(number); }
-    std::string operator()(double number) const { return std::to_string(number); }
+    std::string operator()(double number) const {
+        char text[32];
+        return {text, std::to_chars(text, std::end(text), number).ptr}; // reads back exactly
+    }
     std::string operator()(const std::string& text) const { return '"' + text + '"'; }
     std::string operator()(bool truth) const { return truth ? "true" : "false"; }
     std::string operator()(const pm::Bytes& bytes) const { return std::to_string(bytes.size()) + " bytes"; }

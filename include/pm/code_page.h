@@ -19,4 +19,6 @@
 // machine can't convert that code page, and PM_Memory_Exception number 55, of the same place and without a
 // detail, if there is no memory for its first use; the setting then stays.
 PM_API void pm_set_system_code_page(unsigned code_page);
+
+// Never 0. Both functions may be called from any thread.
 PM_API unsigned pm_system_code_page();

@@ -80,40 +80,23 @@ public:
     virtual Answer on_report(int kind, std::uint32_t number, std::u16string_view place,
                              std::u16string_view detail) = 0;
 
+    // Each calls on_report() with its kind; the texts of this library take no arguments.
     void on_kind_0(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
-                   const char16_t*) final {
-        tell(0, number, place, detail);
-    }
+                   const char16_t*) final;
     int on_warning(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
-                   const char16_t*) final {
-        return tell(1, number, place, detail);
-    }
+                   const char16_t*) final;
     int on_error(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
-                 const char16_t*) final {
-        return tell(2, number, place, detail);
-    }
+                 const char16_t*) final;
     int on_kind_3(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
-                  const char16_t*) final {
-        return tell(3, number, place, detail);
-    }
+                  const char16_t*) final;
     void on_severe(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
-                   const char16_t*) final {
-        tell(4, number, place, detail);
-    }
+                   const char16_t*) final;
     void on_kind_5(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
-                   const char16_t*) final {
-        tell(5, number, place, detail);
-    }
-    // The library's texts take no arguments.
+                   const char16_t*) final;
     void set_arguments(const std::uint64_t*, std::int32_t) override {}
 
 private:
-    int tell(int kind, std::uint32_t number, const char16_t* place, const char16_t* detail) {
-        const auto view = [](const char16_t* text) {
-            return text != nullptr ? std::u16string_view(text) : std::u16string_view();
-        };
-        return static_cast<int>(on_report(kind, number, view(place), view(detail)));
-    }
+    int tell(int kind, std::uint32_t number, const char16_t* place, const char16_t* detail);
 };
 
 // A handler that calls a function: ReportCall handler([&](int kind, std::uint32_t number, auto place,
@@ -132,3 +115,5 @@ private:
 };
 
 } // namespace pm
+
+#include <pm/detail/error_handler.h>

@@ -24,6 +24,16 @@ PM_API std::uint64_t GetPMErrResHandle();
 // throws; codecs throw nothing. An exception carries a number and no message: what() tells nothing,
 // pm_error_text() gives the text of a number. Fields are public and read-only by convention. An exception
 // owns all it shows, or points to static text: it can be copied, kept and handed to another thread.
+//
+// Catch by reference; the classes tell how bad it is, the number what it is:
+//
+//     try {
+//         object.load(file, PM_Object::FILE_PIA, u"\\");
+//     } catch (const ZT_Canceled_Error&) {
+//         // a handler said so
+//     } catch (const ZT_Exception& e) {
+//         if (e.m_number != PM_ERR_NO_SUCH_FILE) throw;
+//     }
 class PM_API ZT_Exception : public std::exception, public ZT_Object {
 public:
     static constexpr int detail_capacity = 260;

@@ -43,9 +43,11 @@ public:
     // property of no type gives null with `type` PROP_NONE and ends the properties of its node.
     const char16_t* nextProp(char*& value, std::size_t& size, PropType& type);
 
-    // Null at the end of the walk, and before the first nextProp() on a node.
+    // The node and property that the walk stands on, for view.h. Null at the end of the walk; currentProp()
+    // also before the first nextProp() on a node and when there are no more.
     const PM_Node* currentNode() const { return m_node; }
     const PM_Property* currentProp() const { return m_prop; }
+    // Of the start node at first; null at the end. Valid as long as the node.
     const char16_t* getCurrentNodeName() const;
 
 private:

@@ -8,6 +8,11 @@
 //
 // A block that the library hands out (codec output, the value of an iterator that was given up early)
 // comes from the same allocator and is released with PM_Mem_Obj::operator delete(block).
+//
+// Not for a program's own classes. Objects of the derived classes may be made on the stack or with new; a
+// PM_Object that is made with new has to be tested for null:
+//
+//     std::unique_ptr<PM_Object> object(new PM_Object);
 class PM_API PM_Mem_Obj {
 public:
     PM_Mem_Obj() = default;

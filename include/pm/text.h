@@ -38,7 +38,7 @@ public:
         m_is_terminated = true;
     }
 
-    // Which of the two it is: the other is empty.
+    // Which of the two it is: the other gives an empty text.
     constexpr bool is_wide() const noexcept { return m_is_wide; }
     constexpr std::string_view utf8() const noexcept {
         return m_is_wide ? std::string_view() : std::string_view(m_utf8, m_size);

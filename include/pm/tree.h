@@ -37,12 +37,15 @@
 //   59  a number or truth value whose property holds no bytes; a Value without a value in set()
 //   78  a text to store that holds a zero
 //
+// get(), at() and the handles of node.h read what is there without a copy but the one they give. In all, a
+// call here takes up to 1.2 times what PM_Object takes for the same, a walk with values half of it.
+//
 // When memory runs out, it is number 55 out of the store and std::bad_alloc out of the strings and lists made
 // here. Either leaves the tree as a failed call of PM_Object does: usable, nodes made on the way staying.
 
 namespace pm {
 
-// Something that a load passed over.
+// Something that a load passed over. Texts are UTF-8, cut as ZT_Exception cuts them.
 struct Report {
     int kind = 0;             // 1 warning, 2 error, 4 severe
     std::uint32_t number = 0; // error_number.h
@@ -53,10 +56,11 @@ struct Report {
 // The text of an error number; empty without the message library.
 [[nodiscard]] std::string error_text(std::uint32_t number);
 
-// Asked at each report; without one every load goes on.
+// Asked at each report, before the load goes on; without one every load goes on. What it throws ends the load
+// and comes out of it. It may not use the tree that is being loaded.
 using OnReport = std::function<Answer(const Report&)>;
 
-// How to read. A type that can't be read so is number 67.
+// How to read. Texts are UTF-8. A type that can't be read so is number 67.
 struct LoadOptions {
     PM_Object::FileType type = PM_Object::FILE_PIA;
     std::string base = "\\";                 // the node to load into
@@ -65,7 +69,7 @@ struct LoadOptions {
     OnReport on_report = {};                 // Answer::stop ends the load with ZT_Canceled_Error
 };
 
-// How to write. A type that isn't written is number 67.
+// How to write. Texts are UTF-8. A type that isn't written is number 67.
 struct SaveOptions {
     PM_Object::FileType type = PM_Object::FILE_PIA; // or FILE_DPIA, FILE_DOC
     std::string tag = {};                           // stands in a PIA header; "compress" in it compresses
@@ -80,7 +84,7 @@ public:
     // An empty tree.
     Tree() : m_state(std::make_unique<State>()) {}
 
-    // The told interface of the same tree. Its loads, too, go on at each report and add it to reports().
+    // The same tree as the exported class. Its loads, too, go on at each report and add it to reports().
     [[nodiscard]] PM_Object& object() noexcept { return m_state->object; }
     [[nodiscard]] const PM_Object& object() const noexcept { return m_state->object; }
 

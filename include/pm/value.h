@@ -31,8 +31,8 @@ using Value = std::variant<std::monostate, std::int32_t, double, std::string, bo
 template<class T>
 concept ReadableInteger = std::signed_integral<T> && sizeof(T) >= sizeof(std::int32_t);
 
-// What a value can be read as: an integer of 32 bits or more, float, double, bool, std::string (UTF-8),
-// std::u16string, Bytes, Value. A float is the stored double, rounded.
+// What a value can be read as by get(), at() and as(): an integer of 32 bits or more, float, double, bool,
+// std::string (UTF-8), std::u16string, Bytes, Value. A float is the stored double, rounded.
 template<class T>
 concept Readable = ReadableInteger<T> || std::same_as<T, float> || std::same_as<T, double> ||
     std::same_as<T, bool> || std::same_as<T, std::string> || std::same_as<T, std::u16string> ||

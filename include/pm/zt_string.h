@@ -37,7 +37,7 @@ public:
     void copy(const char16_t* text);
     void copy(const ZT_String& other);
 
-    // Concatenation; operands that were never set count as empty.
+    // Concatenation, with a new string as result; operands that were never set count as empty.
     ZT_String operator+(const char16_t* tail) const;
     ZT_String operator+(const ZT_String& tail) const;
 

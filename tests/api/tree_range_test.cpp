@@ -145,16 +145,16 @@ TEST(Walk, OfAnEmptyTreeIsItsRoot) {
 
 TEST(Walk, MeetsTheNodesThatAnIteratorMeets) {
     const pm::Tree tree = sample();
-    std::vector<std::u16string> told = {u"Root"};
+    std::vector<std::u16string> expected = {u"Root"};
     const std::unique_ptr<PM_Iterator> iterator(tree.object().newIterator(u"\\", 0));
     PM_Object::NodeType step{};
     while (const char16_t* name = iterator->nextNode(step)) {
-        if (step != PM_Object::NODE_PARENT) told.emplace_back(name);
+        if (step != PM_Object::NODE_PARENT) expected.emplace_back(name);
     }
     std::vector<std::u16string> met;
     for (const auto [node, depth] : tree.walk())
         met.emplace_back(node.name16());
-    EXPECT_EQ(told, met);
+    EXPECT_EQ(expected, met);
 }
 
 TEST(Walk, OfAVeryDeepTreeTakesNoStack) {

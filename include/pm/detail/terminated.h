@@ -7,14 +7,14 @@
 #include <pm/text.h>
 #include <string>
 
-// Texts and failures on the way from tree.h to the told interface.
+// Texts and failures on the way from tree.h to PM_Object.
 namespace pm::detail {
 
 [[noreturn]] inline void raise(std::uint32_t number, const char16_t* detail) {
     throw PM_Warning(number, u"pm::Tree", detail, u"$Workfile: tree $ $Revision: #1 $");
 }
 
-// A text as the told interface takes it: wide and zero-terminated. A text that is so already is used as it
+// A text as PM_Object takes it: wide and zero-terminated. A text that is so already is used as it
 // is, one that isn't long lies on the stack.
 class Terminated {
 public:
