@@ -27,8 +27,9 @@ int count_properties(const PM_Object& object) {
         char* value = nullptr; // the iterator's until the last call, which gives null
         std::size_t size = 0;
         PropType type = PROP_NONE;
-        while (walk->nextProp(value, size, type) != nullptr)
+        while (walk->nextProp(value, size, type) != nullptr) {
             ++count;
+        }
     } while (walk->nextNode(step) != nullptr);
     return count;
 }

@@ -49,16 +49,18 @@ enum PropType : std::int32_t {
 // PM_Warning. Beside them each operation raises
 //
 //   50  PM_Severe             the object's tree is gone; only a derived class can bring that about
-//   51  PM_Warning            more than 256 components, of which the first 256 are known to an operation
-//                             that makes none; a resolved path of more than 1023 units in SetProperty,
-//                             GetProperty, getPropertySize and their kin; the detail is the path
+//   51  PM_Warning            more than 256 components, counted up to the first unknown name where nothing is
+//                             made; a resolved path of more than 1023 units in SetProperty, GetProperty,
+//                             getPropertySize and their kin; the detail is the path
 //   55  PM_Memory_Exception   no memory
 //
 // Threads: an object, its iterators and what a load or save of it uses belong to one thread at a time, also
 // for reading, since a look-up counts references. Different objects may be used by different threads at the
 // same time. What they share is the system's code page (code_page.h) and the message library, both safe, and
-// what the process has once: its current folder, its environment, and errno, which loads and saves set to 0.
-// A handler is called by the thread that loads; one that serves two objects has to protect itself.
+// what the process has once: its current folder and its environment ("CODEP", which device descriptions
+// read). A handler is called by the thread that loads; one that serves two objects has to protect itself.
+// Loads and saves set the thread's errno to 0. A PCP file that ends within its default block leaves it open
+// for the next one that the thread loads, into whatever object.
 //
 // Null texts count as empty ones.
 class PM_API PM_Object : public PM_Mem_Obj {

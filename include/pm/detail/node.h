@@ -41,8 +41,9 @@ T Property::as() const {
 inline std::string Node::path() const {
     if (is_root()) return "\\";
     std::vector<std::u16string_view> names;
-    for (Node node = *this; !node.is_root(); node = *node.parent())
+    for (Node node = *this; !node.is_root(); node = *node.parent()) {
         names.push_back(node.name16());
+    }
     std::string path;
     std::for_each(names.rbegin(), names.rend(),
                   [&](std::u16string_view name) { (path += '\\') += to_utf8(name); });

@@ -19,12 +19,14 @@ inline std::u16string to_utf16(std::string_view utf8) {
 inline std::string to_utf8(std::u16string_view wide) {
     std::string utf8(wide.size(), '\0');
     std::size_t at = 0;
-    for (; at < wide.size() && wide[at] < 0x80; ++at)
+    for (; at < wide.size() && wide[at] < 0x80; ++at) {
         utf8[at] = static_cast<char>(wide[at]);
+    }
     if (at == wide.size()) return utf8;
     utf8.resize(at);
-    while (at < wide.size())
+    while (at < wide.size()) {
         detail::append_utf8(detail::next_code_point(wide, at), utf8);
+    }
     return utf8;
 }
 

@@ -52,8 +52,9 @@ inline char16_t* put_malformed(std::string_view bytes, Malformed malformed, char
         *out++ = u'\uFFFD';
         return out;
     }
-    for (const char byte : bytes)
+    for (const char byte : bytes) {
         *out++ = static_cast<char16_t>(0xDC00 + static_cast<unsigned char>(byte));
+    }
     return out;
 }
 
