@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -24,7 +25,7 @@ Number stored_number(const PM_Property_View& property) {
     if (property.size == sizeof(Number)) {
         std::memcpy(&number, property.data, sizeof(Number));
     } else {
-        std::memcpy(&number, property.data, property.size);
+        std::memcpy(&number, property.data, std::min(property.size, sizeof(Number)));
     }
     return number;
 }
