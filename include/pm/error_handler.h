@@ -80,7 +80,8 @@ public:
     virtual Answer on_report(int kind, std::uint32_t number, std::u16string_view place,
                              std::u16string_view detail) = 0;
 
-    // Each calls on_report() with its kind; the texts of this library take no arguments.
+    // What the library calls; a program needn't. Each calls on_report() with its kind; the texts of this
+    // library take no arguments.
     void on_kind_0(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
                    const char16_t*) final;
     int on_warning(std::uint64_t, std::uint32_t number, const char16_t* place, const char16_t* detail,
@@ -104,6 +105,7 @@ private:
 template<class Function>
 class ReportCall final : public ReportHandler {
 public:
+    // The function takes what on_report() takes and gives a pm::Answer. What it refers to must outlive this.
     explicit ReportCall(Function function) : m_function(std::move(function)) {}
     Answer on_report(int kind, std::uint32_t number, std::u16string_view place,
                      std::u16string_view detail) override {

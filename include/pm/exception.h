@@ -55,6 +55,7 @@ public:
     // called.
     virtual int kind() const noexcept;
 
+    // Which of them tell what is in docs/errors.md, number by number.
     std::uint64_t m_res_handle;           // GetPMErrResHandle() at the time of the throw
     std::uint32_t m_number;               // index into the texts of pmres9
     std::int32_t m_arg_count = 0;         // entries of m_args in use

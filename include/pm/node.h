@@ -30,7 +30,9 @@ namespace pm {
 // One property of a node.
 class Property {
 public:
+    // A handle of nothing.
     Property() = default;
+    // Of what an iterator or view.h gave.
     explicit Property(const PM_Property& property) noexcept : m_property(&property) {}
 
     // Valid as long as the property.
@@ -55,7 +57,7 @@ public:
     [[nodiscard]] const PM_Property* handle() const noexcept { return m_property; }
     friend bool operator==(const Property&, const Property&) = default;
 
-    // auto [name, value] = property;
+    // auto [name, value] = property; the name in UTF-8, the value as value() gives it. Both are copies.
     template<std::size_t Index>
     [[nodiscard]] friend auto get(const Property& property) {
         if constexpr (Index == 0) {
@@ -79,7 +81,9 @@ using Walk = detail::HandleRange<detail::WalkStep, std::pair<Node, int>>;
 // One node of a tree.
 class Node {
 public:
+    // A handle of nothing.
     Node() = default;
+    // Of what an iterator or view.h gave.
     explicit Node(const PM_Node& node) noexcept : m_node(&node) {}
 
     // "Root" for the root. Valid as long as the node.
@@ -91,6 +95,7 @@ public:
     // Nothing for the root.
     [[nodiscard]] std::optional<Node> parent() const noexcept;
 
+    // Its own ones, not those of nodes below it.
     [[nodiscard]] Properties properties() const noexcept;
     [[nodiscard]] Children children() const noexcept;
     // This node and what is below it, `levels` deep, 0 for all. Takes no stack, however deep the tree.

@@ -10,6 +10,9 @@
 // U+D800 is ED A0 80. So every wide text comes back as it was: to_utf16(to_utf8(x)) == x. The other way
 // round every valid UTF-8 does.
 //
+//     std::printf("%s\n", pm::to_utf8(exception.m_detail).c_str());
+//     object.deletePath(pm::to_utf16(path).c_str());
+//
 // All functions may throw std::bad_alloc and nothing else. None depends on the process's locale.
 
 namespace pm {
@@ -30,6 +33,7 @@ public:
         m_may_hold_zero = false;
         m_is_terminated = true;
     }
+    // As long as they are; a view needs no zero behind it.
     constexpr TextView(std::string_view utf8) noexcept : m_utf8(utf8.data()), m_size(utf8.size()) {}
     constexpr TextView(std::u16string_view wide) noexcept
         : m_wide(wide.data()), m_size(wide.size()), m_is_wide(true) {}

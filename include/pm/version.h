@@ -6,6 +6,7 @@
 // number can stand in for each other if they aren't older than the headers that a program was built with.
 //
 // The minor number grows with what is added, the patch number with what is mended.
+// #if PM_VERSION >= 90100 asks for 9.1.
 #define PM_VERSION_MAJOR 9
 #define PM_VERSION_MINOR 0
 #define PM_VERSION_PATCH 0

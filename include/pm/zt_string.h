@@ -21,6 +21,9 @@ public:
 //
 // Copies are deep. A string that was moved from is as one that was never set. Whatever makes a text throws
 // std::bad_alloc for want of memory.
+//
+//     ZT_String text;
+//     if (pm_error_text(exception.m_number, text)) show(text.text());
 class PM_API ZT_String {
 public:
     // A string that was never set: length() is -1, text() is the empty text.
