@@ -6,7 +6,7 @@
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // A copy of the very size, so that a read behind its end is seen.
     const std::vector<unsigned char> block(data, data + size);
-    if (!pm::huffman_block_fits(block)) return 0;
+    if (!pm_huffman_block_fits(block.data(), block.size())) return 0;
     // Of no size: the decoder must not need one.
     PM_Huffman_Codec codec(block.data(), 0, nullptr);
     unsigned char* out = nullptr;

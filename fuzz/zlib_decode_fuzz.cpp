@@ -12,7 +12,11 @@ constexpr std::size_t most_memory = std::size_t{1} << 24;
 
 void decode(const std::vector<unsigned char>& data, bool checked) {
     const pm::ZlibLayout& layout = checked ? pm::checked_layout : pm::plain_layout;
-    if (!pm::zlib_block_fits(data, layout)) return;
+    const bool fits = pm_zlib_block_fits(data.data(), data.size(), checked);
+    if (!pm::zlib_block_fits(data, layout)) {
+        pm::fuzz::require(!fits);
+        return;
+    }
     // Of no size: the decoders must not need one.
     PM_zlib_Codec codec(data.data(), 0, nullptr);
     unsigned char* out = nullptr;
@@ -20,6 +24,7 @@ void decode(const std::vector<unsigned char>& data, bool checked) {
     if (!(checked ? codec.decodeCRC(out, out_size) : codec.decode(out, out_size))) return;
     const pm::fuzz::OwnedBlock owned(out);
     pm::fuzz::require(out[out_size] == 0);
+    pm::fuzz::require(!fits || out_size <= pm::most_expansion * data.size());
 }
 
 } // namespace

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <pm/error_handler.h>
+#include <pm/export.h>
 #include <pm/mem_obj.h>
 
 namespace pm {
@@ -27,8 +29,9 @@ public:
     bool encodeCRC(unsigned char*& out, std::uint32_t& out_size);
 
     // Decoders look for the tag in the data taken as a zero-terminated text, trust the lengths behind it
-    // and don't read the size of the data. `out` has one zero byte behind its `out_size` bytes. A stream
-    // shorter than its stored length succeeds, the rest being zero.
+    // and don't read the size of the data: ask pm_zlib_block_fits() about data from outside. `out` has one
+    // zero byte behind its `out_size` bytes. A stream shorter than its stored length succeeds, the rest
+    // being zero.
     bool decode(unsigned char*& out, std::uint32_t& out_size);
     bool decodeCRC(unsigned char*& out, std::uint32_t& out_size);
 
@@ -54,8 +57,9 @@ public:
 
     // Number 92 for data with fewer than two distinct byte values: they have no code.
     bool encode(unsigned char*& out, std::uint32_t& out_size);
-    // Trusts its block and doesn't read the size of the data. Gives back what was encoded without its last
-    // byte, which the format loses. Number 92 for a block whose table has fewer than two values.
+    // Trusts its block and doesn't read the size of the data: ask pm_huffman_block_fits() about data from
+    // outside. Gives back what was encoded without its last byte, which the format loses. Number 92 for a
+    // block whose table has fewer than two values.
     bool decode(unsigned char*& out, std::uint32_t& out_size);
 
 private:
@@ -71,3 +75,26 @@ private:
     pm::FreqTrie* m_freq_trie = nullptr;
     ZT_Error_Handler* m_handler;
 };
+
+// The decoders above know no size and trust the words in their block. What comes from outside is looked at
+// first: the operations below read `size` bytes at `data` at most, null being no bytes, raise nothing and
+// take no memory.
+enum PM_Block_Frame : std::int32_t {
+    PM_BLOCK_FITS,     // there is a block, and it lies inside the bytes
+    PM_BLOCK_MISSING,  // no tag where the decoder looks for it: it would fail with number 92, or run on
+    PM_BLOCK_CUT,      // the block's header, or the stream or bits that it tells, goes beyond the bytes
+    PM_BLOCK_TOO_LARGE // the block tells of more data than a stream of its length can hold
+};
+
+// The frame of a zlib block, `checked` as encodeCRC() writes it or plain. Text may stand in front of the
+// block as for the decoders. Deflate expands a byte to 1032 at most (RFC 1951: 258 bytes of a match take two
+// bits), so that a block that fits costs memory in proportion to its size. The stream itself isn't looked at.
+PM_API PM_Block_Frame pm_zlib_block_frame(const void* data, std::size_t size, bool checked);
+// The frame of a Huffman block, which begins with the data; never PM_BLOCK_TOO_LARGE, since each code takes a
+// bit at least. A table with fewer than two values is left to decode(), which refuses it with number 92.
+PM_API PM_Block_Frame pm_huffman_block_frame(const void* data, std::size_t size);
+
+// Whether a decoder can be let loose on the data: decode(), or decodeCRC() if `checked`, then stays inside
+// the `size` bytes and its memory in proportion to them, whether it succeeds or not.
+PM_API bool pm_zlib_block_fits(const void* data, std::size_t size, bool checked);
+PM_API bool pm_huffman_block_fits(const void* data, std::size_t size);

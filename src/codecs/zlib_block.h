@@ -19,6 +19,9 @@ inline constexpr ZlibLayout plain_layout{11, 15, 19};
 inline constexpr ZlibLayout checked_layout{15, 19, 23};
 inline constexpr std::size_t checksum_offset = 11; // checked form only
 
+// Of deflate, bytes for a byte: no stream expands further.
+inline constexpr std::uint64_t most_expansion = 1032;
+
 // The checksum of a checked block: Adler-32.
 std::uint32_t zlib_checksum(std::span<const unsigned char> stream);
 

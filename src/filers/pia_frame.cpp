@@ -6,12 +6,6 @@
 
 namespace pm {
 
-namespace {
-
-constexpr std::uint64_t most_expansion = 1032; // of deflate, bytes for a byte
-
-} // namespace
-
 bool bound_pia_frame(std::span<unsigned char> file, bool checked) {
     const ZlibLayout& layout = checked ? checked_layout : plain_layout;
     const std::size_t tag = find_zlib_tag(file);
