@@ -12,6 +12,11 @@ class PM_Node;
 class PM_PathStrings;
 class PM_Property;
 
+class PM_Object;
+namespace pm {
+PM_API void make_node(PM_Object& object, const char16_t* path); // inspect.h
+}
+
 // Type of a stored value.
 enum PropType : std::int32_t {
     PROP_NONE,   // no value
@@ -175,6 +180,7 @@ private:
     friend class PM_Iterator;
     friend const PM_Property* pm_find_property(const PM_Object& object, const char16_t* path, int index);
     friend const PM_Node* pm_find_node(const PM_Object& object, const char16_t* path);
+    friend void pm::make_node(PM_Object& object, const char16_t* path);
 
     bool getData(const char16_t* path, void* buffer, std::size_t size, PropType type, int index) const;
     PM_Node* make_nodes(const class PM_Path& path, int count);

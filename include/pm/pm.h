@@ -22,6 +22,7 @@
 #include <pm/error_number.h>
 #include <pm/error_text.h>
 #include <pm/exception.h>
+#include <pm/inspect.h>
 #include <pm/iterator.h>
 #include <pm/mem_obj.h>
 #include <pm/node.h>

@@ -92,16 +92,18 @@ void PM_DPIAFile::getVersion(char16_t* buffer, std::size_t size) {
     unsigned char bytes[word_size] = {};
     m_stream->read(reinterpret_cast<char*>(bytes), word_size);
     check_stream(version_place, file_name());
-    switch (pm::load_u32(bytes)) {
-    case version_1_word:
-        copy_version(version_1, buffer, size);
-        break;
-    case version_2_word:
-        copy_version(version_2, buffer, size);
-        break;
-    default:
+    const std::optional<int> version = version_of(pm::load_u32(bytes));
+    if (version) {
+        copy_version(*version == 1 ? version_1 : version_2, buffer, size);
+    } else {
         report(PM_Error(PM_ERR_UNKNOWN_VERSION, version_place, file_name(), source));
     }
+}
+
+std::optional<int> PM_DPIAFile::version_of(std::uint32_t word) {
+    if (word == version_1_word) return 1;
+    if (word == version_2_word) return 2;
+    return std::nullopt;
 }
 
 // Whether the file is of version 2.0; any other text is read in the layout of 1.0.
@@ -175,6 +177,23 @@ void PM_DPIAFile::load(PM_Object* target, const char16_t* base, PM_Object::FileT
     };
     write_texts(u"descriptor", [](const DPIA_Section& section) { return section.descriptor_text(); });
     if (with_info) write_texts(u"info", [](const DPIA_Section& section) { return section.info_text(); });
+}
+
+std::size_t PM_DPIAFile::count_sections() {
+    read_version_and_directory();
+    return static_cast<std::size_t>(m_sections.count());
+}
+
+std::vector<pm::DpiaSection> PM_DPIAFile::list_sections() {
+    read_version_and_directory();
+    std::vector<pm::DpiaSection> sections;
+    for (const DPIA_Section& each : m_sections) {
+        pm::DpiaSection section{std::u16string(each.descriptor_text()), std::nullopt,
+                                std::uint64_t{m_data_offset} + each.offset, each.size};
+        if (each.info) section.info = each.info_text();
+        sections.push_back(std::move(section));
+    }
+    return sections;
 }
 
 void PM_DPIAFile::load_section(PM_Object* target, const char16_t* base, const char16_t* name) {

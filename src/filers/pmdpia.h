@@ -6,8 +6,11 @@
 #include <cstdint>
 #include <fstream>
 #include <memory>
+#include <optional>
+#include <pm/inspect.h>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // Reads and writes DPIA files: a directory and the sections that it names, each a PIA file of its own. The
 // format is told in docs/dpia.md.
@@ -33,6 +36,13 @@ public:
     // Loads the first section of that name, compared exactly. Number 83 (PM_Severe) if there is none, or for
     // a null argument; otherwise the numbers of a PIA file.
     virtual void load_section(PM_Object* target, const char16_t* base, const char16_t* name);
+    // The directory, in its order. Numbers as load().
+    std::vector<pm::DpiaSection> list_sections();
+    // Their number alone.
+    std::size_t count_sections();
+
+    // 1 or 2, the version that a version word stands for; nothing for another.
+    static std::optional<int> version_of(std::uint32_t word);
 
 private:
     struct DPIA_Section {

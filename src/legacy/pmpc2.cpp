@@ -5,6 +5,7 @@
 #include "filers/working_path.h"
 #include "legacy/text_line.h"
 #include "store/value_text.h"
+#include <map>
 #include <pm/error_number.h>
 #include <pm/exception.h>
 #include <pm/value_text.h>
@@ -16,7 +17,6 @@ constexpr const char16_t* load_place = u"PM_PC2File::load()";
 constexpr const char16_t* version_place = u"PM_PC2File::getVersion()";
 constexpr const char16_t* section_place = u"PM_CFGFile::load_section()";
 
-constexpr std::u16string_view version_start = u"PC2Version";
 constexpr std::size_t version_units = 512;
 constexpr std::size_t section_limit = 512;
 
@@ -26,16 +26,27 @@ void replace_first_dash(std::u16string& path) {
     if (dash != std::u16string::npos) path[dash] = u'_';
 }
 
+// The plotter that a section is for; nothing for a section of all plotters.
+std::optional<std::int32_t> plotter_of(std::u16string_view name) {
+    const std::size_t mark = name.find(u'#');
+    if (mark == std::u16string_view::npos) return std::nullopt;
+    return pm::scan_long(name.substr(mark + 1));
+}
+
 // The section that a name of a file stands for: without "#" and number if that is the plotter asked for.
 std::u16string section_of(std::u16string_view name, std::optional<std::int32_t> plotter) {
-    const std::size_t mark = name.find(u'#');
-    if (!plotter || mark == std::u16string_view::npos || pm::scan_long(name.substr(mark + 1)) != *plotter) {
-        return std::u16string(name);
-    }
-    std::u16string section(name.substr(0, mark));
+    if (!plotter || plotter_of(name) != plotter) return std::u16string(name);
+    std::u16string section(name.substr(0, name.find(u'#')));
     const std::size_t slash = name.find(u'/');
     if (slash != std::u16string_view::npos) section += name.substr(slash);
     return section;
+}
+
+// What a section line names; empty for a name that is none, or too long.
+std::u16string_view section_name(std::u16string_view line) {
+    const std::u16string_view rest = line.substr(1);
+    const std::u16string_view name = rest.substr(0, rest.find(u']'));
+    return name.size() <= section_limit ? name : std::u16string_view();
 }
 
 std::u16string unquoted(std::u16string_view value) {
@@ -44,6 +55,47 @@ std::u16string unquoted(std::u16string_view value) {
     }
     return std::u16string(value);
 }
+
+// Gathers the plotters of a file from its lines, bad ones apart.
+class PlotterList {
+public:
+    void take_line(std::u16string_view line) {
+        const std::size_t equals = line.find(u'=');
+        if (equals != std::u16string_view::npos) {
+            take_key(line, equals);
+        } else if (line.find(u'[') != std::u16string_view::npos) {
+            take_section(section_name(line));
+        }
+    }
+    std::vector<pm::CfgPlotter> plotters() const {
+        std::vector<pm::CfgPlotter> all;
+        all.reserve(m_names.size());
+        for (const auto& [number, name] : m_names) {
+            all.push_back({number, name});
+        }
+        return all;
+    }
+
+private:
+    void take_section(std::u16string_view name) {
+        if (name.empty()) return; // the section before goes on
+        m_current = plotter_of(name);
+        m_section = section_of(name, m_current);
+        if (m_current) m_names.try_emplace(*m_current);
+    }
+    void take_key(std::u16string_view line, std::size_t equals) {
+        if (!m_current || !pm::equals_ignoring_case(m_section, u"Plotter/Device") ||
+            !pm::equals_ignoring_case(line.substr(0, equals), u"MenuName")) {
+            return;
+        }
+        const std::u16string_view value = pm::skip_any(line.substr(equals), u" =");
+        if (!value.empty()) m_names[*m_current] = unquoted(value);
+    }
+
+    std::map<std::int32_t, std::u16string> m_names;
+    std::optional<std::int32_t> m_current;
+    std::u16string m_section;
+};
 
 } // namespace
 
@@ -172,9 +224,8 @@ void PM_PC2File::load_line(Reading& reading, std::u16string_view line) {
 }
 
 void PM_PC2File::section_line(Reading& reading, std::u16string_view line) {
-    const std::u16string_view rest = line.substr(1);
-    const std::u16string_view name = rest.substr(0, rest.find(u']'));
-    if (name.empty() || name.size() > section_limit) {
+    const std::u16string_view name = section_name(line);
+    if (name.empty()) {
         report_bad_line(line);
     } else {
         reading.section = section_of(name, reading.plotter);
@@ -246,4 +297,17 @@ bool PM_PC2File::set_raw_value(const Reading& reading, std::u16string_view value
     const pm::Block<char> owned(bytes);
     set_data(reading.target, reading.path.c_str(), bytes, size, PROP_VOID);
     return true;
+}
+
+std::vector<pm::CfgPlotter> PM_CFGFile::list_plotters() {
+    require_stream(section_place);
+    m_reader.attach(*m_stream);
+    PlotterList list;
+    pm::TextLine line;
+    for (bool more = !m_stream->eof(); more; more = !line.last) {
+        pm::read_text_line(m_reader, line);
+        pm::check_text_stream(*m_stream, section_place, file_name(), source);
+        if (!line.too_long && !line.empty_or_comment()) list.take_line(line.text);
+    }
+    return list.plotters();
 }

@@ -5,13 +5,18 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <pm/inspect.h>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // Reads the text description of one configured plotter: a fixed set of keys with types and defaults. The
 // format is told in docs/pc2.md.
 class PM_PC2File : public PM_PIAFile {
 public:
+    // What the first line begins with that is neither blank nor a comment.
+    static constexpr std::u16string_view version_start = u"PC2Version";
+
     using PM_PIAFile::PM_PIAFile;
 
     // Sets all keys to their defaults and then to what the file says. Numbers: 69 no version line, 57 and 99
@@ -65,4 +70,7 @@ public:
     // As load() of PM_PC2File, but without a version line, for plotter `n` and the sections without a
     // number. Reads from where the stream stands.
     virtual void load_section(PM_Object* target, const char16_t* base, std::int32_t n);
+    // The plotters whose numbers stand in sections, by rising number. Fails as load_section() for a stream
+    // that does; bad lines are passed over. Reads from where the stream stands.
+    std::vector<pm::CfgPlotter> list_plotters();
 };
