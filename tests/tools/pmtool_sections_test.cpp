@@ -23,6 +23,13 @@ TEST_F(PmToolSections, PlottersOfACfgFileAreListedByNumber) {
     expect_output({"sections", sample_folder + "/three-plotters.cfg"}, "1\n2\n3\n");
 }
 
+TEST_F(PmToolSections, PlotterNumbersAreThoseOfTheReader) {
+    folder.write("a.cfg", "[PlotDriver#x]\nType=3\n[PlotDriver# 2]\nType=4\n");
+    expect_output({"sections", "a.cfg"}, "0\n2\n");
+    expect_output({"get", "a.cfg", "--section", "0", "\\PlotDriver\\Type"}, "3\n");
+    expect_output({"get", "a.cfg", "--section", "2", "\\PlotDriver\\Type"}, "4\n");
+}
+
 TEST_F(PmToolSections, TreeOfADpiaFileIsItsDirectory) {
     expect_output({"tree", "s.dpia", "\\DPIA_directory\\2"},
                   "descriptor: string = \"Archive\"\ninfo: string = \"\"\n");

@@ -2,10 +2,10 @@
 
 #include "failure.h"
 #include "output.h"
+#include "paths.h"
 #include "safe_save.h"
 #include "text.h"
 #include "tree_compare.h"
-#include "tree_walk.h"
 #include <algorithm>
 #include <fmt/format.h>
 
@@ -28,7 +28,7 @@ void check_part(const BundlePart& part) {
 }
 
 std::u16string node_of(const BundlePart& part) {
-    return join_path(u"\\", to_utf16(part.name));
+    return join_path(u"\\", pm::to_utf16(part.name));
 }
 
 std::u16string data_of(const BundlePart& part) {
@@ -37,14 +37,12 @@ std::u16string data_of(const BundlePart& part) {
 
 void load_part(PM_Object& object, const BundlePart& part) {
     const std::u16string node = node_of(part);
-    if (node_exists(object, node)) {
+    if (pm::node_exists(object, node.c_str())) {
         throw Failure(fmt::format("section {} is named twice", in_quotes(part.name)));
     }
-    const std::u16string mark = join_path(data_of(part), u"x");
     // An empty tree must have its node too.
-    object.SetProperty(mark.c_str(), 0);
-    object.deletePath(mark.c_str());
-    object.SetProperty(join_path(node, u"info").c_str(), to_utf16(part.info).c_str());
+    pm::make_node(object, data_of(part).c_str());
+    object.SetProperty(join_path(node, u"info").c_str(), pm::to_utf16(part.info).c_str());
     load_one_tree(object, part.source, data_of(part));
 }
 
@@ -66,8 +64,9 @@ void write_bundle(const std::string& file, const std::vector<BundlePart>& parts)
         load_part(object, part);
     }
     save_safely(file, [&](const std::string& path) {
-        translating(file, path,
-                    [&] { object.save(to_utf16(path).c_str(), PM_Object::FILE_DPIA, u"", u"\\"); });
+        translating(file, path, [&] {
+            object.save(pm::file_name_to_utf16(path).c_str(), PM_Object::FILE_DPIA, u"", u"\\");
+        });
         for (const BundlePart& part : parts) {
             check_kept(object, part, file, path);
         }

@@ -1,4 +1,3 @@
-#include "block_frame.h"
 #include "commands.h"
 #include "failure.h"
 #include "files.h"
@@ -57,18 +56,39 @@ bool run_huffman(bool encodes, bool, std::string_view data, ReportHandler& handl
     return run_codec<Codec>(encodes ? &Codec::encode : &Codec::decode, data, handler, out);
 }
 
+PM_Block_Frame zlib_frame(std::string_view data, bool checked) {
+    return pm_zlib_block_frame(data.data(), data.size(), checked);
+}
+
+PM_Block_Frame huffman_frame(std::string_view data, bool) {
+    return pm_huffman_block_frame(data.data(), data.size());
+}
+
+// What keeps a block from being decoded; decoders trust the lengths in it.
+void check_frame(PM_Block_Frame frame, const std::string& file) {
+    switch (frame) {
+    case PM_BLOCK_FITS:
+        return;
+    case PM_BLOCK_MISSING:
+        throw Failure(fmt::format("{}: {}", file, number_text(PM_ERR_NO_BLOCK)));
+    case PM_BLOCK_CUT:
+        throw Failure(fmt::format("{}: the block is longer than the file", file));
+    case PM_BLOCK_TOO_LARGE:
+        throw Failure(fmt::format("{}: the block announces more data than it can hold", file));
+    }
+}
+
 struct CodecKind {
     std::string_view name;
     bool has_checked_blocks;
-    // Nothing, or what keeps the data from being decoded: decoders trust the lengths in their block.
-    std::string (*frame_trouble)(std::string_view data, bool checked);
+    PM_Block_Frame (*frame)(std::string_view data, bool checked);
     bool (*run)(bool encodes, bool checked, std::string_view data, ReportHandler& handler, Block& out);
     std::string_view encode_trouble; // when encode fails without a report
 };
 
 constexpr CodecKind codecs[] = {
-    {"zlib", true, zlib_frame_trouble, run_zlib, "the data can't be encoded"},
-    {"huffman", false, huffman_frame_trouble, run_huffman, "the data must hold at least two different bytes"},
+    {"zlib", true, zlib_frame, run_zlib, "the data can't be encoded"},
+    {"huffman", false, huffman_frame, run_huffman, "the data must hold at least two different bytes"},
 };
 
 const CodecKind& codec_named(const std::string& name) {
@@ -97,8 +117,7 @@ int run(const CodecOptions& options) {
     if (data.size() > std::numeric_limits<std::uint32_t>::max()) {
         throw Failure(fmt::format("{}: a block holds less than 4 GiB", options.input));
     }
-    const std::string trouble = encodes ? "" : kind.frame_trouble(data, options.checked);
-    if (!trouble.empty()) throw Failure(fmt::format("{}: {}", options.input, trouble));
+    if (!encodes) check_frame(kind.frame(data, options.checked), options.input);
     ReportHandler handler(options.input);
     Block block;
     if (!kind.run(encodes, options.checked, data, handler, block)) {

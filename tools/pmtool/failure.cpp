@@ -30,7 +30,7 @@ constexpr SystemError system_errors[] = {
 std::string number_text(std::uint32_t number) {
     ZT_String text;
     if (!pm_error_text(number, text)) return fmt::format("error {}", number);
-    return fmt::format("{} (error {})", to_utf8(text.text()), number);
+    return fmt::format("{} (error {})", shown(text.text()), number);
 }
 
 std::uint32_t number_of_system_error(int code) {

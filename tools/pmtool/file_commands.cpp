@@ -42,7 +42,7 @@ int convert(const ConvertOptions& options) {
     const bool is_pia = format.type == PM_Object::FILE_PIA;
     std::string tag = options.output.tag.value_or(is_pia ? tag_of(source) : "");
     if (options.output.compress) tag = with_compression(tag);
-    save_tree(object, {options.output.file, &format, to_utf16(tag), options.output.utf8});
+    save_tree(object, {options.output.file, &format, pm::to_utf16(tag), options.output.utf8});
     return exit_ok;
 }
 

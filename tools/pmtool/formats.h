@@ -2,31 +2,19 @@
 
 #include <optional>
 #include <pm/pm.h>
-#include <span>
 #include <string>
 #include <string_view>
 
 namespace pmtool {
 
-// What a probe gets to see of a file.
-struct Content {
-    std::string_view bytes; // the whole file; empty for a folder
-    std::string folder;     // the folder, if it is one; else empty
-};
-
 struct Format {
     std::string_view name; // as --from and --to take it
     std::string_view title;
     std::string_view extension; // of an output, with its dot
-    // What in the content tells the format; nothing if it isn't this one.
-    std::optional<std::string> (*evidence)(const Content&);
     PM_Object::FileType type;
     bool is_written; // whether the library writes it
     bool is_text;    // lines of text that can be found by their number
 };
-
-// All formats, in the order in which they are looked for.
-std::span<const Format> formats();
 
 // "pia, dpia, doc": the names of all formats, or of those that are written.
 std::string format_names(bool written_only);

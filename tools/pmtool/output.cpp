@@ -29,9 +29,10 @@ std::string header_of(const Source& source) {
     if (source.format->type != PM_Object::FILE_PIA) return {};
     char16_t line[1024] = {};
     translating(source.file, source.path, [&] {
-        PM_Object().getFileVersion(to_utf16(source.path).c_str(), line, std::size(line), PM_Object::FILE_PCP);
+        PM_Object().getFileVersion(pm::file_name_to_utf16(source.path).c_str(), line, std::size(line),
+                                   PM_Object::FILE_PCP);
     });
-    return to_utf8(line);
+    return shown(line);
 }
 
 // A compound file keeps truth values as numbers.
@@ -103,7 +104,8 @@ std::string with_compression(const std::string& tag) {
 void save_tree(const PM_Object& object, const Output& output) {
     save_safely(output.file, [&](const std::string& path) {
         translating(output.file, path, [&] {
-            object.save(to_utf16(path).c_str(), output.format->type, output.tag.c_str(), u"\\", output.utf8);
+            object.save(pm::file_name_to_utf16(path).c_str(), output.format->type, output.tag.c_str(), u"\\",
+                        output.utf8);
         });
         check_kept(object, output, path);
     });
@@ -112,7 +114,7 @@ void save_tree(const PM_Object& object, const Output& output) {
 void warn_of_losses(const std::string& file, const std::vector<Difference>& losses) {
     constexpr std::size_t most_shown = 10;
     for (std::size_t i = 0; i < losses.size() && i < most_shown; ++i) {
-        fmt::print(stderr, "pmtool: {}: warning: {} {}\n", file, printable(to_utf8(losses[i].path)),
+        fmt::print(stderr, "pmtool: {}: warning: {} {}\n", file, printable(shown(losses[i].path)),
                    loss_text(losses[i]));
     }
     if (losses.size() > most_shown) {

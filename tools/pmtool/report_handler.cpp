@@ -47,24 +47,24 @@ bool take_line_context(std::string_view detail, bool full, const std::string& fi
 
 } // namespace
 
-Report make_report(std::uint32_t number, const char16_t* place, const char16_t* detail,
+Report make_report(std::uint32_t number, std::u16string_view place, std::u16string_view detail,
                    const std::string& file) {
     Report report;
     report.number = number;
-    const std::u16string_view wide = detail != nullptr ? detail : u"";
-    if (number == PM_ERR_UNKNOWN_VALUE && wide.empty()) {
-        report.subject = printable(to_utf8(place != nullptr ? place : u""));
+    if (number == PM_ERR_UNKNOWN_VALUE && detail.empty()) {
+        report.subject = printable(shown(place));
         return report;
     }
-    const std::string text = to_utf8(wide);
-    if (take_line_context(text, wide.size() >= longest_detail, file, report)) return report;
+    const std::string text = shown(detail);
+    if (take_line_context(text, detail.size() >= longest_detail, file, report)) return report;
     report.subject = printable(trim(text));
     if (report.subject == file) report.subject.clear();
     return report;
 }
 
 Report make_report(const ZT_Exception& exception, const std::string& file) {
-    return make_report(exception.m_number, exception.m_place, exception.m_detail, file);
+    const char16_t* place = exception.m_place;
+    return make_report(exception.m_number, place != nullptr ? place : u"", exception.m_detail, file);
 }
 
 bool is_bad_line(const Report& report) {
@@ -80,41 +80,10 @@ std::string describe(const Report& report, const std::string& file) {
     return text;
 }
 
-void ReportHandler::on_kind_0(std::uint64_t, std::uint32_t number, const char16_t* place,
-                              const char16_t* detail, const char16_t*) {
-    keep(number, place, detail);
-}
-
-int ReportHandler::on_warning(std::uint64_t, std::uint32_t number, const char16_t* place,
-                              const char16_t* detail, const char16_t*) {
-    return keep(number, place, detail);
-}
-
-void ReportHandler::on_severe(std::uint64_t, std::uint32_t number, const char16_t* place,
-                              const char16_t* detail, const char16_t*) {
-    keep(number, place, detail);
-}
-
-int ReportHandler::on_error(std::uint64_t, std::uint32_t number, const char16_t* place,
-                            const char16_t* detail, const char16_t*) {
-    return keep(number, place, detail);
-}
-
-int ReportHandler::on_kind_3(std::uint64_t, std::uint32_t number, const char16_t* place,
-                             const char16_t* detail, const char16_t*) {
-    return keep(number, place, detail);
-}
-
-void ReportHandler::on_kind_5(std::uint64_t, std::uint32_t number, const char16_t* place,
-                              const char16_t* detail, const char16_t*) {
-    keep(number, place, detail);
-}
-
-void ReportHandler::set_arguments(const std::uint64_t*, std::int32_t) {}
-
-int ReportHandler::keep(std::uint32_t number, const char16_t* place, const char16_t* detail) {
+pm::Answer ReportHandler::on_report(int, std::uint32_t number, std::u16string_view place,
+                                    std::u16string_view detail) {
     m_reports.push_back(make_report(number, place, detail, m_file));
-    return 1;
+    return pm::Answer::go_on;
 }
 
 } // namespace pmtool

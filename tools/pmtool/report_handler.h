@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <pm/pm.h>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace pmtool {
@@ -16,7 +17,7 @@ struct Report {
 };
 
 // `file` is the file's name as the library was given it.
-Report make_report(std::uint32_t number, const char16_t* place, const char16_t* detail,
+Report make_report(std::uint32_t number, std::u16string_view place, std::u16string_view detail,
                    const std::string& file);
 Report make_report(const ZT_Exception& exception, const std::string& file);
 
@@ -27,29 +28,16 @@ bool is_bad_line(const Report& report);
 std::string describe(const Report& report, const std::string& file);
 
 // Keeps all reports and lets every operation go on.
-class ReportHandler : public ZT_Error_Handler {
+class ReportHandler : public pm::ReportHandler {
 public:
     explicit ReportHandler(std::string file) : m_file(std::move(file)) {}
 
-    void on_kind_0(std::uint64_t res_handle, std::uint32_t number, const char16_t* place,
-                   const char16_t* detail, const char16_t* source) override;
-    int on_warning(std::uint64_t res_handle, std::uint32_t number, const char16_t* place,
-                   const char16_t* detail, const char16_t* source) override;
-    void on_severe(std::uint64_t res_handle, std::uint32_t number, const char16_t* place,
-                   const char16_t* detail, const char16_t* source) override;
-    int on_error(std::uint64_t res_handle, std::uint32_t number, const char16_t* place,
-                 const char16_t* detail, const char16_t* source) override;
-    int on_kind_3(std::uint64_t res_handle, std::uint32_t number, const char16_t* place,
-                  const char16_t* detail, const char16_t* source) override;
-    void on_kind_5(std::uint64_t res_handle, std::uint32_t number, const char16_t* place,
-                   const char16_t* detail, const char16_t* source) override;
-    void set_arguments(const std::uint64_t* args, std::int32_t count) override;
+    pm::Answer on_report(int kind, std::uint32_t number, std::u16string_view place,
+                         std::u16string_view detail) override;
 
     const std::vector<Report>& reports() const { return m_reports; }
 
 private:
-    int keep(std::uint32_t number, const char16_t* place, const char16_t* detail);
-
     std::string m_file;
     std::vector<Report> m_reports;
 };

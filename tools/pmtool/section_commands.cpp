@@ -41,7 +41,7 @@ int extract(const ExtractOptions& options) {
     }
     std::string tag = options.output.tag.value_or("");
     if (options.output.compress) tag = with_compression(tag);
-    save_tree(object, {options.output.file, &format, to_utf16(tag), options.output.utf8});
+    save_tree(object, {options.output.file, &format, pm::to_utf16(tag), options.output.utf8});
     return exit_ok;
 }
 

@@ -3,10 +3,9 @@
 #include "failure.h"
 #include "files.h"
 #include "line_finder.h"
-#include "plotter_numbers.h"
 #include "report_handler.h"
 #include "text.h"
-#include "tree_walk.h"
+#include <cerrno>
 #include <charconv>
 #include <fmt/format.h>
 #include <optional>
@@ -14,8 +13,6 @@
 namespace pmtool {
 
 namespace {
-
-constexpr std::u16string_view directory_node = u"DPIA_directory";
 
 bool has_sections(const Format& format) {
     return format.type == PM_Object::FILE_DPIA || format.type == PM_Object::FILE_CFG;
@@ -29,40 +26,26 @@ int plotter_number(const std::string& section) {
     throw Failure(fmt::format("{}: a section of a cfg file is told by its plotter's number", section));
 }
 
+std::vector<std::string> plotter_names(const Source& source) {
+    std::vector<std::string> names;
+    for (const pm::CfgPlotter& plotter : pm::cfg_plotters(pm::file_name_to_utf16(source.path))) {
+        names.push_back(fmt::format("{}", plotter.number));
+    }
+    return names;
+}
+
 // The plotter that a CFG file is read for when none was asked for.
 int only_plotter(const Source& source) {
-    const std::vector<int> numbers = plotter_numbers(read_file(source.path));
-    if (numbers.size() > 1) {
+    const std::vector<std::string> names = plotter_names(source);
+    if (names.size() > 1) {
         throw Failure(fmt::format("{}: the file holds several plotters; choose one with --section ({})",
-                                  source.file, fmt::join(numbers, ", ")));
+                                  source.file, fmt::join(names, ", ")));
     }
-    return numbers.empty() ? 0 : numbers.front();
+    return names.empty() ? 0 : plotter_number(names.front());
 }
 
-std::string string_property(const PM_Object& object, const std::u16string& path) {
-    const std::optional<Property> property = find_property(object, path);
-    return property ? plain_text(property->value) : std::string();
-}
-
-std::vector<Section> dpia_sections(const Source& source) {
-    PM_Object object;
-    load_strictly(object, {source.file, source.path, {}, source.format});
-    const std::u16string directory = join_path(u"\\", directory_node);
-    std::vector<Section> sections;
-    for (int i = 0;; ++i) {
-        const std::u16string entry = join_path(directory, to_utf16(fmt::format("{}", i)));
-        if (!node_exists(object, entry)) return sections;
-        sections.push_back({string_property(object, join_path(entry, u"descriptor")),
-                            string_property(object, join_path(entry, u"info"))});
-    }
-}
-
-std::vector<Section> cfg_sections(const Source& source) {
-    std::vector<Section> sections;
-    for (const int number : plotter_numbers(read_file(source.path))) {
-        sections.push_back({fmt::format("{}", number), {}});
-    }
-    return sections;
+void refuse_folder(const Source& source) {
+    if (is_folder(source.path)) throw system_failure(source.path, EISDIR);
 }
 
 std::string failure_text(Report report, const std::string& file, const std::string& path) {
@@ -91,19 +74,19 @@ Source find_source(const SourceOptions& options) {
 
 void load(PM_Object& object, const Source& source, const std::u16string& base) {
     const PM_Object::FileType type = source.format->type;
-    const std::u16string path = to_utf16(source.path);
+    const std::u16string path = pm::file_name_to_utf16(source.path);
     if (type == PM_Object::FILE_CFG) {
         const int number = source.section.empty() ? only_plotter(source) : plotter_number(source.section);
         object.load_cfg_section(path.c_str(), type, base.c_str(), number);
     } else if (!source.section.empty()) {
-        object.load_section(path.c_str(), type, base.c_str(), to_utf16(source.section).c_str());
+        object.load_section(path.c_str(), type, base.c_str(), pm::to_utf16(source.section).c_str());
     } else {
         object.load(path.c_str(), type, base.c_str());
     }
 }
 
 void load_strictly(PM_Object& object, const Source& source, const std::u16string& base) {
-    if (is_folder(source.path)) read_file(source.path); // fails as any reading of a folder does
+    refuse_folder(source);
     translating(source.file, source.path, [&] { load(object, source, base); });
 }
 
@@ -124,9 +107,23 @@ void translating(const std::string& file, const std::string& path, const std::fu
 }
 
 std::vector<Section> sections_of(const Source& source) {
-    if (source.format->type == PM_Object::FILE_DPIA) return dpia_sections(source);
-    if (source.format->type == PM_Object::FILE_CFG) return cfg_sections(source);
-    throw Failure(fmt::format("{}: a {} file has no sections", source.file, source.format->name));
+    if (!has_sections(*source.format)) {
+        throw Failure(fmt::format("{}: a {} file has no sections", source.file, source.format->name));
+    }
+    refuse_folder(source);
+    std::vector<Section> sections;
+    translating(source.file, source.path, [&] {
+        if (source.format->type == PM_Object::FILE_CFG) {
+            for (std::string& name : plotter_names(source)) {
+                sections.push_back({std::move(name), {}});
+            }
+            return;
+        }
+        for (const pm::DpiaSection& section : pm::dpia_sections(pm::file_name_to_utf16(source.path))) {
+            sections.push_back({shown(section.name), shown(section.info.value_or(u""))});
+        }
+    });
+    return sections;
 }
 
 std::vector<Source> parts_of(const Source& source) {

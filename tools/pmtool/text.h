@@ -5,9 +5,8 @@
 
 namespace pmtool {
 
-// What isn't valid in one form becomes U+FFFD in the other, so that results are always valid.
-std::string to_utf8(std::u16string_view text);
-std::u16string to_utf16(std::string_view text);
+// As UTF-8 that is always valid: an unpaired surrogate is shown as U+FFFD.
+std::string shown(std::u16string_view text);
 
 // One line for display: trailing white space is dropped, control characters are shown as \xNN.
 std::string printable(std::string_view text);
@@ -17,7 +16,6 @@ std::string in_quotes(std::string_view text);
 
 // ASCII only.
 std::string lower_case(std::string_view text);
-bool starts_with_ignoring_case(std::string_view text, std::string_view start);
 std::string_view trim(std::string_view text);
 
 // Without the line end; moves `rest` behind it.

@@ -1,9 +1,9 @@
 #include "commands.h"
 #include "failure.h"
+#include "paths.h"
 #include "text.h"
 #include "tree_compare.h"
 #include "tree_printer.h"
-#include "tree_walk.h"
 #include <fmt/format.h>
 #include <memory>
 
@@ -34,41 +34,40 @@ struct CompareOptions {
 };
 
 Failure no_such_path(const std::string& file, const std::u16string& path) {
-    return Failure(fmt::format("{}: {}: there is no such property or node", file, printable(to_utf8(path))));
+    return Failure(fmt::format("{}: {}: there is no such property or node", file, printable(shown(path))));
 }
 
 int show_tree(const TreeOptions& options) {
     PM_Object object;
     load_strictly(object, find_source(options.source));
-    const std::u16string path = full_path(to_utf16(options.path));
-    std::string text;
-    const auto print = options.json ? print_json : print_tree;
-    if (!print(object, path, options.depth, text)) {
-        const std::optional<Property> property = find_property(object, path);
-        if (!property) throw no_such_path(options.source.file, path);
-        text = property_line(printable(to_utf8(property->name)), *property) + '\n';
+    const std::u16string path = full_path(pm::to_utf16(options.path));
+    if (const std::optional<pm::Node> node = node_at(object, path)) {
+        fmt::print("{}", (options.json ? tree_json : tree_text)(*node, options.depth));
+        return exit_ok;
     }
-    fmt::print("{}", text);
+    const std::optional<pm::Property> property = property_at(object, path);
+    if (!property) throw no_such_path(options.source.file, path);
+    fmt::print("{}\n", property_line(*property));
     return exit_ok;
 }
 
 int get_value(const TreeOptions& options) {
     PM_Object object;
     load_strictly(object, find_source(options.source));
-    const std::u16string path = full_path(to_utf16(options.path));
-    const std::optional<Property> property = find_property(object, path);
-    if (!property && node_exists(object, path)) {
+    const std::u16string path = full_path(pm::to_utf16(options.path));
+    const std::optional<pm::Property> property = property_at(object, path);
+    if (!property && node_at(object, path)) {
         throw Failure(fmt::format("{}: {}: this is a node, not a property; show it with: pmtool tree",
-                                  options.source.file, printable(to_utf8(path))));
+                                  options.source.file, printable(shown(path))));
     }
     if (!property) throw no_such_path(options.source.file, path);
-    fmt::print("{}\n", plain_text(property->value));
+    fmt::print("{}\n", plain_text(property->value()));
     return exit_ok;
 }
 
-Value value_to_set(const SetOptions& options, const std::optional<Property>& old) {
+Value value_to_set(const SetOptions& options, const std::optional<Value>& old) {
     if (!options.type.empty()) return parse_value(options.value, options.type);
-    if (old) return parse_value(options.value, type_name(old->value));
+    if (old) return parse_value(options.value, type_name(*old));
     return parse_value(options.value);
 }
 
@@ -85,24 +84,25 @@ void check_settable(const SetOptions& options, const Source& source, const std::
 
 int set_value(const SetOptions& options) {
     const Source source = find_source(options.source);
-    const std::u16string path = full_path(to_utf16(options.path));
+    const std::u16string path = full_path(pm::to_utf16(options.path));
     check_settable(options, source, path);
     PM_Object object;
     load_strictly(object, source);
-    const std::optional<Property> old = find_property(object, path);
+    const std::optional<pm::Property> property = property_at(object, path);
+    const std::optional<Value> old = property ? std::optional(property->value()) : std::nullopt;
     const Value value = value_to_set(options, old);
     const std::string tag = is_compressed(source) ? with_compression(tag_of(source)) : tag_of(source);
     translating(source.file, source.path, [&] {
-        if (old && old->value.index() != value.index()) object.deletePath(path.c_str());
+        if (old && old->index() != value.index()) object.deletePath(path.c_str());
         set_property(object, path, value);
     });
     const std::string& target = options.output.empty() ? source.file : options.output;
-    save_tree(object, {target, source.format, to_utf16(tag)});
+    save_tree(object, {target, source.format, pm::to_utf16(tag)});
     return exit_ok;
 }
 
 std::string entry_line(char mark, const std::u16string& path, const Value& value) {
-    const std::string name = printable(to_utf8(path));
+    const std::string name = printable(shown(path));
     if (path.ends_with(u'\\')) return fmt::format("{} {}\n", mark, name);
     return fmt::format("{} {}: {} = {}\n", mark, name, type_name(value), shown_text(value));
 }
@@ -112,7 +112,7 @@ void load_all(PM_Object& object, const SourceOptions& options) {
     const std::vector<Source> parts = parts_of(find_source(options));
     for (const Source& part : parts) {
         const bool is_named = parts.size() > 1 && !part.section.empty();
-        load_strictly(object, part, is_named ? join_path(u"\\", to_utf16(part.section)) : u"\\");
+        load_strictly(object, part, is_named ? join_path(u"\\", pm::to_utf16(part.section)) : u"\\");
     }
 }
 

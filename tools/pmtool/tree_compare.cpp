@@ -1,28 +1,25 @@
 #include "tree_compare.h"
 
-#include "tree_walk.h"
+#include "paths.h"
 #include <bit>
 
 namespace pmtool {
 
 namespace {
 
-class Flattener : public TreeVisitor {
-public:
-    void on_property(const Property& property) override {
-        tree.emplace(m_node + property.name, property.value);
+// `path` is that of the node, which ends in a backslash.
+void append(const pm::Node& node, std::u16string& path, FlatTree& tree) {
+    const std::size_t length = path.size();
+    for (const pm::Property property : node.properties()) {
+        tree.emplace(path + std::u16string(property.name16()), property.value());
     }
-    void on_enter(const std::u16string& node) override {
-        m_node += node + u'\\';
-        tree.emplace(m_node, Raw());
+    for (const pm::Node child : node.children()) {
+        (path += child.name16()) += u'\\';
+        tree.emplace(path, pm::Bytes());
+        append(child, path, tree);
+        path.resize(length);
     }
-    void on_leave() override { m_node.resize(m_node.rfind(u'\\', m_node.size() - 2) + 1); }
-
-    FlatTree tree;
-
-private:
-    std::u16string m_node = u"\\";
-};
+}
 
 // Numbers are the same when their bits are.
 bool same(const Value& first, const Value& second) {
@@ -35,9 +32,10 @@ bool same(const Value& first, const Value& second) {
 } // namespace
 
 FlatTree flatten(const PM_Object& object, const std::u16string& path) {
-    Flattener flattener;
-    walk_tree(object, path, 0, flattener);
-    return std::move(flattener.tree);
+    FlatTree tree;
+    std::u16string top = u"\\";
+    if (const std::optional<pm::Node> node = node_at(object, path)) append(*node, top, tree);
+    return tree;
 }
 
 std::vector<Difference> compare(const FlatTree& first, const FlatTree& second) {

@@ -1,12 +1,10 @@
 #include "tree_printer.h"
 
 #include "text.h"
-#include "tree_walk.h"
+#include "value.h"
 #include <cmath>
 #include <fmt/format.h>
-#include <iterator>
 #include <nlohmann/json.hpp>
-#include <vector>
 
 namespace pmtool {
 
@@ -14,27 +12,22 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-class TextPrinter : public TreeVisitor {
-public:
-    explicit TextPrinter(std::string& out) : m_out(out) {}
+// No tree is deeper: `levels` below a node that mean all of them.
+constexpr int all_levels = 1 << 20;
+constexpr std::size_t indentation = 2;
 
-    void on_property(const Property& property) override {
-        indent();
-        m_out += property_line(printable(to_utf8(property.name)), property) += '\n';
+void append_text(const pm::Node& node, int levels, std::size_t indent, std::string& out) {
+    for (const pm::Property property : node.properties()) {
+        out.append(indent, ' ');
+        out += property_line(property) += '\n';
     }
-    void on_enter(const std::u16string& node) override {
-        indent();
-        (m_out += printable(to_utf8(node))) += "\\\n";
-        ++m_level;
+    if (levels == 0) return;
+    for (const pm::Node child : node.children()) {
+        out.append(indent, ' ');
+        (out += printable(shown(child.name16()))) += "\\\n";
+        append_text(child, levels - 1, indent + indentation, out);
     }
-    void on_leave() override { --m_level; }
-
-private:
-    void indent() { m_out.append(2 * m_level, ' '); }
-
-    std::string& m_out;
-    std::size_t m_level = 0;
-};
+}
 
 Json json_value(const Value& value) {
     if (const auto* number = std::get_if<std::int32_t>(&value)) return *number;
@@ -44,50 +37,40 @@ Json json_value(const Value& value) {
     return plain_text(value);
 }
 
-class JsonBuilder : public TreeVisitor {
-public:
-    JsonBuilder() { m_open.push_back(new_node()); }
-
-    void on_property(const Property& property) override {
-        m_open.back()["properties"].push_back({{"name", to_utf8(property.name)},
-                                               {"type", type_name(property.value)},
-                                               {"value", json_value(property.value)}});
+Json json_node(const pm::Node& node, int levels) {
+    Json properties = Json::array();
+    for (const pm::Property property : node.properties()) {
+        const Value value = property.value();
+        properties.push_back(
+            {{"name", shown(property.name16())}, {"type", type_name(value)}, {"value", json_value(value)}});
     }
-    void on_enter(const std::u16string& node) override {
-        Json opened = {{"name", to_utf8(node)}};
-        opened.update(new_node());
-        m_open.push_back(std::move(opened));
+    Json nodes = Json::array();
+    if (levels > 0) {
+        for (const pm::Node child : node.children()) {
+            Json row = {{"name", shown(child.name16())}};
+            row.update(json_node(child, levels - 1));
+            nodes.push_back(std::move(row));
+        }
     }
-    void on_leave() override {
-        Json closed = std::move(m_open.back());
-        m_open.pop_back();
-        m_open.back()["nodes"].push_back(std::move(closed));
-    }
-
-    std::string text() const { return m_open.front().dump(2) + '\n'; }
-
-private:
-    static Json new_node() { return {{"properties", Json::array()}, {"nodes", Json::array()}}; }
-
-    std::vector<Json> m_open; // from the start node down
-};
+    return {{"properties", std::move(properties)}, {"nodes", std::move(nodes)}};
+}
 
 } // namespace
 
-bool print_tree(const PM_Object& object, const std::u16string& path, int depth, std::string& out) {
-    TextPrinter printer(out);
-    return walk_tree(object, path, depth, printer);
+std::string tree_text(const pm::Node& node, int depth) {
+    std::string text;
+    append_text(node, depth > 0 ? depth : all_levels, 0, text);
+    return text;
 }
 
-bool print_json(const PM_Object& object, const std::u16string& path, int depth, std::string& out) {
-    JsonBuilder builder;
-    if (!walk_tree(object, path, depth, builder)) return false;
-    out += builder.text();
-    return true;
+std::string tree_json(const pm::Node& node, int depth) {
+    return json_node(node, depth > 0 ? depth : all_levels).dump(2) + '\n';
 }
 
-std::string property_line(const std::string& name, const Property& property) {
-    return fmt::format("{}: {} = {}", name, type_name(property.value), shown_text(property.value));
+std::string property_line(const pm::Property& property) {
+    const Value value = property.value();
+    return fmt::format("{}: {} = {}", printable(shown(property.name16())), type_name(value),
+                       shown_text(value));
 }
 
 } // namespace pmtool

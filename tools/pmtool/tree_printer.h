@@ -5,15 +5,15 @@
 
 namespace pmtool {
 
-// The subtree `path` as text for the eye: a property a line with type and value, nodes indented. False if
-// there is no such node.
-bool print_tree(const PM_Object& object, const std::u16string& path, int depth, std::string& out);
+// A node as text for the eye: a property a line with type and value, nodes indented, `depth` levels down, 0
+// for all.
+std::string tree_text(const pm::Node& node, int depth);
 
 // The same as JSON: {"properties": [{"name", "type", "value"}...], "nodes": [{"name", "properties",
 // "nodes"}...]}. Raw bytes are hexadecimal digits; numbers that JSON hasn't are strings.
-bool print_json(const PM_Object& object, const std::u16string& path, int depth, std::string& out);
+std::string tree_json(const pm::Node& node, int depth);
 
 // "name: type = value"
-std::string property_line(const std::string& name, const struct Property& property);
+std::string property_line(const pm::Property& property);
 
 } // namespace pmtool

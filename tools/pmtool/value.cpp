@@ -34,11 +34,10 @@ std::optional<Value> parse_double(std::string_view text) {
 }
 
 std::optional<Value> parse_string(std::string_view text) {
-    std::u16string wide = to_utf16(text);
-    if (wide.size() > longest_string) {
+    if (pm::to_utf16(text).size() > longest_string) {
         throw Failure(fmt::format("a string holds at most {} characters", longest_string));
     }
-    return Value(std::move(wide));
+    return Value(std::string(text));
 }
 
 std::optional<Value> parse_bool(std::string_view text) {
@@ -57,12 +56,12 @@ std::optional<Value> parse_raw(std::string_view text) {
         text = text.substr(1, text.size() - 2);
     }
     if (text.empty() || text.size() % 2 != 0) return std::nullopt;
-    Raw raw;
+    pm::Bytes raw;
     for (std::size_t i = 0; i < text.size(); i += 2) {
         const int high = digit_value(text[i]);
         const int low = digit_value(text[i + 1]);
         if (high < 0 || low < 0) return std::nullopt;
-        raw.bytes += static_cast<char>(high << 4 | low);
+        raw.push_back(static_cast<std::byte>(high << 4 | low));
     }
     return Value(std::move(raw));
 }
@@ -73,7 +72,7 @@ struct Type {
     std::optional<Value> (*parse)(std::string_view);
 };
 
-// In the order of the alternatives of Value.
+// In the order of PropType, which is that of the alternatives of Value, from PROP_LONG on.
 constexpr Type types[] = {
     {"long", "a whole number of 32 bits", parse_long},
     {"double", "a number", parse_double},
@@ -95,28 +94,28 @@ std::string double_text(double number) {
     return text;
 }
 
-std::string hex_text(const Raw& raw) {
+std::string hex_text(const pm::Bytes& raw) {
     std::string text;
-    for (const char c : raw.bytes) {
-        const auto byte = static_cast<unsigned char>(c);
-        text += digits[byte >> 4];
-        text += digits[byte & 15];
+    for (const std::byte byte : raw) {
+        text += digits[std::to_integer<unsigned>(byte) >> 4];
+        text += digits[std::to_integer<unsigned>(byte) & 15];
     }
     return text;
 }
 
 struct PlainText {
+    std::string operator()(std::monostate) const { return {}; }
     std::string operator()(std::int32_t number) const { return fmt::format("{}", number); }
     std::string operator()(double number) const { return double_text(number); }
-    std::string operator()(const std::u16string& text) const { return to_utf8(text); }
+    std::string operator()(const std::string& text) const { return shown(pm::to_utf16(text)); }
     std::string operator()(bool yes) const { return yes ? "true" : "false"; }
-    std::string operator()(const Raw& raw) const { return hex_text(raw); }
+    std::string operator()(const pm::Bytes& raw) const { return hex_text(raw); }
 };
 
 } // namespace
 
 std::string_view type_name(const Value& value) {
-    return types[value.index()].name;
+    return value.index() == PROP_NONE ? "none" : types[value.index() - PROP_LONG].name;
 }
 
 std::string type_names() {
@@ -132,8 +131,7 @@ std::string plain_text(const Value& value) {
 }
 
 std::string shown_text(const Value& value) {
-    if (const auto* text = std::get_if<std::u16string>(&value)) return in_quotes(to_utf8(*text));
-    return plain_text(value);
+    return std::holds_alternative<std::string>(value) ? in_quotes(plain_text(value)) : plain_text(value);
 }
 
 Value parse_value(std::string_view text, std::string_view type) {
@@ -160,13 +158,12 @@ void set_property(PM_Object& object, const std::u16string& path, const Value& va
         object.SetProperty(path.c_str(), *number);
     } else if (const auto* real = std::get_if<double>(&value)) {
         object.SetProperty(path.c_str(), *real);
-    } else if (const auto* text = std::get_if<std::u16string>(&value)) {
-        object.SetProperty(path.c_str(), text->c_str());
+    } else if (const auto* text = std::get_if<std::string>(&value)) {
+        object.SetProperty(path.c_str(), pm::to_utf16(*text).c_str());
     } else if (const auto* yes = std::get_if<bool>(&value)) {
         object.SetProperty(path.c_str(), *yes);
-    } else {
-        const std::string& bytes = std::get<Raw>(value).bytes;
-        object.setVoidProperty(path.c_str(), bytes.data(), static_cast<unsigned>(bytes.size()));
+    } else if (const auto* raw = std::get_if<pm::Bytes>(&value)) {
+        object.setVoidProperty(path.c_str(), raw->data(), static_cast<unsigned>(raw->size()));
     }
 }
 

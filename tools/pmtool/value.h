@@ -1,26 +1,12 @@
 #pragma once
 
-#include <cstdint>
 #include <pm/pm.h>
 #include <string>
 #include <string_view>
-#include <variant>
 
 namespace pmtool {
 
-struct Raw {
-    std::string bytes;
-    bool operator==(const Raw&) const = default;
-};
-
-// In the order of PropType from PROP_LONG on: long, double, string, bool, raw.
-using Value = std::variant<std::int32_t, double, std::u16string, bool, Raw>;
-
-struct Property {
-    std::u16string name;
-    Value value;
-    bool operator==(const Property&) const = default;
-};
+using pm::Value;
 
 // "long", "double", "string", "bool" or "raw".
 std::string_view type_name(const Value& value);
