@@ -10,24 +10,13 @@ namespace pm {
 
 namespace {
 
-// The units that scans of numbers look at; "_()" stand in "nan(...)".
+// The units that scans of numbers look at.
 bool may_stand_in_number(char16_t unit) {
-    return is_digit(unit) || is_letter(unit) ||
-           std::u16string_view(u"+-._()").find(unit) != std::u16string_view::npos;
-}
-
-std::string narrow_number(std::u16string_view text) {
-    return {text.begin(), std::find_if_not(text.begin(), text.end(), may_stand_in_number)};
+    return is_digit(unit) || unit == u'.' || to_lower(unit) == u'e' || unit == u'+' || unit == u'-';
 }
 
 std::size_t count_spaces(std::u16string_view text) {
     return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), is_space) - text.begin());
-}
-
-bool has_hex_prefix(std::string_view text) {
-    if (text.size() < 3 || text[0] != '0' || (text[1] != 'x' && text[1] != 'X')) return false;
-    const std::size_t digit = text[2] == '.' ? 3 : 2;
-    return text.find_first_of("0123456789abcdefABCDEF", digit) == digit;
 }
 
 // `text` is empty or a letter, a sign or none, and digits. Held within what no text's length can outweigh.
@@ -42,28 +31,26 @@ std::int64_t scan_exponent(std::string_view text) {
 
 // from_chars leaves the value alone when it is out of range; the power of the first digit that counts tells
 // on which side.
-double out_of_range_value(std::string_view number, bool hex) {
-    const std::size_t mark = std::min(number.find_first_of(hex ? "pP" : "eE"), number.size());
+double out_of_range_value(std::string_view number) {
+    const std::size_t mark = std::min(number.find_first_of("eE"), number.size());
     const std::string_view digits = number.substr(0, mark);
     const auto point = static_cast<std::int64_t>(std::min(digits.find('.'), digits.size()));
     const auto digit = static_cast<std::int64_t>(digits.find_first_not_of("0."));
-    return (point - digit) * (hex ? 4 : 1) + scan_exponent(number.substr(mark)) > 0 ? HUGE_VAL : 0.0;
+    return point - digit + scan_exponent(number.substr(mark)) > 0 ? HUGE_VAL : 0.0;
 }
 
-// The number without a sign at the start of `text`; gives its length, 0 if there is none.
-std::size_t scan_unsigned_double(std::string_view text, double& value) {
-    const bool hex = has_hex_prefix(text);
-    const std::size_t prefix = hex ? 2 : 0;
-    const std::string_view number = text.substr(prefix);
-    if (number.starts_with('-')) return 0;
-    const auto format = hex ? std::chars_format::hex : std::chars_format::general;
-    const auto result = std::from_chars(number.data(), number.data() + number.size(), value, format);
-    if (result.ec == std::errc::invalid_argument) return 0;
+// The number at the start of `text`, which holds units of numbers only.
+ScannedDouble scan_narrow_double(std::string_view text) {
+    const bool negative = text.starts_with('-');
+    const std::size_t sign = negative || text.starts_with('+') ? 1 : 0;
+    const std::string_view number = text.substr(sign);
+    double value = 0;
+    if (number.starts_with('-')) return {};
+    const auto result = std::from_chars(number.data(), number.data() + number.size(), value);
+    if (result.ec == std::errc::invalid_argument) return {};
     const auto length = static_cast<std::size_t>(result.ptr - number.data());
-    if (result.ec == std::errc::result_out_of_range) {
-        value = out_of_range_value(number.substr(0, length), hex);
-    }
-    return prefix + length;
+    if (result.ec == std::errc::result_out_of_range) value = out_of_range_value(number.substr(0, length));
+    return {negative ? -value : value, sign + length};
 }
 
 int effective_base(std::u16string_view digits, int base) {
@@ -156,14 +143,22 @@ double scan_double(std::u16string_view text) {
 }
 
 ScannedDouble scan_double_at(std::u16string_view text) {
+    constexpr std::size_t ordinary_length = 64;
     const std::size_t spaces = count_spaces(text);
-    const std::string narrow = narrow_number(text.substr(spaces));
-    const bool negative = narrow.starts_with('-');
-    const std::size_t sign = negative || narrow.starts_with('+') ? 1 : 0;
-    double value = 0;
-    const std::size_t length = scan_unsigned_double(std::string_view(narrow).substr(sign), value);
-    if (length == 0) return {};
-    return {negative ? -value : value, spaces + sign + length};
+    const std::u16string_view rest = text.substr(spaces);
+    const auto* const end = std::find_if_not(rest.begin(), rest.end(), may_stand_in_number);
+    const auto length = static_cast<std::size_t>(end - rest.begin());
+
+    ScannedDouble scanned;
+    if (length <= ordinary_length) {
+        char narrow[ordinary_length];
+        std::copy(rest.begin(), end, narrow);
+        scanned = scan_narrow_double({narrow, length});
+    } else {
+        scanned = scan_narrow_double(std::string(rest.begin(), end));
+    }
+    if (scanned.length != 0) scanned.length += spaces;
+    return scanned;
 }
 
 std::string print_double(double value, std::chars_format format, int precision) {

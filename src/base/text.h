@@ -50,9 +50,10 @@ std::u16string to_decimal(std::int64_t value);
 void append_ascii(std::u16string& out, std::string_view ascii);
 
 // The number at the start of `text`, after white space: decimal with an optional sign. Stops at the first
-// unit that doesn't fit; 0 for none; held at the ends of the 32-bit range. As _wtol.
+// unit that doesn't fit; 0 for none; held at the ends of the 32-bit range.
 std::int32_t scan_long(std::u16string_view text);
-// The same for a double, in the forms of strtod and of any length; infinite, or 0, out of range. As _wtof.
+// The same for a double, of any length: digits with at most one ".", and an exponent behind an "e". No other
+// form is a number: "inf" and "nan" have none, "0x10" ends behind its 0. Infinite, or 0, out of range.
 double scan_double(std::u16string_view text);
 
 struct ScannedDouble {

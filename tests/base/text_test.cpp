@@ -221,24 +221,6 @@ TEST(ScanDouble, ReadsTheFormsOfTheCLibrary) {
                              "-+1",
                              "- 1",
                              "abc",
-                             "inf",
-                             "-INF",
-                             "infinity",
-                             "Infinit",
-                             "nan",
-                             "NaN",
-                             "nan(12)",
-                             "nan(",
-                             "nano",
-                             "0x10",
-                             "0X1.8p3",
-                             "0x.8",
-                             "-0x1p-2",
-                             "0x",
-                             "0xg",
-                             "0x.",
-                             "0x.p1",
-                             "0x1p",
                              "1_0",
                              "(1)",
                              "2.2250738585072011e-308",
@@ -253,6 +235,19 @@ TEST(ScanDouble, ReadsTheFormsOfTheCLibrary) {
                              "1e23"}) {
         expect_scanned_as_strtod(text);
     }
+}
+
+TEST(ScanDouble, KnowsDecimalFormsOnly) {
+    for (const char16_t* text : {u"inf", u"-INF", u"infinity", u"Informal", u"nan", u"NaN", u"nan(12)"}) {
+        EXPECT_EQ(0U, pm::scan_double_at(text).length);
+        EXPECT_EQ(0.0, pm::scan_double(text));
+    }
+    const pm::ScannedDouble zero = pm::scan_double_at(u"0x10");
+    EXPECT_EQ(0.0, zero.value);
+    EXPECT_EQ(1U, zero.length);
+    const pm::ScannedDouble negative = pm::scan_double_at(u" -0X1.8p3");
+    EXPECT_EQ(bits_of(-0.0), bits_of(negative.value));
+    EXPECT_EQ(3U, negative.length);
 }
 
 TEST(ScanDouble, GivesZeroForNoNumber) {
@@ -279,43 +274,23 @@ TEST(ScanDouble, OverflowIsInfiniteAndUnderflowZero) {
     EXPECT_EQ(infinity, pm::scan_double(u"1e99999999999999999999999"));
     EXPECT_EQ(0.0, pm::scan_double(u"1e-99999999999999999999999"));
     EXPECT_EQ(0.0, pm::scan_double(u"0e99999999999999999999999"));
-    EXPECT_EQ(infinity, pm::scan_double(u"0x1p5000"));
-    EXPECT_EQ(0.0, pm::scan_double(u"0x1p-5000"));
-    EXPECT_EQ(infinity, pm::scan_double(u"0xep99999999999999999999999"));
-    EXPECT_EQ(0.0, pm::scan_double(u"0xep-99999999999999999999999"));
 }
 
 TEST(ScanDouble, ReadsLongDigitTexts) {
     const std::string nines(2000, '9');
     const std::string zeros(1500, '0');
-    for (const std::string& text : {nines,
-                                    nines + "e-2000",
-                                    nines + "e-2400",
-                                    nines + "." + nines,
-                                    "0." + nines,
-                                    zeros + "1.5",
-                                    "0." + zeros + "1",
-                                    "0." + zeros + "1e1500",
-                                    "0." + zeros + "123456789e1600",
-                                    "-" + zeros + zeros + "12.25",
-                                    "1." + zeros + "1",
-                                    "9007199254740993." + zeros,
-                                    "9007199254740993." + zeros + "1",
-                                    "1e" + zeros + "5",
-                                    "1e-" + zeros + "5",
-                                    "0x" + zeros + "1.8",
-                                    "0x" + std::string(400, 'f') + "p-1600",
-                                    "0x0." + zeros + "1p6004",
-                                    "0x1.00000000000008" + zeros + "1",
-                                    "0x0." + zeros + "1",
-                                    "0x1" + zeros}) {
+    for (const std::string& text :
+         {nines, nines + "e-2000", nines + "e-2400", nines + "." + nines, "0." + nines, zeros + "1.5",
+          "0." + zeros + "1", "0." + zeros + "1e1500", "0." + zeros + "123456789e1600",
+          "-" + zeros + zeros + "12.25", "1." + zeros + "1", "9007199254740993." + zeros,
+          "9007199254740993." + zeros + "1", "1e" + zeros + "5", "1e-" + zeros + "5"}) {
         expect_scanned_as_strtod(text);
     }
 }
 
 TEST(ScanDouble, AgreesWithTheCLibraryOnRandomTexts) {
     std::mt19937 random(11);
-    constexpr std::string_view units = "00123456789..eE+-xXpPaAinfINF ";
+    constexpr std::string_view units = "00123456789..eE+-pPaAiI ";
     for (int run = 0; run < 300'000; ++run) {
         std::string text;
         for (std::size_t i = random() % 16; i > 0; --i) {
@@ -328,8 +303,9 @@ TEST(ScanDouble, AgreesWithTheCLibraryOnRandomTexts) {
 TEST(ScanDouble, AgreesWithTheCLibraryOnRandomNumbers) {
     std::mt19937_64 random(12);
     for (int run = 0; run < 200'000; ++run) {
-        expect_scanned_as_strtod(
-            printed("%.*e", static_cast<int>(random() % 30), std::bit_cast<double>(random())));
+        const auto number = std::bit_cast<double>(random());
+        if (!std::isfinite(number)) continue;
+        expect_scanned_as_strtod(printed("%.*e", static_cast<int>(random() % 30), number));
     }
 }
 

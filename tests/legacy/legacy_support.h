@@ -11,6 +11,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <optional>
+#include <pm/error_number.h>
 #include <pm/object.h>
 #include <pm_test_paths.h>
 #include <sstream>

@@ -527,6 +527,12 @@ TEST_F(Pc2, DoublesTakeAllTextFormsOfANumber) {
     EXPECT_EQ((std::vector<std::uint32_t>{57, 57}), numbers());
 }
 
+TEST_F(Pc2, DoublesAreDecimal) {
+    load("[Plotter/User]\nPlotScale=inf\nPlotScale=nan\nPlotScale=0x10\n");
+    EXPECT_EQ((std::vector<std::uint32_t>{PM_ERR_BAD_LINE, PM_ERR_BAD_LINE, PM_ERR_BAD_LINE}), numbers());
+    EXPECT_EQ(0.0, double_at(object, u"\\Plotter/User\\PlotScale"));
+}
+
 TEST_F(Pc2, StringsLoseTheQuotesThatTheyBeginAndEndWith) {
     struct Case {
         const char* text;

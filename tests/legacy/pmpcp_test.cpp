@@ -357,6 +357,19 @@ TEST_F(Pcp, TheDefaultBlockScansItsValues) {
     EXPECT_TRUE(handler.reports.empty());
 }
 
+TEST_F(Pcp, AWeightOfTheDefaultBlockIsDecimal) {
+    struct Case {
+        const char* text;
+        double value;
+    };
+    for (const Case& each :
+         {Case{"inf", 0}, Case{"Informal", 0}, Case{"nan", 0}, Case{"0x10", 0}, Case{"1.5x", 1.5}}) {
+        load(std::string("BEGIN_COLOR=DEFAULT\nPEN_WEIGHT=") + each.text + "\nEND_COLOR\n");
+        EXPECT_EQ(each.value, double_at(object, u"\\32\\PEN_WEIGHT")) << each.text;
+    }
+    EXPECT_TRUE(handler.reports.empty());
+}
+
 TEST_F(Pcp, AnEmptyValueInTheDefaultBlockIsABadLine) {
     for (const char* line : {"PEN_NUMBER=", "HW_LINETYPE= =", "PEN_SPEED", "PEN_WEIGHT="}) {
         handler.reports.clear();
@@ -385,6 +398,17 @@ TEST_F(Pcp, ADefaultBlockThatIsNotClosedGoesOnInTheNextLoad) {
     load_pcp(next, marker + "PEN_NUMBER=1\nEND_COLOR\nPEN_NUMBER=2\n");
     EXPECT_EQ(1, long_at(next, u"\\255\\PEN_NUMBER"));
     EXPECT_EQ(2, long_at(next, u"\\PEN_NUMBER"));
+}
+
+TEST_F(Pcp, ADefaultBlockOfACancelledLoadGoesOnInTheNextLoad) {
+    RecordingHandler stops(0);
+    PM_Object stopped(&stops);
+    expect_thrown<ZT_Canceled_Error>(
+        [&] { load_pcp(stopped, marker + "BEGIN_COLOR=DEFAULT\nx\nEND_COLOR\n"); }, PM_ERR_BAD_LINE,
+        keys_place, u"\n3, x, ");
+    load("PEN_SPEED=1\nEND_COLOR\nPEN_SPEED=2\n");
+    EXPECT_EQ(1, long_at(object, u"\\255\\PEN_SPEED"));
+    EXPECT_EQ(2, long_at(object, u"\\PEN_SPEED"));
 }
 
 TEST_F(Pcp, ADefaultBlockInsideAColorSetsEachColorBelowIt) {

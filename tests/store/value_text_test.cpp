@@ -453,6 +453,13 @@ TEST(ParseDouble, WhatIsNotAllNumberIsRefused) {
     EXPECT_FALSE(parsed(std::u16string_view(u"\0", 1)));
 }
 
+TEST(ParseDouble, OnlyDecimalFormsAreNumbers) {
+    for (const char16_t* text : {u"inf", u"-inf", u"INFINITY", u"nan", u"nan(1)", u"0x10", u"0X1.8p3",
+                                 u"0x.8", u"1.0x3", u"0x1 (55555555U3_#T@)"}) {
+        EXPECT_FALSE(parsed(text));
+    }
+}
+
 TEST(ParseDouble, ShortNumbersReadAsAGeneralScanReadsThem) {
     std::mt19937 random(5);
     constexpr std::string_view units = "0123456789.-";
