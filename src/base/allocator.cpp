@@ -30,6 +30,10 @@ void release(void* block) noexcept {
     std::free(block);
 }
 
+void* reallocate(void* block, std::size_t size) noexcept {
+    return refused(size) ? nullptr : std::realloc(block, std::max<std::size_t>(size, 1));
+}
+
 void set_allocation_filter(AllocationFilter filter) noexcept {
     allocation_filter = filter;
 }

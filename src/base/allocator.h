@@ -12,6 +12,8 @@ void* allocate(std::size_t size) noexcept;
 // The block reads as zero and takes real memory only where it is written.
 void* allocate_zeroed(std::size_t size) noexcept;
 void release(void* block) noexcept;
+// The block with another size, moved if need be. Null without memory: `block` then stays as it is.
+void* reallocate(void* block, std::size_t size) noexcept;
 
 struct Releaser {
     void operator()(void* block) const noexcept { release(block); }

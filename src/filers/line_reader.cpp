@@ -1,9 +1,9 @@
 #include "filers/line_reader.h"
 
+#include "codecs/inflate_reader.h"
 #include <algorithm>
 #include <cstring>
 #include <istream>
-#include <utility>
 
 namespace pm {
 
@@ -16,69 +16,89 @@ bool is_white(char c) {
 } // namespace
 
 void LineReader::attach(std::istream& stream) {
-    m_stream = &stream;
-    m_begin = m_end = 0;
-    m_stream_ended = false;
+    start(&stream, nullptr);
 }
 
-// The stream's state is kept as if it were read only as far as lines were handed out: a block that runs
-// into the end leaves no mark until that end is asked for.
+void LineReader::attach(InflateReader& source) {
+    start(nullptr, &source);
+}
+
+void LineReader::attach(std::string_view text) {
+    start(nullptr, nullptr);
+    m_at = text.data();
+    m_end = text.data() + text.size();
+    m_last_block = true;
+}
+
+void LineReader::start(std::istream* stream, InflateReader* source) {
+    m_stream = stream;
+    m_source = source;
+    m_at = m_end = m_buffer.data();
+    m_last_block = false;
+}
+
+// Reads more behind what is left, which moves to the front.
 bool LineReader::fill() {
-    if (!m_stream->good()) return false;
-    if (!m_stream_ended) {
-        m_stream->read(m_buffer.data(), static_cast<std::streamsize>(m_buffer.size()));
-        m_begin = 0;
-        m_end = static_cast<std::size_t>(m_stream->gcount());
-        if (m_stream->bad()) return false;
-        m_stream_ended = m_stream->eof();
-        m_stream->clear();
-        if (m_end > 0) return true;
+    if (m_stream != nullptr && !m_stream->good()) return false;
+    if (!m_last_block) {
+        const auto left = static_cast<std::size_t>(m_end - m_at);
+        std::memmove(m_buffer.data(), m_at, left);
+        const std::size_t given = read_block(m_buffer.data() + left, m_buffer.size() - left);
+        m_at = m_buffer.data();
+        m_end = m_at + left + given;
+        if (given > 0) return true;
     }
-    m_stream->setstate(std::ios::eofbit);
+    // The stream's state is kept as if it were read only as far as lines were handed out: a block that runs
+    // into the end leaves no mark until that end is asked for.
+    if (m_stream != nullptr && m_stream->good()) m_stream->setstate(std::ios::eofbit);
     return false;
 }
 
-LineReader::Line LineReader::read_line(std::size_t limit) {
-    m_joined.clear();
-    while (m_begin < m_end || fill()) {
-        const char* const first = m_buffer.data() + m_begin;
-        // One byte more than may still be taken: a line feed may stand right behind the limit.
-        const std::size_t wanted = limit - m_joined.size();
-        const std::size_t seen =
-            std::min(m_end - m_begin, wanted == static_cast<std::size_t>(-1) ? wanted : wanted + 1);
-        const auto* feed = static_cast<const char*>(std::memchr(first, '\n', seen));
-        if (feed != nullptr) {
-            const auto length = static_cast<std::size_t>(feed - first);
-            m_begin += length + 1;
-            return finish({first, length}, End::line);
-        }
-        if (seen > wanted) {
-            m_begin += wanted;
-            return finish({first, wanted}, End::too_long);
-        }
-        m_begin += seen;
-        m_joined.append(first, seen);
+std::size_t LineReader::read_block(char* to, std::size_t size) {
+    if (m_stream == nullptr) {
+        const std::size_t given = m_source->read({to, size});
+        m_last_block = given < size;
+        return given;
     }
-    return {m_joined, End::stream};
+    m_stream->read(to, static_cast<std::streamsize>(size));
+    if (m_stream->bad()) return 0;
+    m_last_block = m_stream->eof();
+    m_stream->clear();
+    return static_cast<std::size_t>(m_stream->gcount());
 }
 
-LineReader::Line LineReader::finish(std::string_view piece, End end) {
-    if (m_joined.empty()) return {piece, end};
-    m_joined += piece;
-    return {m_joined, end};
+LineReader::Line LineReader::read_line(std::size_t limit) {
+    for (std::size_t seen = 0;;) {
+        const auto left = static_cast<std::size_t>(m_end - m_at);
+        // One byte more than may be taken: a line feed may stand right behind the limit.
+        const std::size_t wanted = limit < left ? limit + 1 : left;
+        const void* const feed = wanted > seen ? std::memchr(m_at + seen, '\n', wanted - seen) : nullptr;
+        if (feed != nullptr) {
+            const auto length = static_cast<std::size_t>(static_cast<const char*>(feed) - m_at);
+            return take(length, 1, End::line);
+        }
+        if (wanted > limit) return take(limit, 0, End::too_long);
+        if (full()) return take(left, 0, End::too_long);
+        seen = wanted;
+        if (!fill()) return take(static_cast<std::size_t>(m_end - m_at), 0, End::stream);
+    }
+}
+
+LineReader::Line LineReader::take(std::size_t length, std::size_t skipped, End end) {
+    const std::string_view text(m_at, length);
+    m_at += length + skipped;
+    return {text, end};
 }
 
 void LineReader::skip_white_space() {
-    while (m_begin < m_end || fill()) {
-        const char* const last = m_buffer.data() + m_end;
-        const char* const found = std::find_if_not(std::as_const(m_buffer).data() + m_begin, last, is_white);
-        m_begin = static_cast<std::size_t>(found - m_buffer.data());
-        if (found != last) return;
+    while (m_at < m_end || fill()) {
+        m_at = std::find_if_not(m_at, m_end, is_white);
+        if (m_at != m_end) return;
     }
 }
 
 bool LineReader::at_end() {
-    return m_begin == m_end && !fill();
+    return m_at == m_end && !fill();
 }
 
 } // namespace pm

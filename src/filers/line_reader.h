@@ -3,22 +3,28 @@
 #include <array>
 #include <cstddef>
 #include <iosfwd>
-#include <string>
 #include <string_view>
 
 namespace pm {
 
-// Reads a stream in blocks and hands it out line by line. The stream's position runs ahead of what was handed
-// out, its state doesn't: end of file is marked when a line runs into it.
+class InflateReader;
+
+// Hands text out line by line, from a stream that it reads in blocks, a zlib stream or memory. A stream's
+// position runs ahead of what was handed out, its state doesn't: end of file is marked when a line runs into
+// it.
 class LineReader {
 public:
-    // Starts at the stream's position. The stream is borrowed.
+    static constexpr std::size_t block_size = 65536;
+
+    // Starts at the stream's position. What is attached is borrowed.
     void attach(std::istream& stream);
+    void attach(InflateReader& source);
+    void attach(std::string_view text);
 
     enum class End {
         line,    // the line was ended by a line feed
         stream,  // the stream ended behind the line
-        too_long // `limit` bytes were read and the line goes on
+        too_long // `limit` bytes, or a whole block, were read and the line goes on
     };
     struct Line {
         std::string_view text; // without its line feed; valid until the next call
@@ -33,15 +39,18 @@ public:
     bool at_end();
 
 private:
+    void start(std::istream* stream, InflateReader* source);
+    bool full() const { return !m_last_block && static_cast<std::size_t>(m_end - m_at) == m_buffer.size(); }
     bool fill();
-    Line finish(std::string_view piece, End end);
+    std::size_t read_block(char* to, std::size_t size);
+    Line take(std::size_t length, std::size_t skipped, End end);
 
     std::istream* m_stream = nullptr;
-    std::array<char, 16384> m_buffer;
-    std::size_t m_begin = 0;
-    std::size_t m_end = 0;
-    bool m_stream_ended = false; // the block at hand is the last one
-    std::string m_joined;        // a line that lies in more than one block
+    InflateReader* m_source = nullptr;
+    const char* m_at = nullptr; // in m_buffer, or in a text in memory
+    const char* m_end = nullptr;
+    bool m_last_block = false; // nothing is to be had behind the block at hand
+    std::array<char, block_size> m_buffer;
 };
 
 } // namespace pm

@@ -4,10 +4,12 @@
 #include "base/text.h"
 #include "filers/memory_stream.h"
 #include "filers/pmpia.h"
+#include "filers/wide_text.h"
 #include "platform/code_page.h"
 #include <algorithm>
 #include <cerrno>
 #include <limits>
+#include <new>
 #include <optional>
 #include <pm/error_number.h>
 #include <pm/iterator.h>
@@ -40,6 +42,16 @@ pm::Block<char16_t> copy_text(std::u16string_view text, const char16_t* place, c
     if (!copy) raise_no_memory(place, what);
     *std::copy(text.begin(), text.end(), copy.get()) = u'\0';
     return copy;
+}
+
+// In pieces, so that no more memory is taken than `text` has already.
+void widen(std::string_view bytes, pm::WideText& text, const char16_t* what) {
+    constexpr std::size_t piece_size = 65536;
+    text.clear();
+    for (; !bytes.empty(); bytes.remove_prefix(std::min(piece_size, bytes.size()))) {
+        if (!text.append(bytes.substr(0, piece_size))) raise_no_memory(load_place, what);
+    }
+    if (!text.end()) raise_no_memory(load_place, what);
 }
 
 std::u16string below(const char16_t* base, std::initializer_list<std::u16string_view> parts) {
@@ -142,11 +154,19 @@ PM_DPIAFile::DPIA_Section PM_DPIAFile::read_entry(bool with_info) {
 pm::Block<char16_t> PM_DPIAFile::read_text(const char16_t* what) {
     const std::uint32_t length = read_word();
     require_bytes(length, load_place, file_name());
-    std::string bytes(length, '\0');
+    pm::WideText text(pm::code_page(pm::utf8_code_page));
+    std::string bytes;
+    try {
+        if (!text.reserve(length)) throw std::bad_alloc();
+        bytes.resize(length);
+    } catch (const std::bad_alloc&) {
+        raise_no_memory(load_place, what);
+    }
     m_stream->read(bytes.data(), length);
     check_stream(load_place, file_name());
     m_data_offset += length + word_size;
-    return copy_text(pm::to_wide(bytes, pm::utf8_code_page), load_place, what);
+    widen(bytes, text, what);
+    return text.take();
 }
 
 std::uint32_t PM_DPIAFile::read_word() {

@@ -2,13 +2,14 @@
 
 #include "base/allocator.h"
 #include "base/text.h"
-#include "filers/body_stream.h"
-#include "filers/pia_frame.h"
+#include "filers/compressed_body.h"
 #include "filers/pia_writer.h"
+#include "filers/wide_text.h"
 #include "platform/code_page.h"
 #include "store/value_text.h"
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <pm/codec.h>
 #include <pm/error_number.h>
 #include <pm/iterator.h>
@@ -41,14 +42,11 @@ bool holds(std::u16string_view text, std::u16string_view word) {
     return text.find(word) != std::u16string_view::npos;
 }
 
-// The whole stream in one block with a zero byte behind.
-struct FileBlock {
-    pm::Block<unsigned char> bytes;
-    std::size_t size = 0;
-};
+// Raw data from here on is made where its digits stand, so that a long line is held once.
+constexpr std::size_t made_in_place = 1 << 16; // bytes
 
-FileBlock read_whole(std::istream& stream) {
-    FileBlock file;
+pm::FileBlock read_whole(std::istream& stream) {
+    pm::FileBlock file;
     stream.seekg(0, std::ios::end);
     const std::streamoff end = stream.tellg();
     if (end < 0) stream.setstate(std::ios::failbit);
@@ -80,11 +78,7 @@ void PM_PIAFile::close() {
 }
 
 void PM_PIAFile::check_stream(const char16_t* place, const char16_t* name) const {
-    check_stream(place, name, *m_stream);
-}
-
-void PM_PIAFile::check_stream(const char16_t* place, const char16_t* name, const std::ios& stream) {
-    PM_File::check_stream(place, name, stream, source);
+    PM_File::check_stream(place, name, *m_stream, source);
 }
 
 unsigned PM_PIAFile::text_code_page() const {
@@ -95,7 +89,8 @@ std::u16string PM_PIAFile::format_line_context(std::u16string_view line) const {
     std::u16string text(1, u'\n');
     pm::append_decimal(text, m_line_number);
     text += u", ";
-    text += line;
+    // No more than that is ever told.
+    text += line.substr(0, ZT_Exception::detail_capacity);
     text += u", ";
     text += m_filename;
     return text;
@@ -150,71 +145,76 @@ void PM_PIAFile::load(PM_Object* target, const char16_t* base, PM_Object::FileTy
     char16_t header[version_units] = {};
     getVersion(header, version_units);
 
-    std::unique_ptr<pm::BodyStream> body;
+    std::unique_ptr<pm::CompressedBody> body;
     if (holds(header, compress_word)) {
-        body = decode_body(header);
+        body = attach_body(header);
         // A file of neither version has now been read to its end, and gives no lines.
-        m_reader.attach(body ? body->stream() : *m_stream);
+        if (!body) m_reader.attach(*m_stream);
     }
-    load_body(*target, base, body ? body->stream() : *m_stream);
+    load_body(*target, base, !body);
 }
 
-std::unique_ptr<pm::BodyStream> PM_PIAFile::decode_body(std::u16string_view header) {
-    const FileBlock file = read_whole(*m_stream);
+std::unique_ptr<pm::CompressedBody> PM_PIAFile::attach_body(std::u16string_view header) {
+    pm::FileBlock file = read_whole(*m_stream);
     check_stream(load_place, file_name());
     if (!file.bytes) raise_no_memory(unit_place, u"buffer");
     const bool checked = header.starts_with(version_2);
     if (!checked && !header.starts_with(version_1)) return nullptr;
 
-    const auto fail = [] {
+    auto body = std::make_unique<pm::CompressedBody>(std::move(file), checked);
+    if (!body->attach_to(m_reader, m_handler)) {
         throw PM_Severe(PM_ERR_NOT_DECODED, unit_place, u"decompression of PIA data failed", source);
-    };
-    if (!pm::bound_pia_frame({file.bytes.get(), file.size}, checked)) fail();
-    PM_zlib_Codec codec(file.bytes.get(), static_cast<std::uint32_t>(file.size), m_handler);
-    unsigned char* decoded = nullptr;
-    std::uint32_t size = 0;
-    if (!(checked ? codec.decodeCRC(decoded, size) : codec.decode(decoded, size))) fail();
-    const pm::Block<unsigned char> text(decoded);
-
-    auto body = std::make_unique<pm::BodyStream>();
-    body->stream().write(reinterpret_cast<const char*>(text.get()), static_cast<std::streamsize>(size));
-    body->stream().seekg(0);
-    check_stream(load_place, file_name(), body->stream());
+    }
     return body;
 }
 
-void PM_PIAFile::load_body(PM_Object& target, const char16_t* base, const std::ios& stream) {
+void PM_PIAFile::load_body(PM_Object& target, const char16_t* base, bool from_stream) {
     if (pm::view(base).size() > pm::WorkingPath::capacity) {
         throw PM_Warning(PM_ERR_BAD_PATH, load_place, base, source);
     }
     pm::WorkingPath path(pm::view(base));
-    const pm::CodePage& page = pm::code_page(text_code_page());
-    std::u16string line;
+    pm::WideText line(pm::code_page(text_code_page()));
     bool more = true;
     while (more) {
-        ++m_line_number;
-        m_reader.skip_white_space();
-        const pm::LineReader::Line read = m_reader.read_line();
-        more = read.end == pm::LineReader::End::line;
-        if (!more && !stream.eof()) check_stream(load_place, file_name(), stream);
-
-        line.clear();
-        page.decode(read.text.substr(0, read.text.find('\0')), line);
-        if (line.empty() || line.front() == u';') continue;
-        line.resize(pm::trim_end(line, u" ").size());
+        more = read_line(line, from_stream);
+        const std::u16string_view text = line.view();
+        if (text.empty() || text.front() == u';') continue;
+        line.truncate(pm::trim_end(text, u" ").size());
         load_line(target, path, line);
     }
 }
 
-void PM_PIAFile::load_line(PM_Object& target, pm::WorkingPath& path, std::u16string& line) {
-    if (line.find(u'=') != std::u16string::npos) {
-        if (m_unopened == 0) property_line(target, path, line);
-    } else if (line.find(u'{') != std::u16string::npos) {
-        opening_line(path, line);
-    } else if (line.find(u'}') != std::u16string::npos) {
-        closing_line(path, line);
+// False for the last line.
+bool PM_PIAFile::read_line(pm::WideText& line, bool from_stream) {
+    ++m_line_number;
+    m_reader.skip_white_space();
+    pm::LineReader::Line read = m_reader.read_line();
+    bool held = true;
+    if (read.end == pm::LineReader::End::too_long) {
+        line.clear();
+        for (; held && read.end == pm::LineReader::End::too_long; read = m_reader.read_line()) {
+            held = line.append(read.text);
+        }
+        held = held && line.append(read.text) && line.end();
     } else {
-        raise_bad_line(line);
+        held = line.assign(read.text);
+    }
+    if (!held) raise_no_memory(unit_place, u"line");
+    const bool more = read.end == pm::LineReader::End::line;
+    if (!more && from_stream && !m_stream->eof()) check_stream(load_place, file_name());
+    return more;
+}
+
+void PM_PIAFile::load_line(PM_Object& target, pm::WorkingPath& path, pm::WideText& line) {
+    const std::u16string_view text = line.view();
+    if (text.find(u'=') != std::u16string_view::npos) {
+        if (m_unopened == 0) property_line(target, path, line);
+    } else if (text.find(u'{') != std::u16string_view::npos) {
+        opening_line(path, text);
+    } else if (text.find(u'}') != std::u16string_view::npos) {
+        closing_line(path, text);
+    } else {
+        raise_bad_line(text);
     }
 }
 
@@ -227,31 +227,30 @@ void PM_PIAFile::report_bad_line(std::u16string_view line) {
     report(E(PM_ERR_BAD_LINE, load_place, format_line_context(line).c_str(), source));
 }
 
-void PM_PIAFile::property_line(PM_Object& target, pm::WorkingPath& path, const std::u16string& line) {
-    const std::u16string_view text = line;
+void PM_PIAFile::property_line(PM_Object& target, pm::WorkingPath& path, pm::WideText& line) {
+    const std::u16string_view text = line.view();
     const std::u16string_view name = text.substr(0, text.find_first_of(u" ="));
     if (name.empty() || name.size() > name_limit || !path.push(name)) {
-        report_bad_line<PM_Warning>(line);
+        report_bad_line<PM_Warning>(text);
         return;
     }
     const std::u16string_view value = pm::skip_any(text.substr(name.size()), u" =");
     if (value.empty()) {
-        report_bad_line<PM_Error>(line);
+        report_bad_line<PM_Error>(text);
     } else {
         store_value(target, path.text(), value, line);
     }
-    if (!path.pop()) raise_bad_line(line);
+    if (!path.pop()) raise_bad_line(line.view());
 }
 
-// `value` runs to the end of `line`, and so is zero-terminated.
 void PM_PIAFile::store_value(PM_Object& target, const char16_t* path, std::u16string_view value,
-                             const std::u16string& line) {
+                             pm::WideText& line) {
     switch (classify_value(value)) {
     case PROP_LONG:
         set_long(target, path, pm::scan_long(value));
         break;
     case PROP_DOUBLE:
-        store_double(target, path, value, line);
+        store_double(target, path, value, line.view());
         break;
     case PROP_STRING:
         set_string(target, path, value.data() + 1);
@@ -267,11 +266,10 @@ void PM_PIAFile::store_value(PM_Object& target, const char16_t* path, std::u16st
     }
 }
 
-// The line itself is the place of this report.
-void PM_PIAFile::report_unknown_value(const std::u16string& line) {
-    auto place = std::make_shared<char16_t[]>(line.size() + 1);
-    std::copy(line.begin(), line.end(), place.get());
-    report(PM_Warning(PM_ERR_UNKNOWN_VALUE, std::shared_ptr<const char16_t[]>(std::move(place)), u"", u""));
+// The line itself is the place of this report, which keeps it.
+void PM_PIAFile::report_unknown_value(pm::WideText& line) {
+    std::shared_ptr<const char16_t[]> place(line.take().release(), pm::Releaser());
+    report(PM_Warning(PM_ERR_UNKNOWN_VALUE, std::move(place), u"", u""));
 }
 
 void PM_PIAFile::store_double(PM_Object& target, const char16_t* path, std::u16string_view value,
@@ -285,20 +283,40 @@ void PM_PIAFile::store_double(PM_Object& target, const char16_t* path, std::u16s
 }
 
 void PM_PIAFile::store_raw(PM_Object& target, const char16_t* path, std::u16string_view value,
-                           std::u16string_view line) {
+                           pm::WideText& line) {
     const std::u16string_view start = pm::skip_any(value, u" \\");
     const std::u16string_view digits = start.substr(0, start.find(u'\\'));
     if (digits.empty() || digits.size() % 2 != 0) {
-        report_bad_line<PM_Warning>(line);
+        report_bad_line<PM_Warning>(line.view());
         return;
     }
-    const std::string narrow = pm::to_narrow(digits);
-    const auto data = pm::allocate_block<unsigned char>(narrow.size() / 2);
+    const std::size_t size = digits.size() / 2;
+    if (size >= made_in_place && pm::hex_to_bytes(digits, line.bytes())) {
+        line.shrink(size);
+        set_data(target, path, line.bytes(), size, PROP_VOID);
+        return;
+    }
+    const auto data = pm::allocate_block<unsigned char>(size);
     if (!data) raise_no_memory(unit_place, u"data");
-    if (!pm_hex_to_bin(narrow.c_str(), data.get())) {
+    if (pm::hex_to_bytes(digits, data.get())) {
+        set_data(target, path, data.get(), size, PROP_VOID);
+    } else {
+        store_narrow_digits(target, path, digits);
+    }
+}
+
+// A digit beyond ASCII counts as the bytes that it has in the code page.
+void PM_PIAFile::store_narrow_digits(PM_Object& target, const char16_t* path, std::u16string_view digits) {
+    std::string narrow;
+    try {
+        narrow = pm::to_narrow(digits);
+    } catch (const std::bad_alloc&) {
+        raise_no_memory(unit_place, u"data");
+    }
+    if (!pm_hex_to_bin(narrow.c_str(), narrow.data())) {
         throw PM_Error(PM_ERR_BAD_RAW_DATA, unit_place, u"bad raw data value", source);
     }
-    set_data(target, path, data.get(), narrow.size() / 2, PROP_VOID);
+    set_data(target, path, narrow.data(), narrow.size() / 2, PROP_VOID);
 }
 
 void PM_PIAFile::opening_line(pm::WorkingPath& path, std::u16string_view line) {
@@ -329,11 +347,11 @@ void PM_PIAFile::save(const PM_Object* saved, const char16_t* subtree, PM_Object
     const std::unique_ptr<PM_Iterator> walk(saved->newIterator(subtree, 0));
     if (!walk) raise_no_memory(save_place, u"piter");
     if (holds(pm::view(tag), compress_word)) {
-        pm::BodyStream body;
-        write_body(*walk, body.stream());
-        encode_body(body.stream());
+        pm::PiaWriter body(text_code_page(), m_indent);
+        body.write_body(*walk);
+        encode_body(body.pending());
     } else {
-        write_body(*walk, *m_stream);
+        pm::PiaWriter(*m_stream, text_code_page(), m_indent).write_body(*walk);
     }
     m_stream->flush();
     check_stream(save_place, file_name());
@@ -348,21 +366,12 @@ void PM_PIAFile::write_header(std::u16string_view tag) {
     header.flush();
 }
 
-void PM_PIAFile::write_body(PM_Iterator& walk, std::iostream& stream) const {
-    pm::PiaWriter(stream, text_code_page(), m_indent).write_body(walk);
-    stream.flush();
-    check_stream(save_place, file_name(), stream);
-}
-
-void PM_PIAFile::encode_body(std::iostream& body) {
-    const FileBlock text = read_whole(body);
-    check_stream(save_place, file_name(), body);
-    if (!text.bytes) raise_no_memory(save_place, u"buffer");
-
+void PM_PIAFile::encode_body(std::string_view text) {
     unsigned char* block = nullptr;
     std::uint32_t size = 0;
-    PM_zlib_Codec codec(text.bytes.get(), static_cast<std::uint32_t>(text.size), m_handler);
-    if (text.size > std::numeric_limits<std::uint32_t>::max() || !codec.encodeCRC(block, size)) {
+    PM_zlib_Codec codec(reinterpret_cast<const unsigned char*>(text.data()),
+                        static_cast<std::uint32_t>(text.size()), m_handler);
+    if (text.size() > std::numeric_limits<std::uint32_t>::max() || !codec.encodeCRC(block, size)) {
         throw PM_Severe(PM_ERR_NOT_ENCODED, unit_place, u"compression of PIA data failed", source);
     }
     const pm::Block<unsigned char> owned(block);

@@ -9,8 +9,9 @@
 #include <string_view>
 
 namespace pm {
-class BodyStream;
-}
+class CompressedBody;
+class WideText;
+} // namespace pm
 
 // Reads and writes PIA files, and gives the readers of older text formats their stream handling, save and
 // line services. The format is told in docs/pia.md.
@@ -35,9 +36,8 @@ public:
     static PropType classify_value(std::u16string_view value);
 
 protected:
-    // check_stream of PM_File on m_stream, or on another stream, with this unit's source marker.
+    // check_stream of PM_File on m_stream with this unit's source marker.
     void check_stream(const char16_t* place, const char16_t* name) const;
-    static void check_stream(const char16_t* place, const char16_t* name, const std::ios& stream);
 
     // A bad line as exceptions tell it: line feed, line number, ", ", the line, ", ", the file name.
     std::u16string format_line_context(std::u16string_view line) const;
@@ -53,27 +53,28 @@ protected:
     pm::LineReader m_reader;
 
 private:
-    // The plain text of a compressed file; null, with m_stream at its end, if `header` tells no version.
-    std::unique_ptr<pm::BodyStream> decode_body(std::u16string_view header);
-    void load_body(PM_Object& target, const char16_t* base, const std::ios& stream);
-    void load_line(PM_Object& target, pm::WorkingPath& path, std::u16string& line);
-    void property_line(PM_Object& target, pm::WorkingPath& path, const std::u16string& line);
+    // Points m_reader at the plain text of a compressed file, which lives as long as what is given; null,
+    // with m_stream at its end, if `header` tells no version.
+    std::unique_ptr<pm::CompressedBody> attach_body(std::u16string_view header);
+    void load_body(PM_Object& target, const char16_t* base, bool from_stream);
+    bool read_line(pm::WideText& line, bool from_stream);
+    void load_line(PM_Object& target, pm::WorkingPath& path, pm::WideText& line);
+    void property_line(PM_Object& target, pm::WorkingPath& path, pm::WideText& line);
     void opening_line(pm::WorkingPath& path, std::u16string_view line);
     void closing_line(pm::WorkingPath& path, std::u16string_view line);
-    void store_value(PM_Object& target, const char16_t* path, std::u16string_view value,
-                     const std::u16string& line);
+    // `value` is the end of `line`.
+    void store_value(PM_Object& target, const char16_t* path, std::u16string_view value, pm::WideText& line);
     void store_double(PM_Object& target, const char16_t* path, std::u16string_view value,
                       std::u16string_view line);
-    void store_raw(PM_Object& target, const char16_t* path, std::u16string_view value,
-                   std::u16string_view line);
-    void report_unknown_value(const std::u16string& line);
+    void store_raw(PM_Object& target, const char16_t* path, std::u16string_view value, pm::WideText& line);
+    static void store_narrow_digits(PM_Object& target, const char16_t* path, std::u16string_view digits);
+    void report_unknown_value(pm::WideText& line);
     template<class E>
     void report_bad_line(std::u16string_view line);
     [[noreturn]] void raise_bad_line(std::u16string_view line) const;
 
     void write_header(std::u16string_view tag);
-    void write_body(PM_Iterator& walk, std::iostream& stream) const;
-    void encode_body(std::iostream& body);
+    void encode_body(std::string_view text);
 
     int m_unopened = 0; // depth inside a block that is passed over
 };

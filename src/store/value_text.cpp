@@ -63,10 +63,10 @@ bool is_armour(char16_t unit) {
     return unit >= u' ' && unit <= u'_';
 }
 
-void encode_group(const std::uint8_t* bytes, char16_t* text) {
+void encode_group(const std::uint8_t* bytes, char* text) {
     const unsigned bits = unsigned{bytes[0]} << 16U | unsigned{bytes[1]} << 8U | bytes[2];
     for (std::size_t unit = 0; unit < group_units; ++unit) {
-        text[unit] = static_cast<char16_t>(u' ' + (bits >> (18 - 6 * unit) & 0x3F));
+        text[unit] = static_cast<char>(' ' + (bits >> (18 - 6 * unit) & 0x3F));
     }
 }
 
@@ -109,34 +109,128 @@ constexpr std::size_t armoured_units = 14;
 constexpr std::size_t bracketed_units = armoured_units + 2;
 constexpr double decimals_scale = 10000.0;
 
-// Null if there is no memory; `armoured_units` of it count.
-pm::Block<char16_t> armour_double(double value) {
-    std::array<std::uint8_t, 4 * group_bytes> bytes{};
-    const auto bits = std::bit_cast<std::uint64_t>(value);
-    for (std::size_t i = 0; i < sizeof bits; ++i) {
-        bytes[i] = static_cast<std::uint8_t>(bits >> 8 * i);
+std::uint16_t crc_of(std::uint64_t bits) {
+    unsigned crc = crc_table[1];
+    for (unsigned byte = 0; byte < sizeof bits; ++byte) {
+        crc = (crc >> 8) ^ crc_table[(crc ^ (bits >> 8 * byte)) & 0xFF];
     }
-    const unsigned check = string_crc({bytes.data(), sizeof bits});
-    bytes[sizeof bits] = static_cast<std::uint8_t>(check >> 8);
-    bytes[sizeof bits + 1] = static_cast<std::uint8_t>(check);
-
-    auto text = pm::allocate_block<char16_t>(bytes.size() / group_bytes * group_units);
-    if (!text) return text;
-    for (std::size_t group = 0; group < bytes.size() / group_bytes; ++group) {
-        encode_group(&bytes[group * group_bytes], text.get() + group * group_units);
-    }
-    return text;
+    return static_cast<std::uint16_t>(crc);
 }
 
+// The 64 bits, least significant byte first, their check value, and bytes that fill the last group.
+constexpr std::size_t armour_bytes = 4 * group_bytes;
+constexpr std::size_t scratch_size = 32;
+
+void pack_bits(std::uint64_t bits, std::uint8_t* out) {
+    for (std::size_t i = 0; i < sizeof bits; ++i) {
+        out[i] = static_cast<std::uint8_t>(bits >> 8 * i);
+    }
+    const unsigned check = crc_of(bits);
+    out[sizeof bits] = static_cast<std::uint8_t>(check >> 8);
+    out[sizeof bits + 1] = static_cast<std::uint8_t>(check);
+    std::fill(out + sizeof bits + check_size, out + armour_bytes, std::uint8_t{0});
+}
+
+// Writes " (", the armour and ")"; nothing without memory. Gives the end.
+char* write_armour(double value, char* out) {
+    const auto scratch = pm::allocate_block<std::uint8_t>(scratch_size);
+    if (!scratch) return out;
+    pack_bits(std::bit_cast<std::uint64_t>(value), scratch.get());
+    char text[armour_bytes / group_bytes * group_units];
+    for (std::size_t group = 0; group < armour_bytes / group_bytes; ++group) {
+        encode_group(scratch.get() + group * group_bytes, text + group * group_units);
+    }
+    *out++ = ' ';
+    *out++ = '(';
+    out = std::copy_n(text, armoured_units, out);
+    *out++ = ')';
+    return out;
+}
+
+// `armoured` has the length of a double's armour. False without memory, too.
 bool disarm_double(std::u16string_view armoured, double& out) {
-    const Payload payload = decode_armour(armoured);
-    if (!payload.bytes) return false;
+    if (!std::all_of(armoured.begin(), armoured.end(), is_armour)) return false;
+    const auto bytes = pm::allocate_block<std::uint8_t>(scratch_size);
+    if (!bytes) return false;
+    for (std::size_t group = 0; group < armour_bytes / group_bytes; ++group) {
+        decode_group(armoured.substr(group * group_units, group_units), bytes.get() + group * group_bytes);
+    }
     std::uint64_t bits = 0;
     for (std::size_t i = sizeof bits; i-- > 0;) {
-        bits = bits << 8 | payload.bytes[i];
+        bits = bits << 8 | bytes[i];
     }
+    const unsigned check = unsigned{bytes[sizeof bits]} << 8U | bytes[sizeof bits + 1];
+    if (check != crc_of(bits)) return false;
     out = std::bit_cast<double>(bits);
     return true;
+}
+
+__extension__ using uint128 = unsigned __int128;
+
+constexpr int digits_shown = 11;
+constexpr std::uint64_t least_11_digits = 10'000'000'000;
+
+constexpr std::array<std::uint64_t, 16> make_powers_of_five() {
+    std::array<std::uint64_t, 16> powers{1};
+    for (std::size_t i = 1; i < powers.size(); ++i) {
+        powers[i] = powers[i - 1] * 5;
+    }
+    return powers;
+}
+constexpr auto powers_of_five = make_powers_of_five();
+
+constexpr double powers_of_ten[] = {1e-3, 1e-2, 1e-1, 1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10};
+
+// value * 10^scale, rounded to an integer as printf rounds: exactly, halves to even. The value is from 1e-4
+// to below 1e11, the result about eleven digits long.
+std::uint64_t scaled_integer(double value, int scale) {
+    const auto bits = std::bit_cast<std::uint64_t>(value);
+    const std::uint64_t mantissa = (bits & 0xFFFFFFFFFFFFF) | 0x10000000000000;
+    const int shift = 1075 - scale - static_cast<int>(bits >> 52); // always positive
+    const uint128 product = static_cast<uint128>(mantissa) * powers_of_five[static_cast<std::size_t>(scale)];
+    const auto whole = static_cast<std::uint64_t>(product >> shift);
+    const uint128 half = uint128{1} << (shift - 1);
+    const uint128 rest = product & ((uint128{1} << shift) - 1);
+    return whole + (rest > half || (rest == half && (whole & 1) != 0) ? 1 : 0);
+}
+
+char* write_digits(std::uint64_t value, char* out, int count) {
+    for (char* at = out + count; at != out; value /= 10) {
+        *--at = static_cast<char>('0' + value % 10);
+    }
+    return out + count;
+}
+
+// "%#.11g" of a number from 1e-4 to below 1e11, which is written without an exponent.
+char* write_11_fixed(double value, char* out) {
+    const auto* const above = std::upper_bound(std::begin(powers_of_ten), std::end(powers_of_ten), value);
+    int exponent = static_cast<int>(above - std::begin(powers_of_ten)) - 4;
+    std::uint64_t digits = scaled_integer(value, digits_shown - 1 - exponent);
+    // A power of ten that no double is may be one off, and rounding may add a digit.
+    if (digits < least_11_digits) digits = scaled_integer(value, digits_shown - 1 - --exponent);
+    if (digits >= 10 * least_11_digits) digits = scaled_integer(value, digits_shown - 1 - ++exponent);
+    if (exponent < 0) {
+        *out++ = '0';
+        *out++ = '.';
+        out = std::fill_n(out, -exponent - 1, '0');
+        return write_digits(digits, out, digits_shown);
+    }
+    char all[digits_shown];
+    write_digits(digits, all, digits_shown);
+    out = std::copy_n(all, exponent + 1, out);
+    *out++ = '.';
+    return std::copy(all + exponent + 1, all + digits_shown, out);
+}
+
+// "%#.11g"; gives the end.
+char* write_11_digits(double value, char* out) {
+    const double magnitude = std::abs(value);
+    if (magnitude >= 1e-4 && magnitude < 9.9999e10) {
+        if (value < 0) *out++ = '-';
+        return write_11_fixed(magnitude, out);
+    }
+    const std::string text = pm::format_11_digits(value);
+    return std::copy(text.begin(), text.end(), out);
 }
 
 bool same_ascii(std::u16string_view text, std::string_view ascii) {
@@ -150,31 +244,20 @@ bool has_short_form(double magnitude) {
            static_cast<double>(static_cast<std::int32_t>(scaled)) == scaled;
 }
 
-std::size_t write_short_form(double magnitude, char16_t* out) {
+char* write_short_form(double magnitude, char* out) {
     const auto scaled = static_cast<std::int32_t>(magnitude * decimals_scale);
-    char digits[16];
-    char* end = std::to_chars(digits, std::end(digits), scaled / 10000).ptr;
+    char* end = std::to_chars(out, out + pm::double_text_capacity, scaled / 10000).ptr;
     *end++ = '.';
     int decimals = scaled % 10000;
     do {
         *end++ = static_cast<char>('0' + decimals / 1000);
         decimals = decimals % 1000 * 10;
     } while (decimals != 0);
-    *std::copy(digits, end, out) = u'\0';
-    return static_cast<std::size_t>(end - digits);
+    return end;
 }
 
-std::size_t write_exact_form(double value, char16_t* out) {
-    const std::string visible = pm::format_11_digits(value);
-    char16_t* end = std::copy(visible.begin(), visible.end(), out);
-    if (const pm::Block<char16_t> armoured = armour_double(value)) {
-        *end++ = u' ';
-        *end++ = u'(';
-        end = std::copy_n(armoured.get(), armoured_units, end);
-        *end++ = u')';
-    }
-    *end = u'\0';
-    return static_cast<std::size_t>(end - out);
+char* write_exact_form(double value, char* out) {
+    return write_armour(value, write_11_digits(value, out));
 }
 
 // The place of the blank in front of an armoured text, or npos.
@@ -188,7 +271,9 @@ bool parse_exact_form(std::u16string_view text, std::size_t blank, double& out) 
     if (blank == std::u16string_view::npos) return false;
     double value = 0;
     if (!disarm_double(text.substr(blank + 2, armoured_units), value)) return false;
-    if (!same_ascii(text.substr(0, blank), pm::format_11_digits(value))) return false;
+    char visible[pm::double_text_capacity];
+    const std::string_view told(visible, static_cast<std::size_t>(write_11_digits(value, visible) - visible));
+    if (!same_ascii(text.substr(0, blank), told)) return false;
     out = value;
     return true;
 }
@@ -361,18 +446,34 @@ bool extract_compound_str_ex(const char16_t* text, ZT_String& a, ZT_String& b) {
 
 namespace pm {
 
-std::size_t format_double(double value, char16_t (&buffer)[double_text_capacity]) {
+char* format_double(double value, char* out) {
     const bool negative = value < 0;
     const double magnitude = negative ? -value : value;
-    if (!has_short_form(magnitude)) return write_exact_form(value, buffer);
-    if (!negative) return write_short_form(magnitude, buffer);
-    buffer[0] = u'-';
-    return 1 + write_short_form(magnitude, buffer + 1);
+    if (!has_short_form(magnitude)) return write_exact_form(value, out);
+    if (negative) *out++ = '-';
+    return write_short_form(magnitude, out);
+}
+
+std::size_t format_double(double value, char16_t (&buffer)[double_text_capacity]) {
+    char text[double_text_capacity];
+    const char* const end = format_double(value, text);
+    *std::copy(static_cast<const char*>(text), end, buffer) = u'\0';
+    return static_cast<std::size_t>(end - text);
 }
 
 bool parse_double(std::u16string_view text, double& out) {
     const std::size_t blank = find_armour(text);
     return parse_exact_form(text, blank, out) || parse_short_form(text, out) || scan_whole(text, blank, out);
+}
+
+bool hex_to_bytes(std::u16string_view digits, unsigned char* out) {
+    if (std::any_of(digits.begin(), digits.end(), [](char16_t unit) { return unit >= 0x80; })) return false;
+    for (std::size_t at = 0; at + 1 < digits.size(); at += 2) {
+        const int high = hex_digit_value(static_cast<char>(digits[at]));
+        const int low = hex_digit_value(static_cast<char>(digits[at + 1]));
+        *out++ = static_cast<unsigned char>(16 * high + low);
+    }
+    return true;
 }
 
 } // namespace pm

@@ -13,10 +13,16 @@ inline constexpr std::size_t double_text_capacity = 64;
 // four decimals, otherwise eleven digits with the exact bits behind, "0.33333333333 (55555555U3_#T@)".
 // Negative zero is written as "0.0". Gives the length without the terminator.
 std::size_t format_double(double value, char16_t (&buffer)[double_text_capacity]);
+// The same in ASCII, without a terminator, into room for `double_text_capacity` bytes; gives the end.
+char* format_double(double value, char* out);
 
 // Reads a double from the whole of `text`: the exact form, the short form, or whatever a scan for a number
 // takes completely. A visible number that was edited voids the exact bits behind it. False, with `out`
 // untouched, if the text is no number.
 bool parse_double(std::u16string_view text, double& out);
+
+// What pm_hex_to_bin() makes of digits that are all ASCII and even in number; `out` may begin where they do.
+// False, with nothing done, if there are others among them.
+[[nodiscard]] bool hex_to_bytes(std::u16string_view digits, unsigned char* out);
 
 } // namespace pm

@@ -1,5 +1,7 @@
 #include "filers/line_reader.h"
 
+#include "codecs/inflate_reader.h"
+#include "filers/pia_blocks.h"
 #include <gtest/gtest.h>
 #include <memory>
 #include <sstream>
@@ -12,7 +14,7 @@ namespace {
 using pm::LineReader;
 using End = LineReader::End;
 
-constexpr std::size_t block = 16384;
+constexpr std::size_t block = LineReader::block_size;
 
 class LineReading : public testing::Test {
 protected:
@@ -82,25 +84,72 @@ TEST_F(LineReading, LineOfTheLimitAtTheEndIsWhole) {
     expect_line("abcd", End::stream, 4);
 }
 
-TEST_F(LineReading, LinesAcrossBlocksAreJoined) {
-    for (const std::size_t length : {block - 1, block, block + 1, 2 * block, 5 * block + 7}) {
+TEST_F(LineReading, LinesOfUpToABlockAreWholeWhereverTheyLie) {
+    for (const std::size_t first : {std::size_t{0}, std::size_t{1}, block / 2, block - 1}) {
+        for (const std::size_t length : {std::size_t{5}, block - 2, block - 1}) {
+            const std::string line(length, 'x');
+            over(std::string(first, 'y') + "\n" + line + "\nnext\n");
+            expect_line(std::string(first, 'y'), End::line);
+            expect_line(line, End::line);
+            expect_line("next", End::line);
+            expect_line("", End::stream);
+        }
+    }
+}
+
+TEST_F(LineReading, LongerLinesComeInPiecesOfABlock) {
+    for (const std::size_t length : {block, block + 1, 2 * block, 5 * block + 7}) {
         SCOPED_TRACE(length);
-        const std::string line(length, 'x');
-        over(line + "\nnext\n");
-        expect_line(line, End::line);
+        over(std::string(length, 'x') + "\nnext\n");
+        for (std::size_t piece = 0; piece < length / block; ++piece) {
+            expect_line(std::string(block, 'x'), End::too_long);
+        }
+        expect_line(std::string(length % block, 'x'), End::line);
         expect_line("next", End::line);
         expect_line("", End::stream);
     }
 }
 
-TEST_F(LineReading, LinesAcrossBlocksMayEndTheStream) {
+TEST_F(LineReading, LongLinesMayEndTheStream) {
     for (const std::size_t length : {block - 1, block, block + 1, 2 * block}) {
         SCOPED_TRACE(length);
-        const std::string line(length, 'x');
-        over(line);
-        expect_line(line, End::stream);
+        over(std::string(length, 'x'));
+        LineReader::Line line = reader->read_line();
+        std::string joined(line.text);
+        while (line.end == End::too_long) {
+            line = reader->read_line();
+            joined += line.text;
+        }
+        EXPECT_EQ(std::string(length, 'x'), joined);
+        EXPECT_EQ(End::stream, line.end);
         EXPECT_EQ(std::ios::eofbit, stream.rdstate());
     }
+}
+
+TEST_F(LineReading, LinesOfMemoryAreWholeHoweverLong) {
+    for (const std::size_t length : {std::size_t{1}, block - 5, block, 3 * block}) {
+        const std::string line(length, 'x');
+        const std::string text = "  " + line + "\nnext";
+        reader->attach(text);
+        reader->skip_white_space();
+        expect_line(line, End::line);
+        expect_line("next", End::stream);
+        EXPECT_TRUE(reader->at_end());
+    }
+}
+
+TEST_F(LineReading, LinesOfAZlibStreamAreRead) {
+    const std::string line(3 * block / 2, 'x');
+    const std::string text = "one\n" + line + "\nlast";
+    const std::string packed = pm::test::deflated(text);
+    pm::InflateReader source({reinterpret_cast<const unsigned char*>(packed.data()), packed.size()},
+                             text.size());
+    reader->attach(source);
+    expect_line("one", End::line);
+    expect_line(line.substr(0, block), End::too_long);
+    expect_line(line.substr(block), End::line);
+    expect_line("last", End::stream);
+    EXPECT_TRUE(reader->at_end());
 }
 
 TEST_F(LineReading, LimitHoldsAcrossBlocks) {

@@ -6,9 +6,11 @@
 #include "support/recording_handler.h"
 #include "support/temp_folder.h"
 #include <cerrno>
+#include <pm/error_number.h>
 #include <pm/pm.h>
 #include <pm_test_paths.h>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 
 namespace {
@@ -433,6 +435,138 @@ TEST_F(DpiaTest, CountsAndLengthsThatCannotFitTakeNoMemory) {
           version_2 + word(1) + counted("One") + word(0xFFFFFFF0) + std::string(8, '\0')}) {
         expect_thrown<PM_Severe>([&] { load(content); }, 82, load_place, u"");
     }
+}
+
+TEST_F(DpiaTest, ASaveThatFailsInTheSecondSectionLeavesTheFirst) {
+    add_section(object, u"One", u"first", 1);
+    add_section(object, u"Two", nullptr, 2);
+    object.setVoidProperty(u"s\\Two\\data\\v", nullptr, 0);
+    std::stringstream stream;
+    expect_thrown<PM_Warning>([&] { object.save(stream, PM_Object::FILE_DPIA, u"", u"s"); }, PM_ERR_NO_VALUE,
+                              u"PM_Property::GetData()", u"v");
+    EXPECT_EQ(version_2 + word(2) + version_2_entry("One", "first", 0, 0) + version_2_entry("Two", "", 0, 0) +
+                  zlib_section(object, u"s\\One\\data"),
+              stream.str());
+}
+
+TEST_F(DpiaTest, ASectionBehindAnUnknownVersionThatIsLetPassIsReadInTheOldLayout) {
+    RecordingHandler handler(1);
+    PM_Object heard(&handler);
+    const std::u16string path = folder.write(
+        "f.dpia", word(0x00030000) + word(1) +
+                      version_1_entry("One", 0, static_cast<std::uint32_t>(plain_section.size())) +
+                      plain_section);
+    heard.load_section(path.c_str(), PM_Object::FILE_DPIA, u"\\", u"One");
+    EXPECT_EQ(1, long_at(heard, u"a"));
+    ASSERT_EQ(1U, handler.reports.size());
+    EXPECT_EQ(PM_ERR_UNKNOWN_VERSION, handler.reports[0].number);
+    EXPECT_EQ(version_place, handler.reports[0].place);
+    EXPECT_EQ(path, handler.reports[0].detail);
+}
+
+TEST_F(DpiaTest, ABrokenBodyOfASectionIsTheReadersFailure) {
+    object.SetProperty(u"s\\value", 1);
+    std::string section = zlib_section(object, u"s");
+    section.back() = static_cast<char>(section.back() ^ 1);
+    const std::string content = version_2 + word(1) +
+                                version_2_entry("One", "", 0, static_cast<std::uint32_t>(section.size())) +
+                                section;
+    RecordingHandler handler(1);
+    PM_Object heard(&handler);
+    const std::u16string path = folder.write("f.dpia", content);
+    expect_thrown<PM_Severe>([&] { heard.load_section(path.c_str(), PM_Object::FILE_DPIA, u"\\", u"One"); },
+                             PM_ERR_NOT_DECODED, u".\\pmpia", u"decompression of PIA data failed");
+    EXPECT_EQ((std::vector<std::uint32_t>{PM_ERR_INFLATE}), handler.numbers());
+    EXPECT_FALSE(heard.pathExists(u"value"));
+}
+
+// Reads some bytes and then fails with an error code of the system's.
+class FailingBuffer : public std::stringbuf {
+public:
+    FailingBuffer(const std::string& content, std::size_t readable, int code)
+        : std::stringbuf(content, std::ios::in), m_left(readable), m_code(code) {}
+
+protected:
+    std::streamsize xsgetn(char* out, std::streamsize count) override {
+        if (static_cast<std::size_t>(count) > m_left) {
+            errno = m_code;
+            throw std::runtime_error("the device failed");
+        }
+        m_left -= static_cast<std::size_t>(count);
+        return std::stringbuf::xsgetn(out, count);
+    }
+
+private:
+    std::size_t m_left;
+    int m_code;
+};
+
+TEST_F(DpiaTest, AReadThatFailsHasTheNumberOfItsCode) {
+    struct Case {
+        int code;
+        std::uint32_t number;
+    };
+    for (const Case& each : {Case{EACCES, PM_ERR_ACCESS_DENIED}, Case{EBADF, PM_ERR_FILE_NOT_OPEN},
+                             Case{ENOENT, PM_ERR_NO_SUCH_FILE}, Case{EMFILE, PM_ERR_TOO_MANY_FILES},
+                             Case{EIO, PM_ERR_STREAM_FAILED}, Case{0, PM_ERR_STREAM_FAILED}}) {
+        const std::string content = version_2 + word(1) + version_2_entry("One", "info", 0, 0);
+        for (std::size_t readable = 4; readable < content.size(); ++readable) {
+            FailingBuffer buffer(content, readable, each.code);
+            std::iostream stream(&buffer);
+            expect_thrown<PM_Severe>([&] { object.load(stream, PM_Object::FILE_DPIA, u"\\"); }, each.number,
+                                     load_place, u"");
+        }
+        FailingBuffer none(content, 3, each.code);
+        std::iostream empty(&none);
+        expect_thrown<PM_Severe>([&] { object.load(empty, PM_Object::FILE_DPIA, u"\\"); }, each.number,
+                                 version_place, u"");
+    }
+}
+
+TEST_F(DpiaTest, TextsOfMoreThan4096UnitsAreCutTo4097) {
+    load(version_2 + word(1) + version_2_entry(std::string(5000, 'd'), std::string(4096, 'i'), 0, 0));
+    EXPECT_EQ(2 * 4097U, object.getPropertySize(u"DPIA_directory\\0\\descriptor"));
+    EXPECT_EQ(2 * 4097U, object.getPropertySize(u"DPIA_directory\\0\\info"));
+    std::vector<char16_t> text(4097);
+    ASSERT_TRUE(object.GetProperty(u"DPIA_directory\\0\\descriptor", text.data(), 2 * text.size()));
+    EXPECT_EQ(std::u16string(4097, u'd'), std::u16string(text.begin(), text.end()));
+    ASSERT_TRUE(object.GetProperty(u"DPIA_directory\\0\\info", text.data(), 2 * text.size()));
+    EXPECT_EQ(std::u16string(4096, u'i') + u'\0', std::u16string(text.begin(), text.end()));
+}
+
+TEST_F(DpiaTest, ASectionWithALongNameIsFound) {
+    const std::string name(5000, 'd');
+    load_section(version_1 + word(1) +
+                     version_1_entry(name, 0, static_cast<std::uint32_t>(plain_section.size())) +
+                     plain_section,
+                 std::u16string(5000, u'd').c_str());
+    EXPECT_EQ(1, long_at(object, u"a"));
+}
+
+TEST_F(DpiaTest, EachNumber55IsAMemoryException) {
+    add_section(object, u"One", u"first", 1);
+    const std::u16string path = folder.write("f.dpia", saved(object));
+    const auto check = [](const auto& work) {
+        const std::type_info* type = nullptr;
+        const auto e = pm::test::thrown_by(work, &type);
+        if (e && e->m_number == PM_ERR_NO_MEMORY) {
+            EXPECT_EQ(typeid(PM_Memory_Exception), *type);
+        }
+    };
+    for (const char16_t* section : {u"", u"One"}) {
+        PM_Object target;
+        EXPECT_GT(pm::test::fail_each_allocation([&](int) {
+                      check([&] {
+                          if (section[0] == u'\0') {
+                              target.load(path.c_str(), PM_Object::FILE_DPIA, u"\\");
+                          } else {
+                              target.load_section(path.c_str(), PM_Object::FILE_DPIA, u"\\", section);
+                          }
+                      });
+                  }),
+                  2);
+    }
+    EXPECT_GT(pm::test::fail_each_allocation([&](int) { check([&] { (void)saved(object); }); }), 5);
 }
 
 TEST_F(DpiaTest, SectionsOfTheSampleLoad) {

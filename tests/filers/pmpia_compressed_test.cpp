@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <pm/error_number.h>
 #include <pm_test_paths.h>
 
 namespace {
@@ -141,6 +142,67 @@ TEST_P(PiaCompressed, TemporaryFileIsDeletedWhateverHappens) {
     expect_thrown<PM_Error>([&] { load_bytes(object, file_of(block_of("bad line\n", GetParam()))); }, 57,
                             u"PM_PIAFile::load()", u"\n2, bad line, ");
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+TEST_P(PiaCompressed, EmptyBodyNeedsNoTemporaryFolder) {
+    const TempFolder folder;
+    const ScopedVariable temp("TMPDIR", folder / "missing");
+    EXPECT_EQ(Lines{}, loaded_bytes(file_of(block_of("", GetParam()))));
+}
+
+// A handler that ends a load in its own way.
+class ThrowingHandler : public RecordingHandler {
+public:
+    struct Stop {};
+    int on_warning(std::uint64_t, std::uint32_t, const char16_t*, const char16_t*, const char16_t*) override {
+        throw Stop();
+    }
+};
+
+TEST_P(PiaCompressed, ExceptionOfAHandlersOwnEndsTheLoadAndNothingElse) {
+    const TempFolder folder;
+    const ScopedVariable temp("TMPDIR", folder.path());
+    ThrowingHandler handler;
+    PM_Object object(&handler);
+    EXPECT_THROW(load_bytes(object, file_of(block_of("a=1\nx{\nb=yes\nc=2\n", GetParam()))),
+                 ThrowingHandler::Stop);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+    EXPECT_EQ(Lines{"a long 1"}, tree_text(object));
+    object.SetProperty(u"x\\b", 3);
+    load_bytes(object, file_of(block_of("x{\nc=2\n", GetParam())));
+    EXPECT_EQ((Lines{"a long 1", "x\\b long 3", "x\\c long 2"}), tree_text(object));
+}
+
+// A body that may be larger than what is held in memory.
+std::string large_text(int lines) {
+    std::string text;
+    for (int line = 0; line < lines; ++line)
+        text += ";" + std::string(1000, static_cast<char>('a' + line % 26)) + "\n";
+    return text;
+}
+
+TEST_P(PiaCompressed, LargeBodyIsLoaded) {
+    const std::string text = "a=1\n" + large_text(17'000) + "x{\n b=\"text\n}\n";
+    ASSERT_GT(text.size(), std::size_t{16} << 20);
+    EXPECT_EQ(body_tree, loaded_bytes(file_of(block_of(text, GetParam()))));
+}
+
+TEST_P(PiaCompressed, LargeBodyThatBreaksLoadsNothing) {
+    Block large = block_of("a=1\n" + large_text(17'000), GetParam());
+    large.stream.back() = static_cast<char>(large.stream.back() ^ 1);
+    expect_not_decoded(file_of(large), {PM_ERR_INFLATE});
+}
+
+TEST_P(PiaCompressed, LargeBodyLongerThanToldLoadsNothing) {
+    Block large = block_of("a=1\n" + large_text(17'000), GetParam());
+    large.length -= 1;
+    expect_not_decoded(file_of(large), {PM_ERR_INFLATE});
+}
+
+TEST_P(PiaCompressed, LargeBodyShorterThanToldIsTakenAsItIs) {
+    Block large = block_of(body + large_text(17'000), GetParam());
+    large.length += 1'000'000;
+    EXPECT_EQ(body_tree, loaded_bytes(file_of(large)));
 }
 
 TEST_P(PiaCompressed, ShorterStreamThanToldIsTakenAsItIs) {

@@ -6,6 +6,7 @@
 #include "support/scoped_settings.h"
 #include "support/temp_folder.h"
 #include <gtest/gtest.h>
+#include <pm/error_number.h>
 
 namespace {
 
@@ -301,16 +302,35 @@ TEST(PiaValue, RawDataWhoseBytesAreOddInNumberIsThrown) {
 // Long lines, names and paths.
 
 TEST(PiaLoad, LinesOfAnyLengthAreRead) {
-    for (const std::size_t length : {126U, 127U, 128U, 254U, 255U, 16383U, 16384U, 16385U, 100'000U}) {
+    for (const std::size_t length : {126U, 127U, 128U, 254U, 255U, 65535U, 65536U, 65537U, 500'000U}) {
         SCOPED_TRACE(length);
         EXPECT_EQ((Lines{"a long 1", "b long 2"}), loaded(";" + std::string(length - 1, '=') + "\na=1\nb=2" +
                                                           std::string(length, ' ') + "\n"));
     }
 }
 
+TEST(PiaLoad, LongValuesAreWhole) {
+    std::string digits;
+    std::string bytes;
+    for (int byte = 0; byte < 200'000; ++byte) {
+        constexpr std::string_view hex = "0123456789ABCDEF";
+        const auto value = static_cast<unsigned char>(byte * 7 / 3);
+        digits += {hex[value >> 4], hex[value & 0xF]};
+        bytes += static_cast<char>(value);
+    }
+    PM_Object object;
+    load_body(object, "a=\\" + digits + "\\\nb=\"" + std::string(200'000, '\xE4') + "\nc=1\n");
+    std::string read(bytes.size(), '\0');
+    ASSERT_TRUE(object.getVoidProperty(u"a", read.data(), static_cast<unsigned>(read.size())));
+    EXPECT_EQ(bytes, read);
+    EXPECT_EQ(2 * 4097U, object.getPropertySize(u"b"));
+    int c = 0;
+    EXPECT_TRUE(object.GetProperty(u"c", c));
+}
+
 TEST(PiaLoad, IndentationOfAnyLengthIsSkipped) {
     EXPECT_EQ((Lines{"a long 1", "b long 2"}),
-              loaded(std::string(40'000, ' ') + "a=1" + std::string(40'000, '\n') + "b=2\n"));
+              loaded(std::string(140'000, ' ') + "a=1" + std::string(140'000, '\n') + "b=2\n"));
 }
 
 TEST(PiaLoad, NameOf511UnitsIsTaken) {
@@ -681,9 +701,30 @@ private:
     std::streamsize m_left;
 };
 
+// What no handler is asked about passes it by.
+TEST(PiaLoad, ThrownFailuresPassTheHandler) {
+    for (const char* body : {"nothing\n", "}\n}\n", "{\n", "a b{\n"}) {
+        RecordingHandler handler(1);
+        PM_Object object(&handler);
+        const std::type_info* type = nullptr;
+        const auto e = pm::test::thrown_by([&] { load_body(object, body); }, &type);
+        ASSERT_TRUE(e) << body;
+        EXPECT_EQ(PM_ERR_BAD_LINE, e->m_number) << body;
+        EXPECT_EQ(typeid(PM_Error), *type) << body;
+        EXPECT_TRUE(handler.reports.empty()) << body;
+    }
+    RecordingHandler handler(1);
+    PM_Object object(&handler);
+    expect_thrown<PM_Warning>([&] { load_body(object, "a=1\na=TRUE\n"); }, PM_ERR_WRONG_TYPE,
+                              u"PM_Object::SetData()", u"");
+    expect_thrown<PM_Severe>([&] { object.load(u"no/such.pia", PM_Object::FILE_PIA, u"\\"); },
+                             PM_ERR_NO_SUCH_FILE, load_place, u"no/such.pia");
+    EXPECT_TRUE(handler.reports.empty());
+}
+
 TEST(PiaStream, StreamThatBreaksInTheBodyIsToldByItsErrorCode) {
-    const std::string bytes = pia_header + "a=1\n" + std::string(40'000, ' ') + "\nb=2\n";
-    BreakingBuffer buffer(bytes, 20'000);
+    const std::string bytes = pia_header + "a=1\n" + std::string(400'000, ' ') + "\nb=2\n";
+    BreakingBuffer buffer(bytes, 200'000);
     std::iostream stream(&buffer);
     PM_Object object;
     expect_thrown<PM_Severe>([&] { object.load(stream, PM_Object::FILE_PIA, u"\\"); }, 73, load_place, u"");

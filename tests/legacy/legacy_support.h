@@ -1,5 +1,6 @@
 #pragma once
 
+#include "filers/line_reader.h"
 #include "support/exceptions.h"
 #include "support/expect_report.h"
 #include "support/recording_handler.h"
@@ -137,7 +138,7 @@ private:
 
 // As many comment lines as fill a reader's first block, so that a failure behind them comes later.
 inline std::string filled_to_block(std::string content) {
-    constexpr std::size_t block = 16384;
+    constexpr std::size_t block = LineReader::block_size;
     while (content.size() + 2 < block) {
         content += ";\n";
     }
