@@ -1,7 +1,7 @@
 #pragma once
 
 #include "filers/pmfile.h"
-#include "filers/working_path.h"
+#include "store/working_path.h"
 #include "platform/compound_storage.h"
 #include <cstdint>
 #include <memory>

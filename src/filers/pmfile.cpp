@@ -4,6 +4,7 @@
 #include "base/deliver.h"
 #include "base/text.h"
 #include "platform/files.h"
+#include "store/tree_cursor.h"
 #include <algorithm>
 #include <cerrno>
 #include <ios>
@@ -42,6 +43,7 @@ void PM_File::operator delete(void* block) noexcept {
 int PM_File::report(const ZT_Exception& exception) {
     if (m_handler == nullptr) throw ZT_Exception(exception);
     const int answer = pm::deliver(*m_handler, exception);
+    if (m_cursor != nullptr) m_cursor->look_again();
     if (answer == 0) throw ZT_Canceled_Error(exception);
     return answer;
 }

@@ -8,6 +8,10 @@
 #include <pm/object.h>
 #include <string>
 
+namespace pm {
+class TreeCursor;
+}
+
 // The abstract filer: moves a tree to or from one format on disk. Made for one call of PM_Object, driven
 // through open or attach, then load, save or getVersion, then close, and destroyed.
 class PM_File {
@@ -71,6 +75,7 @@ protected:
     const char16_t* file_name() const { return m_filename.empty() ? nullptr : m_filename.c_str(); }
 
     ZT_Error_Handler* m_handler;
+    pm::TreeCursor* m_cursor = nullptr; // of a load that is under way; a handler may change the tree
     std::u16string m_filename;
     std::iostream* m_stream = nullptr;
 };

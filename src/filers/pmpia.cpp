@@ -45,6 +45,18 @@ bool holds(std::u16string_view text, std::u16string_view word) {
 // Raw data from here on is made where its digits stand, so that a long line is held once.
 constexpr std::size_t made_in_place = 1 << 16; // bytes
 
+// Lets reports know of a load's cursor while the load runs.
+class Lease {
+public:
+    Lease(pm::TreeCursor*& known, pm::TreeCursor& cursor) : m_known(known) { m_known = &cursor; }
+    ~Lease() { m_known = nullptr; }
+    Lease(const Lease&) = delete;
+    Lease& operator=(const Lease&) = delete;
+
+private:
+    pm::TreeCursor*& m_known;
+};
+
 pm::FileBlock read_whole(std::istream& stream) {
     pm::FileBlock file;
     stream.seekg(0, std::ios::end);
@@ -58,6 +70,21 @@ pm::FileBlock read_whole(std::istream& stream) {
     stream.read(reinterpret_cast<char*>(file.bytes.get()), end);
     file.bytes[file.size] = 0;
     return file;
+}
+
+// A digit beyond ASCII counts as the bytes that it has in the code page.
+std::string narrow_hex_to_bytes(std::u16string_view digits) {
+    std::string bytes;
+    try {
+        bytes = pm::to_narrow(digits);
+    } catch (const std::bad_alloc&) {
+        raise_no_memory(unit_place, u"data");
+    }
+    if (!pm_hex_to_bin(bytes.c_str(), bytes.data())) {
+        throw PM_Error(PM_ERR_BAD_RAW_DATA, unit_place, u"bad raw data value", source);
+    }
+    bytes.resize(bytes.size() / 2);
+    return bytes;
 }
 
 } // namespace
@@ -172,15 +199,19 @@ void PM_PIAFile::load_body(PM_Object& target, const char16_t* base, bool from_st
     if (pm::view(base).size() > pm::WorkingPath::capacity) {
         throw PM_Warning(PM_ERR_BAD_PATH, load_place, base, source);
     }
-    pm::WorkingPath path(pm::view(base));
+    pm::TreeCursor place(target, pm::view(base));
+    const Lease lease(m_cursor, place);
     pm::WideText line(pm::code_page(text_code_page()));
     bool more = true;
     while (more) {
         more = read_line(line, from_stream);
-        const std::u16string_view text = line.view();
+        std::u16string_view text = line.view();
         if (text.empty() || text.front() == u';') continue;
-        line.truncate(pm::trim_end(text, u" ").size());
-        load_line(target, path, line);
+        while (text.ends_with(u' ')) {
+            text.remove_suffix(1);
+        }
+        line.truncate(text.size());
+        load_line(place, line);
     }
 }
 
@@ -205,14 +236,15 @@ bool PM_PIAFile::read_line(pm::WideText& line, bool from_stream) {
     return more;
 }
 
-void PM_PIAFile::load_line(PM_Object& target, pm::WorkingPath& path, pm::WideText& line) {
+void PM_PIAFile::load_line(pm::TreeCursor& place, pm::WideText& line) {
     const std::u16string_view text = line.view();
-    if (text.find(u'=') != std::u16string_view::npos) {
-        if (m_unopened == 0) property_line(target, path, line);
+    const std::size_t equals = text.find(u'=');
+    if (equals != std::u16string_view::npos) {
+        if (m_unopened == 0) property_line(place, line, equals);
     } else if (text.find(u'{') != std::u16string_view::npos) {
-        opening_line(path, text);
+        opening_line(place, text);
     } else if (text.find(u'}') != std::u16string_view::npos) {
-        closing_line(path, text);
+        closing_line(place, text);
     } else {
         raise_bad_line(text);
     }
@@ -227,39 +259,43 @@ void PM_PIAFile::report_bad_line(std::u16string_view line) {
     report(E(PM_ERR_BAD_LINE, load_place, format_line_context(line).c_str(), source));
 }
 
-void PM_PIAFile::property_line(PM_Object& target, pm::WorkingPath& path, pm::WideText& line) {
+void PM_PIAFile::property_line(pm::TreeCursor& place, pm::WideText& line, std::size_t equals) {
     const std::u16string_view text = line.view();
-    const std::u16string_view name = text.substr(0, text.find_first_of(u" ="));
-    if (name.empty() || name.size() > name_limit || !path.push(name)) {
+    const std::u16string_view start = text.substr(0, equals);
+    const std::u16string_view name = start.substr(0, start.find(u' '));
+    if (name.empty() || name.size() > name_limit || !place.has_room_for(name)) {
         report_bad_line<PM_Warning>(text);
         return;
     }
-    const std::u16string_view value = pm::skip_any(text.substr(name.size()), u" =");
-    if (value.empty()) {
+    std::size_t value = name.size();
+    while (value < text.size() && (text[value] == u'=' || text[value] == u' ')) {
+        ++value;
+    }
+    if (value == text.size()) {
         report_bad_line<PM_Error>(text);
     } else {
-        store_value(target, path.text(), value, line);
+        store_value(place, name, text.substr(value), line);
     }
-    if (!path.pop()) raise_bad_line(line.view());
+    place.leave(name);
 }
 
-void PM_PIAFile::store_value(PM_Object& target, const char16_t* path, std::u16string_view value,
+void PM_PIAFile::store_value(pm::TreeCursor& place, std::u16string_view name, std::u16string_view value,
                              pm::WideText& line) {
     switch (classify_value(value)) {
     case PROP_LONG:
-        set_long(target, path, pm::scan_long(value));
+        place.set_long(name, pm::scan_long(value));
         break;
     case PROP_DOUBLE:
-        store_double(target, path, value, line.view());
+        store_double(place, name, value, line.view());
         break;
     case PROP_STRING:
-        set_string(target, path, value.data() + 1);
+        place.set_string(name, value.substr(1));
         break;
     case PROP_BOOL:
-        set_bool(target, path, pm::starts_with_ignoring_case(value, u"true"));
+        place.set_bool(name, pm::starts_with_ignoring_case(value, u"true"));
         break;
     case PROP_VOID:
-        store_raw(target, path, value, line);
+        store_raw(place, name, value, line);
         break;
     default:
         report_unknown_value(line);
@@ -272,17 +308,17 @@ void PM_PIAFile::report_unknown_value(pm::WideText& line) {
     report(PM_Warning(PM_ERR_UNKNOWN_VALUE, std::move(place), u"", u""));
 }
 
-void PM_PIAFile::store_double(PM_Object& target, const char16_t* path, std::u16string_view value,
+void PM_PIAFile::store_double(pm::TreeCursor& place, std::u16string_view name, std::u16string_view value,
                               std::u16string_view line) {
     double number = 0;
-    if (!pm::parse_double(value, number)) {
+    if (pm::parse_double(value, number)) {
+        place.set_double(name, number);
+    } else {
         report_bad_line<PM_Warning>(line);
-        return;
     }
-    set_double(target, path, number);
 }
 
-void PM_PIAFile::store_raw(PM_Object& target, const char16_t* path, std::u16string_view value,
+void PM_PIAFile::store_raw(pm::TreeCursor& place, std::u16string_view name, std::u16string_view value,
                            pm::WideText& line) {
     const std::u16string_view start = pm::skip_any(value, u" \\");
     const std::u16string_view digits = start.substr(0, start.find(u'\\'));
@@ -291,49 +327,39 @@ void PM_PIAFile::store_raw(PM_Object& target, const char16_t* path, std::u16stri
         return;
     }
     const std::size_t size = digits.size() / 2;
-    if (size >= made_in_place && pm::hex_to_bytes(digits, line.bytes())) {
-        line.shrink(size);
-        set_data(target, path, line.bytes(), size, PROP_VOID);
-        return;
+    if (size >= made_in_place) {
+        const std::u16string kept_name(name);
+        if (pm::hex_to_bytes(digits, line.bytes())) {
+            line.shrink(size);
+            place.set_data(kept_name, line.bytes(), size, PROP_VOID);
+            return;
+        }
     }
     const auto data = pm::allocate_block<unsigned char>(size);
     if (!data) raise_no_memory(unit_place, u"data");
     if (pm::hex_to_bytes(digits, data.get())) {
-        set_data(target, path, data.get(), size, PROP_VOID);
+        place.set_data(name, data.get(), size, PROP_VOID);
     } else {
-        store_narrow_digits(target, path, digits);
+        const std::string bytes = narrow_hex_to_bytes(digits);
+        place.set_data(name, bytes.data(), bytes.size(), PROP_VOID);
     }
 }
 
-// A digit beyond ASCII counts as the bytes that it has in the code page.
-void PM_PIAFile::store_narrow_digits(PM_Object& target, const char16_t* path, std::u16string_view digits) {
-    std::string narrow;
-    try {
-        narrow = pm::to_narrow(digits);
-    } catch (const std::bad_alloc&) {
-        raise_no_memory(unit_place, u"data");
-    }
-    if (!pm_hex_to_bin(narrow.c_str(), narrow.data())) {
-        throw PM_Error(PM_ERR_BAD_RAW_DATA, unit_place, u"bad raw data value", source);
-    }
-    set_data(target, path, narrow.data(), narrow.size() / 2, PROP_VOID);
-}
-
-void PM_PIAFile::opening_line(pm::WorkingPath& path, std::u16string_view line) {
+void PM_PIAFile::opening_line(pm::TreeCursor& place, std::u16string_view line) {
     // What stands behind the "{" counts for nothing and isn't told either.
     const std::u16string_view name = line.substr(0, line.find(u'{'));
     if (name.empty() || name.find_first_of(forbidden_in_node_name) != std::u16string_view::npos) {
         raise_bad_line(name);
     }
-    if (m_unopened == 0 && name.size() <= name_limit && path.push(name)) return;
+    if (m_unopened == 0 && name.size() <= name_limit && place.push(name)) return;
     // A block whose name has no room is passed over whole.
     if (m_unopened++ == 0) report_bad_line<PM_Error>(name);
 }
 
-void PM_PIAFile::closing_line(pm::WorkingPath& path, std::u16string_view line) {
+void PM_PIAFile::closing_line(pm::TreeCursor& place, std::u16string_view line) {
     if (m_unopened > 0) {
         --m_unopened;
-    } else if (!path.pop()) {
+    } else if (!place.pop()) {
         raise_bad_line(line);
     }
 }

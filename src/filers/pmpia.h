@@ -2,7 +2,7 @@
 
 #include "filers/line_reader.h"
 #include "filers/pmfile.h"
-#include "filers/working_path.h"
+#include "store/tree_cursor.h"
 #include <fstream>
 #include <memory>
 #include <string>
@@ -58,16 +58,17 @@ private:
     std::unique_ptr<pm::CompressedBody> attach_body(std::u16string_view header);
     void load_body(PM_Object& target, const char16_t* base, bool from_stream);
     bool read_line(pm::WideText& line, bool from_stream);
-    void load_line(PM_Object& target, pm::WorkingPath& path, pm::WideText& line);
-    void property_line(PM_Object& target, pm::WorkingPath& path, pm::WideText& line);
-    void opening_line(pm::WorkingPath& path, std::u16string_view line);
-    void closing_line(pm::WorkingPath& path, std::u16string_view line);
+    void load_line(pm::TreeCursor& place, pm::WideText& line);
+    void property_line(pm::TreeCursor& place, pm::WideText& line, std::size_t equals);
+    void opening_line(pm::TreeCursor& place, std::u16string_view line);
+    void closing_line(pm::TreeCursor& place, std::u16string_view line);
     // `value` is the end of `line`.
-    void store_value(PM_Object& target, const char16_t* path, std::u16string_view value, pm::WideText& line);
-    void store_double(PM_Object& target, const char16_t* path, std::u16string_view value,
+    void store_value(pm::TreeCursor& place, std::u16string_view name, std::u16string_view value,
+                     pm::WideText& line);
+    void store_double(pm::TreeCursor& place, std::u16string_view name, std::u16string_view value,
                       std::u16string_view line);
-    void store_raw(PM_Object& target, const char16_t* path, std::u16string_view value, pm::WideText& line);
-    static void store_narrow_digits(PM_Object& target, const char16_t* path, std::u16string_view digits);
+    void store_raw(pm::TreeCursor& place, std::u16string_view name, std::u16string_view value,
+                   pm::WideText& line);
     void report_unknown_value(pm::WideText& line);
     template<class E>
     void report_bad_line(std::u16string_view line);

@@ -2,7 +2,7 @@
 
 #include "base/allocator.h"
 #include "base/text.h"
-#include "filers/working_path.h"
+#include "store/working_path.h"
 #include "legacy/text_line.h"
 #include "store/value_text.h"
 #include <map>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "filers/pmpia.h"
-#include "filers/working_path.h"
+#include "store/working_path.h"
 #include <cstddef>
 #include <string>
 #include <string_view>

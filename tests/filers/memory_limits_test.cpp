@@ -92,7 +92,7 @@ TEST(MemoryLimits, LineWithoutRoomIs55) {
 }
 
 // A compressed body of one line.
-constexpr std::size_t expanded = 100 * mebibyte;
+constexpr std::size_t expanded = 40 * mebibyte;
 
 std::string compressed_line(const std::string& start, char filling, const std::string& end) {
     std::string text = start;

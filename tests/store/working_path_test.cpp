@@ -1,4 +1,4 @@
-#include "filers/working_path.h"
+#include "store/working_path.h"
 
 #include <gtest/gtest.h>
 #include <string>
