@@ -2,10 +2,11 @@
 
 #include "base/allocator.h"
 #include "base/text.h"
-#include "store/working_path.h"
 #include "legacy/text_line.h"
+#include "store/tree_cursor.h"
 #include "store/value_text.h"
 #include <map>
+#include <cstring>
 #include <pm/error_number.h>
 #include <pm/exception.h>
 #include <pm/value_text.h>
@@ -97,6 +98,48 @@ private:
     std::u16string m_section;
 };
 
+// A base in which every key has room.
+constexpr std::size_t short_base = 512;
+
+struct DefaultValue {
+    unsigned char bytes[sizeof(double)] = {};
+    std::size_t size = 0;
+
+    explicit DefaultValue(const pm::Pc2Key& key) {
+        const std::int32_t number = key.initial;
+        const double real = key.initial;
+        switch (key.type) {
+        case PROP_LONG:
+            std::memcpy(bytes, &number, size = sizeof number);
+            break;
+        case PROP_DOUBLE:
+            std::memcpy(bytes, &real, size = sizeof real);
+            break;
+        case PROP_STRING:
+            size = sizeof(char16_t);
+            break;
+        default:
+            size = 1;
+        }
+    }
+};
+
+// Gives each key that has a default, with its name, which has a number if it is an indexed key.
+template<class Action>
+void for_each_default(Action action) {
+    std::u16string name;
+    for (const pm::Pc2Key& key : pm::pc2_keys()) {
+        if (key.type == PROP_NONE) continue;
+        const DefaultValue value(key);
+        if (!key.indexed()) action(key, key.name(), value);
+        for (std::int32_t index = key.first; key.indexed() && index <= key.last; ++index) {
+            name = key.name();
+            pm::append_decimal(name, index);
+            action(key, name, value);
+        }
+    }
+}
+
 } // namespace
 
 void PM_PC2File::require_stream(const char16_t* place) const {
@@ -157,45 +200,27 @@ void PM_CFGFile::load_section(PM_Object* target, const char16_t* base, std::int3
 }
 
 void PM_PC2File::set_defaults(PM_Object& target, std::u16string_view base) {
-    std::u16string path;
-    for (const pm::Pc2Key& key : pm::pc2_keys()) {
-        path = base;
-        path += key.key;
-        if (key.indexed()) {
-            set_indexed_defaults(target, path, key);
-        } else {
-            if (key.type == PROP_STRING) replace_first_dash(path);
-            set_default(target, path.c_str(), key);
+    if (base.size() > short_base || base.find(u'-') != std::u16string_view::npos) {
+        for_each_default([&](const pm::Pc2Key& key, std::u16string_view name, const DefaultValue& value) {
+            std::u16string path(base);
+            path.append(key.section()).append(u"\\").append(name);
+            if (key.type == PROP_STRING && !key.indexed()) replace_first_dash(path);
+            set_data(target, path.c_str(), value.bytes, value.size, key.type);
+        });
+        return;
+    }
+    pm::TreeCursor place(target, base);
+    std::u16string_view section;
+    for_each_default([&](const pm::Pc2Key& key, std::u16string_view name, const DefaultValue& value) {
+        if (section != key.section()) {
+            if (!section.empty()) place.pop();
+            section = key.section();
+            place.push(section);
         }
-    }
-}
-
-void PM_PC2File::set_indexed_defaults(PM_Object& target, std::u16string& path, const pm::Pc2Key& key) {
-    const std::size_t length = path.size();
-    for (std::int32_t index = key.first; index <= key.last; ++index) {
-        path.resize(length);
-        pm::append_decimal(path, index);
-        set_default(target, path.c_str(), key);
-    }
-}
-
-void PM_PC2File::set_default(PM_Object& target, const char16_t* path, const pm::Pc2Key& key) {
-    switch (key.type) {
-    case PROP_LONG:
-        set_long(target, path, key.initial);
-        break;
-    case PROP_DOUBLE:
-        set_double(target, path, key.initial);
-        break;
-    case PROP_STRING:
-        set_string(target, path, u"");
-        break;
-    case PROP_VOID:
-        set_data(target, path, "", 1, PROP_VOID);
-        break;
-    default:
-        break;
-    }
+        std::u16string stored(name);
+        if (key.type == PROP_STRING && !key.indexed()) replace_first_dash(stored);
+        place.set_data(stored, value.bytes, value.size, key.type);
+    });
 }
 
 void PM_PC2File::load_lines(Reading& reading, const char16_t* place) {

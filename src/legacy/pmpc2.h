@@ -44,9 +44,6 @@ protected:
     void require_stream(const char16_t* place) const;
 
 private:
-    static void set_indexed_defaults(PM_Object& target, std::u16string& path, const pm::Pc2Key& key);
-    static void set_default(PM_Object& target, const char16_t* path, const pm::Pc2Key& key);
-
     void load_line(Reading& reading, std::u16string_view line);
     void section_line(Reading& reading, std::u16string_view line);
     void key_line(Reading& reading, std::u16string_view line, std::size_t equals);

@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "legacy/text_line.h"
+#include "store/tree_cursor.h"
 #include <algorithm>
 #include <iterator>
 #include <pm/error_number.h>
@@ -299,17 +300,25 @@ PM_PCPFile::Outcome PM_PCPFile::end_color(const KeywordLine& at) {
     return Outcome::done;
 }
 
-// Gives the property of each colour to `set`.
+// Gives the place of each colour to `set`. Kept: where the path doesn't end in a "\\", the colour's number
+// goes on with its last name.
 template<class Setter>
 PM_PCPFile::Outcome PM_PCPFile::set_for_each_color(const KeywordLine& at, Setter set) {
     const std::size_t start = at.path.length();
     if (start + longest_color + 1 + at.key.size() > pm::WorkingPath::capacity) return Outcome::bad;
+    const std::u16string_view base = at.path.text();
+    const bool ends_whole = base.empty() || base.ends_with(u'\\');
+    pm::TreeCursor place(at.object, base);
     for (std::int32_t color = 1; color <= colors; ++color) {
-        at.path.append(pm::to_decimal(color));
-        at.path.append(u"\\");
-        at.path.append(at.key);
-        set(at.path.text(), color);
-        at.path.truncate(start);
+        const std::u16string number = pm::to_decimal(color);
+        if (ends_whole) {
+            place.push(number);
+            set(place, color);
+            place.pop();
+        } else {
+            pm::TreeCursor joined(at.object, std::u16string(base) + number);
+            set(joined, color);
+        }
     }
     return Outcome::done;
 }
@@ -318,8 +327,8 @@ PM_PCPFile::Outcome PM_PCPFile::pen_number(const KeywordLine& at) {
     const std::u16string_view value = value_of(at.line);
     if (!s_default_block || (value != u"*" && value != u"MOD16")) return pen_value(at);
     const std::int32_t pens = value == u"*" ? colors : modulus;
-    return set_for_each_color(at, [&](const char16_t* path, std::int32_t color) {
-        set_long(at.object, path, (color - 1) % pens + 1);
+    return set_for_each_color(at, [&](pm::TreeCursor& place, std::int32_t color) {
+        place.set_long(at.key, (color - 1) % pens + 1);
     });
 }
 
@@ -329,11 +338,11 @@ PM_PCPFile::Outcome PM_PCPFile::pen_value(const KeywordLine& at) {
     if (value.empty()) return Outcome::bad;
     const double weight = pm::scan_double(value);
     const std::int32_t number = pm::scan_long(value);
-    return set_for_each_color(at, [&](const char16_t* path, std::int32_t) {
+    return set_for_each_color(at, [&](pm::TreeCursor& place, std::int32_t) {
         if (at.keyword.type == PROP_DOUBLE) {
-            set_double(at.object, path, weight);
+            place.set_double(at.key, weight);
         } else {
-            set_long(at.object, path, number);
+            place.set_long(at.key, number);
         }
     });
 }
