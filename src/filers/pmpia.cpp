@@ -45,6 +45,16 @@ bool holds(std::u16string_view text, std::u16string_view word) {
 // Raw data from here on is made where its digits stand, so that a long line is held once.
 constexpr std::size_t made_in_place = 1 << 16; // bytes
 
+// The name at the start of a property's line.
+pm::TreeCursor::Name name_of(std::u16string_view line) {
+    bool plain = true;
+    std::size_t end = 0;
+    for (; line[end] != u'=' && line[end] != u' '; ++end) {
+        plain = plain && line[end] != u'\\' && line[end] != u'*';
+    }
+    return {line.substr(0, end), plain};
+}
+
 // Lets reports know of a load's cursor while the load runs.
 class Lease {
 public:
@@ -238,9 +248,8 @@ bool PM_PIAFile::read_line(pm::WideText& line, bool from_stream) {
 
 void PM_PIAFile::load_line(pm::TreeCursor& place, pm::WideText& line) {
     const std::u16string_view text = line.view();
-    const std::size_t equals = text.find(u'=');
-    if (equals != std::u16string_view::npos) {
-        if (m_unopened == 0) property_line(place, line, equals);
+    if (text.find(u'=') != std::u16string_view::npos) {
+        if (m_unopened == 0) property_line(place, line);
     } else if (text.find(u'{') != std::u16string_view::npos) {
         opening_line(place, text);
     } else if (text.find(u'}') != std::u16string_view::npos) {
@@ -259,15 +268,15 @@ void PM_PIAFile::report_bad_line(std::u16string_view line) {
     report(E(PM_ERR_BAD_LINE, load_place, format_line_context(line).c_str(), source));
 }
 
-void PM_PIAFile::property_line(pm::TreeCursor& place, pm::WideText& line, std::size_t equals) {
+void PM_PIAFile::property_line(pm::TreeCursor& place, pm::WideText& line) {
     const std::u16string_view text = line.view();
-    const std::u16string_view start = text.substr(0, equals);
-    const std::u16string_view name = start.substr(0, start.find(u' '));
-    if (name.empty() || name.size() > name_limit || !place.has_room_for(name)) {
+    const pm::TreeCursor::Name name = name_of(text);
+    const std::size_t length = name.text.size();
+    if (length == 0 || length > name_limit || !place.has_room_for(name.text)) {
         report_bad_line<PM_Warning>(text);
         return;
     }
-    std::size_t value = name.size();
+    std::size_t value = length;
     while (value < text.size() && (text[value] == u'=' || text[value] == u' ')) {
         ++value;
     }
@@ -279,8 +288,8 @@ void PM_PIAFile::property_line(pm::TreeCursor& place, pm::WideText& line, std::s
     place.leave(name);
 }
 
-void PM_PIAFile::store_value(pm::TreeCursor& place, std::u16string_view name, std::u16string_view value,
-                             pm::WideText& line) {
+void PM_PIAFile::store_value(pm::TreeCursor& place, const pm::TreeCursor::Name& name,
+                             std::u16string_view value, pm::WideText& line) {
     switch (classify_value(value)) {
     case PROP_LONG:
         place.set_long(name, pm::scan_long(value));
@@ -308,8 +317,8 @@ void PM_PIAFile::report_unknown_value(pm::WideText& line) {
     report(PM_Warning(PM_ERR_UNKNOWN_VALUE, std::move(place), u"", u""));
 }
 
-void PM_PIAFile::store_double(pm::TreeCursor& place, std::u16string_view name, std::u16string_view value,
-                              std::u16string_view line) {
+void PM_PIAFile::store_double(pm::TreeCursor& place, const pm::TreeCursor::Name& name,
+                              std::u16string_view value, std::u16string_view line) {
     double number = 0;
     if (pm::parse_double(value, number)) {
         place.set_double(name, number);
@@ -318,7 +327,7 @@ void PM_PIAFile::store_double(pm::TreeCursor& place, std::u16string_view name, s
     }
 }
 
-void PM_PIAFile::store_raw(pm::TreeCursor& place, std::u16string_view name, std::u16string_view value,
+void PM_PIAFile::store_raw(pm::TreeCursor& place, const pm::TreeCursor::Name& name, std::u16string_view value,
                            pm::WideText& line) {
     const std::u16string_view start = pm::skip_any(value, u" \\");
     const std::u16string_view digits = start.substr(0, start.find(u'\\'));
@@ -328,7 +337,7 @@ void PM_PIAFile::store_raw(pm::TreeCursor& place, std::u16string_view name, std:
     }
     const std::size_t size = digits.size() / 2;
     if (size >= made_in_place) {
-        const std::u16string kept_name(name);
+        const std::u16string kept_name(name.text);
         if (pm::hex_to_bytes(digits, line.bytes())) {
             line.shrink(size);
             place.set_data(kept_name, line.bytes(), size, PROP_VOID);

@@ -59,15 +59,15 @@ private:
     void load_body(PM_Object& target, const char16_t* base, bool from_stream);
     bool read_line(pm::WideText& line, bool from_stream);
     void load_line(pm::TreeCursor& place, pm::WideText& line);
-    void property_line(pm::TreeCursor& place, pm::WideText& line, std::size_t equals);
+    void property_line(pm::TreeCursor& place, pm::WideText& line);
     void opening_line(pm::TreeCursor& place, std::u16string_view line);
     void closing_line(pm::TreeCursor& place, std::u16string_view line);
     // `value` is the end of `line`.
-    void store_value(pm::TreeCursor& place, std::u16string_view name, std::u16string_view value,
+    void store_value(pm::TreeCursor& place, const pm::TreeCursor::Name& name, std::u16string_view value,
                      pm::WideText& line);
-    void store_double(pm::TreeCursor& place, std::u16string_view name, std::u16string_view value,
+    void store_double(pm::TreeCursor& place, const pm::TreeCursor::Name& name, std::u16string_view value,
                       std::u16string_view line);
-    void store_raw(pm::TreeCursor& place, std::u16string_view name, std::u16string_view value,
+    void store_raw(pm::TreeCursor& place, const pm::TreeCursor::Name& name, std::u16string_view value,
                    pm::WideText& line);
     void report_unknown_value(pm::WideText& line);
     template<class E>

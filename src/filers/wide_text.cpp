@@ -23,10 +23,14 @@ bool is_plain(char byte) {
     return byte > 0;
 }
 
+using Bytes = unsigned char __attribute__((vector_size(8)));
+using Units = std::uint16_t __attribute__((vector_size(16)));
+
 void widen_eight(const char* from, char16_t* to) {
-    for (std::size_t i = 0; i < 8; ++i) {
-        to[i] = static_cast<unsigned char>(from[i]);
-    }
+    Bytes bytes;
+    std::memcpy(&bytes, from, sizeof bytes);
+    const auto units = __builtin_convertvector(bytes, Units);
+    std::memcpy(to, &units, sizeof units);
 }
 
 // Widens bytes up to the first that is zero or not of ASCII; gives how many.

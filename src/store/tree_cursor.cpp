@@ -107,22 +107,24 @@ bool TreeCursor::pop() {
     return true;
 }
 
-void TreeCursor::leave(std::u16string_view name) {
-    const bool moves = m_path.ends_in_separator() || name.find(u'\\') != std::u16string_view::npos;
-    if (moves && m_path.push(name)) pop();
+TreeCursor::Name::Name(std::u16string_view name_text) : Name(name_text, is_plain(name_text)) {}
+
+void TreeCursor::leave(const Name& name) {
+    if ((m_path.ends_in_separator() || !name.plain) && m_path.push(name.text)) pop();
 }
 
-void TreeCursor::set_string(std::u16string_view name, std::u16string_view text) {
+void TreeCursor::set_string(const Name& name, std::u16string_view text) {
     const std::size_t units = std::min(text.size(), text_limit) + 1;
     set_data(name, text.data(), units * sizeof(char16_t), PROP_STRING);
 }
 
-void TreeCursor::set_data(std::u16string_view name, const void* data, std::size_t size, PropType type) {
-    if (!m_in_step || m_by_path || !is_plain(name)) {
-        set_by_path(name, data, size, type);
+void TreeCursor::set_data(const Name& name, const void* data, std::size_t size, PropType type) {
+    if (!m_in_step || m_by_path || !name.plain) {
+        set_by_path(name.text, data, size, type);
         return;
     }
-    PM_Property& prop = m_reached == m_count ? property_here(name, type) : property_below(name, type);
+    PM_Property& prop =
+        m_reached == m_count ? property_here(name.text, type) : property_below(name.text, type);
     prop.set_kind(type, true);
     prop.SetData(data, size);
 }

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <pm/object.h>
+#include <string>
 #include <string_view>
 
 class PM_Node;
@@ -23,6 +24,17 @@ public:
     TreeCursor(const TreeCursor&) = delete;
     TreeCursor& operator=(const TreeCursor&) = delete;
 
+    // A property's name, and whether it is one component as it stands.
+    struct Name {
+        Name(std::u16string_view name_text, bool is_plain) : text(name_text), plain(is_plain) {}
+        Name(std::u16string_view name_text);
+        Name(const std::u16string& name_text) : Name(std::u16string_view(name_text)) {}
+        Name(const char16_t* name_text) : Name(std::u16string_view(name_text)) {}
+
+        std::u16string_view text;
+        bool plain; // holds no "\" and no "*", and isn't empty
+    };
+
     // One level down: a node is made with its first property. False, with nothing done, for a path that would
     // be too long.
     bool push(std::u16string_view name);
@@ -33,22 +45,18 @@ public:
 
     // push() and pop() of a property's name, which has room. A "\" in it leaves the path with what stands in
     // front; one at the path's end goes.
-    void leave(std::u16string_view name);
+    void leave(const Name& name);
 
     // Set a property here, strictly; there is room for its name. Numbers 51, 54 and 55 as setData().
-    void set_data(std::u16string_view name, const void* data, std::size_t size, PropType type);
-    void set_long(std::u16string_view name, std::int32_t value) {
-        set_data(name, &value, sizeof value, PROP_LONG);
-    }
-    void set_double(std::u16string_view name, double value) {
-        set_data(name, &value, sizeof value, PROP_DOUBLE);
-    }
-    void set_bool(std::u16string_view name, bool value) {
+    void set_data(const Name& name, const void* data, std::size_t size, PropType type);
+    void set_long(const Name& name, std::int32_t value) { set_data(name, &value, sizeof value, PROP_LONG); }
+    void set_double(const Name& name, double value) { set_data(name, &value, sizeof value, PROP_DOUBLE); }
+    void set_bool(const Name& name, bool value) {
         const unsigned char stored = value ? 1 : 0;
         set_data(name, &stored, sizeof stored, PROP_BOOL);
     }
     // `text` holds no zero unit, and one follows it. One of more than 4096 units is cut to 4097.
-    void set_string(std::u16string_view name, std::u16string_view text);
+    void set_string(const Name& name, std::u16string_view text);
 
     // The tree may have changed: to be called after anything else had it.
     void look_again() { m_reached = 0; }
