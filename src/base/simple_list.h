@@ -47,7 +47,8 @@ public:
     using ConstCursor = BasicCursor<const Node>;
 
     SimpleList() = default;
-    SimpleList(const SimpleList& other) {
+    // Delegates, so that the destructor runs when a later element can't be copied.
+    SimpleList(const SimpleList& other) : SimpleList() {
         for (const Node& node : other) {
             append(static_cast<const T&>(node));
         }

@@ -3,6 +3,7 @@
 #include "store/pmpmgr.h"
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <pm/error_number.h>
@@ -217,6 +218,7 @@ bool PM_Object::GetProperty(const char16_t* path, int& out, int index) const {
 
 bool PM_Object::GetProperty(const char16_t* path, bool& out, int index) const {
     unsigned char value = 0;
+    std::memcpy(&value, &out, sizeof value); // for a value of no bytes; `out` needn't be set by then
     if (!getData(path, &value, sizeof value, PROP_BOOL, index)) return false;
     out = value != 0;
     return true;

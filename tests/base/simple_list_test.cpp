@@ -1,6 +1,7 @@
 #include "base/simple_list.h"
 #include <gtest/gtest.h>
 #include <pm/zt_string.h>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -70,6 +71,32 @@ TEST(SimpleList, CopyHasNodesOfItsOwn) {
     const Names copy = list;
     list.clear();
     EXPECT_EQ((Texts{u"a", u"b"}), texts(copy));
+}
+
+// Counts its instances; a copy throws when none is left of those that it may make.
+struct Limited {
+    Limited() { ++alive; }
+    Limited(const Limited&) {
+        if (copies_left-- == 0) throw std::runtime_error("no copy left");
+        ++alive;
+    }
+    Limited(Limited&&) noexcept { ++alive; }
+    Limited& operator=(const Limited&) = default;
+    Limited& operator=(Limited&&) = default;
+    ~Limited() { --alive; }
+
+    static inline int alive = 0;
+    static inline int copies_left = 0;
+};
+
+TEST(SimpleList, CopyThatThrowsLeavesNothingBehind) {
+    SimpleList<Limited> list;
+    for (int node = 0; node < 3; ++node)
+        list.append(std::make_unique<SimpleList<Limited>::Node>());
+    Limited::copies_left = 2;
+    EXPECT_THROW(SimpleList<Limited>{list}, std::runtime_error);
+    EXPECT_EQ(3, Limited::alive);
+    EXPECT_EQ(3, list.count());
 }
 
 TEST(SimpleList, AssignmentReplaces) {

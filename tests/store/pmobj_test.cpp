@@ -210,6 +210,24 @@ TEST(Object, ANonStrictValueIsCopiedAsItIsUnderAnyType) {
     EXPECT_EQ(0xAABBCCDD'01020304U, std::bit_cast<std::uint64_t>(number));
 }
 
+TEST(Object, ALooseValueOfNoBytesLeavesTheResult) {
+    PM_Object object;
+    object.setVoidProperty(u"a", "x", 1, -1, false);
+    object.setVoidProperty(u"a", "", 0, -1, false);
+    bool flag = true;
+    EXPECT_TRUE(object.GetProperty(u"a", flag));
+    EXPECT_TRUE(flag);
+    flag = false;
+    EXPECT_TRUE(object.GetProperty(u"a", flag));
+    EXPECT_FALSE(flag);
+    long integer = 7;
+    EXPECT_TRUE(object.GetProperty(u"a", integer));
+    EXPECT_EQ(7, integer);
+    double number = 2.5;
+    EXPECT_TRUE(object.GetProperty(u"a", number));
+    EXPECT_EQ(2.5, number);
+}
+
 TEST(Object, ANonStrictValueMustFit) {
     PM_Object object;
     object.SetProperty(u"n\\a", 2.5, -1, false);
