@@ -1,9 +1,13 @@
+#include "store/pmpmgr.h"
 #include "support/allocation_failures.h"
 #include "support/exceptions.h"
 #include <functional>
+#include <initializer_list>
+#include <map>
 #include <memory>
 #include <pm/pm.h>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 namespace {
@@ -28,11 +32,13 @@ Failures failures_of(const std::function<void(PM_Object&)>& operation) {
         fill(object);
         {
             const FailingAllocation failing(place);
-            const auto e = pm::test::thrown_by([&] { operation(object); });
+            const std::type_info* type = nullptr;
+            const auto e = pm::test::thrown_by([&] { operation(object); }, &type);
             if (!FailingAllocation::was_hit()) return failures;
             EXPECT_TRUE(e.has_value());
             if (e) {
-                EXPECT_EQ(55U, e->m_number);
+                EXPECT_EQ(typeid(PM_Memory_Exception).name(), std::string(type->name()));
+                EXPECT_EQ(PM_ERR_NO_MEMORY, e->m_number);
                 failures.emplace_back(e->m_place, e->m_detail);
             }
         }
@@ -48,8 +54,11 @@ constexpr const char16_t* add_place = u"PM_PathStrings::Add()";
 TEST(AllocationFailure, MakingAnObjectTellsWhatFailed) {
     Failures failures;
     fail_each_allocation([&](int) {
-        const auto e = pm::test::thrown_by([] { const PM_Object object; });
-        if (e) failures.emplace_back(e->m_place, e->m_detail);
+        const std::type_info* type = nullptr;
+        const auto e = pm::test::thrown_by([] { const PM_Object object; }, &type);
+        if (!e) return;
+        EXPECT_EQ(typeid(PM_Memory_Exception).name(), std::string(type->name()));
+        failures.emplace_back(e->m_place, e->m_detail);
     });
     EXPECT_EQ((Failures{{u"PM_Object::PM_Object", u"m_strings"},
                         {add_place, u"entry"},
@@ -82,7 +91,7 @@ TEST(AllocationFailure, OverwritingWithAnotherSizeLeavesNoValue) {
     EXPECT_EQ(0U, object.getPropertySize(u"known\\n\\q"));
     char16_t buffer[20];
     pm::test::expect_thrown<PM_Warning>(
-        [&] { (void)object.GetProperty(u"known\\n\\q", buffer, sizeof buffer); }, 59,
+        [&] { (void)object.GetProperty(u"known\\n\\q", buffer, sizeof buffer); }, PM_ERR_NO_VALUE,
         u"PM_Property::GetData()", u"q");
 }
 
@@ -115,6 +124,57 @@ TEST(AllocationFailure, DuplicateTellsWhatFailed) {
               failures_of([](PM_Object& object) { object.duplicate(u"known", u"copy"); }));
 }
 
+// References that the nodes and properties below `node`, itself included, hold.
+void count_names(const PM_Node& node, std::map<std::u16string, int>& names) {
+    ++names[node.name()];
+    for (const PM_Property* prop = node.first_prop(); prop != nullptr; prop = prop->next()) {
+        ++names[prop->name()];
+    }
+    for (const PM_Node* child = node.first_child(); child != nullptr; child = child->next_sibling()) {
+        count_names(*child, names);
+    }
+}
+
+class OpenObject : public PM_Object {
+public:
+    // Expects that each of these names is held by the tree alone.
+    void expect_held_by_tree(std::initializer_list<const char16_t*> texts) const {
+        std::map<std::u16string, int> names;
+        count_names(*m_root, names);
+        for (const char16_t* text : texts) {
+            const PM_PathStrings::Entry* entry = m_strings->Find(text);
+            EXPECT_EQ(names[text], entry != nullptr ? entry->count() : 0)
+                << std::string(text, text + std::u16string_view(text).size());
+        }
+    }
+};
+
+TEST(AllocationFailure, AnInterruptedWriteGivesBackTheNamesOfItsPath) {
+    for (int place = 0;; ++place) {
+        OpenObject object;
+        fill(object);
+        {
+            const FailingAllocation failing(place);
+            (void)pm::test::thrown_by([&] { object.SetProperty(u"known\\new\\n\\prop\\p", 1); });
+            if (!FailingAllocation::was_hit()) return;
+        }
+        object.expect_held_by_tree({u"known", u"new", u"n", u"prop", u"p"});
+    }
+}
+
+TEST(AllocationFailure, AnInterruptedDuplicateGivesBackTheNamesOfItsPaths) {
+    for (int place = 0;; ++place) {
+        OpenObject object;
+        fill(object);
+        {
+            const FailingAllocation failing(place);
+            (void)pm::test::thrown_by([&] { object.duplicate(u"known", u"copy\\new"); });
+            if (!FailingAllocation::was_hit()) return;
+        }
+        object.expect_held_by_tree({u"known", u"copy", u"new", u"n", u"p", u"q"});
+    }
+}
+
 TEST(AllocationFailure, AnIteratorWithoutMemoryIsNull) {
     PM_Object object;
     const FailingAllocation failing(0);
@@ -133,13 +193,18 @@ TEST(AllocationFailure, ValuesOfAWalkTellWhatFailed) {
         char* value = nullptr;
         std::size_t size = 0;
         PropType type{};
-        const auto e = pm::test::thrown_by([&] {
-            const std::unique_ptr<PM_Iterator> walk(object.newIterator(u"\\", 0));
-            while (walk && walk->nextProp(value, size, type) != nullptr) {
-            }
-        });
+        const std::type_info* thrown = nullptr;
+        const auto e = pm::test::thrown_by(
+            [&] {
+                const std::unique_ptr<PM_Iterator> walk(object.newIterator(u"\\", 0));
+                while (walk && walk->nextProp(value, size, type) != nullptr) {
+                }
+            },
+            &thrown);
         PM_Mem_Obj::operator delete(value);
-        if (e) failures.emplace_back(e->m_place, e->m_detail);
+        if (!e) return;
+        EXPECT_EQ(typeid(PM_Memory_Exception).name(), std::string(thrown->name()));
+        failures.emplace_back(e->m_place, e->m_detail);
     });
     const std::pair<std::u16string, std::u16string> no_value{u".\\pmobj", u"value"};
     EXPECT_EQ((Failures{no_value, no_value, no_value, no_value, {u".\\pmobj", u"data"}, no_value}), failures);

@@ -1,3 +1,4 @@
+#include "base/allocator.h"
 #include "store/pmpmgr.h"
 #include "support/exceptions.h"
 #include <cstring>
@@ -78,6 +79,19 @@ TEST_F(WalkTest, DepthLimitsTheLevelsBelowTheStart) {
     EXPECT_EQ((Steps{"b child", "c sibling", "a parent", "end"}), steps_of(object, u"a", 1));
 }
 
+TEST_F(WalkTest, AStepUpGivesTheLevelBackToADeeperSibling) {
+    PM_Object tree;
+    for (const char16_t* path : {u"a\\b\\c\\p", u"d\\e\\f\\p", u"d\\g\\h\\p"})
+        tree.SetProperty(path, 1);
+    EXPECT_EQ((Steps{"a child", "b child", "a parent", "d sibling", "e child", "g sibling", "d parent",
+                     "Root parent", "end"}),
+              steps_of(tree, u"\\", 2));
+    EXPECT_EQ(
+        (Steps{"a child", "b child", "c child", "b parent", "a parent", "d sibling", "e child", "f child",
+               "e parent", "g sibling", "h child", "g parent", "d parent", "Root parent", "end"}),
+        steps_of(tree, u"\\", 3));
+}
+
 TEST_F(WalkTest, ASubtreeEndsAtItsStart) {
     EXPECT_EQ((Steps{"d child", "c parent", "end"}), steps_of(object, u"a\\c", 0));
     object.SetProperty(u"z\\p", 1);
@@ -112,10 +126,12 @@ TEST_F(WalkTest, AMissingNodeOfKnownNamesIsAtItsEnd) {
 }
 
 TEST_F(WalkTest, AnUnknownOrEmptyPathRaises51) {
-    expect_thrown<PM_Warning>([&] { delete object.newIterator(u"a\\unknown", 0); }, 51, iterator_place,
-                              u"a\\unknown");
-    expect_thrown<PM_Warning>([&] { delete object.newIterator(u"", 0); }, 51, iterator_place, u"");
-    expect_thrown<PM_Warning>([&] { delete object.newIterator(u"\\\\", 0); }, 51, iterator_place, u"\\\\");
+    expect_thrown<PM_Warning>([&] { delete object.newIterator(u"a\\unknown", 0); }, PM_ERR_BAD_PATH,
+                              iterator_place, u"a\\unknown");
+    expect_thrown<PM_Warning>([&] { delete object.newIterator(u"", 0); }, PM_ERR_BAD_PATH, iterator_place,
+                              u"");
+    expect_thrown<PM_Warning>([&] { delete object.newIterator(u"\\\\", 0); }, PM_ERR_BAD_PATH, iterator_place,
+                              u"\\\\");
 }
 
 TEST_F(WalkTest, TheStartIsCurrentFromTheBeginning) {
@@ -215,10 +231,30 @@ TEST_F(ValueTest, TheEndReleasesTheValueAndKeepsTheType) {
     EXPECT_EQ(PROP_LONG, walk.type);
 }
 
+TEST_F(ValueTest, AValueOfSizeZeroIsNotReleased) {
+    object.SetProperty(u"l", 1);
+    const pm::Block<char> own = pm::allocate_block<char>(4);
+    std::memcpy(own.get(), "own", 4);
+    Walk walk(object, u"\\");
+    walk.value = own.get();
+    walk.size = 0;
+    EXPECT_EQ(u"l", std::u16string(walk.next()));
+    EXPECT_NE(own.get(), walk.value);
+    EXPECT_STREQ("1", walk.value);
+    EXPECT_STREQ("own", own.get());
+
+    PM_Mem_Obj::operator delete(walk.value);
+    walk.value = own.get();
+    walk.size = 0;
+    EXPECT_EQ(nullptr, walk.next());
+    EXPECT_EQ(nullptr, walk.value);
+    EXPECT_STREQ("own", own.get());
+}
+
 TEST_F(ValueTest, RawDataThatWasNeverThereRaises59) {
     object.setVoidProperty(u"v", "", 0);
     Walk walk(object, u"\\");
-    expect_thrown<PM_Warning>([&] { walk.next(); }, 59, u"PM_Property::GetData()", u"v");
+    expect_thrown<PM_Warning>([&] { walk.next(); }, PM_ERR_NO_VALUE, u"PM_Property::GetData()", u"v");
     EXPECT_EQ(nullptr, walk.value);
     EXPECT_EQ(0U, walk.size);
 }
@@ -227,7 +263,7 @@ TEST_F(ValueTest, RawDataThatBecameEmptyRaises53) {
     object.setVoidProperty(u"v", "x", 1);
     object.setVoidProperty(u"v", "", 0);
     Walk walk(object, u"\\");
-    expect_thrown<PM_Error>([&] { walk.next(); }, 53, u".\\pmobj", u"bad raw data value");
+    expect_thrown<PM_Error>([&] { walk.next(); }, PM_ERR_BAD_RAW_DATA, u".\\pmobj", u"bad raw data value");
 }
 
 TEST_F(ValueTest, NumbersOfTooManyBytesRaise58) {
@@ -235,7 +271,8 @@ TEST_F(ValueTest, NumbersOfTooManyBytesRaise58) {
         OpenObject each;
         each.setData(u"x", "123456789", 9, type, -1, true);
         Walk walk(each, u"\\");
-        expect_thrown<PM_Warning>([&] { walk.next(); }, 58, u"PM_Property::GetData()", u"x");
+        expect_thrown<PM_Warning>([&] { walk.next(); }, PM_ERR_VALUE_TOO_LARGE, u"PM_Property::GetData()",
+                                  u"x");
     }
 }
 

@@ -5,6 +5,7 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <pm/pm.h>
 #include <string>
@@ -163,7 +164,7 @@ TEST(Object, ANodeAndAPropertyOfOneNameLiveSideBySide) {
 TEST(Object, AStrictPropertyRefusesAnotherType) {
     PM_Object object;
     object.SetProperty(u"a\\b", 1);
-    expect_thrown<PM_Warning>([&] { object.SetProperty(u"a\\b", 2.5); }, 54, set_place, u"");
+    expect_thrown<PM_Warning>([&] { object.SetProperty(u"a\\b", 2.5); }, PM_ERR_WRONG_TYPE, set_place, u"");
     EXPECT_EQ(1, long_at(object, u"a\\b"));
 }
 
@@ -181,14 +182,15 @@ TEST(Object, StrictIsWhatTheLastWriterPassed) {
     object.SetProperty(u"a", 1, -1, true);
     object.SetProperty(u"a", 2, -1, false);
     object.SetProperty(u"a", true, -1, true);
-    expect_thrown<PM_Warning>([&] { object.SetProperty(u"a", 3); }, 54, set_place, u"");
+    expect_thrown<PM_Warning>([&] { object.SetProperty(u"a", 3); }, PM_ERR_WRONG_TYPE, set_place, u"");
 }
 
 TEST(Object, NodesMadeBeforeAFailureStay) {
     PM_Object object;
     object.SetProperty(u"x\\y", 1);
     object.SetProperty(u"p", 1);
-    expect_thrown<PM_Warning>([&] { object.SetProperty(u"x\\y", u"text"); }, 54, set_place, u"");
+    expect_thrown<PM_Warning>([&] { object.SetProperty(u"x\\y", u"text"); }, PM_ERR_WRONG_TYPE, set_place,
+                              u"");
     EXPECT_TRUE(object.pathExists(u"x\\y"));
 }
 
@@ -196,10 +198,12 @@ TEST(Object, ReadingAnotherTypeOfAStrictPropertyRaises54) {
     PM_Object object;
     object.SetProperty(u"a", 1);
     double number = 7;
-    expect_thrown<PM_Warning>([&] { (void)object.GetProperty(u"a", number); }, 54, get_place, u"");
+    expect_thrown<PM_Warning>([&] { (void)object.GetProperty(u"a", number); }, PM_ERR_WRONG_TYPE, get_place,
+                              u"");
     EXPECT_EQ(7, number);
     char16_t text[4] = {};
-    expect_thrown<PM_Warning>([&] { (void)object.GetProperty(u"a", text, sizeof text); }, 54, get_place, u"");
+    expect_thrown<PM_Warning>([&] { (void)object.GetProperty(u"a", text, sizeof text); }, PM_ERR_WRONG_TYPE,
+                              get_place, u"");
 }
 
 TEST(Object, ANonStrictValueIsCopiedAsItIsUnderAnyType) {
@@ -232,7 +236,7 @@ TEST(Object, ANonStrictValueMustFit) {
     PM_Object object;
     object.SetProperty(u"n\\a", 2.5, -1, false);
     int value = 0;
-    expect_thrown<PM_Warning>([&] { (void)object.GetProperty(u"n\\a", value); }, 58,
+    expect_thrown<PM_Warning>([&] { (void)object.GetProperty(u"n\\a", value); }, PM_ERR_VALUE_TOO_LARGE,
                               u"PM_Property::GetData()", u"a");
 }
 
@@ -277,7 +281,7 @@ TEST(Object, TheSizeOfAWideBufferIsInBytes) {
     PM_Object object;
     object.SetProperty(u"s", u"abc");
     char16_t buffer[5] = {u'x', u'x', u'x', u'x', u'x'};
-    expect_thrown<PM_Warning>([&] { (void)object.GetProperty(u"s", buffer, 7); }, 58,
+    expect_thrown<PM_Warning>([&] { (void)object.GetProperty(u"s", buffer, 7); }, PM_ERR_VALUE_TOO_LARGE,
                               u"PM_Property::GetData()", u"s");
     EXPECT_TRUE(object.GetProperty(u"s", buffer, 8));
     EXPECT_EQ(u"abc", std::u16string(buffer));
@@ -343,7 +347,7 @@ TEST(Object, NullTextsCountAsEmpty) {
     object.SetProperty(u"n", static_cast<const unsigned char*>(nullptr));
     EXPECT_EQ(2U, object.getPropertySize(u"w"));
     EXPECT_EQ(1U, object.getPropertySize(u"n"));
-    expect_thrown<PM_Warning>([&] { object.SetProperty(nullptr, 1); }, 51, set_place, u"");
+    expect_thrown<PM_Warning>([&] { object.SetProperty(nullptr, 1); }, PM_ERR_BAD_PATH, set_place, u"");
     EXPECT_FALSE(object.pathExists(nullptr));
 }
 
@@ -376,9 +380,10 @@ TEST(Object, AnIndexWithoutAStarIsOneMoreLevel) {
 TEST(Object, StarsAreOrdinaryWhereNoIndexIsTaken) {
     PM_Object object;
     object.SetProperty(u"Pen*\\Width", 1, 1);
-    expect_thrown<PM_Warning>([&] { object.deletePath(u"Pen*\\Width"); }, 51, delete_place, u"Pen*\\Width");
+    expect_thrown<PM_Warning>([&] { object.deletePath(u"Pen*\\Width"); }, PM_ERR_BAD_PATH, delete_place,
+                              u"Pen*\\Width");
     EXPECT_FALSE(object.pathExists(u"Pen*\\Width"));
-    expect_thrown<PM_Warning>([&] { delete object.newIterator(u"Pen*", 0); }, 51,
+    expect_thrown<PM_Warning>([&] { delete object.newIterator(u"Pen*", 0); }, PM_ERR_BAD_PATH,
                               u"PM_Iterator::PM_Iterator()", u"Pen*");
 }
 
@@ -396,31 +401,31 @@ TEST(Object, APathOf1023UnitsIsTheLongest) {
     object.SetProperty(longest.c_str(), 1);
     EXPECT_EQ(1, long_at(object, longest.c_str()));
     const std::u16string longer(1024, u'x');
-    expect_thrown<PM_Warning>([&] { object.SetProperty(longer.c_str(), 1); }, 51, set_place,
+    expect_thrown<PM_Warning>([&] { object.SetProperty(longer.c_str(), 1); }, PM_ERR_BAD_PATH, set_place,
                               longer.substr(0, 259));
     int value = 0;
-    expect_thrown<PM_Warning>([&] { (void)object.GetProperty(longer.c_str(), value); }, 51, get_place,
-                              longer.substr(0, 259));
-    expect_thrown<PM_Warning>([&] { (void)object.getPropertySize(longer.c_str()); }, 51, size_place,
-                              longer.substr(0, 259));
+    expect_thrown<PM_Warning>([&] { (void)object.GetProperty(longer.c_str(), value); }, PM_ERR_BAD_PATH,
+                              get_place, longer.substr(0, 259));
+    expect_thrown<PM_Warning>([&] { (void)object.getPropertySize(longer.c_str()); }, PM_ERR_BAD_PATH,
+                              size_place, longer.substr(0, 259));
 }
 
 TEST(Object, TheIndexCountsForTheLengthOfAPath) {
     PM_Object object;
     const std::u16string base(1020, u'x');
     object.SetProperty(base.c_str(), 1, 12);
-    expect_thrown<PM_Warning>([&] { object.SetProperty(base.c_str(), 1, 123); }, 51, set_place,
+    expect_thrown<PM_Warning>([&] { object.SetProperty(base.c_str(), 1, 123); }, PM_ERR_BAD_PATH, set_place,
                               base.substr(0, 259));
     const std::u16string star = std::u16string(1020, u'x') + u"*";
     object.SetProperty(star.c_str(), 1, 123);
-    expect_thrown<PM_Warning>([&] { object.SetProperty(star.c_str(), 1, 1234); }, 51, set_place,
+    expect_thrown<PM_Warning>([&] { object.SetProperty(star.c_str(), 1, 1234); }, PM_ERR_BAD_PATH, set_place,
                               star.substr(0, 259));
 }
 
 TEST(Object, WritingToAPathWithoutComponentsRaises51) {
     PM_Object object;
-    expect_thrown<PM_Warning>([&] { object.SetProperty(u"", 1); }, 51, set_place, u"");
-    expect_thrown<PM_Warning>([&] { object.SetProperty(u"\\\\", 1); }, 51, set_place, u"\\\\");
+    expect_thrown<PM_Warning>([&] { object.SetProperty(u"", 1); }, PM_ERR_BAD_PATH, set_place, u"");
+    expect_thrown<PM_Warning>([&] { object.SetProperty(u"\\\\", 1); }, PM_ERR_BAD_PATH, set_place, u"\\\\");
 }
 
 TEST(Object, APathOf257ComponentsRaises51FromThePath) {
@@ -428,29 +433,146 @@ TEST(Object, APathOf257ComponentsRaises51FromThePath) {
     std::u16string path;
     for (int count = 0; count < 257; ++count)
         path += u"\\x";
-    expect_thrown<PM_Warning>([&] { object.SetProperty(path.c_str(), 1); }, 51, u"PM_Path::PM_Path()",
+    expect_thrown<PM_Warning>([&] { object.SetProperty(path.c_str(), 1); }, PM_ERR_BAD_PATH,
+                              u"PM_Path::PM_Path()", path.substr(0, 259));
+}
+
+std::u16string levels(std::size_t count, std::u16string_view name) {
+    std::u16string path;
+    for (std::size_t level = 0; level < count; ++level) {
+        path += u'\\';
+        path += name;
+    }
+    return path;
+}
+
+TEST(Object, A257thComponentRaises51OutOfEveryOperationAndKeepsItsReferences) {
+    const std::u16string path = levels(257, u"x");
+    const char16_t* const text = path.c_str();
+    using Operation = std::function<void(PM_Object&)>;
+    const Operation operations[] = {
+        [&](PM_Object& object) { object.SetProperty(text, 1); },
+        [&](PM_Object& object) { object.SetProperty(text, 1L); },
+        [&](PM_Object& object) { object.SetProperty(text, true); },
+        [&](PM_Object& object) { object.SetProperty(text, 2.5); },
+        [&](PM_Object& object) { object.SetProperty(text, 2.5F); },
+        [&](PM_Object& object) { object.SetProperty(text, u"t"); },
+        [&](PM_Object& object) { object.SetProperty(text, reinterpret_cast<const unsigned char*>("t")); },
+        [&](PM_Object& object) { object.setVoidProperty(text, "t", 1); },
+        [&](PM_Object& object) {
+            int value = 0;
+            (void)object.GetProperty(text, value);
+        },
+        [&](PM_Object& object) {
+            long value = 0;
+            (void)object.GetProperty(text, value);
+        },
+        [&](PM_Object& object) {
+            bool value = false;
+            (void)object.GetProperty(text, value);
+        },
+        [&](PM_Object& object) {
+            double value = 0;
+            (void)object.GetProperty(text, value);
+        },
+        [&](PM_Object& object) {
+            float value = 0;
+            (void)object.GetProperty(text, value);
+        },
+        [&](PM_Object& object) {
+            char16_t value[2];
+            (void)object.GetProperty(text, value, 4);
+        },
+        [&](PM_Object& object) {
+            unsigned char value[2];
+            (void)object.GetProperty(text, value, 2);
+        },
+        [&](PM_Object& object) {
+            char value[2];
+            (void)object.getVoidProperty(text, value, 2);
+        },
+        [&](PM_Object& object) { (void)object.getPropertySize(text); },
+        [&](PM_Object& object) { (void)object.pathExists(text); },
+        [&](PM_Object& object) { object.deletePath(text); },
+        [&](PM_Object& object) { object.duplicate(text, u"y"); },
+        [&](PM_Object& object) { object.duplicate(u"y", text); },
+        [&](PM_Object& object) { delete object.newIterator(text, 0); },
+    };
+    for (std::size_t index = 0; index < std::size(operations); ++index) {
+        SCOPED_TRACE(index);
+        OpenObject object;
+        object.SetProperty(u"x", 1);
+        expect_thrown<PM_Warning>([&] { operations[index](object); }, PM_ERR_BAD_PATH, u"PM_Path::PM_Path()",
+                                  path.substr(0, 259));
+        EXPECT_EQ(258, object.references(u"x"));
+        EXPECT_EQ(0, object.references(u"y"));
+        object.deletePath(u"x");
+        EXPECT_TRUE(object.pathExists(u"x"));
+    }
+}
+
+TEST(Object, AnUnknownNameIsMetBeforeTheCountOfComponents) {
+    OpenObject object;
+    object.SetProperty(u"x", 1);
+    const std::u16string path = levels(256, u"x") + u"\\unknown";
+    int value = 0;
+    EXPECT_FALSE(object.GetProperty(path.c_str(), value));
+    EXPECT_FALSE(object.pathExists(path.c_str()));
+    expect_thrown<PM_Warning>([&] { (void)object.getPropertySize(path.c_str()); }, PM_ERR_BAD_PATH,
+                              size_place, path.substr(0, 259));
+    EXPECT_EQ(1, object.references(u"x"));
+    EXPECT_EQ(0, object.references(u"unknown"));
+}
+
+TEST(Object, OperationsWithoutAnIndexTakePathsOfAnyLength) {
+    OpenObject object;
+    const std::u16string name(300, u'x');
+    const std::u16string part = levels(3, name);
+    const std::u16string path = part + part;
+    object.SetProperty((part + u"\\p").c_str(), 1);
+    object.duplicate(u"xx", path.c_str()); // a missing source makes the destination
+    EXPECT_TRUE(object.pathExists((path + u"\\p").c_str()));
+    object.SetProperty(u"from\\p", 7);
+    object.duplicate(u"from", path.c_str());
+    const std::unique_ptr<PM_Iterator> walk(object.newIterator(path.c_str(), 0));
+    char* value = nullptr;
+    std::size_t size = 0;
+    PropType type{};
+    EXPECT_EQ(u"p", std::u16string(walk->nextProp(value, size, type)));
+    EXPECT_STREQ("7", value);
+    EXPECT_EQ(nullptr, walk->nextProp(value, size, type));
+    object.duplicate(path.c_str(), u"to");
+    EXPECT_EQ(7, long_at(object, u"to\\p"));
+    object.deletePath((path + u"\\p").c_str());
+    object.deletePath(path.c_str());
+    EXPECT_EQ(5, object.references(name.c_str()));
+    expect_thrown<PM_Warning>([&] { object.deletePath(path.c_str()); }, PM_ERR_NOTHING_THERE, delete_place,
                               path.substr(0, 259));
 }
 
 TEST(Object, SizeOfAnUnknownNameRaises51WithThePathAsGiven) {
     PM_Object object;
     object.SetProperty(u"a\\b", 1);
-    expect_thrown<PM_Warning>([&] { (void)object.getPropertySize(u"a\\*", 7); }, 51, size_place, u"a\\*");
-    expect_thrown<PM_Warning>([&] { (void)object.getPropertySize(u""); }, 51, size_place, u"");
+    expect_thrown<PM_Warning>([&] { (void)object.getPropertySize(u"a\\*", 7); }, PM_ERR_BAD_PATH, size_place,
+                              u"a\\*");
+    expect_thrown<PM_Warning>([&] { (void)object.getPropertySize(u""); }, PM_ERR_BAD_PATH, size_place, u"");
 }
 
 TEST(Object, SizeBelowAMissingNodeRaises86WithTheResolvedPath) {
     PM_Object object;
     object.SetProperty(u"a\\b7", 1);
-    expect_thrown<PM_Warning>([&] { (void)object.getPropertySize(u"b*\\a", 7); }, 86, size_place, u"b7\\a");
+    expect_thrown<PM_Warning>([&] { (void)object.getPropertySize(u"b*\\a", 7); }, PM_ERR_NO_SUCH_NODE,
+                              size_place, u"b7\\a");
 }
 
 TEST(Object, SizeOfAMissingPropertyRaises87WithTheResolvedPath) {
     PM_Object object;
     object.SetProperty(u"a\\b", 1);
     object.SetProperty(u"7", 1);
-    expect_thrown<PM_Warning>([&] { (void)object.getPropertySize(u"a", 7); }, 87, size_place, u"a\\7");
-    expect_thrown<PM_Warning>([&] { (void)object.getPropertySize(u"a\\a"); }, 87, size_place, u"a\\a");
+    expect_thrown<PM_Warning>([&] { (void)object.getPropertySize(u"a", 7); }, PM_ERR_NO_SUCH_PROPERTY,
+                              size_place, u"a\\7");
+    expect_thrown<PM_Warning>([&] { (void)object.getPropertySize(u"a\\a"); }, PM_ERR_NO_SUCH_PROPERTY,
+                              size_place, u"a\\a");
 }
 
 TEST(Object, PathExistsAsksForNodesAndAKnownLastName) {
@@ -484,7 +606,7 @@ TEST(Object, DeletingTakesThePropertyFirstThenTheNode) {
     object.deletePath(u"a");
     EXPECT_FALSE(object.pathExists(u"a"));
     object.SetProperty(u"b\\a", 1);
-    expect_thrown<PM_Warning>([&] { object.deletePath(u"a"); }, 52, delete_place, u"a");
+    expect_thrown<PM_Warning>([&] { object.deletePath(u"a"); }, PM_ERR_NOTHING_THERE, delete_place, u"a");
 }
 
 TEST(Object, AThirdDeleteOfANameStillInUseRaises52) {
@@ -494,19 +616,20 @@ TEST(Object, AThirdDeleteOfANameStillInUseRaises52) {
     object.SetProperty(u"a\\x", 2);
     object.deletePath(u"a");
     object.deletePath(u"a");
-    expect_thrown<PM_Warning>([&] { object.deletePath(u"a"); }, 52, delete_place, u"a");
+    expect_thrown<PM_Warning>([&] { object.deletePath(u"a"); }, PM_ERR_NOTHING_THERE, delete_place, u"a");
 }
 
 TEST(Object, DeletingAnUnknownNameRaises51) {
     PM_Object object;
-    expect_thrown<PM_Warning>([&] { object.deletePath(u"a"); }, 51, delete_place, u"a");
-    expect_thrown<PM_Warning>([&] { object.deletePath(u""); }, 51, delete_place, u"");
+    expect_thrown<PM_Warning>([&] { object.deletePath(u"a"); }, PM_ERR_BAD_PATH, delete_place, u"a");
+    expect_thrown<PM_Warning>([&] { object.deletePath(u""); }, PM_ERR_BAD_PATH, delete_place, u"");
 }
 
 TEST(Object, DeletingBelowAMissingNodeRaises52) {
     PM_Object object;
     object.SetProperty(u"a\\b", 1);
-    expect_thrown<PM_Warning>([&] { object.deletePath(u"b\\a"); }, 52, delete_place, u"b\\a");
+    expect_thrown<PM_Warning>([&] { object.deletePath(u"b\\a"); }, PM_ERR_NOTHING_THERE, delete_place,
+                              u"b\\a");
 }
 
 TEST(Object, DeletingKeepsSiblings) {
@@ -549,13 +672,16 @@ TEST(Object, WithoutARootEveryOperationRaises50) {
     OpenObject object;
     object.lose_root();
     int value = 0;
-    expect_thrown<PM_Severe>([&] { object.SetProperty(u"a", 1); }, 50, set_place, u"m_root");
-    expect_thrown<PM_Severe>([&] { (void)object.GetProperty(u"a", value); }, 50, get_place, u"m_root");
-    expect_thrown<PM_Severe>([&] { (void)object.getPropertySize(u"a"); }, 50, size_place, u"m_root");
-    expect_thrown<PM_Severe>([&] { object.deletePath(u"a"); }, 50, delete_place, u"m_root");
-    expect_thrown<PM_Severe>([&] { object.duplicate(u"a", u"b"); }, 50, u"PM_Object::duplicate()", u"m_root");
-    expect_thrown<PM_Severe>([&] { delete object.newIterator(u"a", 0); }, 50, u"PM_Iterator::PM_Iterator()",
-                             u"pmobj->m_root");
+    expect_thrown<PM_Severe>([&] { object.SetProperty(u"a", 1); }, PM_ERR_NO_ROOT, set_place, u"m_root");
+    expect_thrown<PM_Severe>([&] { (void)object.GetProperty(u"a", value); }, PM_ERR_NO_ROOT, get_place,
+                             u"m_root");
+    expect_thrown<PM_Severe>([&] { (void)object.getPropertySize(u"a"); }, PM_ERR_NO_ROOT, size_place,
+                             u"m_root");
+    expect_thrown<PM_Severe>([&] { object.deletePath(u"a"); }, PM_ERR_NO_ROOT, delete_place, u"m_root");
+    expect_thrown<PM_Severe>([&] { object.duplicate(u"a", u"b"); }, PM_ERR_NO_ROOT, u"PM_Object::duplicate()",
+                             u"m_root");
+    expect_thrown<PM_Severe>([&] { delete object.newIterator(u"a", 0); }, PM_ERR_NO_ROOT,
+                             u"PM_Iterator::PM_Iterator()", u"pmobj->m_root");
     EXPECT_FALSE(object.pathExists(u"a"));
 }
 
@@ -611,14 +737,17 @@ TEST(Duplicate, StrictnessAndTypeAreCopied) {
     object.SetProperty(u"a\\strict", 1);
     object.duplicate(u"a", u"c");
     object.SetProperty(u"c\\loose", 2.5);
-    expect_thrown<PM_Warning>([&] { object.SetProperty(u"c\\strict", 2.5); }, 54, set_place, u"");
+    expect_thrown<PM_Warning>([&] { object.SetProperty(u"c\\strict", 2.5); }, PM_ERR_WRONG_TYPE, set_place,
+                              u"");
 }
 
 TEST(Duplicate, LastNameOfTheSourceAnywhereInTheDestinationIsRefused) {
     PM_Object object;
     object.SetProperty(u"a\\b\\p", 1);
-    expect_thrown<PM_Severe>([&] { object.duplicate(u"a", u"x\\a\\y"); }, 70, u"PM_Object::duplicate()", u"");
-    expect_thrown<PM_Severe>([&] { object.duplicate(u"a\\b", u"b"); }, 70, u"PM_Object::duplicate()", u"");
+    expect_thrown<PM_Severe>([&] { object.duplicate(u"a", u"x\\a\\y"); }, PM_ERR_COPY_INTO_ITSELF,
+                             u"PM_Object::duplicate()", u"");
+    expect_thrown<PM_Severe>([&] { object.duplicate(u"a\\b", u"b"); }, PM_ERR_COPY_INTO_ITSELF,
+                             u"PM_Object::duplicate()", u"");
     object.duplicate(u"a\\b", u"a\\c");
     EXPECT_EQ(1, long_at(object, u"a\\c\\p"));
 }
@@ -635,7 +764,8 @@ TEST(Duplicate, OfTheRootIntoItselfChangesNothing) {
 TEST(Duplicate, IntoItsOwnInsideEndsAt256Components) {
     PM_Object object;
     object.SetProperty(u"a\\p", 1);
-    expect_thrown<PM_Warning>([&] { object.duplicate(u"\\", u"a"); }, 51, u"PM_Object::duplicate()", u"a");
+    expect_thrown<PM_Warning>([&] { object.duplicate(u"\\", u"a"); }, PM_ERR_BAD_PATH,
+                              u"PM_Object::duplicate()", u"a");
     EXPECT_EQ(1, long_at(object, u"a\\a\\a\\p"));
 }
 
@@ -650,13 +780,50 @@ TEST(Duplicate, OfAMissingNodeWithKnownNamesMakesTheDestinationOnly) {
 
 TEST(Duplicate, OfAnEmptyPathRaises51FromTheWalk) {
     PM_Object object;
-    expect_thrown<PM_Warning>([&] { object.duplicate(u"", u"c"); }, 51, u"PM_Iterator::PM_Iterator()", u"");
+    expect_thrown<PM_Warning>([&] { object.duplicate(u"", u"c"); }, PM_ERR_BAD_PATH,
+                              u"PM_Iterator::PM_Iterator()", u"");
 }
 
 TEST(Duplicate, APropertyWithoutAValueRaises59) {
     PM_Object object;
     object.setVoidProperty(u"a\\v", "", 0);
-    expect_thrown<PM_Warning>([&] { object.duplicate(u"a", u"c"); }, 59, u"PM_Property::GetData()", u"v");
+    expect_thrown<PM_Warning>([&] { object.duplicate(u"a", u"c"); }, PM_ERR_NO_VALUE,
+                              u"PM_Property::GetData()", u"v");
+}
+
+TEST(Duplicate, GivesBackItsNamesWhen59PassesOut) {
+    OpenObject object;
+    object.SetProperty(u"a\\b\\p", 1);
+    object.setVoidProperty(u"a\\b\\v", "", 0);
+    expect_thrown<PM_Warning>([&] { object.duplicate(u"a", u"c\\d"); }, PM_ERR_NO_VALUE,
+                              u"PM_Property::GetData()", u"v");
+    EXPECT_EQ(1, object.references(u"a"));
+    EXPECT_EQ(2, object.references(u"b"));
+    EXPECT_EQ(1, object.references(u"c"));
+    EXPECT_EQ(1, object.references(u"d"));
+    EXPECT_EQ(2, object.references(u"p"));
+    EXPECT_EQ(2, object.references(u"v")); // the copy was made before its value was read
+    EXPECT_EQ(0U, object.getPropertySize(u"c\\d\\b\\v"));
+}
+
+TEST(Duplicate, GivesBackItsNamesWhen51PassesOut) {
+    OpenObject object;
+    object.SetProperty(u"a\\p", 1);
+    (void)thrown_by([&] { object.duplicate(u"\\", u"a"); });
+    EXPECT_EQ(256, object.references(u"a")); // a node on each level
+    object.deletePath(u"a");
+    EXPECT_EQ(0, object.references(u"a"));
+    EXPECT_EQ(0, object.references(u"p"));
+}
+
+TEST(Duplicate, GivesBackItsNamesWhenTheSourceIsEmptyOrRefused) {
+    OpenObject object;
+    object.SetProperty(u"a\\p", 1);
+    (void)thrown_by([&] { object.duplicate(u"", u"c\\d"); });
+    (void)thrown_by([&] { object.duplicate(u"a", u"c\\a"); });
+    EXPECT_EQ(1, object.references(u"a"));
+    EXPECT_EQ(0, object.references(u"c"));
+    EXPECT_EQ(0, object.references(u"d"));
 }
 
 TEST(Duplicate, ReleasesTheNamesItUsed) {

@@ -2,6 +2,7 @@
 
 #include "support/exceptions.h"
 #include <cstring>
+#include <pm/error_number.h>
 #include <string>
 #include <vector>
 
@@ -212,7 +213,7 @@ TEST(Path, TwoHundredFiftySixComponentsParse) {
 TEST(Path, OneComponentMoreIsRefusedAndItsReferencesStayBehind) {
     PM_PathStrings strings;
     const std::u16string text = path_of(256) + u"\\y";
-    expect_thrown<PM_Warning>([&] { const PM_Path path(strings, text.c_str(), true); }, 51,
+    expect_thrown<PM_Warning>([&] { const PM_Path path(strings, text.c_str(), true); }, PM_ERR_BAD_PATH,
                               u"PM_Path::PM_Path()", text.substr(0, 259));
     EXPECT_EQ(256, count_of(strings, u"x"));
     EXPECT_EQ(1, count_of(strings, u"y"));
@@ -222,7 +223,7 @@ TEST(Path, TooManyKnownComponentsAreRefusedWithoutAddingToo) {
     PM_PathStrings strings;
     strings.Add(u"x");
     const std::u16string text = path_of(257);
-    expect_thrown<PM_Warning>([&] { const PM_Path path(strings, text.c_str(), false); }, 51,
+    expect_thrown<PM_Warning>([&] { const PM_Path path(strings, text.c_str(), false); }, PM_ERR_BAD_PATH,
                               u"PM_Path::PM_Path()", text.substr(0, 259));
 }
 
@@ -278,20 +279,23 @@ TEST_F(PropertyTest, StartsStrictWithoutTypeAndValue) {
 
 TEST_F(PropertyTest, ReadingAPropertyWithoutAValueRaises59) {
     char buffer[4];
-    expect_thrown<PM_Warning>([&] { m_property.GetData(buffer, 4); }, 59, u"PM_Property::GetData()", u"p");
+    expect_thrown<PM_Warning>([&] { m_property.GetData(buffer, 4); }, PM_ERR_NO_VALUE,
+                              u"PM_Property::GetData()", u"p");
 }
 
 TEST_F(PropertyTest, WritingNoBytesToANewPropertyLeavesItWithoutAValue) {
     m_property.SetData("", 0);
     EXPECT_EQ(0U, m_property.size());
     char buffer[4];
-    expect_thrown<PM_Warning>([&] { m_property.GetData(buffer, 4); }, 59, u"PM_Property::GetData()", u"p");
+    expect_thrown<PM_Warning>([&] { m_property.GetData(buffer, 4); }, PM_ERR_NO_VALUE,
+                              u"PM_Property::GetData()", u"p");
 }
 
 TEST_F(PropertyTest, SmallBufferRaises58AndIsUntouched) {
     m_property.SetData("abcd", 4);
     char buffer[4] = {'x', 'x', 'x', 'x'};
-    expect_thrown<PM_Warning>([&] { m_property.GetData(buffer, 3); }, 58, u"PM_Property::GetData()", u"p");
+    expect_thrown<PM_Warning>([&] { m_property.GetData(buffer, 3); }, PM_ERR_VALUE_TOO_LARGE,
+                              u"PM_Property::GetData()", u"p");
     EXPECT_EQ(0, std::memcmp("xxxx", buffer, 4));
 }
 
