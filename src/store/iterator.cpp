@@ -109,7 +109,7 @@ PM_Iterator::PM_Iterator(const PM_Object& object, const char16_t* path, int dept
         const PM_Path names(*object.m_strings, path, false);
         if (names.count() < 1) throw PM_Warning(PM_ERR_BAD_PATH, place, path, source);
         for (int index = 0; index < names.count() && node != nullptr; ++index) {
-            node = node->find_child(names.component(index));
+            node = node->find_child(*names.component(index));
         }
     }
     m_node = m_start = node;

@@ -83,7 +83,7 @@ private:
 PM_Node* find_node(PM_Node* root, const PM_Path& path, int count) {
     PM_Node* node = root;
     for (int index = 0; index < count && node != nullptr; ++index) {
-        node = node->find_child(path.component(index));
+        node = node->find_child(*path.component(index));
     }
     return node;
 }
@@ -103,9 +103,9 @@ std::size_t stored_bytes(const char* text) {
     return static_cast<std::size_t>(at - text) + 1;
 }
 
-bool occurs_in(const PM_Path& path, const char16_t* name) {
+bool occurs_in(const PM_Path& path, const PM_PathStrings::Entry& name) {
     for (int index = 0; index < path.count(); ++index) {
-        if (path.component(index) == name) return true;
+        if (path.component(index) == &name) return true;
     }
     return false;
 }
@@ -114,7 +114,7 @@ bool occurs_in(const PM_Path& path, const char16_t* name) {
 void copy_properties(const PM_Node& from, PM_Node& to, pm::Block<unsigned char>& scratch,
                      std::size_t& scratch_size) {
     for (const PM_Property* prop = from.first_prop(); prop != nullptr; prop = prop->next()) {
-        PM_Property* copy = to.AddProp(prop->name());
+        PM_Property* copy = to.AddProp(prop->entry());
         if (copy == nullptr) continue;
         copy->set_kind(prop->type(), prop->strict());
         if (!scratch || scratch_size < prop->size()) {
@@ -141,7 +141,7 @@ void PM_Object::make_root() {
     constexpr const char16_t* place = u"PM_Object::PM_Object";
     std::unique_ptr<PM_PathStrings> strings(new PM_PathStrings);
     if (!strings) raise_no_memory(place, u"m_strings");
-    const char16_t* name = strings->Add(u"Root");
+    PM_PathStrings::Entry& name = strings->Add(PM_PathStrings::Key(u"Root"));
     m_root = new PM_Node(*strings, name, nullptr);
     if (m_root == nullptr) raise_no_memory(place, u"m_root");
     strings->Release(name);
@@ -246,9 +246,9 @@ void PM_Object::setData(const char16_t* path, const void* data, std::size_t size
 
     const int last = names.count() - 1;
     PM_Node* node = make_nodes(names, last);
-    PM_Property* prop = last < names.first_new() ? node->find_prop(names.last()) : nullptr;
+    PM_Property* prop = last < names.first_new() ? node->find_prop(*names.last()) : nullptr;
     if (prop == nullptr) {
-        prop = node->append_prop(names.last());
+        prop = node->append_prop(*names.last());
     } else if (prop->strict() && prop->type() != type) {
         raise_warning(PM_ERR_WRONG_TYPE, place, u"");
     }
@@ -259,7 +259,7 @@ void PM_Object::setData(const char16_t* path, const void* data, std::size_t size
 PM_Node* PM_Object::make_nodes(const PM_Path& path, int count) {
     PM_Node* node = m_root;
     for (int index = 0; index < count; ++index) {
-        const char16_t* name = path.component(index);
+        PM_PathStrings::Entry& name = *path.component(index);
         PM_Node* child = index < path.first_new() ? node->find_child(name) : nullptr;
         node = child != nullptr ? child : node->AddNode(name);
     }
@@ -274,7 +274,7 @@ bool PM_Object::getData(const char16_t* path, void* buffer, std::size_t size, Pr
     const PM_Path names(*m_strings, resolved.text(), false);
     if (names.count() < 1) return false;
     const PM_Node* node = find_node(m_root, names, names.count() - 1);
-    const PM_Property* prop = node != nullptr ? node->find_prop(names.last()) : nullptr;
+    const PM_Property* prop = node != nullptr ? node->find_prop(*names.last()) : nullptr;
     if (prop == nullptr) return false;
     if (prop->strict() && prop->type() != type) raise_warning(PM_ERR_WRONG_TYPE, place, u"");
     prop->GetData(buffer, size);
@@ -289,7 +289,7 @@ std::size_t PM_Object::getPropertySize(const char16_t* path, int index) const {
     if (names.count() < 1) raise_warning(PM_ERR_BAD_PATH, place, path);
     const PM_Node* node = find_node(m_root, names, names.count() - 1);
     if (node == nullptr) raise_warning(PM_ERR_NO_SUCH_NODE, place, resolved.text());
-    const PM_Property* prop = node->find_prop(names.last());
+    const PM_Property* prop = node->find_prop(*names.last());
     if (prop == nullptr) raise_warning(PM_ERR_NO_SUCH_PROPERTY, place, resolved.text());
     return prop->size();
 }
@@ -306,7 +306,7 @@ void PM_Object::deletePath(const char16_t* path) {
     const PM_Path names(*m_strings, path, false);
     if (names.count() < 1) raise_warning(PM_ERR_BAD_PATH, place, path);
     PM_Node* node = find_node(m_root, names, names.count() - 1);
-    if (node == nullptr || (!node->delete_prop(names.last()) && !node->delete_child(names.last()))) {
+    if (node == nullptr || (!node->delete_prop(*names.last()) && !node->delete_child(*names.last()))) {
         raise_warning(PM_ERR_NOTHING_THERE, place, path);
     }
 }
@@ -316,7 +316,7 @@ void PM_Object::duplicate(const char16_t* from, const char16_t* to) {
     const PM_Path from_path(*m_strings, from, true);
     PM_Path to_path(*m_strings, to, true);
     // Kept this narrow: only the last name of the source counts, wherever it stands in the destination.
-    if (from_path.count() > 0 && occurs_in(to_path, from_path.last())) {
+    if (from_path.count() > 0 && occurs_in(to_path, *from_path.last())) {
         throw PM_Severe(PM_ERR_COPY_INTO_ITSELF, duplicate_place, u"", source);
     }
     const std::unique_ptr<PM_Iterator> walk(newIterator(from, 0));
@@ -330,14 +330,14 @@ void PM_Object::duplicate(const char16_t* from, const char16_t* to) {
 
     int depth = 0;
     NodeType step = NODE_SIBLING;
-    while (const char16_t* name = walk->nextNode(step)) {
+    while (walk->nextNode(step) != nullptr) {
         if (step != NODE_CHILD) to_path.pop();
         if (step == NODE_PARENT) {
             if (--depth == 0) break;
             continue;
         }
         if (step == NODE_CHILD) ++depth;
-        if (!to_path.push(name)) raise_warning(PM_ERR_BAD_PATH, duplicate_place, to);
+        if (!to_path.push(walk->currentNode()->entry())) raise_warning(PM_ERR_BAD_PATH, duplicate_place, to);
         copy = make_nodes(to_path, to_path.count());
         copy_properties(*walk->currentNode(), *copy, scratch, scratch_size);
     }

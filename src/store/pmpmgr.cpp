@@ -11,8 +11,6 @@ namespace {
 
 constexpr const char16_t* source = u"$Workfile: pmpmgr $ $Revision: #1 $";
 
-constexpr std::size_t link_size = sizeof(void*); // of the pointer in front of an interned text
-
 [[noreturn]] void raise_warning(std::uint32_t number, const char16_t* place, const char16_t* detail) {
     throw PM_Warning(number, place, detail, source);
 }
@@ -41,10 +39,10 @@ void delete_backwards(T* first, T* T::*next) {
 }
 
 template<auto next, class T>
-T* find_named(T* first, T* last, const char16_t* name) {
+T* find_named(T* first, T* last, const PM_PathStrings::Entry& name) {
     // The last one made is the one most often asked for.
-    if (last != nullptr && last->name() == name) return last;
-    while (first != nullptr && first->name() != name) {
+    if (last != nullptr && &last->entry() == &name) return last;
+    while (first != nullptr && &first->entry() != &name) {
         first = first->*next;
     }
     return first;
@@ -52,10 +50,10 @@ T* find_named(T* first, T* last, const char16_t* name) {
 
 // Takes the element of that name out of a list; null if there is none.
 template<class T>
-T* unlink_named(T*& first, T*& last, const char16_t* name, T* T::*next) {
+T* unlink_named(T*& first, T*& last, const PM_PathStrings::Entry& name, T* T::*next) {
     T* previous = nullptr;
     for (T* each = first; each != nullptr; previous = std::exchange(each, each->*next)) {
-        if (each->name() != name) continue;
+        if (&each->entry() != &name) continue;
         (previous != nullptr ? previous->*next : first) = std::exchange(each->*next, nullptr);
         if (last == each) last = previous;
         return each;
@@ -81,17 +79,13 @@ PM_PathStrings::Key::Key(std::u16string_view key_text) : text(key_text) {
 }
 
 PM_PathStrings::Entry::~Entry() {
-    if (m_text != nullptr) pm::release(reinterpret_cast<unsigned char*>(m_text) - link_size);
+    pm::release(m_text);
 }
 
 bool PM_PathStrings::Entry::set_text(std::u16string_view text) noexcept {
-    Entry* const self = this;
-    auto block = pm::allocate_block<unsigned char>(link_size + (text.size() + 1) * sizeof(char16_t));
-    if (!block) return false;
-    std::memcpy(block.get(), &self, link_size);
-    m_text = reinterpret_cast<char16_t*>(block.release() + link_size);
-    *std::copy(text.begin(), text.end(), m_text) = u'\0';
-    return true;
+    m_text = pm::allocate_block<char16_t>(text.size() + 1).release();
+    if (m_text != nullptr) *std::copy(text.begin(), text.end(), m_text) = u'\0';
+    return m_text != nullptr;
 }
 
 void PM_PathStrings::Entry::link_at(Entry*& head) noexcept {
@@ -135,17 +129,6 @@ PM_PathStrings::Entry& PM_PathStrings::AddNew(const Key& key) {
     if (!entry->set_text(key.text)) raise_no_memory(place, u"");
     entry->link_at(m_buckets[key.bucket]);
     return *entry.release();
-}
-
-PM_PathStrings::Entry& PM_PathStrings::entry_of(const char16_t* name) {
-    Entry* entry = nullptr;
-    std::memcpy(&entry, reinterpret_cast<const unsigned char*>(name) - link_size, link_size);
-    return *entry;
-}
-
-const char16_t* PM_PathStrings::AddInterned(const char16_t* name) {
-    AddReference(entry_of(name));
-    return name;
 }
 
 void PM_PathStrings::Release(const char16_t* text) {
@@ -200,13 +183,9 @@ void PM_Path::release_all() {
     m_count = 0;
 }
 
-const char16_t* PM_Path::component(int index) const {
-    return index >= 0 && index < m_count ? m_components[index]->text() : nullptr;
-}
-
-bool PM_Path::push(const char16_t* name) {
+bool PM_Path::push(PM_PathStrings::Entry& name) {
     if (m_count == max_components) return false;
-    add_component(m_strings->Add(PM_PathStrings::Key(name)));
+    add_component(PM_PathStrings::AddReference(name));
     return true;
 }
 
@@ -214,13 +193,13 @@ void PM_Path::pop() {
     m_strings->Release(*m_components[--m_count]);
 }
 
-PM_Property::PM_Property(PM_PathStrings& strings, const char16_t* name)
-    : m_strings(&strings), m_name(PM_PathStrings::AddInterned(name)) {}
+PM_Property::PM_Property(PM_PathStrings& strings, PM_PathStrings::Entry& name)
+    : m_strings(&strings), m_name(&PM_PathStrings::AddReference(name)) {}
 
 PM_Property::~PM_Property() {
     delete_backwards(m_next, &PM_Property::m_next);
     pm::release(m_data);
-    m_strings->ReleaseInterned(m_name);
+    m_strings->Release(*m_name);
 }
 
 void PM_Property::SetData(const void* data, std::size_t size) {
@@ -235,13 +214,13 @@ void PM_Property::SetData(const void* data, std::size_t size) {
 
 void PM_Property::GetData(void* buffer, std::size_t size) const {
     constexpr const char16_t* place = u"PM_Property::GetData()";
-    if (m_data == nullptr) raise_warning(PM_ERR_NO_VALUE, place, m_name);
-    if (size < m_size) raise_warning(PM_ERR_VALUE_TOO_LARGE, place, m_name);
+    if (m_data == nullptr) raise_warning(PM_ERR_NO_VALUE, place, name());
+    if (size < m_size) raise_warning(PM_ERR_VALUE_TOO_LARGE, place, name());
     if (m_size != 0) std::memcpy(buffer, m_data, m_size);
 }
 
-PM_Node::PM_Node(PM_PathStrings& strings, const char16_t* name, PM_Node* parent)
-    : m_strings(&strings), m_name(PM_PathStrings::AddInterned(name)), m_parent(parent) {}
+PM_Node::PM_Node(PM_PathStrings& strings, PM_PathStrings::Entry& name, PM_Node* parent)
+    : m_strings(&strings), m_name(&PM_PathStrings::AddReference(name)), m_parent(parent) {}
 
 PM_Node::~PM_Node() {
     for (PM_Node* node = this; node != nullptr; node = node->m_next_sibling) {
@@ -249,42 +228,42 @@ PM_Node::~PM_Node() {
         delete std::exchange(node->m_first_child, nullptr);
     }
     delete_backwards(m_next_sibling, &PM_Node::m_next_sibling);
-    m_strings->ReleaseInterned(m_name);
+    m_strings->Release(*m_name);
 }
 
-PM_Node* PM_Node::AddNode(const char16_t* name) {
+PM_Node* PM_Node::AddNode(PM_PathStrings::Entry& name) {
     auto* node = new PM_Node(*m_strings, name, this);
     if (node == nullptr) raise_no_memory(u"PM_Node::AddNode()", u"node");
     append_to(m_first_child, m_last_child, node, &PM_Node::m_next_sibling);
     return node;
 }
 
-PM_Property* PM_Node::AddProp(const char16_t* name) {
+PM_Property* PM_Node::AddProp(PM_PathStrings::Entry& name) {
     return find_prop(name) == nullptr ? append_prop(name) : nullptr;
 }
 
-PM_Property* PM_Node::append_prop(const char16_t* name) {
+PM_Property* PM_Node::append_prop(PM_PathStrings::Entry& name) {
     auto* prop = new PM_Property(*m_strings, name);
     if (prop == nullptr) raise_no_memory(u"PM_Node::AddProp", u"prop");
     append_to(m_first_prop, m_last_prop, prop, &PM_Property::m_next);
     return prop;
 }
 
-PM_Node* PM_Node::find_child(const char16_t* name) const {
+PM_Node* PM_Node::find_child(const PM_PathStrings::Entry& name) const {
     return find_named<&PM_Node::m_next_sibling>(m_first_child, m_last_child, name);
 }
 
-PM_Property* PM_Node::find_prop(const char16_t* name) const {
+PM_Property* PM_Node::find_prop(const PM_PathStrings::Entry& name) const {
     return find_named<&PM_Property::m_next>(m_first_prop, m_last_prop, name);
 }
 
-bool PM_Node::delete_prop(const char16_t* name) {
+bool PM_Node::delete_prop(const PM_PathStrings::Entry& name) {
     const PM_Property* prop = unlink_named(m_first_prop, m_last_prop, name, &PM_Property::m_next);
     delete prop;
     return prop != nullptr;
 }
 
-bool PM_Node::delete_child(const char16_t* name) {
+bool PM_Node::delete_child(const PM_PathStrings::Entry& name) {
     const PM_Node* child = unlink_named(m_first_child, m_last_child, name, &PM_Node::m_next_sibling);
     delete child;
     return child != nullptr;

@@ -8,7 +8,7 @@
 #include <string_view>
 
 // The interned names of one tree: one counted copy of each distinct text. Two names of a tree are equal
-// exactly when their pointers are, so that walks compare pointers only.
+// exactly when they are the same entry, so that walks compare pointers only.
 class PM_PathStrings : public PM_Mem_Obj {
 public:
     class Entry : public PM_Mem_Obj {
@@ -27,7 +27,7 @@ public:
         void link_at(Entry*& head) noexcept;
         void unlink() noexcept;
 
-        char16_t* m_text = nullptr; // the pointer to this entry stands in front of the units
+        char16_t* m_text = nullptr;
         std::int32_t m_count = 1;
         Entry* m_next = nullptr;
         Entry** m_link = nullptr; // what points to this entry: its bucket, or m_next of the one in front
@@ -54,22 +54,20 @@ public:
     Entry& Add(const Key& key);
     // The same for a text that isn't there.
     Entry& AddNew(const Key& key);
-    // One reference more, or less, on a name that is known to be interned here: no look-up.
-    static const char16_t* AddInterned(const char16_t* name);
-    void ReleaseInterned(const char16_t* name) { Release(entry_of(name)); }
-
     // Null if the text isn't there.
     Entry* Find(const char16_t* text) const { return Find(Key(text)); }
     Entry* Find(const Key& key) const;
 
     // One reference less; the last one removes the text. A text that isn't there is ignored.
     void Release(const char16_t* text);
+    // The same, and one reference more, without a look-up.
     void Release(Entry& entry);
-    static void AddReference(Entry& entry) { ++entry.m_count; }
+    static Entry& AddReference(Entry& entry) {
+        ++entry.m_count;
+        return entry;
+    }
 
 private:
-    static Entry& entry_of(const char16_t* name);
-
     std::array<Entry*, 256> m_buckets{};
 };
 
@@ -88,17 +86,19 @@ public:
     PM_Path& operator=(const PM_Path&) = delete;
 
     // Null for an index of count() or more.
-    const char16_t* component(int index) const;
+    PM_PathStrings::Entry* component(int index) const {
+        return index >= 0 && index < m_count ? m_components[index] : nullptr;
+    }
     int count() const { return m_count; }
-    const char16_t* last() const { return component(m_count - 1); }
+    PM_PathStrings::Entry* last() const { return component(m_count - 1); }
     // Index of the first component whose text was new to the table: no node or property of that name can
     // exist. max_components if there is none.
     int first_new() const { return m_first_new; }
     // To be called when nodes of these names have been made and the path is used on.
     void mark_known() { m_first_new = max_components; }
 
-    // Interns a name and puts it behind the last component; false, with nothing done, if there is no room.
-    bool push(const char16_t* name);
+    // Puts a name of the same table behind the last component; false, with nothing done, if there is no room.
+    bool push(PM_PathStrings::Entry& name);
     void pop();
 
 private:
@@ -114,8 +114,8 @@ private:
 // A typed value of a node.
 class PM_Property : public PM_Mem_Obj {
 public:
-    // `name` is interned in `strings`; the property takes a reference of its own.
-    PM_Property(PM_PathStrings& strings, const char16_t* name);
+    // `name` is an entry of `strings`; the property takes a reference of its own.
+    PM_Property(PM_PathStrings& strings, PM_PathStrings::Entry& name);
     // Destroys all properties that follow, last first, and then this one.
     ~PM_Property() override;
     PM_Property(const PM_Property&) = delete;
@@ -128,7 +128,8 @@ public:
     // is no data, 58 if `size`, the room in the buffer, is too small.
     void GetData(void* buffer, std::size_t size) const;
 
-    const char16_t* name() const { return m_name; }
+    const char16_t* name() const { return m_name->text(); }
+    PM_PathStrings::Entry& entry() const { return *m_name; }
     PM_Property* next() const { return m_next; }
     PropType type() const { return m_type; }
     bool strict() const { return m_strict; }
@@ -143,7 +144,7 @@ private:
     friend class PM_Node;
 
     PM_PathStrings* m_strings;
-    const char16_t* m_name;
+    PM_PathStrings::Entry* m_name;
     unsigned char* m_data = nullptr;
     std::uint64_t m_size = 0;
     bool m_strict = true;
@@ -154,7 +155,7 @@ private:
 // A named node with its properties and children, each in the order of creation.
 class PM_Node : public PM_Mem_Obj {
 public:
-    PM_Node(PM_PathStrings& strings, const char16_t* name, PM_Node* parent);
+    PM_Node(PM_PathStrings& strings, PM_PathStrings::Entry& name, PM_Node* parent);
     // Destroys its properties, its children and all siblings that follow: whoever removes one node unlinks
     // it first.
     ~PM_Node() override;
@@ -163,21 +164,22 @@ public:
 
     // Appends a child; doesn't look for one of that name. Number 55, place u"PM_Node::AddNode()", detail
     // u"node".
-    PM_Node* AddNode(const char16_t* name);
+    PM_Node* AddNode(PM_PathStrings::Entry& name);
     // Appends a property; null, with nothing changed, if there is one of that name. Number 55, place
     // u"PM_Node::AddProp", detail u"prop".
-    PM_Property* AddProp(const char16_t* name);
+    PM_Property* AddProp(PM_PathStrings::Entry& name);
     // As AddProp(), for a name that no property of this node can have.
-    PM_Property* append_prop(const char16_t* name);
+    PM_Property* append_prop(PM_PathStrings::Entry& name);
 
-    // Names are compared by pointer. Null if there is none.
-    PM_Node* find_child(const char16_t* name) const;
-    PM_Property* find_prop(const char16_t* name) const;
+    // Names are compared as entries. Null if there is none.
+    PM_Node* find_child(const PM_PathStrings::Entry& name) const;
+    PM_Property* find_prop(const PM_PathStrings::Entry& name) const;
     // Unlink and delete what find_...() gives; false if that is nothing.
-    bool delete_prop(const char16_t* name);
-    bool delete_child(const char16_t* name);
+    bool delete_prop(const PM_PathStrings::Entry& name);
+    bool delete_child(const PM_PathStrings::Entry& name);
 
-    const char16_t* name() const { return m_name; }
+    const char16_t* name() const { return m_name->text(); }
+    PM_PathStrings::Entry& entry() const { return *m_name; }
     PM_Node* parent() const { return m_parent; }
     PM_Node* next_sibling() const { return m_next_sibling; }
     PM_Node* first_child() const { return m_first_child; }
@@ -185,7 +187,7 @@ public:
 
 private:
     PM_PathStrings* m_strings;
-    const char16_t* m_name;
+    PM_PathStrings::Entry* m_name;
     PM_Node* m_parent;
     PM_Node* m_next_sibling = nullptr;
     PM_Node* m_first_child = nullptr;

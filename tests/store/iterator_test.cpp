@@ -285,7 +285,7 @@ TEST_F(ValueTest, ABoolOfEightBytesStillFits) {
 
 TEST_F(ValueTest, APropertyOfNoTypeEndsItsNode) {
     object.SetProperty(u"a", 1);
-    object.root().AddProp(object.strings().Add(u"untyped"));
+    object.root().AddProp(object.strings().Add(PM_PathStrings::Key(u"untyped")));
     object.SetProperty(u"z", 1);
     Walk walk(object, u"\\");
     EXPECT_EQ(u"a", std::u16string(walk.next()));

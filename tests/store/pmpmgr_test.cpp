@@ -15,11 +15,15 @@ int count_of(const PM_PathStrings& strings, const char16_t* text) {
     return entry != nullptr ? entry->count() : 0;
 }
 
+PM_PathStrings::Entry& intern(PM_PathStrings& strings, const char16_t* text) {
+    return strings.Add(PM_PathStrings::Key(text));
+}
+
 std::vector<std::u16string> components_of(const PM_Path& path) {
     std::vector<std::u16string> all;
     all.reserve(static_cast<std::size_t>(path.count()));
     for (int index = 0; index < path.count(); ++index) {
-        all.emplace_back(path.component(index));
+        all.emplace_back(path.component(index)->text());
     }
     return all;
 }
@@ -114,25 +118,25 @@ std::u16string numbered(int number) {
 TEST(PathStrings, ManyNamesAreKeptApartWhileSomeGo) {
     constexpr int count = 5000;
     PM_PathStrings strings;
-    std::vector<const char16_t*> names;
+    std::vector<PM_PathStrings::Entry*> names;
     names.reserve(count);
     for (int number = 0; number < count; ++number) {
-        names.push_back(strings.Add(numbered(number).c_str()));
+        names.push_back(&strings.Add(PM_PathStrings::Key(numbered(number))));
     }
     for (int number = 0; number < count; ++number) {
-        EXPECT_EQ(names[static_cast<std::size_t>(number)], strings.Add(numbered(number).c_str()));
+        EXPECT_EQ(names[static_cast<std::size_t>(number)]->text(), strings.Add(numbered(number).c_str()));
     }
     for (int number = 0; number < count; number += 3) {
         strings.Release(numbered(number).c_str());
     }
     for (int number = 0; number < count; number += 3) {
-        strings.ReleaseInterned(names[static_cast<std::size_t>(number)]);
+        strings.Release(*names[static_cast<std::size_t>(number)]);
     }
     for (int number = 0; number < count; ++number) {
         const PM_PathStrings::Entry* entry = strings.Find(numbered(number).c_str());
         ASSERT_EQ(number % 3 == 0, entry == nullptr) << number;
         if (entry != nullptr) {
-            EXPECT_EQ(names[static_cast<std::size_t>(number)], entry->text());
+            EXPECT_EQ(names[static_cast<std::size_t>(number)], entry);
             EXPECT_EQ(2, entry->count());
         }
     }
@@ -245,28 +249,27 @@ TEST(Path, FirstNewTellsWhereTheTableWasExtended) {
 TEST(Path, PushAndPopKeepReferences) {
     PM_PathStrings strings;
     PM_Path path(strings, u"a", true);
-    EXPECT_TRUE(path.push(u"b"));
-    EXPECT_EQ(u"b", std::u16string(path.last()));
-    EXPECT_EQ(1, count_of(strings, u"b"));
+    EXPECT_TRUE(path.push(intern(strings, u"b")));
+    EXPECT_EQ(u"b", std::u16string(path.last()->text()));
+    EXPECT_EQ(2, count_of(strings, u"b"));
     path.pop();
-    EXPECT_EQ(nullptr, strings.Find(u"b"));
+    EXPECT_EQ(1, count_of(strings, u"b"));
     EXPECT_EQ(1, path.count());
 }
 
 TEST(Path, PushOntoAFullPathIsRefused) {
     PM_PathStrings strings;
     PM_Path path(strings, path_of(256).c_str(), true);
-    EXPECT_FALSE(path.push(u"y"));
+    EXPECT_FALSE(path.push(intern(strings, u"y")));
     EXPECT_EQ(256, path.count());
-    EXPECT_EQ(nullptr, strings.Find(u"y"));
+    EXPECT_EQ(1, count_of(strings, u"y"));
 }
 
 class PropertyTest : public testing::Test {
 protected:
-    PropertyTest() : m_name(m_strings.Add(u"p")), m_property(m_strings, m_name) {}
+    PropertyTest() : m_property(m_strings, intern(m_strings, u"p")) {}
 
     PM_PathStrings m_strings;
-    const char16_t* m_name;
     PM_Property m_property;
 };
 
@@ -319,7 +322,7 @@ TEST_F(PropertyTest, SizesCanChangeBothWays) {
 
 class NodeTest : public testing::Test {
 protected:
-    const char16_t* name(const char16_t* text) { return m_strings.Add(text); }
+    PM_PathStrings::Entry& name(const char16_t* text) { return intern(m_strings, text); }
 
     std::vector<std::u16string> children() const {
         std::vector<std::u16string> all;
@@ -338,7 +341,7 @@ protected:
     using Names = std::vector<std::u16string>;
 
     PM_PathStrings m_strings;
-    PM_Node m_root{m_strings, m_strings.Add(u"Root"), nullptr};
+    PM_Node m_root{m_strings, intern(m_strings, u"Root"), nullptr};
 };
 
 TEST_F(NodeTest, ChildrenAndPropertiesKeepTheOrderOfCreation) {
@@ -363,8 +366,7 @@ TEST_F(NodeTest, AddNodeDoesNotLookForAnExistingName) {
 }
 
 TEST_F(NodeTest, ANewNodeKnowsItsParentAndHoldsItsName) {
-    const char16_t* text = name(u"n");
-    EXPECT_EQ(&m_root, m_root.AddNode(text)->parent());
+    EXPECT_EQ(&m_root, m_root.AddNode(name(u"n"))->parent());
     EXPECT_EQ(2, count_of(m_strings, u"n"));
 }
 
@@ -427,7 +429,7 @@ TEST_F(NodeTest, DestructionReleasesAllNamesBelow) {
 
 TEST(Node, AMillionSiblingsAndPropertiesAreDestroyedWithAFlatStack) {
     PM_PathStrings strings;
-    const char16_t* name = strings.Add(u"n");
+    PM_PathStrings::Entry& name = intern(strings, u"n");
     PM_Node root(strings, name, nullptr);
     for (int count = 0; count < 1'000'000; ++count) {
         root.AddNode(name);
