@@ -15,11 +15,19 @@ inline std::u16string decimal(int number) {
 enum Shape : int {
     nodes_of_100, // 100 properties a node, 100 nodes a group, the same property names in each node
     flat,         // all properties in one node
-    unique_names  // as nodes_of_100, but no name of a property comes twice
+    unique_names, // as nodes_of_100, but no name of a property comes twice
+    nodes_of_10,  // ten properties a node, ten nodes a node on three levels, names repeating
+    names_10_000  // as nodes_of_10, but 10,000 names of properties
 };
 
 inline std::u16string property_path(Shape shape, int index) {
     if (shape == flat) return u"\\settings\\property" + decimal(index);
+    if (shape == nodes_of_10 || shape == names_10_000) {
+        const std::u16string node = u"\\group" + decimal(index / 10'000) + u"\\family" +
+                                    decimal(index / 1000 % 10) + u"\\device" + decimal(index / 100 % 10) +
+                                    u"\\mode" + decimal(index / 10 % 10);
+        return node + u"\\property" + decimal(shape == nodes_of_10 ? index % 10 : index % 10'000);
+    }
     const std::u16string node = u"\\group" + decimal(index / 10'000) + u"\\node" + decimal(index / 100 % 100);
     return node + u"\\property" + decimal(shape == unique_names ? index : index % 100);
 }
@@ -49,6 +57,16 @@ inline void set_property(PM_Object& object, const std::u16string& path, int inde
     default:
         return object.setVoidProperty(path.c_str(), raw, sizeof raw);
     }
+}
+
+// The mix of types that comparisons use: 40 % integers, 30 % doubles, 20 % texts, 10 % truth values.
+inline void set_typed(PM_Object& object, const std::u16string& path, int index) {
+    const int turn = index % 10;
+    if (turn < 4) return object.SetProperty(path.c_str(), index * 7919 % 1'000'000);
+    if (turn < 6) return object.SetProperty(path.c_str(), index % 100'000 / 8.0);
+    if (turn == 6) return object.SetProperty(path.c_str(), index / 7.0);
+    if (turn < 9) return object.SetProperty(path.c_str(), (u"value " + decimal(index)).c_str());
+    object.SetProperty(path.c_str(), index % 20 == 9);
 }
 
 inline void fill(PM_Object& object, Shape shape, int count) {
