@@ -185,6 +185,5 @@ private:
     friend class pm::TreeCursor;
 
     bool getData(const char16_t* path, void* buffer, std::size_t size, PropType type, int index) const;
-    PM_Node* make_nodes(const class PM_Path& path, int count);
     void make_root();
 };

@@ -12,14 +12,18 @@ namespace {
 
 AllocationFilter allocation_filter = nullptr;
 
+} // namespace
+
 bool refused(std::size_t size) noexcept {
     return allocation_filter != nullptr && allocation_filter(size);
 }
 
-} // namespace
+void* allocate_unasked(std::size_t size) noexcept {
+    return std::malloc(std::max<std::size_t>(size, 1));
+}
 
 void* allocate(std::size_t size) noexcept {
-    return refused(size) ? nullptr : std::malloc(std::max<std::size_t>(size, 1));
+    return refused(size) ? nullptr : allocate_unasked(size);
 }
 
 void* allocate_zeroed(std::size_t size) noexcept {

@@ -1,5 +1,6 @@
 #include <pm/iterator.h>
 
+#include "base/allocator.h"
 #include "base/text.h"
 #include "store/pmpmgr.h"
 #include "store/value_text.h"

@@ -1,3 +1,4 @@
+#include "base/allocator.h"
 #include "base/text.h"
 #include "platform/code_page.h"
 #include "store/pmpmgr.h"
@@ -36,7 +37,7 @@ void require_root(const PM_Node* root, const char16_t* place) {
 // A path text with its index worked in, on the stack.
 class ResolvedPath {
 public:
-    static constexpr std::size_t limit = 1023;
+    static constexpr std::size_t limit = PM_Node::longest_path;
 
     // Number 51 at `place`, with the path as given, for a result of more than 1023 units.
     ResolvedPath(const char16_t* path, int index, const char16_t* place) {
@@ -79,11 +80,32 @@ private:
     std::size_t m_length = 0;
 };
 
+// The property that a path without index and "*" names, found by a short way; null if there is none, and for
+// paths that need the long way.
+PM_Property* find_plain(const PM_Node& root, const char16_t* path, int index) {
+    return index == no_index ? root.find_prop_at(path) : nullptr;
+}
+
+void require_type(const PM_Property& prop, PropType type, const char16_t* place) {
+    if (prop.strict() && prop.type() != type) raise_warning(PM_ERR_WRONG_TYPE, place, u"");
+}
+
 // The node that the first `count` components name, or null.
 PM_Node* find_node(PM_Node* root, const PM_Path& path, int count) {
     PM_Node* node = root;
     for (int index = 0; index < count && node != nullptr; ++index) {
         node = node->find_child(*path.component(index));
+    }
+    return node;
+}
+
+// The same, with nodes made where they are missing.
+PM_Node* make_nodes(PM_Node* root, const PM_Path& path, int count) {
+    PM_Node* node = root;
+    for (int index = 0; index < count; ++index) {
+        PM_PathStrings::Entry& name = *path.component(index);
+        PM_Node* child = index < path.first_new() ? node->find_child(name) : nullptr;
+        node = child != nullptr ? child : node->AddNode(name);
     }
     return node;
 }
@@ -111,7 +133,7 @@ bool occurs_in(const PM_Path& path, const PM_PathStrings::Entry& name) {
 }
 
 // Copies what `to` doesn't have yet. `scratch` is kept between calls.
-void copy_properties(const PM_Node& from, PM_Node& to, pm::Block<unsigned char>& scratch,
+void copy_properties(const PM_Node& from, PM_Node& to, pm::Pool& pool, pm::Block<unsigned char>& scratch,
                      std::size_t& scratch_size) {
     for (const PM_Property* prop = from.first_prop(); prop != nullptr; prop = prop->next()) {
         PM_Property* copy = to.AddProp(prop->entry());
@@ -123,7 +145,7 @@ void copy_properties(const PM_Node& from, PM_Node& to, pm::Block<unsigned char>&
             scratch_size = prop->size();
         }
         prop->GetData(scratch.get(), prop->size());
-        copy->SetData(scratch.get(), prop->size());
+        copy->SetData(pool, scratch.get(), prop->size());
     }
 }
 
@@ -142,14 +164,14 @@ void PM_Object::make_root() {
     std::unique_ptr<PM_PathStrings> strings(new PM_PathStrings);
     if (!strings) raise_no_memory(place, u"m_strings");
     PM_PathStrings::Entry& name = strings->Add(PM_PathStrings::Key(u"Root"));
-    m_root = new PM_Node(*strings, name, nullptr);
+    m_root = strings->pool().make<PM_Node>(*strings, name, nullptr);
     if (m_root == nullptr) raise_no_memory(place, u"m_root");
     strings->Release(name);
     m_strings = strings.release();
 }
 
+// The tree needs no walk: its memory goes with the pool of the names.
 PM_Object::~PM_Object() {
-    delete m_root;
     delete m_strings;
     m_root = nullptr;
     m_strings = nullptr;
@@ -240,43 +262,37 @@ void PM_Object::setData(const char16_t* path, const void* data, std::size_t size
                         bool strict) {
     constexpr const char16_t* place = u"PM_Object::SetData()";
     require_root(m_root, place);
-    const ResolvedPath resolved(path, index, place);
-    const PM_Path names(*m_strings, resolved.text(), true);
-    if (names.count() < 1) raise_warning(PM_ERR_BAD_PATH, place, path);
-
-    const int last = names.count() - 1;
-    PM_Node* node = make_nodes(names, last);
-    PM_Property* prop = last < names.first_new() ? node->find_prop(*names.last()) : nullptr;
+    PM_Property* prop = find_plain(*m_root, path, index);
+    bool made = false;
     if (prop == nullptr) {
-        prop = node->append_prop(*names.last());
-    } else if (prop->strict() && prop->type() != type) {
-        raise_warning(PM_ERR_WRONG_TYPE, place, u"");
+        const ResolvedPath resolved(path, index, place);
+        const PM_Path names(*m_strings, resolved.text(), true);
+        if (names.count() < 1) raise_warning(PM_ERR_BAD_PATH, place, path);
+        const int last = names.count() - 1;
+        PM_Node* node = make_nodes(m_root, names, last);
+        prop = last < names.first_new() ? node->find_prop(*names.last()) : nullptr;
+        made = prop == nullptr;
+        if (made) prop = node->append_prop(*names.last());
     }
+    if (!made) require_type(*prop, type, place);
     prop->set_kind(type, strict);
-    prop->SetData(data, size);
-}
-
-PM_Node* PM_Object::make_nodes(const PM_Path& path, int count) {
-    PM_Node* node = m_root;
-    for (int index = 0; index < count; ++index) {
-        PM_PathStrings::Entry& name = *path.component(index);
-        PM_Node* child = index < path.first_new() ? node->find_child(name) : nullptr;
-        node = child != nullptr ? child : node->AddNode(name);
-    }
-    return node;
+    prop->SetData(m_strings->pool(), data, size);
 }
 
 bool PM_Object::getData(const char16_t* path, void* buffer, std::size_t size, PropType type,
                         int index) const {
     constexpr const char16_t* place = u"PM_Object::GetData()";
     require_root(m_root, place);
-    const ResolvedPath resolved(path, index, place);
-    const PM_Path names(*m_strings, resolved.text(), false);
-    if (names.count() < 1) return false;
-    const PM_Node* node = find_node(m_root, names, names.count() - 1);
-    const PM_Property* prop = node != nullptr ? node->find_prop(*names.last()) : nullptr;
+    const PM_Property* prop = find_plain(*m_root, path, index);
+    if (prop == nullptr) {
+        const ResolvedPath resolved(path, index, place);
+        const PM_Path names(*m_strings, resolved.text(), false);
+        if (names.count() < 1) return false;
+        const PM_Node* node = find_node(m_root, names, names.count() - 1);
+        prop = node != nullptr ? node->find_prop(*names.last()) : nullptr;
+    }
     if (prop == nullptr) return false;
-    if (prop->strict() && prop->type() != type) raise_warning(PM_ERR_WRONG_TYPE, place, u"");
+    require_type(*prop, type, place);
     prop->GetData(buffer, size);
     return true;
 }
@@ -284,6 +300,7 @@ bool PM_Object::getData(const char16_t* path, void* buffer, std::size_t size, Pr
 std::size_t PM_Object::getPropertySize(const char16_t* path, int index) const {
     constexpr const char16_t* place = u"PM_Object::getPropertySize()";
     require_root(m_root, place);
+    if (const PM_Property* known = find_plain(*m_root, path, index)) return known->size();
     const ResolvedPath resolved(path, index, place);
     const PM_Path names(*m_strings, resolved.text(), false);
     if (names.count() < 1) raise_warning(PM_ERR_BAD_PATH, place, path);
@@ -324,9 +341,10 @@ void PM_Object::duplicate(const char16_t* from, const char16_t* to) {
 
     pm::Block<unsigned char> scratch;
     std::size_t scratch_size = 0;
-    PM_Node* copy = make_nodes(to_path, to_path.count());
+    PM_Node* copy = make_nodes(m_root, to_path, to_path.count());
     to_path.mark_known();
-    if (walk->currentNode() != nullptr) copy_properties(*walk->currentNode(), *copy, scratch, scratch_size);
+    if (walk->currentNode() != nullptr)
+        copy_properties(*walk->currentNode(), *copy, m_strings->pool(), scratch, scratch_size);
 
     int depth = 0;
     NodeType step = NODE_SIBLING;
@@ -338,8 +356,8 @@ void PM_Object::duplicate(const char16_t* from, const char16_t* to) {
         }
         if (step == NODE_CHILD) ++depth;
         if (!to_path.push(walk->currentNode()->entry())) raise_warning(PM_ERR_BAD_PATH, duplicate_place, to);
-        copy = make_nodes(to_path, to_path.count());
-        copy_properties(*walk->currentNode(), *copy, scratch, scratch_size);
+        copy = make_nodes(m_root, to_path, to_path.count());
+        copy_properties(*walk->currentNode(), *copy, m_strings->pool(), scratch, scratch_size);
     }
 }
 

@@ -1,7 +1,8 @@
 #include "store/pmpmgr.h"
 
-#include "base/text.h"
+#include "base/allocator.h"
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <pm/error_number.h>
 #include <pm/exception.h>
@@ -19,73 +20,65 @@ constexpr const char16_t* source = u"$Workfile: pmpmgr $ $Revision: #1 $";
     throw PM_Memory_Exception(place, detail, source);
 }
 
-// The list from `first` on with its links turned round.
-template<class T>
-T* reversed(T* first, T* T::*next) {
-    T* done = nullptr;
-    while (first != nullptr) {
-        T* rest = std::exchange(first->*next, done);
-        done = std::exchange(first, rest);
-    }
-    return done;
+constexpr std::size_t word_units = sizeof(std::uint64_t) / sizeof(char16_t);
+constexpr unsigned unit_bits = 16;
+
+inline std::uint64_t word_at(const char16_t* units) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, units, sizeof word);
+    return word;
 }
 
-// Deletes a list from its last element to its first, one at a time: told order, flat stack.
-template<class T>
-void delete_backwards(T* first, T* T::*next) {
-    for (T* each = reversed(first, next); each != nullptr;) {
-        delete std::exchange(each, std::exchange(each->*next, nullptr));
+// The last units of a text, less than a word, as a word with zeros.
+inline std::uint64_t tail_of(std::u16string_view text) {
+    const std::size_t count = text.size() % word_units;
+    const char16_t* const end = text.data() + text.size();
+    if (text.size() < word_units) {
+        std::uint64_t word = 0;
+        for (const char16_t* at = end - count; at != end; ++at) {
+            word = word << unit_bits | *at;
+        }
+        return word;
     }
+    if (count == 0) return 0;
+    const unsigned foreign = static_cast<unsigned>(word_units - count) * unit_bits;
+    const std::uint64_t word = word_at(end - word_units);
+    return std::endian::native == std::endian::little ? word >> foreign : word << foreign;
 }
 
-template<auto next, class T>
-T* find_named(T* first, T* last, const PM_PathStrings::Entry& name) {
-    // The last one made is the one most often asked for.
-    if (last != nullptr && &last->entry() == &name) return last;
-    while (first != nullptr && &first->entry() != &name) {
-        first = first->*next;
-    }
-    return first;
+inline std::uint64_t mixed(std::uint64_t hash, std::uint64_t word) {
+    hash = (hash ^ word) * 0x9E3779B97F4A7C15U;
+    return hash ^ hash >> 32U;
 }
 
-// Takes the element of that name out of a list; null if there is none.
-template<class T>
-T* unlink_named(T*& first, T*& last, const PM_PathStrings::Entry& name, T* T::*next) {
-    T* previous = nullptr;
-    for (T* each = first; each != nullptr; previous = std::exchange(each, each->*next)) {
-        if (&each->entry() != &name) continue;
-        (previous != nullptr ? previous->*next : first) = std::exchange(each->*next, nullptr);
-        if (last == each) last = previous;
-        return each;
+// Whether `size` units are equal, without a call for the short texts that names are.
+inline bool same_units(const char16_t* a, const char16_t* b, std::size_t size) {
+    if (size < word_units) return std::equal(a, a + size, b);
+    const std::size_t last = size - word_units; // where the last word begins, which may overlap
+    for (std::size_t at = 0; at < last; at += word_units) {
+        if (word_at(a + at) != word_at(b + at)) return false;
     }
-    return nullptr;
-}
-
-template<class T>
-void append_to(T*& first, T*& last, T* added, T* T::*next) {
-    (last != nullptr ? last->*next : first) = added;
-    last = added;
+    return word_at(a + last) == word_at(b + last);
 }
 
 } // namespace
 
 PM_PathStrings::Key::Key(std::u16string_view key_text) : text(key_text) {
-    unsigned folded = 0;
-    for (const char16_t unit : text) {
-        folded ^= unit;
-        print = (print ^ unit) * 0x01000193u; // FNV-1a over units
+    std::uint64_t hash = text.size();
+    std::uint64_t folded = 0;
+    const char16_t* const end = text.data() + text.size() / word_units * word_units;
+    for (const char16_t* at = text.data(); at != end; at += word_units) {
+        const std::uint64_t word = word_at(at);
+        folded ^= word;
+        hash = mixed(hash, word);
     }
-    bucket = static_cast<std::uint8_t>(folded ^ (folded >> 8));
-}
+    const std::uint64_t tail = tail_of(text);
+    print = static_cast<std::uint32_t>(mixed(hash, tail) * 0xD6E8FEB86659FD93U >> 32U);
 
-PM_PathStrings::Entry::~Entry() {
-    pm::release(m_text);
-}
-
-bool PM_PathStrings::Entry::set_text(std::u16string_view text) noexcept {
-    m_text = pm::allocate_block<char16_t>(text.size() + 1).release();
-    if (m_text != nullptr) *std::copy(text.begin(), text.end(), m_text) = u'\0';
-    return m_text != nullptr;
+    folded ^= tail;
+    folded ^= folded >> 32U;
+    folded ^= folded >> 16U;
+    bucket = static_cast<std::uint8_t>(folded ^ folded >> 8U);
 }
 
 void PM_PathStrings::Entry::link_at(Entry*& head) noexcept {
@@ -99,17 +92,14 @@ void PM_PathStrings::Entry::unlink() noexcept {
     if (m_next != nullptr) m_next->m_link = m_link;
 }
 
-PM_PathStrings::~PM_PathStrings() {
-    for (Entry* entry : m_buckets) {
-        while (entry != nullptr) {
-            delete std::exchange(entry, entry->m_next);
-        }
-    }
-}
-
 PM_PathStrings::Entry* PM_PathStrings::Find(const Key& key) const {
+    const auto is = [&key](const Entry& entry) {
+        return entry.m_print == key.print && entry.m_length == key.text.size() &&
+               same_units(entry.text(), key.text.data(), key.text.size());
+    };
+    if (m_index.active()) return m_index.find(key.print, is);
     Entry* entry = m_buckets[key.bucket];
-    while (entry != nullptr && (entry->m_print != key.print || entry->m_text != key.text)) {
+    while (entry != nullptr && !is(*entry)) {
         entry = entry->m_next;
     }
     return entry;
@@ -117,40 +107,61 @@ PM_PathStrings::Entry* PM_PathStrings::Find(const Key& key) const {
 
 PM_PathStrings::Entry& PM_PathStrings::Add(const Key& key) {
     Entry* known = Find(key);
-    if (known == nullptr) return AddNew(key);
-    AddReference(*known);
-    return *known;
+    return known != nullptr ? AddReference(*known) : AddNew(key);
 }
 
 PM_PathStrings::Entry& PM_PathStrings::AddNew(const Key& key) {
+    Entry& entry = make_entry(key);
+    entry.link_at(m_buckets[key.bucket]);
+    ++m_count;
+    add_to_index(entry);
+    return entry;
+}
+
+// Entry and text are one block, but each has a failure of its own.
+PM_PathStrings::Entry& PM_PathStrings::make_entry(const Key& key) {
     constexpr const char16_t* place = u"PM_PathStrings::Add()";
-    std::unique_ptr<Entry> entry(new Entry(key.print));
-    if (!entry) raise_no_memory(place, u"entry");
-    if (!entry->set_text(key.text)) raise_no_memory(place, u"");
-    entry->link_at(m_buckets[key.bucket]);
-    return *entry.release();
+    const std::size_t text_bytes = (key.text.size() + 1) * sizeof(char16_t);
+    if (pm::refused(sizeof(Entry))) raise_no_memory(place, u"entry");
+    void* block = m_pool.allocate(sizeof(Entry) + text_bytes);
+    if (block == nullptr) {
+        void* const entry_alone = m_pool.allocate(sizeof(Entry));
+        m_pool.release(entry_alone, sizeof(Entry));
+        raise_no_memory(place, entry_alone != nullptr ? u"" : u"entry");
+    }
+    auto* entry = ::new (block) Entry(key.text.size(), key.print);
+    *std::copy(key.text.begin(), key.text.end(), reinterpret_cast<char16_t*>(entry + 1)) = u'\0';
+    return *entry;
+}
+
+void PM_PathStrings::add_to_index(Entry& entry) {
+    if (!m_index.active() && m_count <= index_from) return;
+    const bool complete = m_index.active();
+    if (!m_index.reserve(m_pool, m_count)) return m_index.clear(m_pool);
+    if (complete) return m_index.insert(entry);
+    for (Entry* each : m_buckets) {
+        for (; each != nullptr; each = each->m_next) {
+            m_index.insert(*each);
+        }
+    }
 }
 
 void PM_PathStrings::Release(const char16_t* text) {
-    if (Entry* entry = Find(Key(text))) Release(*entry);
+    if (Entry* entry = Find(text)) Release(*entry);
 }
 
-void PM_PathStrings::Release(Entry& entry) {
-    if (entry.m_count >= 2) {
-        --entry.m_count;
-        return;
-    }
+void PM_PathStrings::remove(Entry& entry) {
     entry.unlink();
-    delete &entry;
+    --m_count;
+    if (m_index.active()) m_index.erase(entry);
+    const std::size_t bytes = sizeof(Entry) + (entry.view().size() + 1) * sizeof(char16_t);
+    entry.~Entry();
+    m_pool.release(&entry, bytes);
 }
 
 PM_Path::PM_Path(PM_PathStrings& strings, const char16_t* text, bool add) : m_strings(&strings) {
-    std::u16string_view rest = pm::view(text);
-    while (!(rest = pm::skip_any(rest, u"\\")).empty()) {
-        const std::size_t length = std::min(rest.find(u'\\'), rest.size());
-        const PM_PathStrings::Key key(rest.substr(0, length));
-        rest.remove_prefix(length);
-
+    for (PM_PathReader reader(text); reader.next();) {
+        const PM_PathStrings::Key key(reader.component());
         PM_PathStrings::Entry* entry = strings.Find(key);
         if (entry != nullptr) {
             PM_PathStrings::AddReference(*entry);
@@ -193,48 +204,127 @@ void PM_Path::pop() {
     m_strings->Release(*m_components[--m_count]);
 }
 
-PM_Property::PM_Property(PM_PathStrings& strings, PM_PathStrings::Entry& name)
-    : m_strings(&strings), m_name(&PM_PathStrings::AddReference(name)) {}
-
-PM_Property::~PM_Property() {
-    delete_backwards(m_next, &PM_Property::m_next);
-    pm::release(m_data);
-    m_strings->Release(*m_name);
-}
-
-void PM_Property::SetData(const void* data, std::size_t size) {
-    if (size != m_size) {
-        pm::release(std::exchange(m_data, nullptr));
-        m_data = pm::allocate_block<unsigned char>(size).release();
-        m_size = m_data != nullptr ? size : 0;
-        if (m_data == nullptr) raise_no_memory(u"PM_Property::SetData()", u"Property Manager");
+void PM_Property::SetData(pm::Pool& pool, const void* data, std::size_t size) {
+    if (size != this->size()) {
+        drop_value(pool);
+        if (!make_room(pool, size)) raise_no_memory(u"PM_Property::SetData()", u"Property Manager");
     }
-    if (size != 0) std::memcpy(m_data, data, size);
+    if (size != 0) std::memcpy(m_held == Held::large ? m_value.large.data : m_value.small, data, size);
 }
 
 void PM_Property::GetData(void* buffer, std::size_t size) const {
     constexpr const char16_t* place = u"PM_Property::GetData()";
-    if (m_data == nullptr) raise_warning(PM_ERR_NO_VALUE, place, name());
-    if (size < m_size) raise_warning(PM_ERR_VALUE_TOO_LARGE, place, name());
-    if (m_size != 0) std::memcpy(buffer, m_data, m_size);
+    const unsigned char* const bytes = data();
+    if (bytes == nullptr) raise_warning(PM_ERR_NO_VALUE, place, name());
+    if (size < this->size()) raise_warning(PM_ERR_VALUE_TOO_LARGE, place, name());
+    if (this->size() != 0) std::memcpy(buffer, bytes, this->size());
+}
+
+bool PM_Property::make_room(pm::Pool& pool, std::size_t size) noexcept {
+    if (size <= small_value) {
+        if (pm::refused(size)) return false;
+        m_small_size = static_cast<std::uint8_t>(size);
+        m_held = Held::small;
+        return true;
+    }
+    auto* block = static_cast<unsigned char*>(pool.allocate(size));
+    if (block == nullptr) return false;
+    m_value.large = {block, size};
+    m_held = Held::large;
+    return true;
+}
+
+void PM_Property::drop_value(pm::Pool& pool) noexcept {
+    if (m_held == Held::large) pool.release(m_value.large.data, m_value.large.size);
+    m_held = Held::nothing;
+    m_small_size = 0;
+}
+
+template<class T, T* T::*next>
+T* PM_Node::List<T, next>::find(PM_PathStrings& strings, const PM_PathStrings::Entry& name) const {
+    const auto is = [&name](const T& element) { return &element.entry() == &name; };
+    if (m_index != nullptr) return m_index->find(name.print(), is);
+    T* each = m_first;
+    for (int walked = 0; each != nullptr && !is(*each); each = each->*next) {
+        if (++walked == index_from && make_index(strings.pool())) return m_index->find(name.print(), is);
+    }
+    return each;
+}
+
+template<class T, T* T::*next>
+void PM_Node::List<T, next>::append(PM_PathStrings& strings, T& added) {
+    (m_last != nullptr ? m_last->*next : m_first) = &added;
+    m_last = &added;
+    if (m_index == nullptr) return;
+    if (!m_index->reserve(strings.pool(), m_index->count() + 1)) return drop_index(strings.pool());
+    m_index->insert(added);
+}
+
+// Takes the element of that name out of the list; null if there is none.
+template<class T, T* T::*next>
+T* PM_Node::List<T, next>::unlink(PM_PathStrings& strings, const PM_PathStrings::Entry& name) {
+    T* const found = find(strings, name);
+    if (found == nullptr) return nullptr;
+    T* previous = nullptr;
+    for (T* each = m_first; each != found; each = each->*next) {
+        previous = each;
+    }
+    (previous != nullptr ? previous->*next : m_first) = std::exchange(found->*next, nullptr);
+    if (m_last == found) m_last = previous;
+    if (m_index != nullptr) m_index->erase(*found);
+    return found;
+}
+
+template<class T, T* T::*next>
+bool PM_Node::List<T, next>::make_index(pm::Pool& pool) const {
+    std::size_t count = 0;
+    for (const T* each = m_first; each != nullptr; each = each->*next) {
+        ++count;
+    }
+    m_index = pool.make<pm::PrintIndex<T>>();
+    if (m_index == nullptr) return false;
+    if (!m_index->reserve(pool, count)) {
+        drop_index(pool);
+        return false;
+    }
+    for (T* each = m_first; each != nullptr; each = each->*next) {
+        m_index->insert(*each);
+    }
+    return true;
+}
+
+template<class T, T* T::*next>
+void PM_Node::List<T, next>::drop_index(pm::Pool& pool) const {
+    if (m_index == nullptr) return;
+    m_index->clear(pool);
+    pool.destroy(std::exchange(m_index, nullptr));
 }
 
 PM_Node::PM_Node(PM_PathStrings& strings, PM_PathStrings::Entry& name, PM_Node* parent)
-    : m_strings(&strings), m_name(&PM_PathStrings::AddReference(name)), m_parent(parent) {}
+    : m_name(&PM_PathStrings::AddReference(name)), m_strings(&strings), m_parent(parent) {}
 
 PM_Node::~PM_Node() {
-    for (PM_Node* node = this; node != nullptr; node = node->m_next_sibling) {
-        delete std::exchange(node->m_first_prop, nullptr);
-        delete std::exchange(node->m_first_child, nullptr);
+    m_props.drop_index(m_strings->pool());
+    m_children.drop_index(m_strings->pool());
+    for (PM_Property* prop = m_props.first(); prop != nullptr;) {
+        destroy(std::exchange(prop, prop->m_next));
     }
-    delete_backwards(m_next_sibling, &PM_Node::m_next_sibling);
+    for (PM_Node* child = m_children.first(); child != nullptr;) {
+        m_strings->pool().destroy(std::exchange(child, child->m_next_sibling));
+    }
     m_strings->Release(*m_name);
 }
 
+void PM_Node::destroy(PM_Property* prop) {
+    prop->drop_value(m_strings->pool());
+    m_strings->Release(*prop->m_name);
+    m_strings->pool().destroy(prop);
+}
+
 PM_Node* PM_Node::AddNode(PM_PathStrings::Entry& name) {
-    auto* node = new PM_Node(*m_strings, name, this);
+    auto* node = m_strings->pool().make<PM_Node>(*m_strings, name, this);
     if (node == nullptr) raise_no_memory(u"PM_Node::AddNode()", u"node");
-    append_to(m_first_child, m_last_child, node, &PM_Node::m_next_sibling);
+    m_children.append(*m_strings, *node);
     return node;
 }
 
@@ -243,28 +333,42 @@ PM_Property* PM_Node::AddProp(PM_PathStrings::Entry& name) {
 }
 
 PM_Property* PM_Node::append_prop(PM_PathStrings::Entry& name) {
-    auto* prop = new PM_Property(*m_strings, name);
+    auto* prop = m_strings->pool().make<PM_Property>(name);
     if (prop == nullptr) raise_no_memory(u"PM_Node::AddProp", u"prop");
-    append_to(m_first_prop, m_last_prop, prop, &PM_Property::m_next);
+    m_props.append(*m_strings, *prop);
     return prop;
 }
 
 PM_Node* PM_Node::find_child(const PM_PathStrings::Entry& name) const {
-    return find_named<&PM_Node::m_next_sibling>(m_first_child, m_last_child, name);
+    return m_children.find(*m_strings, name);
 }
 
 PM_Property* PM_Node::find_prop(const PM_PathStrings::Entry& name) const {
-    return find_named<&PM_Property::m_next>(m_first_prop, m_last_prop, name);
+    return m_props.find(*m_strings, name);
+}
+
+PM_Property* PM_Node::find_prop_at(const char16_t* path) const {
+    const PM_Node* node = this;
+    const PM_PathStrings::Entry* name = nullptr;
+    PM_PathReader reader(path);
+    for (int count = 0; reader.next(); ++count) {
+        if (count == PM_Path::max_components) return nullptr;
+        if (name != nullptr && (node = node->find_child(*name)) == nullptr) return nullptr;
+        name = m_strings->Find(PM_PathStrings::Key(reader.component()));
+        if (name == nullptr) return nullptr;
+    }
+    if (name == nullptr || reader.has_star() || reader.at() - path > longest_path) return nullptr;
+    return node->find_prop(*name);
 }
 
 bool PM_Node::delete_prop(const PM_PathStrings::Entry& name) {
-    const PM_Property* prop = unlink_named(m_first_prop, m_last_prop, name, &PM_Property::m_next);
-    delete prop;
+    PM_Property* prop = m_props.unlink(*m_strings, name);
+    if (prop != nullptr) destroy(prop);
     return prop != nullptr;
 }
 
 bool PM_Node::delete_child(const PM_PathStrings::Entry& name) {
-    const PM_Node* child = unlink_named(m_first_child, m_last_child, name, &PM_Node::m_next_sibling);
-    delete child;
+    PM_Node* child = m_children.unlink(*m_strings, name);
+    if (child != nullptr) m_strings->pool().destroy(child);
     return child != nullptr;
 }

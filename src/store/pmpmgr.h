@@ -1,6 +1,7 @@
 #pragma once
 
-#include "base/allocator.h"
+#include "store/pool.h"
+#include "store/print_index.h"
 #include <array>
 #include <cstdint>
 #include <pm/mem_obj.h>
@@ -8,52 +9,63 @@
 #include <string_view>
 
 // The interned names of one tree: one counted copy of each distinct text. Two names of a tree are equal
-// exactly when they are the same entry, so that walks compare pointers only.
+// exactly when they are the same entry, so that walks compare pointers only. With the names goes the memory
+// of the tree: its nodes, properties and values come from the same pool.
+//
+// The buckets and their chains are the truth about which names there are. Once there are more than
+// `index_from` names an index stands beside them; without memory for it the chains are walked.
 class PM_PathStrings : public PM_Mem_Obj {
 public:
+    static constexpr std::size_t index_from = 128;
+
     class Entry : public PM_Mem_Obj {
     public:
-        explicit Entry(std::uint32_t print) noexcept : m_print(print) {}
-        ~Entry() override;
         Entry(const Entry&) = delete;
         Entry& operator=(const Entry&) = delete;
 
-        const char16_t* text() const { return m_text; }
+        // Stands behind the entry, in the same block.
+        const char16_t* text() const { return reinterpret_cast<const char16_t*>(this + 1); }
+        std::u16string_view view() const { return {text(), m_length}; }
         std::int32_t count() const { return m_count; }
+        std::uint32_t print() const { return m_print; }
 
     private:
         friend class PM_PathStrings;
-        bool set_text(std::u16string_view text) noexcept;
+        friend class pm::Pool;
+        Entry(std::size_t length, std::uint32_t print) noexcept
+            : m_length(static_cast<std::uint32_t>(length)), m_print(print) {}
+        ~Entry() override = default;
         void link_at(Entry*& head) noexcept;
         void unlink() noexcept;
 
-        char16_t* m_text = nullptr;
-        std::int32_t m_count = 1;
         Entry* m_next = nullptr;
         Entry** m_link = nullptr; // what points to this entry: its bucket, or m_next of the one in front
-        std::uint32_t m_print;    // tells most texts of a chain apart without looking at them
+        std::int32_t m_count = 1;
+        std::uint32_t m_length;
+        std::uint32_t m_print; // tells most texts apart without looking at them
     };
 
     // A text with the two numbers that its look-up needs, made in one pass.
     struct Key {
         explicit Key(std::u16string_view key_text);
         std::u16string_view text;
-        std::uint8_t bucket = 0;
         std::uint32_t print = 0;
+        std::uint8_t bucket = 0; // all bytes, combined by exclusive or
     };
 
     PM_PathStrings() = default;
-    // Deletes every entry, whatever its count.
-    ~PM_PathStrings() override;
+    // Every entry goes, whatever its count, and with them all that was made in pool().
+    ~PM_PathStrings() override = default;
     PM_PathStrings(const PM_PathStrings&) = delete;
     PM_PathStrings& operator=(const PM_PathStrings&) = delete;
 
     // The interned text, with one reference more. A new text goes to the head of its bucket. Number 55,
     // place u"PM_PathStrings::Add()", detail u"entry" or empty, with nothing changed.
-    const char16_t* Add(const char16_t* text) { return Add(Key(text)).m_text; }
+    const char16_t* Add(const char16_t* text) { return Add(Key(text)).text(); }
     Entry& Add(const Key& key);
     // The same for a text that isn't there.
     Entry& AddNew(const Key& key);
+
     // Null if the text isn't there.
     Entry* Find(const char16_t* text) const { return Find(Key(text)); }
     Entry* Find(const Key& key) const;
@@ -61,18 +73,63 @@ public:
     // One reference less; the last one removes the text. A text that isn't there is ignored.
     void Release(const char16_t* text);
     // The same, and one reference more, without a look-up.
-    void Release(Entry& entry);
+    void Release(Entry& entry) {
+        if (--entry.m_count == 0) remove(entry);
+    }
     static Entry& AddReference(Entry& entry) {
         ++entry.m_count;
         return entry;
     }
 
+    pm::Pool& pool() { return m_pool; }
+
 private:
+    Entry& make_entry(const Key& key);
+    void remove(Entry& entry);
+    void add_to_index(Entry& entry);
+
+    pm::Pool m_pool;
     std::array<Entry*, 256> m_buckets{};
+    std::size_t m_count = 0;
+    pm::PrintIndex<Entry> m_index;
 };
 
-// A path text split at "\" into interned names; lives on the stack of an operation and holds one reference
-// for each component. Runs of "\" count as one, leading and trailing ones vanish.
+// Gives the components of a path text one after the other. Runs of "\" count as one, leading and trailing
+// ones vanish.
+class PM_PathReader {
+public:
+    explicit PM_PathReader(const char16_t* text) : m_at(text != nullptr ? text : u"") {}
+
+    // False at the end of the text.
+    bool next() {
+        const char16_t* at = m_at;
+        while (*at == u'\\') {
+            ++at;
+        }
+        const char16_t* const begin = at;
+        for (;; ++at) {
+            if (*at > u'\\') continue; // most letters
+            if (*at == u'\\' || *at == u'\0') break;
+            if (*at == u'*') m_has_star = true;
+        }
+        m_at = at;
+        m_component = {begin, static_cast<std::size_t>(at - begin)};
+        return at != begin;
+    }
+    std::u16string_view component() const { return m_component; }
+
+    // How far it has got, and whether a component so far holds a "*".
+    const char16_t* at() const { return m_at; }
+    bool has_star() const { return m_has_star; }
+
+private:
+    const char16_t* m_at;
+    bool m_has_star = false;
+    std::u16string_view m_component;
+};
+
+// A path text split into interned names; lives on the stack of an operation and holds one reference for each
+// component.
 class PM_Path : public PM_Mem_Obj {
 public:
     static constexpr int max_components = 256;
@@ -111,30 +168,33 @@ private:
     std::int32_t m_first_new = max_components;
 };
 
-// A typed value of a node.
+// A typed value of a node. It is made and destroyed by its node; a value of up to `small_value` bytes lies in
+// the property itself, a larger one in the pool of the tree.
 class PM_Property : public PM_Mem_Obj {
 public:
-    // `name` is an entry of `strings`; the property takes a reference of its own.
-    PM_Property(PM_PathStrings& strings, PM_PathStrings::Entry& name);
-    // Destroys all properties that follow, last first, and then this one.
-    ~PM_Property() override;
+    static constexpr std::size_t small_value = 16;
+
     PM_Property(const PM_Property&) = delete;
     PM_Property& operator=(const PM_Property&) = delete;
 
-    // Copies `size` bytes in; an equal size reuses the block. Number 55, place u"PM_Property::SetData()",
-    // detail u"Property Manager": the property then has size 0 and no data.
-    void SetData(const void* data, std::size_t size);
+    // Copies `size` bytes in; an equal size takes no memory. `pool` is that of the tree. Number 55, place
+    // u"PM_Property::SetData()", detail u"Property Manager": the property then has size 0 and no data.
+    void SetData(pm::Pool& pool, const void* data, std::size_t size);
     // Copies the value out. PM_Warning, place u"PM_Property::GetData()", detail the name: number 59 if there
     // is no data, 58 if `size`, the room in the buffer, is too small.
     void GetData(void* buffer, std::size_t size) const;
 
     const char16_t* name() const { return m_name->text(); }
     PM_PathStrings::Entry& entry() const { return *m_name; }
+    std::uint32_t print() const { return m_name->print(); }
     PM_Property* next() const { return m_next; }
     PropType type() const { return m_type; }
     bool strict() const { return m_strict; }
-    const unsigned char* data() const { return m_data; }
-    std::size_t size() const { return m_size; }
+    std::size_t size() const { return m_held == Held::large ? m_value.large.size : m_small_size; }
+    // Null if there is none; a value of no bytes may be there.
+    const unsigned char* data() const {
+        return m_held == Held::large ? m_value.large.data : m_held == Held::small ? m_value.small : nullptr;
+    }
     void set_kind(PropType type, bool strict) {
         m_type = type;
         m_strict = strict;
@@ -142,22 +202,43 @@ public:
 
 private:
     friend class PM_Node;
+    friend class pm::Pool;
 
-    PM_PathStrings* m_strings;
+    enum class Held : std::uint8_t { nothing, small, large };
+    union Value {
+        unsigned char small[small_value];
+        struct {
+            unsigned char* data;
+            std::uint64_t size;
+        } large;
+    };
+
+    // Takes a reference of the name, which its node gives back.
+    explicit PM_Property(PM_PathStrings::Entry& name) : m_name(&PM_PathStrings::AddReference(name)) {}
+    ~PM_Property() override = default;
+    bool make_room(pm::Pool& pool, std::size_t size) noexcept;
+    void drop_value(pm::Pool& pool) noexcept;
+
     PM_PathStrings::Entry* m_name;
-    unsigned char* m_data = nullptr;
-    std::uint64_t m_size = 0;
-    bool m_strict = true;
-    PropType m_type = PROP_NONE;
     PM_Property* m_next = nullptr;
+    Value m_value{};
+    PropType m_type = PROP_NONE;
+    bool m_strict = true;
+    Held m_held = Held::nothing;
+    std::uint8_t m_small_size = 0;
 };
 
-// A named node with its properties and children, each in the order of creation.
+// A named node with its properties and children, each in the order of creation. The lists are the truth about
+// that order; an index stands beside a list of more than `index_from` elements once a name is looked for in
+// it.
 class PM_Node : public PM_Mem_Obj {
 public:
+    static constexpr int index_from = 16;
+    static constexpr std::ptrdiff_t longest_path = 1023;
+
+    // `name` is an entry of `strings`; the node takes a reference of its own.
     PM_Node(PM_PathStrings& strings, PM_PathStrings::Entry& name, PM_Node* parent);
-    // Destroys its properties, its children and all siblings that follow: whoever removes one node unlinks
-    // it first.
+    // Destroys all properties and children.
     ~PM_Node() override;
     PM_Node(const PM_Node&) = delete;
     PM_Node& operator=(const PM_Node&) = delete;
@@ -174,24 +255,48 @@ public:
     // Names are compared as entries. Null if there is none.
     PM_Node* find_child(const PM_PathStrings::Entry& name) const;
     PM_Property* find_prop(const PM_PathStrings::Entry& name) const;
-    // Unlink and delete what find_...() gives; false if that is nothing.
+    // The property that a path names from this node on, in one pass over its text and without references.
+    // Null also for a path that it leaves to others: with a "*", of more than `longest_path` units or of too
+    // many components.
+    PM_Property* find_prop_at(const char16_t* path) const;
+    // Unlink and destroy what find_...() gives; false if that is nothing.
     bool delete_prop(const PM_PathStrings::Entry& name);
     bool delete_child(const PM_PathStrings::Entry& name);
 
     const char16_t* name() const { return m_name->text(); }
     PM_PathStrings::Entry& entry() const { return *m_name; }
+    std::uint32_t print() const { return m_name->print(); }
     PM_Node* parent() const { return m_parent; }
     PM_Node* next_sibling() const { return m_next_sibling; }
-    PM_Node* first_child() const { return m_first_child; }
-    PM_Property* first_prop() const { return m_first_prop; }
+    PM_Node* first_child() const { return m_children.first(); }
+    PM_Property* first_prop() const { return m_props.first(); }
 
 private:
-    PM_PathStrings* m_strings;
+    // A list with its index, which look-ups make.
+    template<class T, T* T::*next>
+    class List {
+    public:
+        T* first() const { return m_first; }
+        T* find(PM_PathStrings& strings, const PM_PathStrings::Entry& name) const;
+        void append(PM_PathStrings& strings, T& added);
+        T* unlink(PM_PathStrings& strings, const PM_PathStrings::Entry& name);
+        void drop_index(pm::Pool& pool) const;
+
+    private:
+        bool make_index(pm::Pool& pool) const;
+
+        T* m_first = nullptr;
+        T* m_last = nullptr;
+        mutable pm::PrintIndex<T>* m_index = nullptr;
+    };
+
+    void destroy(PM_Property* prop);
+
+    // What a walk along siblings reads stands together.
     PM_PathStrings::Entry* m_name;
-    PM_Node* m_parent;
     PM_Node* m_next_sibling = nullptr;
-    PM_Node* m_first_child = nullptr;
-    PM_Node* m_last_child = nullptr;
-    PM_Property* m_first_prop = nullptr;
-    PM_Property* m_last_prop = nullptr;
+    PM_PathStrings* m_strings;
+    PM_Node* m_parent;
+    List<PM_Node, &PM_Node::m_next_sibling> m_children;
+    List<PM_Property, &PM_Property::m_next> m_props;
 };

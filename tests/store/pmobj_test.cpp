@@ -26,10 +26,7 @@ class OpenObject : public PM_Object {
 public:
     using PM_Object::setData;
 
-    void lose_root() {
-        delete m_root;
-        m_root = nullptr;
-    }
+    void lose_root() { m_root = nullptr; }
     int references(const char16_t* name) const {
         const auto* entry = m_strings->Find(name);
         return entry != nullptr ? entry->count() : 0;

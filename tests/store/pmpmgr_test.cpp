@@ -267,10 +267,13 @@ TEST(Path, PushOntoAFullPathIsRefused) {
 
 class PropertyTest : public testing::Test {
 protected:
-    PropertyTest() : m_property(m_strings, intern(m_strings, u"p")) {}
+    PropertyTest() : m_node(m_strings, intern(m_strings, u"n"), nullptr), m_property(*m_node.AddProp(intern(m_strings, u"p"))) {}
+
+    void set(const char* data, std::size_t size) { m_property.SetData(m_strings.pool(), data, size); }
 
     PM_PathStrings m_strings;
-    PM_Property m_property;
+    PM_Node m_node;
+    PM_Property& m_property;
 };
 
 TEST_F(PropertyTest, StartsStrictWithoutTypeAndValue) {
@@ -287,7 +290,7 @@ TEST_F(PropertyTest, ReadingAPropertyWithoutAValueRaises59) {
 }
 
 TEST_F(PropertyTest, WritingNoBytesToANewPropertyLeavesItWithoutAValue) {
-    m_property.SetData("", 0);
+    set("", 0);
     EXPECT_EQ(0U, m_property.size());
     char buffer[4];
     expect_thrown<PM_Warning>([&] { m_property.GetData(buffer, 4); }, PM_ERR_NO_VALUE,
@@ -295,7 +298,7 @@ TEST_F(PropertyTest, WritingNoBytesToANewPropertyLeavesItWithoutAValue) {
 }
 
 TEST_F(PropertyTest, SmallBufferRaises58AndIsUntouched) {
-    m_property.SetData("abcd", 4);
+    set("abcd", 4);
     char buffer[4] = {'x', 'x', 'x', 'x'};
     expect_thrown<PM_Warning>([&] { m_property.GetData(buffer, 3); }, PM_ERR_VALUE_TOO_LARGE,
                               u"PM_Property::GetData()", u"p");
@@ -303,17 +306,17 @@ TEST_F(PropertyTest, SmallBufferRaises58AndIsUntouched) {
 }
 
 TEST_F(PropertyTest, LargeBufferKeepsItsTail) {
-    m_property.SetData("ab", 2);
+    set("ab", 2);
     char buffer[4] = {'x', 'x', 'x', 'x'};
     m_property.GetData(buffer, 4);
     EXPECT_EQ(0, std::memcmp("abxx", buffer, 4));
 }
 
 TEST_F(PropertyTest, SizesCanChangeBothWays) {
-    m_property.SetData("abcd", 4);
-    m_property.SetData("xy", 2);
+    set("abcd", 4);
+    set("xy", 2);
     EXPECT_EQ(2U, m_property.size());
-    m_property.SetData("", 0);
+    set("", 0);
     EXPECT_EQ(0U, m_property.size());
     char buffer[1] = {'x'};
     m_property.GetData(buffer, 1); // a value of no bytes is a value
