@@ -35,7 +35,7 @@ std::optional<PropertyInfo> property_at(const PM_Object& object, const char16_t*
 void make_node(PM_Object& object, const char16_t* path) {
     if (object.m_root == nullptr) throw PM_Severe(PM_ERR_NO_ROOT, u"pm::make_node()", u"m_root", source);
     const PM_Path names(*object.m_strings, path, true);
-    object.make_nodes(names, names.count());
+    object.m_root->make_nodes(names, names.count());
 }
 
 } // namespace pm

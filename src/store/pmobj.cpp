@@ -99,17 +99,6 @@ PM_Node* find_node(PM_Node* root, const PM_Path& path, int count) {
     return node;
 }
 
-// The same, with nodes made where they are missing.
-PM_Node* make_nodes(PM_Node* root, const PM_Path& path, int count) {
-    PM_Node* node = root;
-    for (int index = 0; index < count; ++index) {
-        PM_PathStrings::Entry& name = *path.component(index);
-        PM_Node* child = index < path.first_new() ? node->find_child(name) : nullptr;
-        node = child != nullptr ? child : node->AddNode(name);
-    }
-    return node;
-}
-
 // Units to store of a text: with its terminator, or the first 4097 of a longer one.
 std::size_t stored_units(const char16_t* text) {
     const char16_t* const end = std::find(text, text + text_limit, u'\0');
@@ -269,7 +258,7 @@ void PM_Object::setData(const char16_t* path, const void* data, std::size_t size
         const PM_Path names(*m_strings, resolved.text(), true);
         if (names.count() < 1) raise_warning(PM_ERR_BAD_PATH, place, path);
         const int last = names.count() - 1;
-        PM_Node* node = make_nodes(m_root, names, last);
+        PM_Node* node = m_root->make_nodes(names, last);
         prop = last < names.first_new() ? node->find_prop(*names.last()) : nullptr;
         made = prop == nullptr;
         if (made) prop = node->append_prop(*names.last());
@@ -341,7 +330,7 @@ void PM_Object::duplicate(const char16_t* from, const char16_t* to) {
 
     pm::Block<unsigned char> scratch;
     std::size_t scratch_size = 0;
-    PM_Node* copy = make_nodes(m_root, to_path, to_path.count());
+    PM_Node* copy = m_root->make_nodes(to_path, to_path.count());
     to_path.mark_known();
     if (walk->currentNode() != nullptr)
         copy_properties(*walk->currentNode(), *copy, m_strings->pool(), scratch, scratch_size);
@@ -356,7 +345,7 @@ void PM_Object::duplicate(const char16_t* from, const char16_t* to) {
         }
         if (step == NODE_CHILD) ++depth;
         if (!to_path.push(walk->currentNode()->entry())) raise_warning(PM_ERR_BAD_PATH, duplicate_place, to);
-        copy = make_nodes(m_root, to_path, to_path.count());
+        copy = m_root->make_nodes(to_path, to_path.count());
         copy_properties(*walk->currentNode(), *copy, m_strings->pool(), scratch, scratch_size);
     }
 }
@@ -368,11 +357,12 @@ PM_Iterator* PM_Object::newIterator(const char16_t* path, int depth) const {
 const PM_Property* pm_find_property(const PM_Object& object, const char16_t* path, int index) {
     constexpr const char16_t* place = u"pm_find_property()";
     require_root(object.m_root, place);
+    if (const PM_Property* const prop = find_plain(*object.m_root, path, index)) return prop;
     const ResolvedPath resolved(path, index, place);
     const PM_Path names(*object.m_strings, resolved.text(), false);
     if (names.count() < 1) return nullptr;
     const PM_Node* node = find_node(object.m_root, names, names.count() - 1);
-    return node != nullptr ? node->find_prop(names.last()) : nullptr;
+    return node != nullptr ? node->find_prop(*names.last()) : nullptr;
 }
 
 const PM_Node* pm_find_node(const PM_Object& object, const char16_t* path) {

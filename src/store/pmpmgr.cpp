@@ -321,6 +321,16 @@ void PM_Node::destroy(PM_Property* prop) {
     m_strings->pool().destroy(prop);
 }
 
+PM_Node* PM_Node::make_nodes(const PM_Path& path, int count) {
+    PM_Node* node = this;
+    for (int index = 0; index < count; ++index) {
+        PM_PathStrings::Entry& each = *path.component(index);
+        PM_Node* child = index < path.first_new() ? node->find_child(each) : nullptr;
+        node = child != nullptr ? child : node->AddNode(each);
+    }
+    return node;
+}
+
 PM_Node* PM_Node::AddNode(PM_PathStrings::Entry& name) {
     auto* node = m_strings->pool().make<PM_Node>(*m_strings, name, this);
     if (node == nullptr) raise_no_memory(u"PM_Node::AddNode()", u"node");

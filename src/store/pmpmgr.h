@@ -246,6 +246,9 @@ public:
     // Appends a child; doesn't look for one of that name. Number 55, place u"PM_Node::AddNode()", detail
     // u"node".
     PM_Node* AddNode(PM_PathStrings::Entry& name);
+    // The node that the first `count` components of a path name from here on, with nodes made where they are
+    // missing.
+    PM_Node* make_nodes(const PM_Path& path, int count);
     // Appends a property; null, with nothing changed, if there is one of that name. Number 55, place
     // u"PM_Node::AddProp", detail u"prop".
     PM_Property* AddProp(PM_PathStrings::Entry& name);

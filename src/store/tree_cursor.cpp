@@ -126,7 +126,7 @@ void TreeCursor::set_data(const Name& name, const void* data, std::size_t size, 
     PM_Property& prop =
         m_reached == m_count ? property_here(name.text, type) : property_below(name.text, type);
     prop.set_kind(type, true);
-    prop.SetData(data, size);
+    prop.SetData(m_object.m_strings->pool(), data, size);
 }
 
 void TreeCursor::set_by_path(std::u16string_view name, const void* data, std::size_t size, PropType type) {
@@ -142,10 +142,10 @@ PM_Property& TreeCursor::property_here(std::u16string_view name, PropType type) 
     if (known == nullptr) {
         Names names(*m_object.m_strings);
         names.add_new(key);
-        return *node.append_prop(names.last().text());
+        return *node.append_prop(names.last());
     }
-    PM_Property* const prop = node.find_prop(known->text());
-    if (prop == nullptr) return *node.append_prop(known->text());
+    PM_Property* const prop = node.find_prop(*known);
+    if (prop == nullptr) return *node.append_prop(*known);
     require_type(*prop, type);
     return *prop;
 }
@@ -159,13 +159,13 @@ PM_Property& TreeCursor::property_below(std::u16string_view name, PropType type)
     names.add(PM_PathStrings::Key(name));
     for (std::size_t i = 0; m_reached < m_count; ++i) {
         PM_Node& node = *m_levels[m_reached].node;
-        PM_Node* const child = node.find_child(names[i].text());
-        m_levels[m_reached + 1].node = child != nullptr ? child : node.AddNode(names[i].text());
+        PM_Node* const child = node.find_child(names[i]);
+        m_levels[m_reached + 1].node = child != nullptr ? child : node.AddNode(names[i]);
         ++m_reached;
     }
     PM_Node& node = *m_levels[m_count].node;
-    PM_Property* const prop = node.find_prop(names.last().text());
-    if (prop == nullptr) return *node.append_prop(names.last().text());
+    PM_Property* const prop = node.find_prop(names.last());
+    if (prop == nullptr) return *node.append_prop(names.last());
     require_type(*prop, type);
     return *prop;
 }
