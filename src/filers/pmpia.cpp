@@ -280,12 +280,14 @@ void PM_PIAFile::property_line(pm::TreeCursor& place, pm::WideText& line) {
     while (value < text.size() && (text[value] == u'=' || text[value] == u' ')) {
         ++value;
     }
+    // What stores a value may take the line away.
+    const std::u16string kept = place.is_moved_by(name) ? std::u16string(name.text) : std::u16string();
     if (value == text.size()) {
         report_bad_line<PM_Error>(text);
     } else {
         store_value(place, name, text.substr(value), line);
     }
-    place.leave(name);
+    if (!kept.empty()) place.leave({kept, name.plain});
 }
 
 void PM_PIAFile::store_value(pm::TreeCursor& place, const pm::TreeCursor::Name& name,

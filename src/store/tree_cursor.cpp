@@ -109,8 +109,12 @@ bool TreeCursor::pop() {
 
 TreeCursor::Name::Name(std::u16string_view name_text) : Name(name_text, is_plain(name_text)) {}
 
+bool TreeCursor::is_moved_by(const Name& name) const {
+    return m_path.ends_in_separator() || !name.plain;
+}
+
 void TreeCursor::leave(const Name& name) {
-    if ((m_path.ends_in_separator() || !name.plain) && m_path.push(name.text)) pop();
+    if (is_moved_by(name) && m_path.push(name.text)) pop();
 }
 
 void TreeCursor::set_string(const Name& name, std::u16string_view text) {

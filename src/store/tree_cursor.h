@@ -46,6 +46,8 @@ public:
     // push() and pop() of a property's name, which has room. A "\" in it leaves the path with what stands in
     // front; one at the path's end goes.
     void leave(const Name& name);
+    // Whether leave() changes the path.
+    bool is_moved_by(const Name& name) const;
 
     // Set a property here, strictly; there is room for its name. Numbers 51, 54 and 55 as setData().
     void set_data(const Name& name, const void* data, std::size_t size, PropType type);
