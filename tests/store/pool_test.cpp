@@ -82,7 +82,7 @@ TEST(Pool, AsksTheFilterForEachBlockByItsSize) {
 TEST(Pool, ASizeThatOverflowsIsNull) {
     pm::Pool pool;
     EXPECT_EQ(nullptr, pool.allocate(SIZE_MAX));
-    EXPECT_EQ(nullptr, pool.allocate(SIZE_MAX - 20));
+    EXPECT_EQ(nullptr, pool.allocate(SIZE_MAX - 10));
 }
 
 TEST(Pool, MakesAndDestroysObjects) {
