@@ -8,7 +8,7 @@
 #include <pm/error_number.h>
 #include <unicode/uclean.h>
 
-// A program of its own, whose tests use a page of two bytes each for the first time.
+// A program of its own, in which each test can use a page of two bytes for the first time.
 
 namespace {
 
@@ -38,9 +38,16 @@ public:
     NoMemory& operator=(const NoMemory&) = delete;
 };
 
+// With ICU in use already: it doesn't recover from a lack of memory in its very first use.
+class CodePageMemory : public testing::Test {
+protected:
+    CodePageMemory() { EXPECT_EQ(932U, pm::code_page(932).number()); }
+    ~CodePageMemory() override { pm_set_system_code_page(1252); }
+};
+
 } // namespace
 
-TEST(CodePageMemory, SettingAPageWithoutMemoryIsNumber55AndTheSettingStays) {
+TEST_F(CodePageMemory, SettingAPageWithoutMemoryIsNumber55AndTheSettingStays) {
     {
         const NoMemory none;
         pm::test::expect_thrown<PM_Memory_Exception>([] { pm_set_system_code_page(950); }, PM_ERR_NO_MEMORY,
@@ -49,10 +56,9 @@ TEST(CodePageMemory, SettingAPageWithoutMemoryIsNumber55AndTheSettingStays) {
     EXPECT_EQ(1252U, pm_system_code_page());
     pm_set_system_code_page(950);
     EXPECT_EQ("\xB0\xA1", pm::to_narrow(u"\u965B"));
-    pm_set_system_code_page(1252);
 }
 
-TEST(CodePageMemory, PageThatCouldNotBeLearnedIsLearnedLater) {
+TEST_F(CodePageMemory, PageThatCouldNotBeLearnedIsLearnedLater) {
     {
         const NoMemory none;
         EXPECT_THROW(pm::code_page(949), std::bad_alloc);
@@ -61,9 +67,8 @@ TEST(CodePageMemory, PageThatCouldNotBeLearnedIsLearnedLater) {
     EXPECT_EQ(u"\uAC00", pm::to_wide("\xB0\xA1", 949));
 }
 
-TEST(CodePageMemory, PageThatWasSetNeedsNoMoreMemory) {
+TEST_F(CodePageMemory, PageThatWasSetNeedsNoMoreMemory) {
     pm_set_system_code_page(932);
     const NoMemory none;
     EXPECT_STREQ("\x82\xA0", PM_Error(PM_ERR_BAD_LINE, u"\u3042", u"", u"").m_place_narrow);
-    pm_set_system_code_page(1252);
 }
