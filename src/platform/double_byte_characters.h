@@ -16,8 +16,8 @@ public:
 
     // The unit of a character; U+FFFD for one that the page doesn't define.
     virtual char16_t unit_of(unsigned char lead, unsigned char trail) = 0;
-    // Of several characters with this unit the one that it goes out as: the lead byte times 0x100 plus the trail
-    // byte, or a single byte. 0 if there is none.
+    // Of several characters with this unit the one that it goes out as: the lead byte times 0x100 plus the
+    // trail byte, or a single byte. 0 if there is none.
     virtual std::uint16_t bytes_of(char16_t unit) = 0;
 
 protected:
