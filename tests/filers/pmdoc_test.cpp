@@ -448,6 +448,13 @@ TEST_F(DocTest, AVersionTextIsCutToItsBuffer) {
     EXPECT_EQ(u"1.0", std::u16string(buffer));
 }
 
+TEST_F(DocTest, AVersionTextIsWholeWhereNoSizeIsGiven) {
+    save();
+    char16_t buffer[20] = {};
+    object.getFileVersion(path.c_str(), buffer, PM_Object::FILE_DOC);
+    EXPECT_EQ(u"1.000000", std::u16string(buffer));
+}
+
 TEST_F(DocTest, AFileWithoutVersionRaises66) {
     { const auto storage = pm::StgCreateDocfile(path); }
     expect_thrown<PM_Severe>([&] { version(); }, PM_ERR_NOT_READ, version_place, path);
