@@ -33,8 +33,8 @@ Block<T> allocate_block(std::size_t count) noexcept {
 using AllocationFilter = bool (*)(std::size_t size);
 void set_allocation_filter(AllocationFilter filter) noexcept;
 
-// The two halves of allocate(), for what cuts objects from larger blocks: the filter is asked for each object,
-// as if it were a block of its own.
+// The two halves of allocate(), for what cuts objects from larger blocks: the filter is asked for each
+// object, as if it were a block of its own.
 bool refused(std::size_t size) noexcept;
 void* allocate_unasked(std::size_t size) noexcept;
 

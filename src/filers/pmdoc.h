@@ -1,8 +1,8 @@
 #pragma once
 
 #include "filers/pmfile.h"
-#include "store/working_path.h"
 #include "platform/compound_storage.h"
+#include "store/working_path.h"
 #include <cstdint>
 #include <memory>
 #include <span>

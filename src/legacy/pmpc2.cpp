@@ -5,8 +5,8 @@
 #include "legacy/text_line.h"
 #include "store/tree_cursor.h"
 #include "store/value_text.h"
-#include <map>
 #include <cstring>
+#include <map>
 #include <pm/error_number.h>
 #include <pm/exception.h>
 #include <pm/value_text.h>

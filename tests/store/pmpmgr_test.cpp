@@ -267,7 +267,9 @@ TEST(Path, PushOntoAFullPathIsRefused) {
 
 class PropertyTest : public testing::Test {
 protected:
-    PropertyTest() : m_node(m_strings, intern(m_strings, u"n"), nullptr), m_property(*m_node.AddProp(intern(m_strings, u"p"))) {}
+    PropertyTest()
+        : m_node(m_strings, intern(m_strings, u"n"), nullptr),
+          m_property(*m_node.AddProp(intern(m_strings, u"p"))) {}
 
     void set(const char* data, std::size_t size) { m_property.SetData(m_strings.pool(), data, size); }
 

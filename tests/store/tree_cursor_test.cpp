@@ -26,9 +26,9 @@ TEST(TreeCursor, SetsPropertiesWhereItStands) {
     ASSERT_TRUE(place.pop());
     place.set_string(u"d", u"text");
     place.set_data(u"e", "ab", 2, PROP_VOID);
-    EXPECT_EQ(
-        (Lines{"a long 1", "x\\d string text", "x\\e void 6162", "x\\y\\b double 0000000000000440", "x\\y\\c bool 01"}),
-        tree_text(object));
+    EXPECT_EQ((Lines{"a long 1", "x\\d string text", "x\\e void 6162", "x\\y\\b double 0000000000000440",
+                     "x\\y\\c bool 01"}),
+              tree_text(object));
 }
 
 TEST(TreeCursor, NodesAreMadeWithTheirFirstProperty) {
