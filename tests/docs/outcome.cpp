@@ -100,6 +100,22 @@ std::vector<std::string> tree_lines(const PM_Object& object) {
     return lines;
 }
 
+std::string shown_bytes(std::string_view bytes) {
+    std::string result;
+    for (const char byte : bytes) {
+        if (byte == '\\') {
+            result += "\\\\";
+        } else if (byte == '\0') {
+            result += "\\0";
+        } else if (byte < ' ' || byte > '~' || byte == '|' || byte == '`') {
+            append_unit(result, "\\x%02X", static_cast<unsigned char>(byte));
+        } else {
+            result += byte;
+        }
+    }
+    return result;
+}
+
 std::string outcome_of(const std::function<void(PM_Object&)>& load) {
     RecordingHandler handler(1);
     PM_Object object(&handler);

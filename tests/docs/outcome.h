@@ -13,6 +13,9 @@ namespace pm::test {
 // bytes. What isn't printable ASCII or a character beyond it stands as \xHH or \uHHHH; "\" as \\.
 [[nodiscard]] std::vector<std::string> tree_lines(const PM_Object& object);
 
+// Bytes as a page shows them within a code span: "\" as \\, zero as \0, what isn't printable ASCII as \xHH.
+[[nodiscard]] std::string shown_bytes(std::string_view bytes);
+
 // Everything that comes of a load whose handler goes on, joined by ", ": each property as a code span, each
 // report as "reports 57 at line 2" and what ends the load as "stops with 84"; "nothing" if there is nothing.
 // The line is told where the failure tells one.

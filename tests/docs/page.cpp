@@ -63,6 +63,7 @@ std::string unescape(std::string_view text) {
 
 // The code spans of a cell that holds nothing else, each with its escapes resolved, as lines.
 std::string input_of(std::string_view cell) {
+    if (cell == "(empty)") return "";
     std::string input;
     for (bool first = true; first || !cell.empty(); first = false) {
         const std::size_t end = cell.find('`', 1);

@@ -17,7 +17,7 @@
 //     | `a=x` `b=1`   | `b: long = 1`, reports 88         | several code spans are the input's lines
 //
 // Inputs are code spans with these escapes: \n \r \t \0 \\ and \x with two digits. A line feed stands between
-// the code spans of one input.
+// the code spans of one input. (empty) is an input without bytes.
 //
 // A fenced block "hex NAME" holds bytes: an offset, two blanks, the bytes, two blanks and what they mean. A
 // line "..." stands for zero bytes up to the next offset. A fenced block "tree NAME" holds the lines of a

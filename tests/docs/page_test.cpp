@@ -37,9 +37,16 @@ TEST(PageRows, HaveTheirEscapesResolved) {
 }
 
 TEST(PageRows, JoinCodeSpansAsLines) {
-    const Page page = parse_page("p", table("| `a{` `` `}` | nothing |"));
+    const Page page = parse_page("p", table("| `a{` `\\n` `}` | nothing |"));
     ASSERT_THAT(page.rows, SizeIs(1));
-    EXPECT_EQ(page.rows[0].input, "a{\n\n}");
+    EXPECT_EQ(page.rows[0].input, "a{\n\n\n}");
+}
+
+TEST(PageRows, MayHaveNoInput) {
+    const Page page = parse_page("p", table("| (empty) | nothing |"));
+    ASSERT_THAT(page.rows, SizeIs(1));
+    EXPECT_EQ(page.rows[0].trouble, "");
+    EXPECT_EQ(page.rows[0].input, "");
 }
 
 TEST(PageRows, MayHaveOtherColumns) {
