@@ -6,7 +6,6 @@ namespace {
 
 using namespace pm::test;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::SizeIs;
 
 std::string table(const std::string& row) {
