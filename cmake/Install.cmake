@@ -1,0 +1,45 @@
+# What is installed where, in the components runtime, development, tools and doc.
+include(CMakePackageConfigHelpers)
+
+set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/pm9)
+set(examples_folder ${CMAKE_INSTALL_DOCDIR}/examples)
+
+# pm_install_runpath(<target> <folder> <folder it needs>): lets what is installed in a folder find its libraries
+# wherever the prefix is moved to. Below /usr the system finds them, and there packages want no such path.
+function(pm_install_runpath target folder needed component)
+    file(RELATIVE_PATH way ${CMAKE_INSTALL_PREFIX}/${folder} ${CMAKE_INSTALL_PREFIX}/${needed})
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "\$ORIGIN/${way}")
+    install(CODE "
+        if(CMAKE_INSTALL_PREFIX MATCHES \"^/(usr/?)?\$\")
+            file(RPATH_REMOVE FILE \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${folder}/$<TARGET_FILE_NAME:${target}>\")
+        endif()" COMPONENT ${component})
+endfunction()
+
+install(TARGETS pm9 EXPORT pm9-targets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# In a folder of the library's own number, where only that library looks.
+install(TARGETS pmres9 LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/pm9 COMPONENT runtime)
+
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/pm DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(EXPORT pm9-targets NAMESPACE pm:: DESTINATION ${package_folder} COMPONENT development)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/cmake/pm9-config-version.cmake
+    VERSION ${PROJECT_VERSION} COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_SOURCE_DIR}/cmake/pm9-config.cmake ${PROJECT_BINARY_DIR}/cmake/pm9-config-version.cmake
+    DESTINATION ${package_folder} COMPONENT development)
+# It finds its prefix from where it lies, so that the prefix can be moved.
+file(RELATIVE_PATH prefix_of_pkgconfig
+    ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" prefix_of_pkgconfig ${prefix_of_pkgconfig})
+configure_file(${PROJECT_SOURCE_DIR}/cmake/pm9.pc.in ${PROJECT_BINARY_DIR}/cmake/pm9.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/cmake/pm9.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+if(PM_BUILD_TOOLS)
+    install(TARGETS pmtool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+    pm_install_runpath(pmtool ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR} tools)
+endif()
+
+install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${examples_folder} COMPONENT doc)
