@@ -1,25 +1,28 @@
 #pragma once
 
 #include <algorithm>
-#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <time.h>
 #include <vector>
 
 namespace pm::bench {
 
-using Clock = std::chrono::steady_clock;
-
-inline double nanoseconds_since(Clock::time_point start) {
-    return std::chrono::duration<double, std::nano>(Clock::now() - start).count();
+// The seconds of a clock of the system: CLOCK_MONOTONIC, or CLOCK_THREAD_CPUTIME_ID for the time that this
+// thread had a processor, which other programs of the machine don't add to.
+inline double seconds_of(clockid_t clock) {
+    timespec now{};
+    clock_gettime(clock, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
+// Nanoseconds that the work takes.
 template<class Work>
-double time_of(Work&& work) {
-    const Clock::time_point start = Clock::now();
+double time_of(Work&& work, clockid_t clock = CLOCK_THREAD_CPUTIME_ID) {
+    const double start = seconds_of(clock);
     work();
-    return nanoseconds_since(start);
+    return (seconds_of(clock) - start) * 1e9;
 }
 
 inline double median(std::vector<double> samples) {
@@ -37,7 +40,7 @@ public:
 
     bool another_round() {
         if (m_rounds >= m_most) return false;
-        if (m_rounds >= m_least && nanoseconds_since(m_start) > m_seconds * 1e9) return false;
+        if (m_rounds >= m_least && seconds_of(CLOCK_MONOTONIC) > m_start + m_seconds) return false;
         ++m_rounds;
         return true;
     }
@@ -48,7 +51,7 @@ private:
     std::size_t m_least;
     std::size_t m_most;
     std::size_t m_rounds = 0;
-    Clock::time_point m_start = Clock::now();
+    double m_start = seconds_of(CLOCK_MONOTONIC);
 };
 
 // Keeps a value from being optimised away.
@@ -67,10 +70,10 @@ struct Task {
     std::vector<double> samples{};
 };
 
-inline void run_by_turns(std::vector<Task>& tasks, double seconds) {
+inline void run_by_turns(std::vector<Task>& tasks, double seconds, clockid_t clock) {
     for (Budget budget(seconds); budget.another_round();) {
         for (Task& task : tasks) {
-            task.samples.push_back(time_of(task.work));
+            task.samples.push_back(time_of(task.work, clock));
             task.clean();
         }
     }

@@ -72,7 +72,7 @@ std::string saved(const PM_Object& object, const char16_t* tag) {
     return std::move(stream).str();
 }
 
-// A load of a text into a tree that ends behind the timing. `keeper` holds it until then.
+// A load of a text into a tree that ends behind the timing.
 Task load_task(std::string name, double per, const std::string& text, PM_Object::FileType type) {
     const auto tree = std::make_shared<std::unique_ptr<PM_Object>>();
     const auto stream = std::make_shared<std::stringstream>(text);
@@ -126,9 +126,10 @@ std::size_t lines_in(const std::string& text) {
     return lines;
 }
 
-nlohmann::ordered_json run_group(const char* name, std::vector<Task> tasks, double seconds) {
+nlohmann::ordered_json run_group(const char* name, std::vector<Task> tasks, double seconds,
+                                 clockid_t clock = CLOCK_THREAD_CPUTIME_ID) {
     std::cerr << "  " << name << '\n';
-    run_by_turns(tasks, seconds);
+    run_by_turns(tasks, seconds, clock);
     nlohmann::ordered_json group{{"group", name}};
     for (const Task& task : tasks) {
         group["tasks"].push_back({{"name", task.name},
@@ -285,7 +286,7 @@ nlohmann::ordered_json tool_group(double seconds) {
                            run_program({PM_TOOL, "get", PM_SAMPLES "/plotter.pia", "\\media\\copies"});
                        }},
                       {"an empty program", 1, [] { run_program({"/bin/true"}); }}},
-                     seconds);
+                     seconds, CLOCK_MONOTONIC);
 }
 
 } // namespace
