@@ -292,8 +292,8 @@ nlohmann::ordered_json measure_works(double seconds, bool quick) {
     groups.push_back(huffman_group(seconds));
     groups.push_back(sample_group(seconds));
     groups.push_back(description_group("device description", seconds, 1));
-    groups.push_back(description_group("ten times its rows", seconds, 10));
-    if (!quick) groups.push_back(description_group("a hundred times its rows", seconds, 100));
+    groups.push_back(description_group("ten times the rows", seconds, 10));
+    if (!quick) groups.push_back(description_group("a hundred times the rows", seconds, 100));
     groups.push_back(tool_group(seconds));
     return groups;
 }
