@@ -4,9 +4,12 @@ include(CMakePackageConfigHelpers)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/pm9)
 set(examples_folder ${CMAKE_INSTALL_DOCDIR}/examples)
 
-# pm_install_runpath(<target> <folder> <folder it needs>): lets what is installed in a folder find its libraries
-# wherever the prefix is moved to. Below /usr the system finds them, and there packages want no such path.
+# pm_install_runpath(<target> <folder> <folder it needs> <component>): lets what is installed in a folder find its
+# libraries wherever the prefix is moved to. Below /usr the system finds them, and there packages want no such path.
 function(pm_install_runpath target folder needed component)
+    if(WIN32)
+        return()
+    endif()
     file(RELATIVE_PATH way ${CMAKE_INSTALL_PREFIX}/${folder} ${CMAKE_INSTALL_PREFIX}/${needed})
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "\$ORIGIN/${way}")
     install(CODE "
@@ -17,9 +20,13 @@ endfunction()
 
 install(TARGETS pm9 EXPORT pm9-targets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 # In a folder of the library's own number, where only that library looks.
-install(TARGETS pmres9 LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/pm9 COMPONENT runtime)
+install(TARGETS pmres9
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/pm9 COMPONENT runtime
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}/pm9 COMPONENT runtime)
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/pm DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 install(EXPORT pm9-targets NAMESPACE pm:: DESTINATION ${package_folder} COMPONENT development)

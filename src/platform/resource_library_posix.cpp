@@ -51,8 +51,9 @@ void* open_beside_this_library() {
     PathBuffer path;
     const std::optional<std::size_t> folder = own_folder(path);
     if (!folder) return nullptr;
-    for (const std::string_view place : own_places)
+    for (const std::string_view place : own_places) {
         if (void* library = open_below(path, *folder, place)) return library;
+    }
     return nullptr;
 }
 
