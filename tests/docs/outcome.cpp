@@ -73,7 +73,7 @@ std::string shown_value(const TreeItem& item) {
 
 // A detail that tells a line is a line feed, its number and a comma.
 std::string told_line(std::u16string_view detail) {
-    if (detail.empty() || detail.front() != u'\n') return "";
+    if (detail.size() < 2 || detail[0] != u'\n' || detail[1] < u'0' || detail[1] > u'9') return "";
     const std::string text = utf8(detail.substr(1));
     return " at line " + text.substr(0, text.find(','));
 }
