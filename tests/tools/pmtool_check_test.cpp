@@ -54,6 +54,14 @@ TEST_F(PmToolCheck, NodeOfABadNameKeepsItsBlockTogether) {
                                     "bad.pia:5: The value is of no known type (error 88): b=yes\n");
 }
 
+TEST_F(PmToolCheck, LinesBehindANodeWithABlankInFrontOfItsBraceAreFoundToo) {
+    folder.write("bad.pia", "PIAFILEVERSION_2.0,\na {\n b=1\n}\nc=yes\na b {\n}\nd=yes\n");
+    expect_no({"check", "bad.pia"}, "bad.pia:2: The line isn't valid (error 57): a\n"
+                                    "bad.pia:5: The value is of no known type (error 88): c=yes\n"
+                                    "bad.pia:6: The line isn't valid (error 57): a b\n"
+                                    "bad.pia:8: The value is of no known type (error 88): d=yes\n");
+}
+
 TEST_F(PmToolCheck, LineThatEndsTheReadingOfACompressedBodyIsMarked) {
     const std::string body("a=yes\nfoo\nb=yes\n");
     folder.write("body", body);

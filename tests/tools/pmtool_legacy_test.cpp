@@ -71,6 +71,39 @@ TEST_F(PmToolLegacy, GoodSamplesHaveNoBadLines) {
     }
 }
 
+TEST_F(PmToolLegacy, RepeatedVersionLineIsToldWithItsLineInTheFile) {
+    folder.write("bad.pc2", "; one\n\nPC2Version 2.0\nPC2Version 2.0\n[PlotDriver]\nType=1\n");
+    expect_no({"check", "bad.pc2"}, "bad.pc2:4: The line isn't valid (error 57): PC2Version 2.0\n");
+    expect_trouble({"get", "bad.pc2", "PlotDriver\\Type"},
+                   "bad.pc2:4: The line isn't valid (error 57): PC2Version 2.0; all bad lines are listed by: "
+                   "pmtool check");
+}
+
+TEST_F(PmToolLegacy, LineCutByAZeroByteIsToldWithItsLineInTheFile) {
+    using namespace std::string_literals;
+    folder.write("bad.pc2", "PC2Version 2.0\n[PlotDriver]\nType\0=5\nType=x\n"s);
+    expect_no({"check", "bad.pc2"}, "bad.pc2:3: The line isn't valid (error 57): Type\n"
+                                    "bad.pc2:4: The line isn't valid (error 57): Type=x\n");
+    folder.write("bad.pcp", ";Created by Draftex\nROTATE=1\nROT\0ATE=5\n"s);
+    expect_no({"check", "bad.pcp"}, "bad.pcp:3: The line isn't valid (error 57): ROT\n");
+    folder.write("bad.cfg", "[PlotDriver#2]\n[PlotDriver]\nType\0=5\n"s);
+    expect_no({"check", "bad.cfg"}, "bad.cfg:3: The line isn't valid (error 57): Type\n");
+}
+
+TEST_F(PmToolLegacy, RawPropertyWithoutBytesIsShownWithItsName) {
+    folder.write("a.pc2", "PC2Version 2.0\n[Plotter/Device]\nDriverData=\"P,$\"\n");
+    expect_output({"tree", "a.pc2", "Plotter/Device\\DriverData"}, "DriverData: raw = \n");
+}
+
+TEST_F(PmToolLegacy, InfiniteNumberIsATextInJson) {
+    folder.write("a.pc2", "PC2Version 2.0\n[Plotter/User]\nPlotWidth=1e999\nPlotHeight=-1e999\n");
+    const std::string json = run({"tree", "a.pc2", "Plotter/User", "--json"}).out;
+    EXPECT_NE(json.find("\"name\": \"PlotWidth\",\n      \"type\": \"double\",\n      \"value\": \"inf\""),
+              std::string::npos);
+    EXPECT_NE(json.find("\"name\": \"PlotHeight\",\n      \"type\": \"double\",\n      \"value\": \"-inf\""),
+              std::string::npos);
+}
+
 TEST_F(PmToolLegacy, BadLinesOfAPc2FileAreListed) {
     folder.write("bad.pc2", "PC2Version 2.0\r\n[PlotDriver]\r\nType=x\r\nfoo\r\n\r\n[]\r\n"
                             "[Plotter/DriverCustom]\r\ndmFields=zz\r\ndmColor=\r\n");

@@ -74,10 +74,20 @@ std::vector<std::string> lines_of(std::string_view content) {
     return lines;
 }
 
+// In lines of PIA text.
+LineFinder finder_in(const std::vector<std::string>& lines) {
+    return {fmt::format("{}", fmt::join(lines, "\n")), PM_Object::FILE_PIA};
+}
+
+LineFinder finder_of(const Source& part) {
+    const PM_Object::FileType type = part.format->type;
+    return part.format->is_text ? LineFinder::of_file(part.path, type) : LineFinder("", type);
+}
+
 // Where the report that ended a reading stands among the lines, from 1; 0 if that isn't seen.
 int last_line(const Reading& reading, const std::vector<std::string>& lines) {
     if (!reading.last || !is_bad_line(*reading.last)) return 0;
-    LineFinder finder(fmt::format("{}", fmt::join(lines, "\n")));
+    LineFinder finder = finder_in(lines);
     for (const Report& report : reading.reports) {
         if (is_bad_line(report)) (void)finder.find_text(report);
     }
@@ -106,7 +116,7 @@ PartCheck check_on(const Source& part, Reading reading) {
         ended.back().line = line;
         reading = read_text(part, lines);
     }
-    PartCheck result = placed(std::move(reading), LineFinder(fmt::format("{}", fmt::join(lines, "\n"))));
+    PartCheck result = placed(std::move(reading), finder_in(lines));
     result.reports.insert(result.reports.end(), ended.begin(), ended.end());
     if (!result.stopped) std::ranges::stable_sort(result.reports, {}, &Report::line);
     return result;
@@ -116,7 +126,7 @@ PartCheck check_part(const Source& part) {
     Reading reading = read_with(part, [&](PM_Object& object) { load(object, part, u"\\"); });
     const bool plain_text = part.format->type == PM_Object::FILE_PIA && !is_compressed(part);
     if (reading.last && plain_text) return check_on(part, std::move(reading));
-    return placed(std::move(reading), part.format->is_text ? LineFinder::of_file(part.path) : LineFinder(""));
+    return placed(std::move(reading), finder_of(part));
 }
 
 std::string name_of(const Source& part) {

@@ -25,19 +25,36 @@ std::string content_of(const std::string& path) {
     }
 }
 
+bool counts_all_lines(PM_Object::FileType type) {
+    return type == PM_Object::FILE_PC2 || type == PM_Object::FILE_CFG || type == PM_Object::FILE_PCP;
+}
+
+// The number of the first line that is neither blank nor a comment.
+int version_line(std::string_view content) {
+    for (int line = 1; !content.empty(); ++line) {
+        std::string_view text = take_line(content);
+        text = trim(text.substr(0, text.find('\0')));
+        if (!text.empty() && text.front() != ';') return line;
+    }
+    return 0;
+}
+
 } // namespace
 
-LineFinder::LineFinder(std::string_view content) {
+LineFinder::LineFinder(std::string_view content, PM_Object::FileType type)
+    : m_all_counted(counts_all_lines(type)),
+      m_uncounted(type == PM_Object::FILE_PC2 ? version_line(content) : 0) {
     while (!content.empty()) {
         m_lines.push_back(printable(ascii_part(take_line(content))));
     }
 }
 
-LineFinder LineFinder::of_file(const std::string& path) {
-    return LineFinder(content_of(path));
+LineFinder LineFinder::of_file(const std::string& path, PM_Object::FileType type) {
+    return {content_of(path), type};
 }
 
 int LineFinder::find(const Report& report) {
+    if (m_all_counted && report.line > 0) return report.line + m_uncounted;
     const int line = find_text(report);
     return line > 0 ? line : report.line;
 }
@@ -58,8 +75,10 @@ int LineFinder::find_text(const Report& report) {
 bool LineFinder::matches(std::size_t line, const Report& report, const std::string& wanted) const {
     if (line >= m_lines.size()) return false;
     if (report.cut) return m_lines[line].starts_with(wanted);
-    // A line that opens a node is told as far as its brace.
-    return m_lines[line] == wanted || m_lines[line].starts_with(wanted + '{');
+    if (m_lines[line] == wanted) return true;
+    // A line that opens a node is told as far as its brace and the blanks in front.
+    const std::size_t brace = m_lines[line].find('{');
+    return brace != std::string::npos && trim(std::string_view(m_lines[line]).substr(0, brace)) == wanted;
 }
 
 } // namespace pmtool

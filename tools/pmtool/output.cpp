@@ -28,7 +28,7 @@ private:
 std::string header_of(const Source& source) {
     if (source.format->type != PM_Object::FILE_PIA) return {};
     char16_t line[1024] = {};
-    translating(source.file, source.path, [&] {
+    translating(source, [&] {
         PM_Object().getFileVersion(pm::file_name_to_utf16(source.path).c_str(), line, std::size(line),
                                    PM_Object::FILE_PCP);
     });

@@ -48,10 +48,10 @@ void refuse_folder(const Source& source) {
     if (is_folder(source.path)) throw system_failure(source.path, EISDIR);
 }
 
-std::string failure_text(Report report, const std::string& file, const std::string& path) {
-    if (!is_bad_line(report)) return describe(report, file);
-    report.line = LineFinder::of_file(path).find(report);
-    return describe(report, file) + "; all bad lines are listed by: pmtool check";
+std::string failure_text(Report report, const Source& source) {
+    if (!is_bad_line(report)) return describe(report, source.file);
+    report.line = LineFinder::of_file(source.path, source.format->type).find(report);
+    return describe(report, source.file) + "; all bad lines are listed by: pmtool check";
 }
 
 } // namespace
@@ -87,7 +87,7 @@ void load(PM_Object& object, const Source& source, const std::u16string& base) {
 
 void load_strictly(PM_Object& object, const Source& source, const std::u16string& base) {
     refuse_folder(source);
-    translating(source.file, source.path, [&] { load(object, source, base); });
+    translating(source, [&] { load(object, source, base); });
 }
 
 void load_one_tree(PM_Object& object, const Source& source, const std::u16string& base) {
@@ -102,7 +102,15 @@ void translating(const std::string& file, const std::string& path, const std::fu
     try {
         action();
     } catch (const ZT_Exception& e) {
-        throw Failure(failure_text(make_report(e, path), file, path));
+        throw Failure(describe(make_report(e, path), file));
+    }
+}
+
+void translating(const Source& source, const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const ZT_Exception& e) {
+        throw Failure(failure_text(make_report(e, source.path), source));
     }
 }
 
@@ -112,7 +120,7 @@ std::vector<Section> sections_of(const Source& source) {
     }
     refuse_folder(source);
     std::vector<Section> sections;
-    translating(source.file, source.path, [&] {
+    translating(source, [&] {
         if (source.format->type == PM_Object::FILE_CFG) {
             for (std::string& name : plotter_names(source)) {
                 sections.push_back({std::move(name), {}});

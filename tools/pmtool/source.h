@@ -39,6 +39,8 @@ void load_one_tree(PM_Object& object, const Source& source, const std::u16string
 // Runs `action`; an exception of the library becomes a Failure about `file`, which the library knows as
 // `path`.
 void translating(const std::string& file, const std::string& path, const std::function<void()>& action);
+// The same for reading a source, whose format tells how lines are counted.
+void translating(const Source& source, const std::function<void()>& action);
 
 struct Section {
     std::string name;

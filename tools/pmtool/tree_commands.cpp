@@ -92,7 +92,7 @@ int set_value(const SetOptions& options) {
     const std::optional<Value> old = property ? std::optional(property->value()) : std::nullopt;
     const Value value = value_to_set(options, old);
     const std::string tag = is_compressed(source) ? with_compression(tag_of(source)) : tag_of(source);
-    translating(source.file, source.path, [&] {
+    translating(source, [&] {
         if (old && old->index() != value.index()) object.deletePath(path.c_str());
         set_property(object, path, value);
     });
