@@ -3,7 +3,6 @@
 
 #include "compare/content.h"
 #include "long_description.h"
-#include <cstdint>
 #include <cstdlib>
 #include <fstream>
 #include <functional>
@@ -50,24 +49,10 @@ std::string file_content(const std::string& path) {
 
 // The tree that the works below stand on.
 struct Bench {
-    Bench() : content(ContentShape::ten_a_node, property_count), paths(paths_of(content)) {
-        for (std::size_t index = 0; index < paths.size(); ++index) {
-            const pm::bench::ContentValue& value = content.properties()[index].value;
-            const char16_t* const path = paths[index].c_str();
-            if (const auto* text = std::get_if<std::string_view>(&value)) {
-                object->SetProperty(path, std::u16string(text->begin(), text->end()).c_str());
-            } else if (const auto* integer = std::get_if<int>(&value)) {
-                object->SetProperty(path, *integer);
-            } else if (const auto* number = std::get_if<double>(&value)) {
-                object->SetProperty(path, *number);
-            } else {
-                object->SetProperty(path, std::get<bool>(value));
-            }
-        }
-    }
+    Bench() { pm::bench::fill(*object, content, ""); }
 
-    Content content;
-    std::vector<std::u16string> paths;
+    Content content{ContentShape::ten_a_node, property_count};
+    std::vector<std::u16string> paths = paths_of(content);
     std::unique_ptr<PM_Object> object = std::make_unique<PM_Object>();
 };
 

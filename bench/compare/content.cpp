@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
+#include <pm/object.h>
 
 namespace pm::bench {
 namespace {
@@ -128,6 +128,21 @@ std::string Content::joined_path(const ContentProperty& property, char separator
         joined += separator;
     }
     return joined += property.name;
+}
+
+void fill(PM_Object& object, const Content& content, const std::string& base) {
+    for (const ContentProperty& property : content.properties()) {
+        const std::string narrow = base + content.joined_path(property, '\\');
+        const std::u16string path(narrow.begin(), narrow.end());
+        const auto set = [&](const auto& value) {
+            if constexpr (std::is_same_v<decltype(value), const std::string_view&>) {
+                object.SetProperty(path.c_str(), std::u16string(value.begin(), value.end()).c_str());
+            } else {
+                object.SetProperty(path.c_str(), value);
+            }
+        };
+        std::visit(set, property.value);
+    }
 }
 
 } // namespace pm::bench

@@ -8,6 +8,8 @@
 #include <variant>
 #include <vector>
 
+class PM_Object;
+
 namespace pm::bench {
 
 // Texts are zero-terminated.
@@ -59,6 +61,9 @@ private:
     std::vector<ContentNode> m_nodes;
     std::vector<ContentProperty> m_properties;
 };
+
+// Sets all properties of the content under `base`, which is empty or ends in a separator.
+void fill(PM_Object& object, const Content& content, const std::string& base);
 
 // Calls add_node(parent, name), which gives a handle, and add_value(node, name, value) so that each node and
 // each property of the content is made once, in order.

@@ -2,11 +2,10 @@
 
 #include <array>
 #include <filesystem>
-#include <fstream>
-#include <iostream>
+#include <istream>
 #include <pm/pm.h>
 #include <sstream>
-#include <stdexcept>
+#include <streambuf>
 #include <unistd.h>
 
 namespace pm::bench {

@@ -50,22 +50,6 @@ private:
     fs::path m_path;
 };
 
-void fill(PM_Object& object, const Content& content, const std::string& base) {
-    for (const ContentProperty& property : content.properties()) {
-        const std::string narrow = base + content.joined_path(property, '\\');
-        const std::u16string path(narrow.begin(), narrow.end());
-        if (const auto* text = std::get_if<std::string_view>(&property.value)) {
-            object.SetProperty(path.c_str(), std::u16string(text->begin(), text->end()).c_str());
-        } else if (const auto* integer = std::get_if<int>(&property.value)) {
-            object.SetProperty(path.c_str(), *integer);
-        } else if (const auto* number = std::get_if<double>(&property.value)) {
-            object.SetProperty(path.c_str(), *number);
-        } else {
-            object.SetProperty(path.c_str(), std::get<bool>(property.value));
-        }
-    }
-}
-
 std::string saved(const PM_Object& object, const char16_t* tag) {
     std::stringstream stream;
     object.save(stream, PM_Object::FILE_PIA, tag, root);
