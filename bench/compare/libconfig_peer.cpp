@@ -16,9 +16,9 @@ public:
     double tolerance() const override { return 1e-5; }
     // A new setting is compared with all that its group has.
     std::size_t limit(ContentShape shape) const override {
-        return shape == ContentShape::one_node || shape == ContentShape::thousand_a_node
-                   ? 10'000
-                   : static_cast<std::size_t>(-1);
+        if (shape == ContentShape::one_node) return 1000;
+        if (shape == ContentShape::thousand_a_node) return 10'000;
+        return static_cast<std::size_t>(-1);
     }
 
     void build(const Content& content) override {

@@ -71,6 +71,10 @@ struct Task {
 };
 
 inline void run_by_turns(std::vector<Task>& tasks, double seconds, clockid_t clock) {
+    for (Task& task : tasks) { // once to get warm
+        task.work();
+        task.clean();
+    }
     for (Budget budget(seconds); budget.another_round();) {
         for (Task& task : tasks) {
             task.samples.push_back(time_of(task.work, clock));
