@@ -8,46 +8,27 @@
 #include <pm/object.h>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace pm::fuzz {
 
-// Answers each report alike and keeps the numbers.
-class CountingHandler : public ZT_Error_Handler {
+// Answers each report alike and keeps the numbers. A load reports warnings and errors only.
+class CountingHandler : public ReportHandler {
 public:
-    explicit CountingHandler(bool goes_on) : m_answer(goes_on ? 1 : 0) {}
+    explicit CountingHandler(bool goes_on) : m_answer(goes_on ? Answer::go_on : Answer::stop) {}
 
-    void on_kind_0(std::uint64_t, std::uint32_t, const char16_t*, const char16_t*, const char16_t*) override {
-        std::abort();
-    }
-    int on_warning(std::uint64_t, std::uint32_t number, const char16_t*, const char16_t*,
-                   const char16_t*) override {
-        return record(number);
-    }
-    void on_severe(std::uint64_t, std::uint32_t, const char16_t*, const char16_t*, const char16_t*) override {
-        std::abort();
-    }
-    int on_error(std::uint64_t, std::uint32_t number, const char16_t*, const char16_t*,
-                 const char16_t*) override {
-        return record(number);
-    }
-    int on_kind_3(std::uint64_t, std::uint32_t, const char16_t*, const char16_t*, const char16_t*) override {
-        std::abort();
-    }
-    void on_kind_5(std::uint64_t, std::uint32_t, const char16_t*, const char16_t*, const char16_t*) override {
-        std::abort();
+    Answer on_report(int kind, std::uint32_t number, std::u16string_view, std::u16string_view) override {
+        require(kind == 1 || kind == 2);
+        numbers.push_back(number);
+        return m_answer;
     }
     void set_arguments(const std::uint64_t*, std::int32_t count) override { require(count == 0); }
 
     std::vector<std::uint32_t> numbers;
 
 private:
-    int record(std::uint32_t number) {
-        numbers.push_back(number);
-        return m_answer;
-    }
-
-    int m_answer;
+    Answer m_answer;
 };
 
 // Walks all nodes and properties.

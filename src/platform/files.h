@@ -16,9 +16,5 @@ std::filesystem::path native_file_name(std::u16string_view name);
 std::u16string wide_file_name(const std::filesystem::path& name);
 // Whether the file's attributes can be read.
 bool file_exists(std::u16string_view name);
-// A new, empty file of a unique name in the system's folder of temporary files, readable by its owner only.
-// Empty if there is none to be had, or if that folder's name has 256 units or more.
-std::u16string make_temp_file();
-void delete_file(std::u16string_view name);
 
 } // namespace pm

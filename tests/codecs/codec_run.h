@@ -20,19 +20,14 @@ struct CodecRun {
     std::uint32_t out_size = 0;
     std::unique_ptr<unsigned char, BlockReleaser> out; // of a call that succeeded
     std::vector<Report> reports;
+    std::vector<std::u16string> sources;
     std::vector<std::int32_t> argument_counts;
 
     // Empty after a failure.
     std::string bytes() const {
         return ok ? std::string(reinterpret_cast<const char*>(out.get()), out_size) : std::string();
     }
-    std::vector<std::uint32_t> numbers() const {
-        std::vector<std::uint32_t> all;
-        for (const Report& report : reports) {
-            all.push_back(report.number);
-        }
-        return all;
-    }
+    std::vector<std::uint32_t> numbers() const { return numbers_of(reports); }
 };
 
 inline const unsigned char* as_bytes(std::string_view data) {
@@ -44,13 +39,14 @@ using CodecOperation = bool (Codec::*)(unsigned char*&, std::uint32_t&);
 
 template<class Codec>
 CodecRun run_codec(CodecOperation<Codec> operation, const unsigned char* data, std::uint32_t size) {
-    RecordingHandler handler;
+    SourceRecordingHandler handler;
     Codec codec(data, size, &handler);
     CodecRun run;
     unsigned char* out = nullptr;
     run.ok = (codec.*operation)(out, run.out_size);
     if (run.ok) run.out.reset(out);
     run.reports = handler.reports;
+    run.sources = handler.sources;
     run.argument_counts = handler.argument_counts;
     return run;
 }

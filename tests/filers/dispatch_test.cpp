@@ -6,6 +6,7 @@
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
+#include <pm/error_number.h>
 
 namespace {
 
@@ -103,8 +104,8 @@ TEST(Dispatch, TypeThatIsNotAcceptedIs67) {
             if (accepts(row, type)) continue;
             SCOPED_TRACE(std::string(row.name) + ", type " + std::to_string(type));
             PM_Object object;
-            expect_thrown<PM_Warning>([&] { row.call(object, static_cast<FileType>(type)); }, 67, row.place,
-                                      u"");
+            expect_thrown<PM_Warning>([&] { row.call(object, static_cast<FileType>(type)); },
+                                      PM_ERR_TYPE_REFUSED, row.place, u"");
         }
     }
 }
@@ -115,7 +116,7 @@ TEST(Dispatch, AcceptedTypeReachesItsFiler) {
             SCOPED_TRACE(std::string(row.name) + ", type " + std::to_string(type));
             PM_Object object;
             const auto e = thrown_by([&] { row.call(object, type); });
-            EXPECT_TRUE(!e || e->m_number != 67);
+            EXPECT_TRUE(!e || e->m_number != PM_ERR_TYPE_REFUSED);
         }
     }
 }
@@ -137,8 +138,8 @@ TEST(Dispatch, ObjectWithoutRootIs50ForEveryType) {
     for (const OperationRow& row : operations) {
         for (int type = first_type; type <= last_type; ++type) {
             SCOPED_TRACE(std::string(row.name) + ", type " + std::to_string(type));
-            expect_thrown<PM_Severe>([&] { row.call(object, static_cast<FileType>(type)); }, 50, row.place,
-                                     u"m_root");
+            expect_thrown<PM_Severe>([&] { row.call(object, static_cast<FileType>(type)); }, PM_ERR_NO_ROOT,
+                                     row.place, u"m_root");
         }
     }
 }
@@ -149,7 +150,8 @@ TEST(Dispatch, NoMemoryForTheFilerIs55) {
             SCOPED_TRACE(std::string(row.name) + ", type " + std::to_string(type));
             PM_Object object;
             const FailingAllocation failing(0);
-            expect_thrown<PM_Memory_Exception>([&] { row.call(object, type); }, 55, row.place, u"pFiler");
+            expect_thrown<PM_Memory_Exception>([&] { row.call(object, type); }, PM_ERR_NO_MEMORY, row.place,
+                                               u"pFiler");
         }
     }
 }
@@ -158,7 +160,7 @@ TEST(Dispatch, LoadGivesTheObjectsHandlerToTheFiler) {
     RecordingHandler handler;
     PM_Object object(&handler);
     pm::test::load_body(object, "a=yes\n");
-    EXPECT_EQ(std::vector<std::uint32_t>{88}, handler.numbers());
+    EXPECT_EQ(std::vector<std::uint32_t>{PM_ERR_UNKNOWN_VALUE}, handler.numbers());
 }
 
 TEST(Dispatch, VersionIsReadWithoutAHandler) {
@@ -168,7 +170,7 @@ TEST(Dispatch, VersionIsReadWithoutAHandler) {
     const PM_Object object(&handler);
     char16_t buffer[32] = {u'x'};
     expect_thrown<ZT_Exception>([&] { object.getFileVersion(name.c_str(), buffer, 32, PM_Object::FILE_PCP); },
-                                89, u"PM_PIAFile::getVersion()", name);
+                                PM_ERR_NOT_A_HEADER, u"PM_PIAFile::getVersion()", name);
     EXPECT_TRUE(handler.reports.empty());
     EXPECT_EQ(u'x', buffer[0]);
 }
@@ -180,7 +182,7 @@ TEST(Dispatch, SaveIsDoneWithoutAHandler) {
     pm::test::fail_each_allocation([&](int) {
         std::stringstream stream = pm::test::byte_stream("");
         const auto e = thrown_by([&] { object.save(stream, PIA, u"compress", u"\\"); });
-        if (e && e->m_number == 85) ++failures_of_codec;
+        if (e && e->m_number == PM_ERR_NOT_ENCODED) ++failures_of_codec;
     });
     EXPECT_GT(failures_of_codec, 0);
     EXPECT_TRUE(handler.reports.empty());
@@ -226,8 +228,8 @@ TEST(Dispatch, FileIsClosedWhenAnExceptionPasses) {
     const std::u16string name = folder.write("a.pia", pia_header + "bad line\n");
     PM_Object object;
     for (int count = 0; count < 2000; ++count) {
-        expect_thrown<PM_Error>([&] { object.load(name.c_str(), PIA, u"\\"); }, 57, u"PM_PIAFile::load()",
-                                u"\n2, bad line, " + name);
+        expect_thrown<PM_Error>([&] { object.load(name.c_str(), PIA, u"\\"); }, PM_ERR_BAD_LINE,
+                                u"PM_PIAFile::load()", u"\n2, bad line, " + name);
     }
 }
 

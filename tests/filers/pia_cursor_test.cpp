@@ -12,10 +12,10 @@ using pm::test::Lines;
 // Takes a node away at some reports, as a handler may.
 class MeddlingHandler : public pm::test::RecordingHandler {
 public:
-    int on_warning(std::uint64_t handle, std::uint32_t number, const char16_t* place, const char16_t* detail,
-                   const char16_t* source) override {
-        if (reports.size() % 2 == 0) pm::test::thrown_by([&] { object->deletePath(u"x"); });
-        return RecordingHandler::on_warning(handle, number, place, detail, source);
+    pm::Answer on_report(int kind, std::uint32_t number, std::u16string_view place,
+                         std::u16string_view detail) override {
+        if (kind == 1 && reports.size() % 2 == 0) pm::test::thrown_by([&] { object->deletePath(u"x"); });
+        return RecordingHandler::on_report(kind, number, place, detail);
     }
 
     PM_Object* object = nullptr;

@@ -29,6 +29,13 @@ inline void load_body(PM_Object& object, const std::string& body, const char16_t
     load_bytes(object, pia_header + body, base);
 }
 
+// The tree that the bytes of a whole file give.
+inline Lines loaded_bytes(const std::string& bytes) {
+    PM_Object object;
+    load_bytes(object, bytes);
+    return tree_text(object);
+}
+
 // The tree that a body gives.
 inline Lines loaded(const std::string& body) {
     PM_Object object;
@@ -37,7 +44,7 @@ inline Lines loaded(const std::string& body) {
 }
 
 // The tree that a body gives with a handler that lets everything pass.
-inline Lines loaded_with(RecordingHandler& handler, const std::string& body) {
+inline Lines loaded_with(ZT_Error_Handler& handler, const std::string& body) {
     PM_Object object(&handler);
     load_body(object, body);
     return tree_text(object);

@@ -4,6 +4,7 @@
 #include "support/exceptions.h"
 #include <gtest/gtest.h>
 #include <memory>
+#include <pm/error_number.h>
 #include <sstream>
 
 namespace {
@@ -60,8 +61,8 @@ TEST(PiaWriter, LinesInFrontOfAValueThatCannotBeHadAreWritten) {
     const std::unique_ptr<PM_Iterator> walk(object.newIterator(u"\\", 0));
     std::ostringstream stream;
     pm::PiaWriter writer(stream, 65001, 1);
-    pm::test::expect_thrown<PM_Warning>([&] { writer.write_body(*walk); }, 59, u"PM_Property::GetData()",
-                                        u"c");
+    pm::test::expect_thrown<PM_Warning>([&] { writer.write_body(*walk); }, PM_ERR_NO_VALUE,
+                                        u"PM_Property::GetData()", u"c");
     EXPECT_EQ("a=1\nx{\n b=2\n", stream.str());
 }
 

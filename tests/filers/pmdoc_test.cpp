@@ -8,6 +8,7 @@
 #include "support/temp_folder.h"
 #include "support/tree_text.h"
 #include <bit>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <memory>
 #include <pm/error_number.h>
@@ -523,12 +524,15 @@ TEST_F(DocTest, ASecondOpenInAnotherProcessFails) {
 }
 
 TEST_F(DocTest, OpeningAgainAndAttachingDoNothing) {
+    object.SetProperty(u"a", 1);
     save();
     PM_DOCFile filer(nullptr);
     filer.open(path.c_str(), false);
     filer.open(u"another name", false);
     filer.attach(nullptr);
     filer.load(&again, u"\\", PM_Object::FILE_DOC);
+    EXPECT_EQ(Names{u"a"}, properties_in(again, u"\\"));
+    EXPECT_FALSE(std::filesystem::exists("another name"));
 }
 
 TEST_F(DocTest, AnUnknownTypeRaises66) {

@@ -17,6 +17,7 @@ namespace {
 
 using pm::test::expect_thrown;
 using pm::test::RecordingHandler;
+using pm::test::SourceRecordingHandler;
 using pm::test::TempFolder;
 
 constexpr const char16_t* load_place = u"PM_DPIAFile::load()";
@@ -149,7 +150,7 @@ TEST_F(DpiaTest, ASectionWithoutInfoHasAnEmptyOne) {
 TEST_F(DpiaTest, AnInfoThatIsNoTextIsRefused) {
     object.SetProperty(u"s\\One\\info", 5);
     object.SetProperty(u"s\\One\\data\\value", 5);
-    expect_thrown<PM_Warning>([&] { saved(object); }, 54, u"PM_Object::GetData()", u"");
+    expect_thrown<PM_Warning>([&] { saved(object); }, PM_ERR_WRONG_TYPE, u"PM_Object::GetData()", u"");
 }
 
 TEST_F(DpiaTest, LengthWordsCountWideUnitsNotBytes) {
@@ -163,7 +164,8 @@ TEST_F(DpiaTest, ANameBeyondAsciiReadsBackWrong) {
     PM_Object again;
     std::stringstream stream(saved(object));
     // Four bytes are taken for the name; the fifth begins the length of the info.
-    expect_thrown<PM_Severe>([&] { again.load(stream, PM_Object::FILE_DPIA, u"\\"); }, 82, load_place, u"");
+    expect_thrown<PM_Severe>([&] { again.load(stream, PM_Object::FILE_DPIA, u"\\"); }, PM_ERR_STREAM_FAILED,
+                             load_place, u"");
 }
 
 TEST_F(DpiaTest, LoadMirrorsTheDirectoryOfVersion2) {
@@ -246,25 +248,28 @@ TEST_F(DpiaTest, OfTwoSectionsOfOneNameTheFirstIsLoaded) {
 
 TEST_F(DpiaTest, SectionNameThatDiffersInCaseIsNotFound) {
     expect_thrown<PM_Severe>(
-        [&] { load_section(version_1 + word(1) + version_1_entry("One", 0, 0), u"one"); }, 83, section_place,
-        u"one");
+        [&] { load_section(version_1 + word(1) + version_1_entry("One", 0, 0), u"one"); },
+        PM_ERR_NO_SUCH_SECTION, section_place, u"one");
 }
 
 TEST_F(DpiaTest, NullArgumentsAreSectionsNotFound) {
     const std::string content = version_1 + word(1) + version_1_entry("One", 0, 0);
-    expect_thrown<PM_Severe>([&] { load_section(content, nullptr); }, 83, section_place, u"");
-    expect_thrown<PM_Severe>([&] { load_section(content, u"One", nullptr); }, 83, section_place, u"One");
+    expect_thrown<PM_Severe>([&] { load_section(content, nullptr); }, PM_ERR_NO_SUCH_SECTION, section_place,
+                             u"");
+    expect_thrown<PM_Severe>([&] { load_section(content, u"One", nullptr); }, PM_ERR_NO_SUCH_SECTION,
+                             section_place, u"One");
     PM_DPIAFile filer(nullptr);
     std::stringstream stream(content);
     filer.attach(&stream);
-    expect_thrown<PM_Severe>([&] { filer.load_section(nullptr, u"\\", u"One"); }, 83, section_place, u"One");
+    expect_thrown<PM_Severe>([&] { filer.load_section(nullptr, u"\\", u"One"); }, PM_ERR_NO_SUCH_SECTION,
+                             section_place, u"One");
 }
 
 TEST_F(DpiaTest, ABadLineOfASectionIsToldWithoutAFileName) {
     const std::string section = "PIAFILEVERSION_2.0,x\r\nbad line\n";
     const std::string content =
         version_1 + word(1) + version_1_entry("One", 0, static_cast<std::uint32_t>(section.size())) + section;
-    expect_thrown<PM_Error>([&] { load_section(content, u"One"); }, 57, u"PM_PIAFile::load()",
+    expect_thrown<PM_Error>([&] { load_section(content, u"One"); }, PM_ERR_BAD_LINE, u"PM_PIAFile::load()",
                             u"\n2, bad line, ");
 }
 
@@ -276,7 +281,7 @@ TEST_F(DpiaTest, TheHandlerHearsOfASectionsBadLines) {
         "f.dpia", version_1 + word(1) +
                       version_1_entry("One", 0, static_cast<std::uint32_t>(section.size())) + section);
     heard.load_section(path.c_str(), PM_Object::FILE_DPIA, u"\\", u"One");
-    EXPECT_EQ((std::vector<std::uint32_t>{88}), handler.numbers());
+    EXPECT_EQ((std::vector<std::uint32_t>{PM_ERR_UNKNOWN_VALUE}), handler.numbers());
     EXPECT_EQ(1, long_at(heard, u"b"));
 }
 
@@ -284,7 +289,7 @@ TEST_F(DpiaTest, ASectionBeyondTheFileFailsInItsRead) {
     for (const auto& entry : {version_1_entry("One", 0, 100), version_1_entry("One", 0, 0xFFFFFFFF),
                               version_1_entry("One", 0xFFFFFFFF, 1)}) {
         expect_thrown<PM_Severe>([&] { load_section(version_1 + word(1) + entry + plain_section, u"One"); },
-                                 82, section_place, u"One");
+                                 PM_ERR_STREAM_FAILED, section_place, u"One");
     }
 }
 
@@ -308,8 +313,8 @@ TEST_F(DpiaTest, TextsOfTheDirectoryWithoutMemoryAreTold) {
     for (const auto& [place, detail] : {std::pair(1, u"descriptor"), std::pair(2, u"info")}) {
         std::stringstream stream(content);
         const pm::test::FailingAllocation failing(place);
-        expect_thrown<PM_Memory_Exception>([&] { object.load(stream, PM_Object::FILE_DPIA, u"\\"); }, 55,
-                                           load_place, detail);
+        expect_thrown<PM_Memory_Exception>([&] { object.load(stream, PM_Object::FILE_DPIA, u"\\"); },
+                                           PM_ERR_NO_MEMORY, load_place, detail);
     }
 }
 
@@ -317,8 +322,8 @@ TEST_F(DpiaTest, SavingWithoutMemoryForTheWalkIsTold) {
     std::stringstream stream;
     object.SetProperty(u"s\\p", 1);
     const pm::test::FailingAllocation failing(1);
-    expect_thrown<PM_Memory_Exception>([&] { object.save(stream, PM_Object::FILE_DPIA, u"", u"s"); }, 55,
-                                       u"PM_DPIAFile::save()", u"pIter");
+    expect_thrown<PM_Memory_Exception>([&] { object.save(stream, PM_Object::FILE_DPIA, u"", u"s"); },
+                                       PM_ERR_NO_MEMORY, u"PM_DPIAFile::save()", u"pIter");
 }
 
 TEST_F(DpiaTest, EachFailingAllocationLeavesAUsableObject) {
@@ -342,21 +347,21 @@ TEST_F(DpiaTest, EachFailingAllocationLeavesAUsableObject) {
 
 TEST_F(DpiaTest, AnUnknownVersionIsReported) {
     const std::string content = word(0x00030000) + word(1) + version_1_entry("One", 0, 0);
-    expect_thrown<ZT_Exception>([&] { load(content); }, 69, version_place, u"");
+    expect_thrown<ZT_Exception>([&] { load(content); }, PM_ERR_UNKNOWN_VERSION, version_place, u"");
     const std::u16string path = folder.write("f.dpia", content);
-    expect_thrown<ZT_Exception>([&] { object.load(path.c_str(), PM_Object::FILE_DPIA, u"\\"); }, 69,
-                                version_place, path);
+    expect_thrown<ZT_Exception>([&] { object.load(path.c_str(), PM_Object::FILE_DPIA, u"\\"); },
+                                PM_ERR_UNKNOWN_VERSION, version_place, path);
 }
 
 TEST_F(DpiaTest, AnUnknownVersionThatIsLetPassIsReadAsVersion1) {
-    RecordingHandler handler(1);
+    SourceRecordingHandler handler;
     PM_Object heard(&handler);
     std::stringstream stream(word(0x00030000) + word(1) + version_1_entry("One", 0, 0));
     heard.load(stream, PM_Object::FILE_DPIA, u"\\");
     ASSERT_EQ(1U, handler.reports.size());
     EXPECT_EQ(2, handler.reports[0].kind);
-    EXPECT_EQ(69U, handler.reports[0].number);
-    EXPECT_EQ(u"$Workfile: pmdpia $ $Revision: #1 $", handler.reports[0].source);
+    EXPECT_EQ(PM_ERR_UNKNOWN_VERSION, handler.reports[0].number);
+    EXPECT_EQ(u"$Workfile: pmdpia $ $Revision: #1 $", handler.sources[0]);
     EXPECT_EQ(u"One", string_at(heard, u"DPIA_directory\\0\\descriptor"));
     EXPECT_FALSE(has(heard, u"DPIA_directory\\0\\info"));
 }
@@ -365,8 +370,8 @@ TEST_F(DpiaTest, AnUnknownVersionThatIsNotLetPassCancels) {
     RecordingHandler handler(0);
     PM_Object heard(&handler);
     std::stringstream stream(word(0x00030000) + word(0));
-    expect_thrown<ZT_Canceled_Error>([&] { heard.load(stream, PM_Object::FILE_DPIA, u"\\"); }, 69,
-                                     version_place, u"");
+    expect_thrown<ZT_Canceled_Error>([&] { heard.load(stream, PM_Object::FILE_DPIA, u"\\"); },
+                                     PM_ERR_UNKNOWN_VERSION, version_place, u"");
 }
 
 TEST_F(DpiaTest, VersionTextsAreThoseOfTheWords) {
@@ -394,28 +399,28 @@ TEST_F(DpiaTest, AVersionTextIsCutToItsBuffer) {
 
 TEST_F(DpiaTest, AMissingFileRaises63) {
     const std::u16string path = folder.wide("none.dpia");
-    expect_thrown<PM_Severe>([&] { object.load(path.c_str(), PM_Object::FILE_DPIA, u"\\"); }, 63, load_place,
-                             path);
+    expect_thrown<PM_Severe>([&] { object.load(path.c_str(), PM_Object::FILE_DPIA, u"\\"); },
+                             PM_ERR_NO_SUCH_FILE, load_place, path);
     expect_thrown<PM_Severe>([&] { object.load_section(path.c_str(), PM_Object::FILE_DPIA, u"\\", u"One"); },
-                             63, load_place, path);
+                             PM_ERR_NO_SUCH_FILE, load_place, path);
 }
 
 TEST_F(DpiaTest, AFileThatCannotBeMadeFailsInOpen) {
     object.SetProperty(u"s\\p", 1);
     const std::u16string path = folder.wide("no folder/f.dpia");
-    expect_thrown<PM_Severe>([&] { object.save(path.c_str(), PM_Object::FILE_DPIA, u"", u"s"); }, 63,
-                             u"PM_DPIAFile::open()", path);
+    expect_thrown<PM_Severe>([&] { object.save(path.c_str(), PM_Object::FILE_DPIA, u"", u"s"); },
+                             PM_ERR_NO_SUCH_FILE, u"PM_DPIAFile::open()", path);
 }
 
 TEST_F(DpiaTest, AFullDiskIsTold) {
     object.SetProperty(u"s\\p", 1);
-    expect_thrown<PM_Severe>([&] { object.save(u"/dev/full", PM_Object::FILE_DPIA, u"", u"s"); }, 65,
-                             u"PM_DPIAFile::write_directory", u"");
+    expect_thrown<PM_Severe>([&] { object.save(u"/dev/full", PM_Object::FILE_DPIA, u"", u"s"); },
+                             PM_ERR_DISK_FULL, u"PM_DPIAFile::write_directory", u"");
 }
 
 TEST_F(DpiaTest, AShortVersionWordRaises82) {
     for (const std::string& content : {std::string(), std::string("\0\0", 2)}) {
-        expect_thrown<PM_Severe>([&] { load(content); }, 82, version_place, u"");
+        expect_thrown<PM_Severe>([&] { load(content); }, PM_ERR_STREAM_FAILED, version_place, u"");
     }
 }
 
@@ -423,7 +428,8 @@ TEST_F(DpiaTest, EveryCutDirectoryRaises82) {
     const std::string content =
         version_2 + word(2) + version_2_entry("One", "first", 0, 0) + version_2_entry("Two", "second", 0, 0);
     for (std::size_t length = 4; length < content.size(); ++length) {
-        expect_thrown<PM_Severe>([&] { load(content.substr(0, length)); }, 82, load_place, u"");
+        expect_thrown<PM_Severe>([&] { load(content.substr(0, length)); }, PM_ERR_STREAM_FAILED, load_place,
+                                 u"");
     }
     load(content);
 }
@@ -433,7 +439,7 @@ TEST_F(DpiaTest, CountsAndLengthsThatCannotFitTakeNoMemory) {
          {version_2 + word(0x7FFFFFFF) + version_2_entry("One", "", 0, 0),
           version_2 + word(1) + word(0x7FFFFFFF) + "One", version_2 + word(1) + word(0xFFFFFFFF) + "One",
           version_2 + word(1) + counted("One") + word(0xFFFFFFF0) + std::string(8, '\0')}) {
-        expect_thrown<PM_Severe>([&] { load(content); }, 82, load_place, u"");
+        expect_thrown<PM_Severe>([&] { load(content); }, PM_ERR_STREAM_FAILED, load_place, u"");
     }
 }
 
@@ -588,8 +594,8 @@ TEST_F(DpiaTest, SectionsOfTheSampleLoad) {
 TEST_F(DpiaTest, ASubtreeThatIsNotThereSavesAsNoSections) {
     object.SetProperty(u"a\\b", 1);
     EXPECT_EQ(version_2 + word(0), saved(object, u"b"));
-    expect_thrown<PM_Warning>([&] { saved(object, u"unknown"); }, 51, u"PM_Iterator::PM_Iterator()",
-                              u"unknown");
+    expect_thrown<PM_Warning>([&] { saved(object, u"unknown"); }, PM_ERR_BAD_PATH,
+                              u"PM_Iterator::PM_Iterator()", u"unknown");
 }
 
 TEST_F(DpiaTest, CloseLeavesAnAttachedStreamOpen) {

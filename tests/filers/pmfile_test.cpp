@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <pm/error_number.h>
 #include <sstream>
 #include <sys/resource.h>
 
@@ -15,6 +16,7 @@ namespace {
 
 using pm::test::expect_thrown;
 using pm::test::RecordingHandler;
+using pm::test::SourceRecordingHandler;
 using pm::test::TempFolder;
 using pm::test::thrown_by;
 
@@ -42,11 +44,11 @@ public:
 };
 
 PM_Error an_error() {
-    return {57, place, u"a detail", source};
+    return {PM_ERR_BAD_LINE, place, u"a detail", source};
 }
 
 void expect_an_error(const ZT_Exception& e) {
-    EXPECT_EQ(57U, e.m_number);
+    EXPECT_EQ(PM_ERR_BAD_LINE, e.m_number);
     EXPECT_EQ(std::u16string(place), e.m_place);
     EXPECT_STREQ("a place", e.m_place_narrow);
     EXPECT_EQ(std::u16string(u"a detail"), e.m_detail);
@@ -65,8 +67,8 @@ TEST(FilerReport, WithoutHandlerThrowsAPlainExceptionOfTheSameContent) {
 
 TEST(FilerReport, WithoutHandlerAWarningLosesItsClassToo) {
     TestFiler filer;
-    const PM_Warning warning(88, place, u"", source);
-    expect_thrown<ZT_Exception>([&] { filer.report(warning); }, 88, place, u"");
+    const PM_Warning warning(PM_ERR_UNKNOWN_VALUE, place, u"", source);
+    expect_thrown<ZT_Exception>([&] { filer.report(warning); }, PM_ERR_UNKNOWN_VALUE, place, u"");
 }
 
 TEST(FilerReport, HandlersAnswerIsGivenBack) {
@@ -78,17 +80,17 @@ TEST(FilerReport, HandlersAnswerIsGivenBack) {
 }
 
 TEST(FilerReport, HandlerHearsTheContentByTheKindOfTheClass) {
-    RecordingHandler handler;
+    SourceRecordingHandler handler;
     TestFiler filer(&handler);
     filer.report(an_error());
-    filer.report(PM_Warning(88, u"a line", u"", u""));
-    EXPECT_EQ(2, filer.report(PM_Severe(84, place, u"", source)));
+    filer.report(PM_Warning(PM_ERR_UNKNOWN_VALUE, u"a line", u"", u""));
+    EXPECT_EQ(2, filer.report(PM_Severe(PM_ERR_NOT_DECODED, place, u"", source)));
     ASSERT_EQ(3U, handler.reports.size());
     EXPECT_EQ(2, handler.reports[0].kind);
-    EXPECT_EQ(57U, handler.reports[0].number);
+    EXPECT_EQ(PM_ERR_BAD_LINE, handler.reports[0].number);
     EXPECT_EQ(place, handler.reports[0].place);
     EXPECT_EQ(u"a detail", handler.reports[0].detail);
-    EXPECT_EQ(source, handler.reports[0].source);
+    EXPECT_EQ(source, handler.sources[0]);
     EXPECT_EQ(1, handler.reports[1].kind);
     EXPECT_EQ(4, handler.reports[2].kind);
     EXPECT_EQ((std::vector<std::int32_t>{0, 0, 0}), handler.argument_counts);
@@ -108,14 +110,14 @@ TEST(FilerReport, AnswerOfZeroCancelsWithTheSameContent) {
 TEST(FilerReport, SevereErrorPassesWhateverTheHandlerAnswers) {
     RecordingHandler handler(0);
     TestFiler filer(&handler);
-    EXPECT_EQ(2, filer.report(PM_Severe(84, place, u"", source)));
+    EXPECT_EQ(2, filer.report(PM_Severe(PM_ERR_NOT_DECODED, place, u"", source)));
 }
 
 TEST(FilerReport, CancellationIsThrownOnWithoutAskingTheHandler) {
-    RecordingHandler handler;
+    SourceRecordingHandler handler;
     TestFiler filer(&handler);
     const ZT_Canceled_Error cancelled(an_error());
-    expect_thrown<ZT_Canceled_Error>([&] { filer.report(cancelled); }, 57, place, u"a detail");
+    expect_thrown<ZT_Canceled_Error>([&] { filer.report(cancelled); }, PM_ERR_BAD_LINE, place, u"a detail");
     EXPECT_TRUE(handler.reports.empty());
     EXPECT_TRUE(handler.argument_counts.empty());
 }
@@ -126,32 +128,32 @@ struct ErrorNumberRow {
 };
 
 constexpr ErrorNumberRow error_numbers[] = {
-    {ENOENT, 63},
-    {E2BIG, 71},
-    {ENOEXEC, 79},
-    {EBADF, 73},
-    {ECHILD, 74},
-    {EAGAIN, 72},
-    {ENOMEM, 64},
-    {EACCES, 61},
-    {EEXIST, 77},
-    {EXDEV, 81},
-    {EINVAL, 78},
-    {EMFILE, 62},
-    {ENOSPC, 65},
-    {EDOM, 76},
-    {ERANGE, 80},
-    {EDEADLK, 75},
+    {ENOENT, PM_ERR_NO_SUCH_FILE},
+    {E2BIG, PM_ERR_ARGUMENTS_TOO_LONG},
+    {ENOEXEC, PM_ERR_NOT_EXECUTABLE},
+    {EBADF, PM_ERR_FILE_NOT_OPEN},
+    {ECHILD, PM_ERR_NO_CHILD_PROCESS},
+    {EAGAIN, PM_ERR_TRY_AGAIN},
+    {ENOMEM, PM_ERR_NO_MEMORY_FOR_FILE},
+    {EACCES, PM_ERR_ACCESS_DENIED},
+    {EEXIST, PM_ERR_FILE_EXISTS},
+    {EXDEV, PM_ERR_OTHER_DRIVE},
+    {EINVAL, PM_ERR_INVALID_ARGUMENT},
+    {EMFILE, PM_ERR_TOO_MANY_FILES},
+    {ENOSPC, PM_ERR_DISK_FULL},
+    {EDOM, PM_ERR_OUT_OF_DOMAIN},
+    {ERANGE, PM_ERR_RESULT_TOO_LARGE},
+    {EDEADLK, PM_ERR_DEADLOCK},
     // Everything else.
-    {0, 82},
-    {EPERM, 82},
-    {EINTR, 82},
-    {EIO, 82},
-    {ENXIO, 82},
-    {EISDIR, 82},
-    {ENAMETOOLONG, 82},
-    {ELOOP, 82},
-    {-1, 82},
+    {0, PM_ERR_STREAM_FAILED},
+    {EPERM, PM_ERR_STREAM_FAILED},
+    {EINTR, PM_ERR_STREAM_FAILED},
+    {EIO, PM_ERR_STREAM_FAILED},
+    {ENXIO, PM_ERR_STREAM_FAILED},
+    {EISDIR, PM_ERR_STREAM_FAILED},
+    {ENAMETOOLONG, PM_ERR_STREAM_FAILED},
+    {ELOOP, PM_ERR_STREAM_FAILED},
+    {-1, PM_ERR_STREAM_FAILED},
 };
 
 TEST(FilerStreamCheck, NumberFollowsFromTheErrorCode) {
@@ -178,8 +180,8 @@ TEST(FilerStreamCheck, EveryStateButGoodCounts) {
         std::stringstream stream;
         stream.setstate(state);
         errno = 0;
-        expect_thrown<PM_Severe>([&] { TestFiler::check_stream(place, nullptr, stream, source); }, 82, place,
-                                 u"");
+        expect_thrown<PM_Severe>([&] { TestFiler::check_stream(place, nullptr, stream, source); },
+                                 PM_ERR_STREAM_FAILED, place, u"");
     }
 }
 
@@ -228,8 +230,8 @@ TEST(FilerWriting, ValuesAreStrict) {
                                "v void 0102"}),
               pm::test::tree_text(object));
     for (const char16_t* path : {u"l", u"d", u"b", u"s"}) {
-        expect_thrown<PM_Warning>([&] { TestFiler::set_data(object, path, "", 1, PROP_VOID); }, 54,
-                                  u"PM_Object::SetData()", u"");
+        expect_thrown<PM_Warning>([&] { TestFiler::set_data(object, path, "", 1, PROP_VOID); },
+                                  PM_ERR_WRONG_TYPE, u"PM_Object::SetData()", u"");
     }
 }
 
@@ -262,37 +264,37 @@ protected:
 };
 
 TEST_F(FailingFile, MissingFileIs63AtLoad) {
-    expect_load_failure(folder.wide("missing.pia"), 63, u"PM_PIAFile::load()");
+    expect_load_failure(folder.wide("missing.pia"), PM_ERR_NO_SUCH_FILE, u"PM_PIAFile::load()");
 }
 
 TEST_F(FailingFile, FileInAMissingFolderIs63AtLoad) {
-    expect_load_failure(folder.wide("missing/a.pia"), 63, u"PM_PIAFile::load()");
+    expect_load_failure(folder.wide("missing/a.pia"), PM_ERR_NO_SUCH_FILE, u"PM_PIAFile::load()");
 }
 
 TEST_F(FailingFile, EmptyAndNullNamesAre63AtLoad) {
-    expect_load_failure(u"", 63, u"PM_PIAFile::load()");
+    expect_load_failure(u"", PM_ERR_NO_SUCH_FILE, u"PM_PIAFile::load()");
     expect_thrown<PM_Severe>(
-        [&] { object.load(static_cast<const char16_t*>(nullptr), PM_Object::FILE_PIA, u"\\"); }, 63,
-        u"PM_PIAFile::load()", u"");
+        [&] { object.load(static_cast<const char16_t*>(nullptr), PM_Object::FILE_PIA, u"\\"); },
+        PM_ERR_NO_SUCH_FILE, u"PM_PIAFile::load()", u"");
 }
 
 TEST_F(FailingFile, MissingFileForItsVersionIs63AtLoad) {
     const std::u16string name = folder.wide("missing.pia");
     char16_t buffer[8] = {u'x'};
-    expect_thrown<PM_Severe>([&] { object.getFileVersion(name.c_str(), buffer, 8, PM_Object::FILE_PCP); }, 63,
-                             u"PM_PIAFile::load()", name);
+    expect_thrown<PM_Severe>([&] { object.getFileVersion(name.c_str(), buffer, 8, PM_Object::FILE_PCP); },
+                             PM_ERR_NO_SUCH_FILE, u"PM_PIAFile::load()", name);
     EXPECT_EQ(u'x', buffer[0]);
 }
 
 TEST_F(FailingFile, MissingFolderIs63AtOpenWhenSaving) {
-    expect_save_failure(folder.wide("missing/a.pia"), 63, open_place);
+    expect_save_failure(folder.wide("missing/a.pia"), PM_ERR_NO_SUCH_FILE, open_place);
 }
 
 TEST_F(FailingFile, UnreadableFileIs61) {
     const std::u16string name = folder.write("secret.pia", pm::test::pia_header);
     std::filesystem::permissions(folder / "secret.pia", std::filesystem::perms::none);
     const pm::test::DroppedPrivileges dropped;
-    expect_load_failure(name, 61, open_place);
+    expect_load_failure(name, PM_ERR_ACCESS_DENIED, open_place);
 }
 
 TEST_F(FailingFile, UnwritableFileIs61) {
@@ -300,14 +302,14 @@ TEST_F(FailingFile, UnwritableFileIs61) {
     std::filesystem::permissions(folder / "fixed.pia", std::filesystem::perms(0444));
     {
         const pm::test::DroppedPrivileges dropped;
-        expect_save_failure(name, 61, open_place);
+        expect_save_failure(name, PM_ERR_ACCESS_DENIED, open_place);
     }
     EXPECT_EQ(pm::test::pia_header, folder.read("fixed.pia"));
 }
 
 TEST_F(FailingFile, FolderIs82) {
-    expect_load_failure(folder.path().u16string(), 82, u"PM_PIAFile::getVersion()");
-    expect_save_failure(folder.path().u16string(), 82, open_place);
+    expect_load_failure(folder.path().u16string(), PM_ERR_STREAM_FAILED, u"PM_PIAFile::getVersion()");
+    expect_save_failure(folder.path().u16string(), PM_ERR_STREAM_FAILED, open_place);
 }
 
 TEST_F(FailingFile, TooManyOpenFilesAre62) {
@@ -320,30 +322,30 @@ TEST_F(FailingFile, TooManyOpenFilesAre62) {
     const auto e = thrown_by([&] { object.load(name.c_str(), PM_Object::FILE_PIA, u"\\"); });
     ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &before));
     ASSERT_TRUE(e);
-    EXPECT_EQ(62U, e->m_number);
+    EXPECT_EQ(PM_ERR_TOO_MANY_FILES, e->m_number);
     EXPECT_EQ(std::u16string(open_place), e->m_place);
     EXPECT_EQ(name, e->m_detail);
 }
 
 TEST_F(FailingFile, FullDeviceIs65) {
-    expect_save_failure(u"/dev/full", 65, u"PM_PIAFile::save()");
+    expect_save_failure(u"/dev/full", PM_ERR_DISK_FULL, u"PM_PIAFile::save()");
 }
 
 TEST_F(FailingFile, FullDeviceIs65WhenCompressed) {
-    expect_thrown<PM_Severe>([&] { object.save(u"/dev/full", PM_Object::FILE_PIA, u"compress", u"\\"); }, 65,
-                             u"PM_PIAFile::save()", u"/dev/full");
+    expect_thrown<PM_Severe>([&] { object.save(u"/dev/full", PM_Object::FILE_PIA, u"compress", u"\\"); },
+                             PM_ERR_DISK_FULL, u"PM_PIAFile::save()", u"/dev/full");
 }
 
 TEST_F(FailingFile, ShortFileIs82WhateverFailedBefore) {
     const std::u16string name = folder.write("empty.pia", "");
     errno = ENOENT;
-    expect_load_failure(name, 82, u"PM_PIAFile::getVersion()");
+    expect_load_failure(name, PM_ERR_STREAM_FAILED, u"PM_PIAFile::getVersion()");
 }
 
 TEST_F(FailingFile, ShortStreamIs82WithoutAName) {
     std::stringstream stream;
     errno = ENOENT;
-    expect_thrown<PM_Severe>([&] { object.load(stream, PM_Object::FILE_PIA, u"\\"); }, 82,
+    expect_thrown<PM_Severe>([&] { object.load(stream, PM_Object::FILE_PIA, u"\\"); }, PM_ERR_STREAM_FAILED,
                              u"PM_PIAFile::getVersion()", u"");
 }
 
@@ -351,10 +353,10 @@ TEST_F(FailingFile, StreamThatHasFailedIs82) {
     std::stringstream stream = pm::test::byte_stream(pm::test::pia_header);
     stream.setstate(std::ios::failbit);
     errno = EACCES;
-    expect_thrown<PM_Severe>([&] { object.load(stream, PM_Object::FILE_PIA, u"\\"); }, 82,
+    expect_thrown<PM_Severe>([&] { object.load(stream, PM_Object::FILE_PIA, u"\\"); }, PM_ERR_STREAM_FAILED,
                              u"PM_PIAFile::getVersion()", u"");
-    expect_thrown<PM_Severe>([&] { object.save(stream, PM_Object::FILE_PIA, u"", u"\\"); }, 82,
-                             u"PM_PIAFile::save()", u"");
+    expect_thrown<PM_Severe>([&] { object.save(stream, PM_Object::FILE_PIA, u"", u"\\"); },
+                             PM_ERR_STREAM_FAILED, u"PM_PIAFile::save()", u"");
 }
 
 } // namespace

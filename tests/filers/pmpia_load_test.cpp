@@ -2,14 +2,17 @@
 
 #include "filers/pia_text.h"
 #include "support/exceptions.h"
+#include "support/expect_report.h"
 #include "support/recording_handler.h"
 #include "support/scoped_settings.h"
 #include "support/temp_folder.h"
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <pm/error_number.h>
 
 namespace {
 
+using pm::test::expect_report;
 using pm::test::expect_thrown;
 using pm::test::Lines;
 using pm::test::load_body;
@@ -18,42 +21,26 @@ using pm::test::loaded;
 using pm::test::loaded_with;
 using pm::test::pia_header;
 using pm::test::RecordingHandler;
+using pm::test::ReportOutcome;
+using pm::test::SourceRecordingHandler;
 using pm::test::TempFolder;
 using pm::test::tree_text;
 
 constexpr const char16_t* load_place = u"PM_PIAFile::load()";
 constexpr const char16_t* set_place = u"PM_Object::SetData()";
 
-// The body, whose bad line is the given one, is reported as told; it goes on, and gives the tree.
-struct ReportRow {
-    std::string line;
-    int kind;
-    std::uint32_t number;
-    std::u16string place;
-    std::u16string detail;
-};
-
-void expect_report(const ReportRow& row) {
-    SCOPED_TRACE(row.line.substr(0, 60));
-    const std::string body = "before=1\n" + row.line + "\nafter=2\n";
-    RecordingHandler handler;
-    EXPECT_EQ((Lines{"before long 1", "after long 2"}), loaded_with(handler, body));
-    ASSERT_EQ(1U, handler.reports.size());
-    EXPECT_EQ(row.kind, handler.reports[0].kind);
-    EXPECT_EQ(row.number, handler.reports[0].number);
-    EXPECT_EQ(row.place, handler.reports[0].place);
-    EXPECT_EQ(row.detail.substr(0, 259), handler.reports[0].detail);
-
-    PM_Object stopped;
-    expect_thrown<ZT_Exception>([&] { load_body(stopped, body); }, row.number, row.place,
-                                row.detail.substr(0, 259));
-    EXPECT_EQ(Lines{"before long 1"}, tree_text(stopped));
-
-    RecordingHandler refusing(0);
-    PM_Object cancelled(&refusing);
-    expect_thrown<ZT_Canceled_Error>([&] { load_body(cancelled, body); }, row.number, row.place,
-                                     row.detail.substr(0, 259));
-    EXPECT_EQ(Lines{"before long 1"}, tree_text(cancelled));
+// A body whose one bad line is the content given is reported as told. What stands behind the line is read
+// if the load goes on.
+void expect_line_reported(ReportOutcome expected) {
+    const std::string body = "before=1\n" + expected.content + "\nafter=2\n";
+    expected.content.resize(std::min<std::size_t>(expected.content.size(), 60));
+    expected.detail.resize(std::min<std::size_t>(expected.detail.size(), 259));
+    expect_report(
+        expected, [&](PM_Object& object) { load_body(object, body); },
+        [](const PM_Object& object, bool whole) {
+            EXPECT_EQ((whole ? Lines{"before long 1", "after long 2"} : Lines{"before long 1"}),
+                      tree_text(object));
+        });
 }
 
 std::u16string context(int line_number, const std::u16string& line) {
@@ -155,7 +142,7 @@ TEST(PiaLoad, NameEndsAtTheFirstBlankOrEqualsSign) {
 TEST(PiaLoad, WordsBetweenNameAndEqualsSignAreTheValue) {
     RecordingHandler handler;
     EXPECT_EQ(Lines{}, loaded_with(handler, "a b = 1\n"));
-    EXPECT_EQ(std::vector<std::uint32_t>{88}, handler.numbers());
+    EXPECT_EQ(std::vector<std::uint32_t>{PM_ERR_UNKNOWN_VALUE}, handler.numbers());
 }
 
 TEST(PiaLoad, TrailingBlanksAreCut) {
@@ -178,7 +165,7 @@ TEST(PiaLoad, CarriageReturnEndsABooleanAndRawDataWell) {
 TEST(PiaLoad, CarriageReturnSpoilsANumber) {
     RecordingHandler handler;
     EXPECT_EQ(Lines{}, loaded_with(handler, "a=1\r\nb=2.5\r\n"));
-    EXPECT_EQ((std::vector<std::uint32_t>{88, 57}), handler.numbers());
+    EXPECT_EQ((std::vector<std::uint32_t>{PM_ERR_UNKNOWN_VALUE, PM_ERR_BAD_LINE}), handler.numbers());
 }
 
 TEST(PiaLoad, LaterLineOfTheSameFormOverwrites) {
@@ -296,7 +283,7 @@ TEST(PiaValue, RawDataWhoseBytesAreOddInNumberIsThrown) {
     const pm::test::ScopedCodePage utf8(65001);
     expect_bad_line<PM_Error>("a=\\\xC3\xA4"
                               "1\\",
-                              53, u".\\pmpia", u"bad raw data value");
+                              PM_ERR_BAD_RAW_DATA, u".\\pmpia", u"bad raw data value");
 }
 
 // Long lines, names and paths.
@@ -340,7 +327,7 @@ TEST(PiaLoad, NameOf511UnitsIsTaken) {
 
 TEST(PiaLoad, PropertyNameOf512UnitsIsReported) {
     const std::string name(512, 'n');
-    expect_report({name + "=1", 1, 57, load_place, context(3, pm::to_wide(name + "=1"))});
+    expect_line_reported({name + "=1", 1, PM_ERR_BAD_LINE, load_place, context(3, pm::to_wide(name + "=1"))});
 }
 
 TEST(PiaLoad, BlockWithANameOf512UnitsIsReportedAndPassedOver) {
@@ -350,7 +337,7 @@ TEST(PiaLoad, BlockWithANameOf512UnitsIsReportedAndPassedOver) {
               loaded_with(handler, "a=1\n" + name + "{\nc=3\nx{\nd=4\n}\n" + name + "{\n}\n}\nb=2\n"));
     ASSERT_EQ(1U, handler.reports.size());
     EXPECT_EQ(2, handler.reports[0].kind);
-    EXPECT_EQ(57U, handler.reports[0].number);
+    EXPECT_EQ(PM_ERR_BAD_LINE, handler.reports[0].number);
     EXPECT_EQ(load_place, handler.reports[0].place);
     EXPECT_EQ(context(3, pm::to_wide(name)).substr(0, 259), handler.reports[0].detail);
 }
@@ -371,10 +358,10 @@ TEST(PiaLoad, PathOf1024UnitsIsReported) {
                                        "{\nc=1\n}\n}\n}\nb=2\n"));
     ASSERT_EQ(2U, handler.reports.size());
     EXPECT_EQ(1, handler.reports[0].kind);
-    EXPECT_EQ(57U, handler.reports[0].number);
+    EXPECT_EQ(PM_ERR_BAD_LINE, handler.reports[0].number);
     EXPECT_EQ(context(4, pm::to_wide(name + "=1")), handler.reports[0].detail);
     EXPECT_EQ(2, handler.reports[1].kind);
-    EXPECT_EQ(57U, handler.reports[1].number);
+    EXPECT_EQ(PM_ERR_BAD_LINE, handler.reports[1].number);
     EXPECT_EQ(context(6, pm::to_wide(name)), handler.reports[1].detail);
 }
 
@@ -395,14 +382,14 @@ TEST(PiaLoad, DepthOf257ComponentsIs51) {
     }
     RecordingHandler handler;
     PM_Object object(&handler);
-    expect_thrown<PM_Warning>([&] { load_body(object, "b=1\n" + body + "a=1\n"); }, 51, u"PM_Path::PM_Path()",
-                              (path + u"\\a").substr(0, 259));
+    expect_thrown<PM_Warning>([&] { load_body(object, "b=1\n" + body + "a=1\n"); }, PM_ERR_BAD_PATH,
+                              u"PM_Path::PM_Path()", (path + u"\\a").substr(0, 259));
     EXPECT_TRUE(handler.reports.empty());
     EXPECT_EQ(Lines{"b long 1"}, tree_text(object));
 }
 
 TEST(PiaLoad, NameOfBackslashesAloneIs51) {
-    expect_bad_line<PM_Warning>("\\=1", 51, set_place, u"\\\\");
+    expect_bad_line<PM_Warning>("\\=1", PM_ERR_BAD_PATH, set_place, u"\\\\");
 }
 
 TEST(PiaLoad, BackslashInANameShiftsThePlaceOfWhatFollows) {
@@ -430,7 +417,7 @@ TEST(PiaLoad, EmptyAndNullBaseAreTheRoot) {
 TEST(PiaLoad, BaseThatIsTooLongIs51) {
     const std::u16string base(1024, u'b');
     PM_Object object;
-    expect_thrown<PM_Warning>([&] { load_body(object, "a=1\n", base.c_str()); }, 51, load_place,
+    expect_thrown<PM_Warning>([&] { load_body(object, "a=1\n", base.c_str()); }, PM_ERR_BAD_PATH, load_place,
                               base.substr(0, 259));
     EXPECT_TRUE(tree_text(object).empty());
 }
@@ -440,7 +427,8 @@ TEST(PiaLoad, BaseWithoutRoomForANameReportsEachLine) {
     RecordingHandler handler;
     PM_Object object(&handler);
     load_body(object, "a=1\nx{\n}\nb=2\n", base.c_str());
-    EXPECT_EQ((std::vector<std::uint32_t>{57, 57, 57}), handler.numbers());
+    EXPECT_EQ((std::vector<std::uint32_t>{PM_ERR_BAD_LINE, PM_ERR_BAD_LINE, PM_ERR_BAD_LINE}),
+              handler.numbers());
     EXPECT_TRUE(tree_text(object).empty());
 }
 
@@ -456,16 +444,17 @@ TEST(PiaLoad, FirstClosingLineTooManyCutsTheRootsPathToNothing) {
 
 TEST(PiaLoad, SecondClosingLineTooManyIs57) {
     PM_Object object;
-    expect_thrown<PM_Error>([&] { load_body(object, "}\n a} b\n"); }, 57, load_place, context(3, u"a} b"));
+    expect_thrown<PM_Error>([&] { load_body(object, "}\n a} b\n"); }, PM_ERR_BAD_LINE, load_place,
+                            context(3, u"a} b"));
 }
 
 TEST(PiaLoad, ClosingLineAfterAPropertyOfTheRootIs57) {
-    expect_bad_line<PM_Error>("}", 57, load_place, context(3, u"}"));
+    expect_bad_line<PM_Error>("}", PM_ERR_BAD_LINE, load_place, context(3, u"}"));
 }
 
 TEST(PiaLoad, ClosingLineInABaseWithoutBackslashIs57) {
     PM_Object object;
-    expect_thrown<PM_Error>([&] { load_body(object, "a=1\n}\nb=2\n", u"q"); }, 57, load_place,
+    expect_thrown<PM_Error>([&] { load_body(object, "a=1\n}\nb=2\n", u"q"); }, PM_ERR_BAD_LINE, load_place,
                             context(3, u"}"));
     EXPECT_EQ(Lines{"q\\a long 1"}, tree_text(object));
 }
@@ -473,40 +462,40 @@ TEST(PiaLoad, ClosingLineInABaseWithoutBackslashIs57) {
 // Bad lines that are reported.
 
 TEST(PiaBadLine, EmptyNameIsReported) {
-    expect_report({"=1", 1, 57, load_place, context(3, u"=1")});
-    expect_report({"  = \"text", 1, 57, load_place, context(3, u"= \"text")});
+    expect_line_reported({"=1", 1, PM_ERR_BAD_LINE, load_place, context(3, u"=1")});
+    expect_line_reported({"  = \"text", 1, PM_ERR_BAD_LINE, load_place, context(3, u"= \"text")});
 }
 
 TEST(PiaBadLine, EmptyValueIsReported) {
-    expect_report({"a=", 2, 57, load_place, context(3, u"a=")});
-    expect_report({"a = == ", 2, 57, load_place, context(3, u"a = ==")});
+    expect_line_reported({"a=", 2, PM_ERR_BAD_LINE, load_place, context(3, u"a=")});
+    expect_line_reported({"a = == ", 2, PM_ERR_BAD_LINE, load_place, context(3, u"a = ==")});
 }
 
 TEST(PiaBadLine, BadDoubleIsReported) {
     for (const char* line :
          {"a=1.2.3", "a=.", "a=-.", "a=1 .5", "a=1.5 mm", "a=1.5\t", "a=1.5 (12345678901234)x"}) {
-        expect_report({line, 1, 57, load_place, context(3, pm::to_wide(line))});
+        expect_line_reported({line, 1, PM_ERR_BAD_LINE, load_place, context(3, pm::to_wide(line))});
     }
 }
 
 TEST(PiaBadLine, EmptyOrOddRawDataIsReported) {
     for (const char* line : {"a=\\\\", "a=\\  \\", "a=\\ABC\\", "a=\\A\\", "a=\\AB \\"}) {
-        expect_report({line, 1, 57, load_place, context(3, pm::to_wide(line))});
+        expect_line_reported({line, 1, PM_ERR_BAD_LINE, load_place, context(3, pm::to_wide(line))});
     }
 }
 
 TEST(PiaBadLine, ValueOfNoFormIsReportedWithTheLineAsItsPlace) {
     for (const char* line :
          {"a=yes", "a=\\ABC", "a=1e5", "a=+1", "a=+1.5", "a=0x10", "a='b'", "a=1;2", "a b=c"}) {
-        expect_report({line, 1, 88, pm::to_wide(line), u""});
+        expect_line_reported({line, 1, PM_ERR_UNKNOWN_VALUE, pm::to_wide(line), u""});
     }
 }
 
 TEST(PiaBadLine, ReportOfAValueOfNoFormHasNoSource) {
-    RecordingHandler handler;
+    SourceRecordingHandler handler;
     loaded_with(handler, "a=yes\n");
     ASSERT_EQ(1U, handler.reports.size());
-    EXPECT_EQ(u"", handler.reports[0].source);
+    EXPECT_EQ(u"", handler.sources[0]);
 }
 
 TEST(PiaBadLine, PlaceOfAValueOfNoFormOutlivesTheLoad) {
@@ -523,10 +512,12 @@ TEST(PiaBadLine, NothingIsMadeOfAReportedLine) {
     PM_Object object(&handler);
     load_body(object, "x{\nn1=yes\nn2=1.2.3\nn3=\\A\\\nn4=\n}\n");
     for (const char16_t* path : {u"n1", u"n2", u"n3", u"n4"}) {
-        expect_thrown<PM_Warning>([&] { object.getPropertySize(path); }, 51, u"PM_Object::getPropertySize()",
-                                  path);
+        expect_thrown<PM_Warning>([&] { object.getPropertySize(path); }, PM_ERR_BAD_PATH,
+                                  u"PM_Object::getPropertySize()", path);
     }
-    EXPECT_EQ((std::vector<std::uint32_t>{88, 57, 57, 57}), handler.numbers());
+    EXPECT_EQ(
+        (std::vector<std::uint32_t>{PM_ERR_UNKNOWN_VALUE, PM_ERR_BAD_LINE, PM_ERR_BAD_LINE, PM_ERR_BAD_LINE}),
+        handler.numbers());
 }
 
 TEST(PiaBadLine, OldValueStaysWhenALineIsReported) {
@@ -537,22 +528,23 @@ TEST(PiaBadLine, OldValueStaysWhenALineIsReported) {
 // Bad lines that are thrown.
 
 TEST(PiaBadLine, LineOfNoFormIsThrown) {
-    expect_bad_line<PM_Error>("nothing", 57, load_place, context(3, u"nothing"));
-    expect_bad_line<PM_Error>(" two words  ", 57, load_place, context(3, u"two words"));
+    expect_bad_line<PM_Error>("nothing", PM_ERR_BAD_LINE, load_place, context(3, u"nothing"));
+    expect_bad_line<PM_Error>(" two words  ", PM_ERR_BAD_LINE, load_place, context(3, u"two words"));
 }
 
 TEST(PiaBadLine, NodeWithoutNameIsThrown) {
-    expect_bad_line<PM_Error>("{", 57, load_place, context(3, u""));
-    expect_bad_line<PM_Error>(" { x", 57, load_place, context(3, u""));
+    expect_bad_line<PM_Error>("{", PM_ERR_BAD_LINE, load_place, context(3, u""));
+    expect_bad_line<PM_Error>(" { x", PM_ERR_BAD_LINE, load_place, context(3, u""));
 }
 
 TEST(PiaBadLine, ForbiddenCharacterInANodesNameIsThrown) {
     for (const char c : {' ', '*', '"', '\'', '\t', '\r', '\v', '\b', '\f', '\a'}) {
         for (const std::string& name : {std::string("a") + c, std::string("a") + c + "b"}) {
-            expect_bad_line<PM_Error>(name + "{ rest", 57, load_place, context(3, pm::to_wide(name)));
+            expect_bad_line<PM_Error>(name + "{ rest", PM_ERR_BAD_LINE, load_place,
+                                      context(3, pm::to_wide(name)));
         }
     }
-    expect_bad_line<PM_Error>("*x{", 57, load_place, context(3, u"*x"));
+    expect_bad_line<PM_Error>("*x{", PM_ERR_BAD_LINE, load_place, context(3, u"*x"));
 }
 
 TEST(PiaBadLine, OtherCharactersInANodesNameAreTaken) {
@@ -562,8 +554,8 @@ TEST(PiaBadLine, OtherCharactersInANodesNameAreTaken) {
 TEST(PiaBadLine, PropertyThatChangesItsFormIs54) {
     RecordingHandler handler;
     PM_Object object(&handler);
-    expect_thrown<PM_Warning>([&] { load_body(object, "a=1\nx{\nb=2\n}\na=2.5\nc=3\n"); }, 54, set_place,
-                              u"");
+    expect_thrown<PM_Warning>([&] { load_body(object, "a=1\nx{\nb=2\n}\na=2.5\nc=3\n"); }, PM_ERR_WRONG_TYPE,
+                              set_place, u"");
     EXPECT_EQ((Lines{"a long 1", "x\\b long 2"}), tree_text(object));
     EXPECT_TRUE(handler.reports.empty());
 }
@@ -571,7 +563,7 @@ TEST(PiaBadLine, PropertyThatChangesItsFormIs54) {
 TEST(PiaBadLine, PropertyOfAnotherTypeInTheTreeIs54) {
     PM_Object object;
     object.SetProperty(u"a", true);
-    expect_thrown<PM_Warning>([&] { load_body(object, "a=1\n"); }, 54, set_place, u"");
+    expect_thrown<PM_Warning>([&] { load_body(object, "a=1\n"); }, PM_ERR_WRONG_TYPE, set_place, u"");
     EXPECT_EQ(Lines{"a bool 01"}, tree_text(object));
 }
 
@@ -580,7 +572,7 @@ TEST(PiaBadLine, PropertyOfAnotherTypeThatIsNotStrictIsTakenOver) {
     object.SetProperty(u"a", true, -1, false);
     load_body(object, "a=1\n");
     EXPECT_EQ(Lines{"a long 1"}, tree_text(object));
-    expect_thrown<PM_Warning>([&] { object.SetProperty(u"a", true); }, 54, set_place, u"");
+    expect_thrown<PM_Warning>([&] { object.SetProperty(u"a", true); }, PM_ERR_WRONG_TYPE, set_place, u"");
 }
 
 // Line numbers.
@@ -612,14 +604,14 @@ TEST(PiaLineNumber, StandsWithTheLineAndTheFile) {
     const TempFolder folder;
     const std::u16string name = folder.write("a.pia", pia_header + "a=1\n  bad  \n");
     PM_Object object;
-    expect_thrown<PM_Error>([&] { object.load(name.c_str(), PM_Object::FILE_PIA, u"\\"); }, 57, load_place,
-                            u"\n3, bad, " + name);
+    expect_thrown<PM_Error>([&] { object.load(name.c_str(), PM_Object::FILE_PIA, u"\\"); }, PM_ERR_BAD_LINE,
+                            load_place, u"\n3, bad, " + name);
 }
 
 TEST(PiaLineNumber, LongLineIsCutWithTheFile) {
     PM_Object object;
     const std::string line(300, 'x');
-    expect_thrown<PM_Error>([&] { load_body(object, line + "\n"); }, 57, load_place,
+    expect_thrown<PM_Error>([&] { load_body(object, line + "\n"); }, PM_ERR_BAD_LINE, load_place,
                             context(2, pm::to_wide(line)).substr(0, 259));
 }
 
@@ -727,7 +719,8 @@ TEST(PiaStream, StreamThatBreaksInTheBodyIsToldByItsErrorCode) {
     BreakingBuffer buffer(bytes, 200'000);
     std::iostream stream(&buffer);
     PM_Object object;
-    expect_thrown<PM_Severe>([&] { object.load(stream, PM_Object::FILE_PIA, u"\\"); }, 73, load_place, u"");
+    expect_thrown<PM_Severe>([&] { object.load(stream, PM_Object::FILE_PIA, u"\\"); }, PM_ERR_FILE_NOT_OPEN,
+                             load_place, u"");
     EXPECT_EQ(Lines{"a long 1"}, tree_text(object));
 }
 

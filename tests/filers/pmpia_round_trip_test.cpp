@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pm/error_number.h>
 #include <pm_test_paths.h>
 #include <random>
 
@@ -13,10 +15,15 @@ namespace {
 
 using pm::test::Lines;
 using pm::test::load_bytes;
+using pm::test::loaded_bytes;
 using pm::test::RecordingHandler;
 using pm::test::saved;
 using pm::test::TempFolder;
 using pm::test::tree_text;
+using testing::AnyOf;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::IsSubsetOf;
 
 // Makes trees of everything that a file can hold; the same number makes the same tree.
 class TreeMaker {
@@ -165,29 +172,69 @@ TEST(PiaRoundTrip, LongestNamesPathsAndStringsSurvive) {
     expect_round_trip(object, u"test", false);
 }
 
-// Loads each beginning of a file: it gives a tree or one exception of the family, and the object serves on.
-void load_prefixes(const std::string& bytes, ZT_Error_Handler* handler) {
-    for (std::size_t size = 0; size <= bytes.size(); ++size) {
-        PM_Object object(handler);
-        const auto e = pm::test::thrown_by([&] { load_bytes(object, bytes.substr(0, size)); });
-        EXPECT_TRUE(!e || e->m_number != 0);
-        object.SetProperty(u"still\\usable", 1);
-        EXPECT_EQ(4U, object.getPropertySize(u"still\\usable"));
-    }
+// What a beginning of a file gives: its tree, and the numbers that are reported and, at last, thrown.
+struct PrefixOutcome {
+    Lines tree;
+    std::vector<std::uint32_t> numbers;
+};
+
+// Loads it with a handler that goes on, and without; the object serves on after a failure.
+PrefixOutcome load_prefix(const std::string& bytes) {
+    RecordingHandler handler;
+    PM_Object heard(&handler);
+    const auto thrown = pm::test::thrown_by([&] { load_bytes(heard, bytes); });
+    PrefixOutcome outcome{tree_text(heard), handler.numbers()};
+    if (thrown) outcome.numbers.push_back(thrown->m_number);
+
+    PM_Object object;
+    const auto first = pm::test::thrown_by([&] { load_bytes(object, bytes); });
+    EXPECT_EQ(!outcome.numbers.empty(), first.has_value());
+    object.SetProperty(u"still\\usable", 1);
+    EXPECT_EQ(4U, object.getPropertySize(u"still\\usable"));
+    return outcome;
 }
 
-TEST(PiaPrefixes, OfThePlainSampleLoadOrFail) {
+TEST(PiaPrefixes, OfThePlainSampleGiveTheirWholeLines) {
     const std::string bytes = TempFolder::read_file(PM_SAMPLES "/plotter.pia");
-    RecordingHandler handler;
-    load_prefixes(bytes, nullptr);
-    load_prefixes(bytes, &handler);
+    const std::size_t header = bytes.find('\n') + 1;
+    Lines whole_lines;
+    for (std::size_t size = 0; size <= bytes.size(); ++size) {
+        SCOPED_TRACE(size);
+        const PrefixOutcome prefix = load_prefix(bytes.substr(0, size));
+        if (size < header) {
+            EXPECT_THAT(prefix.tree, IsEmpty());
+            EXPECT_THAT(prefix.numbers, ElementsAre(PM_ERR_STREAM_FAILED));
+            continue;
+        }
+        if (bytes[size - 1] == '\n') {
+            EXPECT_THAT(prefix.numbers, IsEmpty());
+            EXPECT_GE(prefix.tree.size(), whole_lines.size());
+            EXPECT_LE(prefix.tree.size(), whole_lines.size() + 1);
+            whole_lines = prefix.tree;
+        } else {
+            // The line that was cut gives a property, nothing, or its failure.
+            EXPECT_THAT(prefix.numbers,
+                        AnyOf(IsEmpty(), ElementsAre(AnyOf(PM_ERR_BAD_LINE, PM_ERR_UNKNOWN_VALUE))));
+            EXPECT_GE(1U, prefix.tree.size() - whole_lines.size());
+        }
+        EXPECT_THAT(whole_lines, IsSubsetOf(prefix.tree));
+    }
+    EXPECT_EQ(loaded_bytes(bytes), whole_lines);
 }
 
-TEST(PiaPrefixes, OfTheCompressedSampleLoadOrFail) {
+TEST(PiaPrefixes, OfTheCompressedSampleAreNotDecoded) {
     const std::string bytes = TempFolder::read_file(PM_SAMPLES "/plotter-compressed.pia");
-    RecordingHandler handler;
-    load_prefixes(bytes, nullptr);
-    load_prefixes(bytes, &handler);
+    const std::size_t header = bytes.find('\n') + 1;
+    for (std::size_t size = 0; size < bytes.size(); ++size) {
+        SCOPED_TRACE(size);
+        const PrefixOutcome prefix = load_prefix(bytes.substr(0, size));
+        EXPECT_THAT(prefix.tree, IsEmpty());
+        ASSERT_FALSE(prefix.numbers.empty());
+        EXPECT_EQ(size < header ? PM_ERR_STREAM_FAILED : PM_ERR_NOT_DECODED, prefix.numbers.back());
+    }
+    const PrefixOutcome whole = load_prefix(bytes);
+    EXPECT_THAT(whole.numbers, IsEmpty());
+    EXPECT_EQ(loaded_bytes(TempFolder::read_file(PM_SAMPLES "/plotter.pia")), whole.tree);
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "support/temp_folder.h"
 #include <gtest/gtest.h>
 #include <limits>
+#include <pm/error_number.h>
 #include <pm_test_paths.h>
 
 namespace {
@@ -109,16 +110,16 @@ TEST(PiaSave, UnknownOrEmptySubtreeIs51BehindTheHeader) {
     const PM_Object object;
     for (const char16_t* subtree : {u"unknown", u"", u"\\\\"}) {
         std::stringstream stream = byte_stream("");
-        expect_thrown<PM_Warning>([&] { object.save(stream, PM_Object::FILE_PIA, u"test", subtree); }, 51,
-                                  u"PM_Iterator::PM_Iterator()", subtree);
+        expect_thrown<PM_Warning>([&] { object.save(stream, PM_Object::FILE_PIA, u"test", subtree); },
+                                  PM_ERR_BAD_PATH, u"PM_Iterator::PM_Iterator()", subtree);
         EXPECT_EQ(pia_header, stream.str());
     }
 }
 
 TEST(PiaSave, NullSubtreeIs51) {
     std::stringstream stream = byte_stream("");
-    expect_thrown<PM_Warning>([&] { PM_Object().save(stream, PM_Object::FILE_PIA, u"test", nullptr); }, 51,
-                              u"PM_Iterator::PM_Iterator()", u"");
+    expect_thrown<PM_Warning>([&] { PM_Object().save(stream, PM_Object::FILE_PIA, u"test", nullptr); },
+                              PM_ERR_BAD_PATH, u"PM_Iterator::PM_Iterator()", u"");
 }
 
 TEST(PiaSave, StreamIsWrittenFromItsStart) {
@@ -131,8 +132,8 @@ TEST(PiaSave, StreamIsWrittenFromItsStart) {
 TEST(PiaSave, StreamAtItsEndFails) {
     std::stringstream stream = byte_stream("");
     stream.setstate(std::ios::eofbit);
-    expect_thrown<PM_Severe>([&] { PM_Object().save(stream, PM_Object::FILE_PIA, u"test", u"\\"); }, 82,
-                             u"PM_PIAFile::save()", u"");
+    expect_thrown<PM_Severe>([&] { PM_Object().save(stream, PM_Object::FILE_PIA, u"test", u"\\"); },
+                             PM_ERR_STREAM_FAILED, u"PM_PIAFile::save()", u"");
 }
 
 TEST(PiaSave, OnlyTypePiaGetsAHeader) {
@@ -212,8 +213,8 @@ TEST(PiaSaveFailure, RawDataThatWasNeverSetIs59) {
     object.SetProperty(u"a", 1);
     object.setVoidProperty(u"b", nullptr, 0);
     std::stringstream stream = byte_stream("");
-    expect_thrown<PM_Warning>([&] { object.save(stream, PM_Object::FILE_PIA, u"test", u"\\"); }, 59,
-                              u"PM_Property::GetData()", u"b");
+    expect_thrown<PM_Warning>([&] { object.save(stream, PM_Object::FILE_PIA, u"test", u"\\"); },
+                              PM_ERR_NO_VALUE, u"PM_Property::GetData()", u"b");
     EXPECT_EQ(pia_header + "a=1\n", stream.str());
 }
 
@@ -222,8 +223,8 @@ TEST(PiaSaveFailure, RawDataOfNoBytesIs53) {
     object.setVoidProperty(u"x\\b", "\x01", 1);
     object.setVoidProperty(u"x\\b", "", 0);
     std::stringstream stream = byte_stream("");
-    expect_thrown<PM_Error>([&] { object.save(stream, PM_Object::FILE_PIA, u"test", u"\\"); }, 53,
-                            u".\\pmobj", u"bad raw data value");
+    expect_thrown<PM_Error>([&] { object.save(stream, PM_Object::FILE_PIA, u"test", u"\\"); },
+                            PM_ERR_BAD_RAW_DATA, u".\\pmobj", u"bad raw data value");
     EXPECT_EQ(pia_header + "x{\n", stream.str());
 }
 
@@ -232,15 +233,16 @@ TEST(PiaSaveFailure, CompressedFileIsLeftWithItsHeader) {
     object.SetProperty(u"a", 1);
     object.setVoidProperty(u"b", nullptr, 0);
     std::stringstream stream = byte_stream("");
-    expect_thrown<PM_Warning>([&] { object.save(stream, PM_Object::FILE_PIA, u"compress", u"\\"); }, 59,
-                              u"PM_Property::GetData()", u"b");
+    expect_thrown<PM_Warning>([&] { object.save(stream, PM_Object::FILE_PIA, u"compress", u"\\"); },
+                              PM_ERR_NO_VALUE, u"PM_Property::GetData()", u"b");
     EXPECT_EQ("PIAFILEVERSION_2.0,compress\r\n", stream.str());
 }
 
 TEST(PiaSaveFailure, ValueLargerThanItsTypeIs58) {
     OpenObject object;
     object.setData(u"a", "12345678", 5, PROP_LONG, -1, true);
-    expect_thrown<PM_Warning>([&] { saved(object); }, 58, u"PM_Property::GetData()", u"a");
+    expect_thrown<PM_Warning>([&] { saved(object); }, PM_ERR_VALUE_TOO_LARGE, u"PM_Property::GetData()",
+                              u"a");
 }
 
 TEST(PiaSaveFailure, PropertyOfNoTypeEndsThoseOfItsNodeSilently) {
@@ -282,7 +284,8 @@ TEST(PiaSaveLoss, NodeWithoutProperties) {
     PM_Object again;
     pm::test::load_bytes(again, saved(object));
     EXPECT_EQ(Lines{"x\\y\\a long 1"}, tree_text(again));
-    expect_thrown<PM_Warning>([&] { again.deletePath(u"x\\z"); }, 51, u"PM_Object::DeletePath()", u"x\\z");
+    expect_thrown<PM_Warning>([&] { again.deletePath(u"x\\z"); }, PM_ERR_BAD_PATH, u"PM_Object::DeletePath()",
+                              u"x\\z");
 }
 
 TEST(PiaSaveLoss, NodeWithAForbiddenCharacterIsNotReadBack) {
@@ -290,8 +293,8 @@ TEST(PiaSaveLoss, NodeWithAForbiddenCharacterIsNotReadBack) {
     object.SetProperty(u"a*b\\c", 1, 7);
     object.SetProperty(u"x y\\c", 1);
     PM_Object again;
-    expect_thrown<PM_Error>([&] { pm::test::load_bytes(again, saved(object)); }, 57, u"PM_PIAFile::load()",
-                            u"\n5, x y, ");
+    expect_thrown<PM_Error>([&] { pm::test::load_bytes(again, saved(object)); }, PM_ERR_BAD_LINE,
+                            u"PM_PIAFile::load()", u"\n5, x y, ");
     EXPECT_EQ(Lines{"a7b\\c long 1"}, tree_text(again));
 }
 
@@ -302,7 +305,7 @@ TEST(PiaSaveLoss, PropertyNameEndsAtABlankOrEqualsSign) {
     pm::test::RecordingHandler handler;
     PM_Object with_handler(&handler);
     pm::test::load_bytes(with_handler, saved(object));
-    EXPECT_EQ(std::vector<std::uint32_t>{88}, handler.numbers());
+    EXPECT_EQ(std::vector<std::uint32_t>{PM_ERR_UNKNOWN_VALUE}, handler.numbers());
     EXPECT_TRUE(tree_text(with_handler).empty());
 }
 
@@ -314,7 +317,8 @@ TEST(PiaSaveLoss, NumbersThatAreNotFinite) {
     pm::test::RecordingHandler handler;
     PM_Object again(&handler);
     pm::test::load_bytes(again, saved(object));
-    EXPECT_EQ((std::vector<std::uint32_t>{88, 88, 88}), handler.numbers());
+    EXPECT_EQ((std::vector<std::uint32_t>{PM_ERR_UNKNOWN_VALUE, PM_ERR_UNKNOWN_VALUE, PM_ERR_UNKNOWN_VALUE}),
+              handler.numbers());
     EXPECT_TRUE(tree_text(again).empty());
 }
 

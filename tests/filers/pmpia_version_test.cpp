@@ -6,6 +6,7 @@
 #include "support/scoped_settings.h"
 #include "support/temp_folder.h"
 #include <gtest/gtest.h>
+#include <pm/error_number.h>
 #include <pm_test_paths.h>
 
 namespace {
@@ -13,6 +14,7 @@ namespace {
 using pm::test::expect_thrown;
 using pm::test::load_bytes;
 using pm::test::RecordingHandler;
+using pm::test::SourceRecordingHandler;
 using pm::test::TempFolder;
 
 constexpr const char16_t* place = u"PM_PIAFile::getVersion()";
@@ -33,8 +35,8 @@ void expect_no_version(const std::string& bytes) {
     const std::u16string name = folder.write("a.pia", bytes);
     const PM_Object object;
     char16_t buffer[2048] = {u'x'};
-    expect_thrown<PM_Severe>([&] { object.getFileVersion(name.c_str(), buffer, PM_Object::FILE_PCP); }, 82,
-                             place, name);
+    expect_thrown<PM_Severe>([&] { object.getFileVersion(name.c_str(), buffer, PM_Object::FILE_PCP); },
+                             PM_ERR_STREAM_FAILED, place, name);
     EXPECT_EQ(u'x', buffer[0]);
 }
 
@@ -43,8 +45,8 @@ void expect_not_pia(const std::string& bytes) {
     const TempFolder folder;
     const std::u16string name = folder.write("a.pia", bytes);
     PM_Object object;
-    expect_thrown<ZT_Exception>([&] { object.load(name.c_str(), PM_Object::FILE_PIA, u"\\"); }, 89, place,
-                                name);
+    expect_thrown<ZT_Exception>([&] { object.load(name.c_str(), PM_Object::FILE_PIA, u"\\"); },
+                                PM_ERR_NOT_A_HEADER, place, name);
     EXPECT_TRUE(pm::test::tree_text(object).empty());
 }
 
@@ -112,15 +114,15 @@ TEST(PiaVersion, OtherHeadersAreNotPia) {
 }
 
 TEST(PiaVersion, OtherHeaderIsReportedAndLoadedOn) {
-    RecordingHandler handler;
+    SourceRecordingHandler handler;
     PM_Object object(&handler);
     load_bytes(object, "another header\na=1\n");
     ASSERT_EQ(1U, handler.reports.size());
     EXPECT_EQ(2, handler.reports[0].kind);
-    EXPECT_EQ(89U, handler.reports[0].number);
+    EXPECT_EQ(PM_ERR_NOT_A_HEADER, handler.reports[0].number);
     EXPECT_EQ(place, handler.reports[0].place);
     EXPECT_EQ(u"", handler.reports[0].detail);
-    EXPECT_EQ(u"$Workfile: pmpia $ $Revision: #1 $", handler.reports[0].source);
+    EXPECT_EQ(u"$Workfile: pmpia $ $Revision: #1 $", handler.sources[0]);
     EXPECT_EQ(pm::test::Lines{"a long 1"}, pm::test::tree_text(object));
 }
 
@@ -129,8 +131,8 @@ TEST(PiaVersion, OtherHeaderIsCancelledByTheHandler) {
     const std::u16string name = folder.write("a.pia", "another header\na=1\n");
     RecordingHandler handler(0);
     PM_Object object(&handler);
-    expect_thrown<ZT_Canceled_Error>([&] { object.load(name.c_str(), PM_Object::FILE_PIA, u"\\"); }, 89,
-                                     place, name);
+    expect_thrown<ZT_Canceled_Error>([&] { object.load(name.c_str(), PM_Object::FILE_PIA, u"\\"); },
+                                     PM_ERR_NOT_A_HEADER, place, name);
     EXPECT_TRUE(pm::test::tree_text(object).empty());
 }
 

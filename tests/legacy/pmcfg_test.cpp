@@ -1,5 +1,6 @@
 #include "legacy/legacy_support.h"
 #include "legacy/pmpc2.h"
+#include <pm/error_number.h>
 #include <pm_test_paths.h>
 
 namespace pm::test {
@@ -41,14 +42,14 @@ TEST_F(Cfg, AnEmptyFileGivesAllDefaults) {
 TEST_F(Cfg, OnlyTypeCfgIsAccepted) {
     for (const PM_Object::FileType type : {PM_Object::FILE_PIA, PM_Object::FILE_PCP, PM_Object::FILE_PC2,
                                            PM_Object::FILE_DOC, PM_Object::FILE_PDT, PM_Object::FILE_DPIA}) {
-        expect_thrown<PM_Warning>([&] { object.load_cfg_section(u"a.cfg", type, u"\\", 1); }, 67,
-                                  u"PM_Object::load()", u"");
+        expect_thrown<PM_Warning>([&] { object.load_cfg_section(u"a.cfg", type, u"\\", 1); },
+                                  PM_ERR_TYPE_REFUSED, u"PM_Object::load()", u"");
     }
 }
 
 TEST_F(Cfg, AMissingFileIsSevere) {
     expect_thrown<PM_Severe>([&] { object.load_cfg_section(u"no/such.cfg", PM_Object::FILE_CFG, u"\\", 1); },
-                             63, u"PM_PIAFile::load()", u"no/such.cfg");
+                             PM_ERR_NO_SUCH_FILE, u"PM_PIAFile::load()", u"no/such.cfg");
 }
 
 TEST_F(Cfg, PlainSectionsApplyToEachPlotter) {
@@ -113,18 +114,18 @@ TEST_F(Cfg, AKeyInFrontOfAllSectionsIsIgnored) {
 
 TEST_F(Cfg, ALineWithoutAnEqualsSignIsBadInAnySection) {
     load("[Plotter#2/Device]\nPens=x\nPens=\ntext\n", 1);
-    EXPECT_EQ((std::vector<std::uint32_t>{57}), numbers());
+    EXPECT_EQ((std::vector<std::uint32_t>{PM_ERR_BAD_LINE}), numbers());
 }
 
 TEST_F(Cfg, AVersionLineIsABadLine) {
     load("PC2Version 2.0\n[PlotDriver]\nType=2\n", 1);
-    EXPECT_EQ((std::vector<std::uint32_t>{57}), numbers());
+    EXPECT_EQ((std::vector<std::uint32_t>{PM_ERR_BAD_LINE}), numbers());
     EXPECT_EQ(2, long_at(object, u"\\PlotDriver\\Type"));
 }
 
 TEST_F(Cfg, AnEmptySectionNameLeavesTheSectionBefore) {
     load("[PlotDriver]\n[]\nType=2\n", 1);
-    EXPECT_EQ((std::vector<std::uint32_t>{57}), numbers());
+    EXPECT_EQ((std::vector<std::uint32_t>{PM_ERR_BAD_LINE}), numbers());
     EXPECT_EQ(2, long_at(object, u"\\PlotDriver\\Type"));
 }
 
@@ -134,7 +135,7 @@ TEST_F(Cfg, FieldsAreDecimalLikeAllNumbers) {
     load("[Plotter/DriverCustom]\ndmFields=0xff\n", 1);
     EXPECT_EQ(255, long_at(object, u"\\Plotter/DriverCustom\\dmFields"));
     load("[Plotter/DriverCustom]\ndmFields=ff\n", 1);
-    EXPECT_EQ((std::vector<std::uint32_t>{57}), numbers());
+    EXPECT_EQ((std::vector<std::uint32_t>{PM_ERR_BAD_LINE}), numbers());
 }
 
 TEST_F(Cfg, EachKeyTakesAValueOfItsPlotter) {
@@ -173,7 +174,7 @@ TEST_F(Cfg, LineEndsMayHaveACarriageReturnAndTheLastMayBeMissing) {
 
 TEST_F(Cfg, ALineOf1024BytesIsABadLine) {
     load("[PlotDriver]\nMenuName=" + std::string(1024 - 9, 'x') + "\nType=1\n", 1);
-    EXPECT_EQ((std::vector<std::uint32_t>{57}), numbers());
+    EXPECT_EQ((std::vector<std::uint32_t>{PM_ERR_BAD_LINE}), numbers());
     EXPECT_EQ(u"", string_at(object, u"\\PlotDriver\\MenuName"));
     EXPECT_EQ(1, long_at(object, u"\\PlotDriver\\Type"));
 }
@@ -190,7 +191,7 @@ TEST_F(Cfg, ReportsKeepThePlaceOfTheOlderFormat) {
     const auto expect = [&](const std::string& line) {
         const std::u16string path = folder.write("a.cfg", "[PlotDriver]\n" + line + "\n");
         expect_report(
-            {line, 1, 57, load_place, u"\n2, " + to_wide(line) + u", " + path},
+            {line, 1, PM_ERR_BAD_LINE, load_place, u"\n2, " + to_wide(line) + u", " + path},
             [&](PM_Object& target) { target.load_cfg_section(path.c_str(), PM_Object::FILE_CFG, u"\\", 1); });
     };
     for (const char* line : {"[]", "text", "Type=", "Type=x"}) {
@@ -203,7 +204,8 @@ TEST_F(Cfg, ReportsKeepThePlaceOfTheOlderFormat) {
 TEST(CfgFile, AMissingStreamIsNoticedBehindTheDefaults) {
     PM_Object object;
     PM_CFGFile filer(nullptr);
-    expect_thrown<PM_Severe>([&] { filer.load_section(&object, u"\\", 1); }, 56, section_place, u"");
+    expect_thrown<PM_Severe>([&] { filer.load_section(&object, u"\\", 1); }, PM_ERR_NOT_OPENED, section_place,
+                             u"");
     EXPECT_EQ(default_tree(), dumped_lines(object));
 }
 
@@ -233,7 +235,8 @@ TEST(CfgFile, AStreamFailureHasTheNumberOfItsCode) {
         int code;
         std::uint32_t number;
     };
-    for (const Case& each : {Case{ENOMEM, 64}, Case{EACCES, 61}, Case{EIO, 66}, Case{0, 66}}) {
+    for (const Case& each : {Case{ENOMEM, PM_ERR_NO_MEMORY_FOR_FILE}, Case{EACCES, PM_ERR_ACCESS_DENIED},
+                             Case{EIO, PM_ERR_NOT_READ}, Case{0, PM_ERR_NOT_READ}}) {
         FailingBuffer buffer(filled_to_block("[PlotDriver]\nType=2\n"), each.code);
         std::iostream stream(&buffer);
         PM_Object object;
@@ -250,7 +253,7 @@ TEST(CfgFile, AStreamFailureNamesTheFile) {
     const std::u16string name = folder.path().u16string();
     PM_Object object;
     expect_thrown<PM_Severe>([&] { object.load_cfg_section(name.c_str(), PM_Object::FILE_CFG, u"\\", 1); },
-                             66, section_place, name);
+                             PM_ERR_NOT_READ, section_place, name);
 }
 
 TEST(CfgFile, LoadsAndTellsTheVersionLikeTheOlderFormat) {
@@ -304,7 +307,7 @@ TEST(CfgSample, BreaksOffAnywhere) {
         filer.load_section(&object, u"\\", 2);
         ASSERT_LE(handler.reports.size(), 1U) << length;
         for (const std::uint32_t number : handler.numbers()) {
-            ASSERT_EQ(57U, number) << length;
+            ASSERT_EQ(PM_ERR_BAD_LINE, number) << length;
         }
     }
 }

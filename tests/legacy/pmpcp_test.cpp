@@ -2,6 +2,7 @@
 
 #include "legacy/legacy_support.h"
 #include "support/allocation_failures.h"
+#include <pm/error_number.h>
 #include <pm_test_paths.h>
 
 namespace pm::test {
@@ -38,13 +39,13 @@ protected:
     void expect_bad_line(const char16_t* place, int number, const std::string& line) {
         ASSERT_EQ(1U, handler.reports.size()) << line;
         EXPECT_EQ(1, handler.reports[0].kind) << line;
-        EXPECT_EQ(57U, handler.reports[0].number) << line;
+        EXPECT_EQ(PM_ERR_BAD_LINE, handler.reports[0].number) << line;
         EXPECT_EQ(place, handler.reports[0].place) << line;
         EXPECT_EQ(to_wide("\n" + std::to_string(number) + ", " + line + ", "), handler.reports[0].detail);
-        EXPECT_EQ(source, handler.reports[0].source);
+        EXPECT_EQ(source, handler.sources.back());
     }
 
-    RecordingHandler handler;
+    SourceRecordingHandler handler;
     PM_Object object{&handler};
 };
 
@@ -297,7 +298,7 @@ TEST_F(Pcp, AllKeysOfABlockLandBelowItsColor) {
 TEST_F(Pcp, AnEndThatClosesNothingCutsTheBase) {
     load("END_COLOR\nROTATE=1\nHIDE=Y\n");
     EXPECT_EQ((Lines{"\\ROTATE long 1", "\\ROTATEHIDE string \"Y\""}), tree());
-    ASSERT_EQ((Numbers{57, 57}), numbers());
+    ASSERT_EQ((Numbers{PM_ERR_BAD_LINE, PM_ERR_BAD_LINE}), numbers());
     EXPECT_EQ(load_place, handler.reports[0].place);
     EXPECT_EQ(u"\n3, ROTATE=1, ", handler.reports[0].detail);
     EXPECT_EQ(u"\n4, HIDE=Y, ", handler.reports[1].detail);
@@ -450,7 +451,7 @@ TEST_F(Pcp, OtherCommentsAreIgnored) {
 
 TEST_F(Pcp, LinesInFrontOfTheMarkerAreReportedEachAndDropped) {
     load_pcp(object, "ROTATE=1\n\n;comment\nbad\n;Created by Draftex\nROTATE=2\n");
-    EXPECT_EQ((Numbers{69, 69}), numbers());
+    EXPECT_EQ((Numbers{PM_ERR_UNKNOWN_VERSION, PM_ERR_UNKNOWN_VERSION}), numbers());
     EXPECT_EQ(2, handler.reports[0].kind);
     EXPECT_EQ(load_place, handler.reports[0].place);
     EXPECT_EQ(u"", handler.reports[0].detail);
@@ -461,8 +462,8 @@ TEST_F(Pcp, AnUnmarkedFileWithoutAHandlerEndsAtItsFirstLine) {
     const TempFolder folder;
     const std::u16string name = folder.write("a.pcp", ";For the driver: a\n\nROTATE=1\n");
     PM_Object target;
-    expect_thrown<ZT_Exception>([&] { target.load(name.c_str(), PM_Object::FILE_PCP, u"\\"); }, 69,
-                                load_place, name);
+    expect_thrown<ZT_Exception>([&] { target.load(name.c_str(), PM_Object::FILE_PCP, u"\\"); },
+                                PM_ERR_UNKNOWN_VERSION, load_place, name);
     EXPECT_EQ((Lines{"\\FAMILY string \"a\""}), dumped_lines(target));
 }
 
@@ -494,7 +495,7 @@ TEST_F(Pcp, ALongerLineIsABadLineAndNoOther) {
         PM_Object target(&handler);
         const std::string line = "PLOT_FILE=" + std::string(length - 10, 'x');
         load_pcp(target, marker + line + "\nROTATE=1\n");
-        ASSERT_EQ((Numbers{57}), numbers());
+        ASSERT_EQ((Numbers{PM_ERR_BAD_LINE}), numbers());
         EXPECT_EQ(load_place, handler.reports[0].place);
         EXPECT_EQ(to_wide("\n2, " + line).substr(0, 259), handler.reports[0].detail);
         EXPECT_EQ((Lines{"\\ROTATE long 1"}), dumped_lines(target));
@@ -503,11 +504,11 @@ TEST_F(Pcp, ALongerLineIsABadLineAndNoOther) {
 
 TEST_F(Pcp, AKeyOf512UnitsIsABadLine) {
     load(std::string(511, 'x') + "=1\n");
-    ASSERT_EQ((Numbers{57}), numbers());
+    ASSERT_EQ((Numbers{PM_ERR_BAD_LINE}), numbers());
     EXPECT_EQ(keys_place, handler.reports[0].place);
     handler.reports.clear();
     load(std::string(512, 'x') + "=1\n");
-    ASSERT_EQ((Numbers{57}), numbers());
+    ASSERT_EQ((Numbers{PM_ERR_BAD_LINE}), numbers());
     EXPECT_EQ(load_place, handler.reports[0].place);
 }
 
@@ -524,7 +525,8 @@ TEST_F(Pcp, ABaseMayEndInASeparatorOrNotAndEmptyIsTheRoot) {
 
 TEST_F(Pcp, ABaseOf1023UnitsIsABadPath) {
     const std::u16string base(1023, u'a');
-    expect_thrown<PM_Warning>([&] { load("ROTATE=1\n", base.c_str()); }, 51, load_place, base.substr(0, 259));
+    expect_thrown<PM_Warning>([&] { load("ROTATE=1\n", base.c_str()); }, PM_ERR_BAD_PATH, load_place,
+                              base.substr(0, 259));
 }
 
 TEST_F(Pcp, AKeyWithoutRoomBehindTheBaseIsABadLine) {
@@ -563,7 +565,8 @@ TEST_F(Pcp, ADefaultBlockWithoutRoomForAllColorsSetsNone) {
 
 TEST_F(Pcp, AKeyOfAnotherTypeEndsTheLoad) {
     object.SetProperty(u"\\ROTATE", true);
-    expect_thrown<PM_Warning>([&] { load("ROTATE=1\nUNITS=M\n"); }, 54, u"PM_Object::SetData()", u"");
+    expect_thrown<PM_Warning>([&] { load("ROTATE=1\nUNITS=M\n"); }, PM_ERR_WRONG_TYPE,
+                              u"PM_Object::SetData()", u"");
     EXPECT_EQ((Lines{"\\ROTATE bool true"}), tree());
 }
 
@@ -571,13 +574,13 @@ TEST_F(Pcp, AKeyOfAnotherTypeEndsTheLoad) {
 
 TEST_F(Pcp, ReportsGoToTheHandlerWhichDecides) {
     const ReportOutcome rows[] = {
-        {"bad\n" + marker + "ROTATE=2\n", 2, 69, load_place, u""},
-        {marker + "=1\nROTATE=2\n", 1, 57, load_place, u"\n2, =1, "},
-        {marker + "VERSION=\nROTATE=2\n", 1, 57, load_place, u"\n2, VERSION=, "},
-        {marker + "VERSION=1\nROTATE=2\n", 1, 57, load_place, u"\n2, VERSION=1, "},
-        {marker + "NONE=1\nROTATE=2\n", 1, 57, keys_place, u"\n2, NONE=1, "},
-        {marker + "UNITS=x\nROTATE=2\n", 1, 57, keys_place, u"\n2, UNITS=x, "},
-        {marker + "END_COLOR\nROTATE=2\n", 1, 57, load_place, u"\n3, ROTATE=2, "},
+        {"bad\n" + marker + "ROTATE=2\n", 2, PM_ERR_UNKNOWN_VERSION, load_place, u""},
+        {marker + "=1\nROTATE=2\n", 1, PM_ERR_BAD_LINE, load_place, u"\n2, =1, "},
+        {marker + "VERSION=\nROTATE=2\n", 1, PM_ERR_BAD_LINE, load_place, u"\n2, VERSION=, "},
+        {marker + "VERSION=1\nROTATE=2\n", 1, PM_ERR_BAD_LINE, load_place, u"\n2, VERSION=1, "},
+        {marker + "NONE=1\nROTATE=2\n", 1, PM_ERR_BAD_LINE, keys_place, u"\n2, NONE=1, "},
+        {marker + "UNITS=x\nROTATE=2\n", 1, PM_ERR_BAD_LINE, keys_place, u"\n2, UNITS=x, "},
+        {marker + "END_COLOR\nROTATE=2\n", 1, PM_ERR_BAD_LINE, load_place, u"\n3, ROTATE=2, "},
     };
     for (const ReportOutcome& row : rows) {
         expect_report(row, [&](PM_Object& target) {
@@ -590,7 +593,7 @@ TEST_F(Pcp, ReportsGoToTheHandlerWhichDecides) {
 TEST_F(Pcp, ReportsNameTheFile) {
     const TempFolder folder;
     const std::u16string name = folder.write("a.pcp", marker + "bad\n");
-    expect_report({"bad", 1, 57, keys_place, u"\n2, bad, " + name},
+    expect_report({"bad", 1, PM_ERR_BAD_LINE, keys_place, u"\n2, bad, " + name},
                   [&](PM_Object& target) { target.load(name.c_str(), PM_Object::FILE_PCP, u"\\"); });
 }
 
@@ -600,7 +603,7 @@ TEST_F(Pcp, EachFailingAllocationIsTold) {
             PM_Object target;
             load_pcp(target, marker + "BEGIN_COLOR=5\nPEN_NUMBER=3\nEND_COLOR\nSIZE=A: 1,2\n");
         } catch (const PM_Memory_Exception& e) {
-            EXPECT_EQ(55U, e.m_number) << place;
+            EXPECT_EQ(PM_ERR_NO_MEMORY, e.m_number) << place;
         }
     });
     EXPECT_GT(failed, 20);
@@ -648,19 +651,20 @@ TEST(PcpVersion, AVersionWithoutAValueIsAnError) {
     EXPECT_EQ(u"1.0", version_of("VERSION=1.0\nVERSION= =\n", &goes_on));
     ASSERT_EQ(1U, goes_on.reports.size());
     EXPECT_EQ(2, goes_on.reports[0].kind);
-    EXPECT_EQ(57U, goes_on.reports[0].number);
+    EXPECT_EQ(PM_ERR_BAD_LINE, goes_on.reports[0].number);
     EXPECT_EQ(version_place, goes_on.reports[0].place);
     EXPECT_EQ(u"\n0, VERSION= =, ", goes_on.reports[0].detail);
     RecordingHandler stops(0);
-    expect_thrown<ZT_Canceled_Error>([&] { version_of("VERSION=\n", &stops); }, 57, version_place,
-                                     u"\n0, VERSION=, ");
-    expect_thrown<ZT_Exception>([] { version_of("VERSION=\n"); }, 57, version_place, u"\n0, VERSION=, ");
+    expect_thrown<ZT_Canceled_Error>([&] { version_of("VERSION=\n", &stops); }, PM_ERR_BAD_LINE,
+                                     version_place, u"\n0, VERSION=, ");
+    expect_thrown<ZT_Exception>([] { version_of("VERSION=\n"); }, PM_ERR_BAD_LINE, version_place,
+                                u"\n0, VERSION=, ");
 }
 
 TEST(PcpVersion, ALineThatIsTooLongIsAnError) {
     RecordingHandler goes_on(1);
     EXPECT_EQ(u"1.0", version_of("VERSION=1.0\nVERSION=" + std::string(1020, '2') + "\n", &goes_on));
-    EXPECT_EQ((Numbers{57}), goes_on.numbers());
+    EXPECT_EQ((Numbers{PM_ERR_BAD_LINE}), goes_on.numbers());
     EXPECT_EQ(2, goes_on.reports[0].kind);
 }
 
@@ -670,8 +674,8 @@ TEST(PcpVersion, TheDispatchAsksForThatOfAPiaFile) {
     PM_Object object;
     std::array<char16_t, 64> buffer{};
     expect_thrown<ZT_Exception>(
-        [&] { object.getFileVersion(name.c_str(), buffer.data(), buffer.size(), PM_Object::FILE_PCP); }, 89,
-        u"PM_PIAFile::getVersion()", name);
+        [&] { object.getFileVersion(name.c_str(), buffer.data(), buffer.size(), PM_Object::FILE_PCP); },
+        PM_ERR_NOT_A_HEADER, u"PM_PIAFile::getVersion()", name);
 }
 
 // ---- Streams
@@ -680,8 +684,10 @@ TEST(PcpStreams, AMissingStreamIsSevere) {
     PM_Object object;
     PM_PCPFile filer(nullptr);
     std::array<char16_t, 8> buffer{};
-    expect_thrown<PM_Severe>([&] { filer.load(&object, u"\\", PM_Object::FILE_PCP); }, 56, load_place, u"");
-    expect_thrown<PM_Severe>([&] { filer.getVersion(buffer.data(), buffer.size()); }, 56, version_place, u"");
+    expect_thrown<PM_Severe>([&] { filer.load(&object, u"\\", PM_Object::FILE_PCP); }, PM_ERR_NOT_OPENED,
+                             load_place, u"");
+    expect_thrown<PM_Severe>([&] { filer.getVersion(buffer.data(), buffer.size()); }, PM_ERR_NOT_OPENED,
+                             version_place, u"");
 }
 
 TEST(PcpStreams, AFailureHasTheNumberOfItsCode) {
@@ -689,7 +695,8 @@ TEST(PcpStreams, AFailureHasTheNumberOfItsCode) {
         int code;
         std::uint32_t number;
     };
-    for (const Case& each : {Case{ENOMEM, 64}, Case{EACCES, 61}, Case{EIO, 66}, Case{0, 66}}) {
+    for (const Case& each : {Case{ENOMEM, PM_ERR_NO_MEMORY_FOR_FILE}, Case{EACCES, PM_ERR_ACCESS_DENIED},
+                             Case{EIO, PM_ERR_NOT_READ}, Case{0, PM_ERR_NOT_READ}}) {
         const std::string content = filled_to_block(marker + "ROTATE=2\n");
         FailingBuffer buffer(content, each.code);
         std::iostream stream(&buffer);
@@ -713,8 +720,8 @@ TEST(PcpStreams, AFailureNamesTheFile) {
     const TempFolder folder;
     const std::u16string name = folder.path().u16string();
     PM_Object object;
-    expect_thrown<PM_Severe>([&] { object.load(name.c_str(), PM_Object::FILE_PCP, u"\\"); }, 66, load_place,
-                             name);
+    expect_thrown<PM_Severe>([&] { object.load(name.c_str(), PM_Object::FILE_PCP, u"\\"); }, PM_ERR_NOT_READ,
+                             load_place, name);
 }
 
 TEST(PcpStreams, AreReadFromWhereTheyStand) {
@@ -728,8 +735,8 @@ TEST(PcpStreams, AreReadFromWhereTheyStand) {
 TEST(PcpStreams, AreNotWritten) {
     PM_Object object;
     std::stringstream stream = binary_stream("");
-    expect_thrown<PM_Warning>([&] { object.save(stream, PM_Object::FILE_PCP, u"", u"\\"); }, 67,
-                              u"PM_Object::save()", u"");
+    expect_thrown<PM_Warning>([&] { object.save(stream, PM_Object::FILE_PCP, u"", u"\\"); },
+                              PM_ERR_TYPE_REFUSED, u"PM_Object::save()", u"");
 }
 
 // ---- The sample
@@ -751,7 +758,7 @@ TEST_F(Pcp, TheSampleBreaksOffAnywhere) {
         load_pcp(target, content.substr(0, length));
         ASSERT_LE(each.reports.size(), 1U) << length;
         for (const std::uint32_t number : each.numbers()) {
-            ASSERT_EQ(57U, number) << length;
+            ASSERT_EQ(PM_ERR_BAD_LINE, number) << length;
         }
     }
 }

@@ -2,61 +2,15 @@
 
 #include "support/exceptions.h"
 #include "support/temp_folder.h"
-#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <optional>
 #include <pm/pm.h>
 #include <pm_test_paths.h>
-#include <set>
 #include <string>
 
 namespace {
 
 using pm::test::TempFolder;
-
-// Sets TMPDIR, or unsets it, for one test.
-class TempFolderSetting {
-public:
-    explicit TempFolderSetting(const char* value) {
-        if (const char* set = std::getenv("TMPDIR")) m_before = set;
-        apply(value);
-    }
-    ~TempFolderSetting() { apply(m_before ? m_before->c_str() : nullptr); }
-    TempFolderSetting(const TempFolderSetting&) = delete;
-    TempFolderSetting& operator=(const TempFolderSetting&) = delete;
-
-private:
-    static void apply(const char* value) {
-        if (value != nullptr) {
-            setenv("TMPDIR", value, 1);
-        } else {
-            unsetenv("TMPDIR");
-        }
-    }
-
-    std::optional<std::string> m_before;
-};
-
-std::u16string make_temp_file_in(const char* folder) {
-    const TempFolderSetting setting(folder);
-    return pm::make_temp_file();
-}
-
-// A folder inside `folder` whose whole name has `length` units.
-std::string make_folder_of_length(const TempFolder& folder, std::size_t length) {
-    std::string name = folder.path().string();
-    while (name.size() < length) {
-        const std::size_t left = length - name.size();
-        name += '/' + std::string(left < 100 ? left - 1 : std::min<std::size_t>(left - 3, 60), 'd');
-    }
-    std::filesystem::create_directories(name);
-    return name;
-}
-
-bool is_in(const std::u16string& name, const std::string& folder) {
-    return std::filesystem::path(name).parent_path() == folder;
-}
 
 } // namespace
 
@@ -145,69 +99,4 @@ TEST(FileExists, LinkToNothingIsNoFile) {
     const TempFolder folder;
     std::filesystem::create_symlink(folder / "missing", folder / "link");
     EXPECT_FALSE(pm::file_exists(folder.wide("link")));
-}
-
-TEST(TempFile, IsANewEmptyFileOfItsOwn) {
-    const TempFolder folder;
-    std::set<std::u16string> names;
-    for (int i = 0; i < 20; ++i) {
-        const std::u16string name = make_temp_file_in(folder.path().c_str());
-        EXPECT_TRUE(is_in(name, folder.path()));
-        EXPECT_TRUE(names.insert(name).second);
-        EXPECT_EQ(0U, std::filesystem::file_size(name));
-        EXPECT_EQ(std::filesystem::perms::owner_read | std::filesystem::perms::owner_write,
-                  std::filesystem::status(name).permissions());
-    }
-}
-
-TEST(TempFile, LiesInTheSystemsFolderByDefault) {
-    for (const char* folder : {static_cast<const char*>(nullptr), ""}) {
-        const std::u16string name = make_temp_file_in(folder);
-        EXPECT_TRUE(is_in(name, "/tmp"));
-        EXPECT_TRUE(pm::file_exists(name));
-        pm::delete_file(name);
-        EXPECT_FALSE(pm::file_exists(name));
-    }
-}
-
-TEST(TempFile, ThereIsNoneInAMissingFolder) {
-    const TempFolder folder;
-    EXPECT_EQ(u"", make_temp_file_in((folder / "missing").c_str()));
-}
-
-TEST(TempFile, FolderNameMayHave255Units) {
-    const TempFolder folder;
-    const std::string longest = make_folder_of_length(folder, 255);
-    ASSERT_EQ(255U, longest.size());
-    EXPECT_TRUE(is_in(make_temp_file_in(longest.c_str()), longest));
-    EXPECT_EQ(u"", make_temp_file_in(make_folder_of_length(folder, 256).c_str()));
-}
-
-TEST(TempFile, LengthOfTheFolderNameCountsInUnits) {
-    const TempFolder folder;
-    std::string name = (folder / "").string();
-    for (int i = 0; i < 70; ++i) {
-        name += "\xE4\xB8\x80";
-    }
-    std::filesystem::create_directory(name);
-    EXPECT_TRUE(is_in(make_temp_file_in(name.c_str()), name));
-}
-
-TEST(TempFile, FolderNameThatIsNoUtf8IsTaken) {
-    const TempFolder folder;
-    const std::string name = (folder / "\xE4").string();
-    std::filesystem::create_directory(name);
-    const std::u16string file = make_temp_file_in(name.c_str());
-    EXPECT_EQ(name, pm::native_file_name(file).parent_path());
-    EXPECT_TRUE(pm::file_exists(file));
-    pm::delete_file(file);
-    EXPECT_TRUE(std::filesystem::is_empty(name));
-}
-
-TEST(DeleteFile, TakesAwayTheFile) {
-    const TempFolder folder;
-    const std::u16string name = folder.write("\xC3\xA4.tmp", "x");
-    pm::delete_file(name);
-    EXPECT_FALSE(pm::file_exists(name));
-    pm::delete_file(name);
 }
