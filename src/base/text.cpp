@@ -19,14 +19,16 @@ std::size_t count_spaces(std::u16string_view text) {
     return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), is_space) - text.begin());
 }
 
-// `text` is empty or a letter, a sign or none, and digits. Held within what no text's length can outweigh.
+// What no text's length can outweigh.
+constexpr std::int64_t exponent_limit = 1'000'000'000'000'000;
+
+// `text` is empty or a letter, a sign or none, and digits.
 std::int64_t scan_exponent(std::string_view text) {
-    constexpr std::int64_t limit = 1'000'000'000'000'000;
     if (text.empty()) return 0;
     text.remove_prefix(text[1] == '+' ? 2 : 1);
-    std::int64_t exponent = text[0] == '-' ? -limit : limit;
+    std::int64_t exponent = text[0] == '-' ? -exponent_limit : exponent_limit;
     std::from_chars(text.data(), text.data() + text.size(), exponent);
-    return std::clamp(exponent, -limit, limit);
+    return std::clamp(exponent, -exponent_limit, exponent_limit);
 }
 
 // from_chars leaves the value alone when it is out of range; the power of the first digit that counts tells
@@ -52,6 +54,81 @@ ScannedDouble scan_narrow_double(std::string_view text) {
     if (result.ec == std::errc::result_out_of_range) value = out_of_range_value(number.substr(0, length));
     return {negative ? -value : value, sign + length};
 }
+
+// A long number, put in so few digits that it still has its value. What stands behind the digits that count
+// only tells whether the number lies above them.
+class ShortenedNumber {
+public:
+    // `text` holds units of numbers only.
+    explicit ShortenedNumber(std::u16string_view text) : m_rest(text) {
+        m_negative = text.starts_with(u'-');
+        if (m_negative || text.starts_with(u'+')) m_rest.remove_prefix(1);
+        take_digits();
+        if (m_any) take_exponent();
+        m_length = m_any ? text.size() - m_rest.size() : 0;
+    }
+
+    ScannedDouble scan() {
+        if (m_length == 0) return {};
+        char* end = m_digits + m_count;
+        if (m_above) *end++ = '1';
+        if (end == m_digits) *end++ = '0';
+        *end++ = 'e';
+        end = std::to_chars(end, std::end(m_digits), m_above ? m_power - 1 : m_power).ptr;
+        const double value = scan_narrow_double({m_digits, static_cast<std::size_t>(end - m_digits)}).value;
+        return {m_negative ? -value : value, m_length};
+    }
+
+private:
+    void take_digits() {
+        bool point = false;
+        for (; !m_rest.empty() && (is_digit(m_rest[0]) || (m_rest[0] == u'.' && !point));
+             m_rest.remove_prefix(1)) {
+            if (m_rest[0] == u'.') {
+                point = true;
+            } else {
+                take_digit(static_cast<char>(m_rest[0]), point);
+            }
+        }
+    }
+    void take_digit(char digit, bool behind_point) {
+        m_any = true;
+        const bool counts = m_count > 0 || digit != '0';
+        if (m_count < counted) {
+            if (counts) m_digits[m_count++] = digit;
+            if (behind_point) --m_power;
+        } else {
+            m_above = m_above || digit != '0';
+            if (!behind_point) ++m_power;
+        }
+    }
+    // An "e" without digits behind it isn't part of the number.
+    void take_exponent() {
+        if (m_rest.empty() || to_lower(m_rest[0]) != u'e') return;
+        std::u16string_view digits = m_rest.substr(1);
+        const bool negative = digits.starts_with(u'-');
+        if (negative || digits.starts_with(u'+')) digits.remove_prefix(1);
+        if (digits.empty() || !is_digit(digits[0])) return;
+        std::int64_t exponent = 0;
+        for (; !digits.empty() && is_digit(digits[0]); digits.remove_prefix(1)) {
+            exponent = std::min(exponent * 10 + (digits[0] - u'0'), exponent_limit);
+        }
+        m_power += negative ? -exponent : exponent;
+        m_rest = digits;
+    }
+
+    static constexpr std::size_t counted = 800; // the middle between two doubles has 767 digits at most
+    static constexpr std::size_t room_for_power = 32;
+
+    std::u16string_view m_rest;
+    bool m_negative = false;
+    bool m_any = false;   // a digit, of whatever value
+    bool m_above = false; // whether a digit behind those that count isn't 0
+    std::int64_t m_power = 0;
+    std::size_t m_count = 0;
+    std::size_t m_length = 0;
+    char m_digits[counted + room_for_power];
+};
 
 int effective_base(std::u16string_view digits, int base) {
     const bool zero = !digits.empty() && digits[0] == u'0';
@@ -155,7 +232,7 @@ ScannedDouble scan_double_at(std::u16string_view text) {
         std::copy(rest.begin(), end, narrow);
         scanned = scan_narrow_double({narrow, length});
     } else {
-        scanned = scan_narrow_double(std::string(rest.begin(), end));
+        scanned = ShortenedNumber(rest.substr(0, length)).scan();
     }
     if (scanned.length != 0) scanned.length += spaces;
     return scanned;

@@ -300,6 +300,38 @@ TEST(ScanDouble, AgreesWithTheCLibraryOnRandomTexts) {
     }
 }
 
+TEST(ScanDouble, AgreesWithTheCLibraryOnLongTextsOfAnyShape) {
+    std::mt19937 random(13);
+    const auto digits = [&](std::size_t count) {
+        std::string text;
+        while (text.size() < count) {
+            text.append(random() % 60, random() % 3 == 0 ? '0' : static_cast<char>('0' + random() % 10));
+        }
+        return text.substr(0, count);
+    };
+    constexpr std::string_view ends[] = {
+        "", "e", "e-", "e+12", "E-900", "e900", ".", "-", "e99999999999999999999"};
+    for (int run = 0; run < 20'000; ++run) {
+        std::string text = run % 2 == 0 ? "-" : "";
+        text += digits(random() % 1200);
+        if (run % 3 != 0) text += '.' + digits(random() % 1200);
+        if (run % 5 == 0) text += "e" + std::to_string(static_cast<int>(random() % 3000) - 1500);
+        expect_scanned_as_strtod(text.append(ends[random() % std::size(ends)]));
+    }
+}
+
+TEST(ScanDouble, LongTextBesideTheMiddleOfTwoNumbersIsRoundedRightly) {
+    for (const char* middle :
+         {"0x1p-1075", "0x1.8p-1074", "0x1.00000000000008p0", "0x1.fffffffffffff8p-1022"}) {
+        std::array<char, 1200> text{};
+        std::snprintf(text.data(), text.size(), "%.1150Lf", std::strtold(middle, nullptr));
+        const std::string exact = text.data();
+        expect_scanned_as_strtod(exact);
+        expect_scanned_as_strtod(exact + std::string(300, '0') + "1");
+        expect_scanned_as_strtod(exact + "e0");
+    }
+}
+
 TEST(ScanDouble, AgreesWithTheCLibraryOnRandomNumbers) {
     std::mt19937_64 random(12);
     for (int run = 0; run < 200'000; ++run) {

@@ -121,6 +121,10 @@ TEST(MemoryLimits, LongStringIsHeldOnce) {
     expect_sparing(compressed_line("a=\"", 'x', ""), 0);
 }
 
+TEST(MemoryLimits, LongNumberIsHeldOnce) {
+    expect_sparing(compressed_line("a=1.", '1', ""), 0);
+}
+
 TEST(MemoryLimits, LongRawDataIsMadeInPlace) {
     expect_sparing(compressed_line("a=\\", 'A', "\\"), 0);
 }
