@@ -7,7 +7,7 @@
 
 namespace pm {
 
-// Small text services with the C library's rules in the C locale, whatever the process's locale is.
+// Small text services whose rules are those of the C locale, whatever the process's locale is.
 
 // The text as a view; null gives the empty text.
 inline std::u16string_view view(const char16_t* text) {
@@ -66,16 +66,18 @@ struct ScannedLong {
     std::int32_t value = 0;
     std::size_t length = 0; // as above
 };
-// An integer in the forms of strtol with the base; base 0 takes the prefixes "0x" and "0".
+// An integer of the base: white space, an optional sign, the prefix "0x" or none for base 16, and digits.
+// Base 0 is told by the number: 16 behind "0x", 8 behind "0", else 10.
 ScannedLong scan_long_at(std::u16string_view text, int base);
-// The bits of an unsigned hexadecimal number, held at 0xFFFFFFFF. As "%x".
+// The bits of an unsigned hexadecimal number in these forms, held at 0xFFFFFFFF.
 ScannedLong scan_hexadecimal_at(std::u16string_view text);
 
-// printf's "%.*f" and "%.*e"; "%.*g" for chars_format::general.
+// With so many digits behind the point: fixed, or scientific with one digit in front and an exponent of two
+// digits or more; general is so many significant digits without trailing zeros, in the shorter of both.
 std::string print_double(double value, std::chars_format format, int precision);
-// printf's "%#.*g": so many significant digits (at least 1), trailing zeros and point kept.
+// So many significant digits (at least 1), trailing zeros and point kept; scientific below 1e-4, and where
+// the digits don't reach the point.
 std::string format_significant(double value, int digits);
-// printf's "%#.11g".
 inline std::string format_11_digits(double value) {
     return format_significant(value, 11);
 }

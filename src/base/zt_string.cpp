@@ -112,7 +112,7 @@ std::string format_magnitude(const Conversion& conversion, double value) {
     return text;
 }
 
-// Not by snprintf, which writes the process locale's point.
+// The point is that of the C locale, whatever the process's locale is.
 void append_double(std::u16string& out, const Conversion& conversion, double value) {
     std::string text = std::signbit(value) ? "-" : conversion.has('+') ? "+" : conversion.has(' ') ? " " : "";
     const std::size_t sign = text.size();

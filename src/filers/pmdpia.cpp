@@ -297,8 +297,8 @@ void PM_DPIAFile::write_directory() {
     }
 }
 
-// The length word counts wide units, though the text goes out as UTF-8. Kept: files stay as they are to the
-// byte, and those with other than ASCII names have always read back wrong from there on.
+// The length word counts wide units, though the text goes out as UTF-8 (kept). A load takes the word for
+// bytes, so that a directory with other than ASCII names reads back wrong from there on.
 void PM_DPIAFile::write_text(std::u16string_view text, const char16_t* detail) {
     write_word(static_cast<std::uint32_t>(text.size()), directory_place, detail);
     const std::string bytes = pm::to_narrow(text, pm::utf8_code_page);

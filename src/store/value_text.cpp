@@ -181,8 +181,8 @@ constexpr auto powers_of_five = make_powers_of_five();
 
 constexpr double powers_of_ten[] = {1e-3, 1e-2, 1e-1, 1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10};
 
-// value * 10^scale, rounded to an integer as printf rounds: exactly, halves to even. The value is from 1e-4
-// to below 1e11, the result about eleven digits long.
+// value * 10^scale, rounded to an integer: exactly, halves to even. The value is from 1e-4 to below 1e11, the
+// result about eleven digits long.
 std::uint64_t scaled_integer(double value, int scale) {
     const auto bits = std::bit_cast<std::uint64_t>(value);
     const std::uint64_t mantissa = (bits & 0xFFFFFFFFFFFFF) | 0x10000000000000;

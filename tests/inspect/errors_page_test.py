@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Holds docs/errors.md against <pm/error_number.h>: every number and name, in order, each fully told.
+"""Holds docs/errors.md against <pm/error_number.h>, every number and name, in order, each fully told, and
+against the sources: every place that stands there, under the number that it is raised with.
 
-Usage: errors_page_test.py ERROR_NUMBER_H ERRORS_MD
+Usage: errors_page_test.py ERROR_NUMBER_H ERRORS_MD SOURCE_FOLDER...
 """
 
 import re
@@ -13,6 +14,11 @@ HEADING = re.compile(r"^## (\d+) (\S+)$", re.MULTILINE)
 COLUMNS = "| class | place | when | detail |"
 CLASSES = {"PM_Warning", "PM_Error", "PM_Severe", "PM_Memory_Exception"}
 ROUTES = {"", "reported", "codec"}
+PLACE_CONSTANT = re.compile(r'constexpr const char16_t\*(?: const)? (\w*place) = u"([^"]+)"')
+PLACE_TEXT = re.compile(r'u"((?:PM_\w+::|pm::|pm_|\.\\\\)[^"]*)"')
+RAISED = re.compile(r'\b(PM_ERR_\w+),\s*(?:u"([^"]+)"|(\w*place)\b)')
+NO_MEMORY = re.compile(r'\b(?:PM_Memory_Exception|raise_no_memory)\(\s*(?:u"([^"]+)"|(\w*place)\b)')
+LEAST_PLACES = 40  # fewer mean that the sources aren't read as they are
 
 
 def plain(text):
@@ -67,10 +73,55 @@ def troubles(header, page):
             yield f"a link to nowhere: {link}"
 
 
+def code_of(path):
+    """The file without comments that take a line."""
+    lines = path.read_text(encoding="utf-8").splitlines()
+    return "\n".join(line for line in lines if not line.lstrip().startswith("//"))
+
+
+def constants_of(code):
+    """The places by their names, without names that stand for several."""
+    found = {}
+    for name, place in PLACE_CONSTANT.findall(code):
+        found.setdefault(name, set()).add(place)
+    return {name: next(iter(places)) for name, places in found.items() if len(places) == 1}
+
+
+def raised_in(code):
+    """Numbers by name with their places, as far as the text shows them."""
+    constants = constants_of(code)
+    for number, text, name in RAISED.findall(code):
+        yield number, text or constants.get(name)
+    for text, name in NO_MEMORY.findall(code):
+        yield "PM_ERR_NO_MEMORY", text or constants.get(name)
+
+
+def troubles_of_places(files, page):
+    sections = {name: body for _, name, body in sections_of(page)}
+    places, raised = set(), set()
+    for path in files:
+        code = code_of(path)
+        places |= {place for _, place in PLACE_CONSTANT.findall(code)} | set(PLACE_TEXT.findall(code))
+        raised |= {pair for pair in raised_in(code) if pair[1]}
+    if len(places) < LEAST_PLACES:
+        yield f"only {len(places)} places are found in the sources"
+    for place in sorted(places):
+        if f"`{shown(place)}`" not in page:
+            yield f"the page doesn't tell the place {shown(place)}"
+    for number, place in sorted(raised):
+        if f"`{shown(place)}`" not in sections.get(number, ""):
+            yield f"{number}: the page doesn't tell the place {shown(place)} there"
+
+
+def shown(place):
+    return place.replace("\\\\", "\\")
+
+
 def main():
     header, page = (Path(name).read_text(encoding="utf-8") for name in sys.argv[1:3])
-    found = list(troubles(header, page))
-    print("\n".join(found) or "docs/errors.md tells every number.")
+    files = [path for folder in sys.argv[3:] for path in Path(folder).rglob("*") if path.suffix in {".h", ".cpp"}]
+    found = [*troubles(header, page), *troubles_of_places(files, page)]
+    print("\n".join(found) or "docs/errors.md tells every number and every place.")
     return 1 if found else 0
 
 
