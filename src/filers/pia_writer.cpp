@@ -206,15 +206,14 @@ void PiaWriter::write_bool(const PM_Property& prop) {
 }
 
 void PiaWriter::write_raw(const PM_Property& prop) {
-    m_narrow.resize(prop.size());
-    prop.GetData(m_narrow.data(), m_narrow.size());
+    if (prop.size() == 0) prop.GetData(nullptr, 0); // fails if there never was a value
     if (prop.size() == 0 || prop.size() > std::numeric_limits<int>::max()) {
         throw PM_Error(PM_ERR_BAD_RAW_DATA, u".\\pmobj", u"bad raw data value",
                        u"$Workfile: pmobj $ $Revision: #1 $");
     }
     m_pending.append(1, '\\');
     char* const to = m_pending.room(2 * prop.size() + 1);
-    pm_bin_to_hex(m_narrow.data(), to, static_cast<int>(prop.size()));
+    pm_bin_to_hex(prop.data(), to, static_cast<int>(prop.size()));
     m_pending.end_at(to + 2 * prop.size());
     m_pending.append(1, '\\');
 }

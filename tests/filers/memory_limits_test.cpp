@@ -4,6 +4,7 @@
 #include "support/memory_child.h"
 #include "support/temp_folder.h"
 #include <algorithm>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <pm/error_number.h>
 #include <streambuf>
@@ -89,6 +90,33 @@ TEST(MemoryLimits, LineWithoutRoomIs55) {
         return e && e->m_number == PM_ERR_NO_MEMORY && e->m_detail == std::u16string(u"line") ? 0 : 1;
     };
     EXPECT_EQ(0, run_in_child(work, 300'000'000).status);
+}
+
+// Lets this process take so many bytes of addresses beside those that it has.
+void limit_growth(std::size_t bytes) {
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    const rlim_t limit = pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) + bytes;
+    const rlimit both{limit, limit};
+    if (setrlimit(RLIMIT_AS, &both) != 0) throw std::runtime_error("no limit");
+}
+
+TEST(MemoryLimits, RawDataWithoutRoomForItsDigitsIs55) {
+    const auto work = [] {
+        PM_Object object;
+        {
+            const std::string data(100 * mebibyte, 'x');
+            object.setVoidProperty(u"a", data.data(), static_cast<unsigned>(data.size()));
+        }
+        std::stringstream stream = pm::test::byte_stream("");
+        limit_growth(50 * mebibyte);
+        const std::type_info* type = nullptr;
+        const auto e = thrown_by([&] { object.save(stream, PM_Object::FILE_PIA, u"test", u"\\"); }, &type);
+        const bool told = e && e->m_number == PM_ERR_NO_MEMORY && e->m_detail == std::u16string(u"buffer") &&
+                          *type == typeid(PM_Memory_Exception);
+        return told ? 0 : 1;
+    };
+    EXPECT_EQ(0, run_in_child(work).status);
 }
 
 // A compressed body of one line.
