@@ -99,7 +99,8 @@ struct PropertyInfo {
 };
 
 // Both operations only look and throw nothing: what can't be there, such as a path of more than 256
-// components, isn't. A null path counts as an empty one.
+// components, isn't. A null path counts as an empty one. Who wants the node or the property itself, with its
+// value or its neighbours, asks pm_find_node() and pm_find_property() of view.h, on which these stand.
 
 // Whether there is a node of that path, in which a "*" is an ordinary character; "\" or an empty path is the
 // root.

@@ -37,6 +37,9 @@ struct PM_Node_View {
 PM_API PM_Property_View pm_view(const PM_Property& property) noexcept;
 PM_API PM_Node_View pm_view(const PM_Node& node) noexcept;
 
+// Number 50 (PM_Severe) out of both for an object without a tree. pm::property_at() and pm::node_exists() of
+// inspect.h ask the same and throw nothing.
+
 // The property that PM_Object::GetProperty() reads with this path and index, of whatever type, or null.
 // Number 51 (PM_Warning) with the path as given for a resolved path of more than 1023 units, place
 // "pm_find_property()", and for one of more than 256 known components, place "PM_Path::PM_Path()".

@@ -1,5 +1,6 @@
 #include "legacy/legacy_support.h"
 #include "legacy/pmpc2.h"
+#include "support/allocation_failures.h"
 #include <pm/error_number.h>
 #include <pm_test_paths.h>
 
@@ -197,6 +198,16 @@ TEST_F(Cfg, ReportsKeepThePlaceOfTheOlderFormat) {
     for (const char* line : {"[]", "text", "Type=", "Type=x"}) {
         expect(line);
     }
+}
+
+TEST(CfgMemory, EachFailingAllocationIsTold) {
+    const TempFolder folder;
+    const std::u16string name = folder.write("a.cfg", "[Plotter#1/User]\nPlotWidth=2.5\n");
+    const int told = count_memory_exceptions([&] {
+        PM_Object target;
+        target.load_cfg_section(name.c_str(), PM_Object::FILE_CFG, u"\\", 1);
+    });
+    EXPECT_GT(told, 200); // each key takes some
 }
 
 // ---- The class itself: what PM_Object doesn't reach

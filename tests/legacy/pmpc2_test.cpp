@@ -1,6 +1,7 @@
 #include "legacy/pmpc2.h"
 
 #include "legacy/legacy_support.h"
+#include "support/allocation_failures.h"
 #include <pm/error_number.h>
 #include <pm_test_paths.h>
 
@@ -638,6 +639,14 @@ TEST(Pc2Reports, NameTheFile) {
 }
 
 // ---- Streams
+
+TEST(Pc2Memory, EachFailingAllocationIsTold) {
+    const int told = count_memory_exceptions([] {
+        PM_Object target;
+        load_pc2(target, version + std::string("[Plotter/User]\nPlotWidth=2.5\n[PlotDriver]\nType=2\n"));
+    });
+    EXPECT_GT(told, 200); // each key takes some
+}
 
 TEST(Pc2Streams, AMissingStreamIsSevere) {
     PM_Object object;

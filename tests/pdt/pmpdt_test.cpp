@@ -2,6 +2,7 @@
 
 #include "pdt/description.h"
 
+#include "support/allocation_failures.h"
 #include "support/exceptions.h"
 #include "support/ordinary_user.h"
 #include "support/recording_handler.h"
@@ -44,6 +45,16 @@ TEST(PdtLoad, EmptyDescriptionWritesTheClosingBlock) {
     EXPECT_TRUE(has_item(object.items(u"physical_pen"), "caps_state=\"0000000000000000\""));
     EXPECT_TRUE(has_item(object.items(u"io"), "caps_state=\"0000\""));
     EXPECT_TRUE(has_item(object.items(u"meta"), "toolkit_version=0.0"));
+}
+
+TEST(PdtLoad, EachFailingAllocationIsTold) {
+    Description description;
+    description.rows(Section::custom_capability, "C\t\t\t\t\t\tPT_Long\tY\n");
+    const int told = pm::test::count_memory_exceptions([&] {
+        OpenObject object;
+        description.load(object);
+    });
+    EXPECT_GT(told, 50);
 }
 
 TEST(PdtLoad, ItemsLandBelowTheBase) {

@@ -1,6 +1,9 @@
 #pragma once
 
 #include "base/allocator.h"
+#include "support/exceptions.h"
+#include <gtest/gtest.h>
+#include <pm/error_number.h>
 
 namespace pm::test {
 
@@ -37,6 +40,25 @@ int fail_each_allocation(Operation operation) {
         operation(place);
         if (!FailingAllocation::was_hit()) return place;
     }
+}
+
+// Runs `work` the same way and expects that whatever it throws is number 55 of its own class; gives how often
+// it did.
+template<class Work>
+int count_memory_exceptions(Work work, const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
+    int told = 0;
+    fail_each_allocation([&](int place) {
+        const std::type_info* type = nullptr;
+        const auto thrown = thrown_by(work, &type);
+        if (!thrown) return;
+        ++told;
+        if (*type != typeid(PM_Memory_Exception) || thrown->m_number != PM_ERR_NO_MEMORY) {
+            ADD_FAILURE_AT(file, line)
+                << "allocation " << place << ": "
+                << exception_text(*type, thrown->m_number, thrown->m_place, thrown->m_detail);
+        }
+    });
+    return told;
 }
 
 } // namespace pm::test
