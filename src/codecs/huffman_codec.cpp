@@ -1,41 +1,18 @@
 #include "base/little_endian.h"
+#include "codecs/code_packer.h"
+#include "codecs/code_reader.h"
 #include "codecs/codec_failure.h"
 #include "codecs/huffman_block.h"
 #include <algorithm>
+#include <array>
 #include <cstring>
-#include <limits>
+#include <numeric>
 #include <pm/codec.h>
 #include <pm/error_number.h>
 
 namespace pm {
 
 namespace {
-
-constexpr std::uint32_t first_capacity = 100;
-
-// Decoded bytes as they come; room for one more always follows them.
-class OutputBuffer {
-public:
-    OutputBuffer() : m_data(checked(allocate_block<unsigned char>(first_capacity), u"output")) {}
-
-    void put(unsigned char byte) {
-        m_data[m_size++] = byte;
-        if (m_size == m_capacity) grow();
-    }
-    DecodedBytes take() { return {std::move(m_data), static_cast<std::uint32_t>(m_size)}; }
-
-private:
-    void grow() {
-        auto grown = checked(allocate_block<unsigned char>(m_capacity * 2), u"temp");
-        std::copy_n(m_data.get(), m_size, grown.get());
-        m_data = std::move(grown);
-        m_capacity *= 2;
-    }
-
-    Block<unsigned char> m_data;
-    std::size_t m_capacity = first_capacity;
-    std::size_t m_size = 0;
-};
 
 // A tree of fewer than two leaves has no codes.
 void check_counters(Counters counters) {
@@ -51,13 +28,31 @@ void check_tag(const unsigned char* block) {
     }
 }
 
-void write_block(unsigned char* out, Counters counters, const BitString& bits) {
+void write_header(unsigned char* out, Counters counters, std::uint32_t bits) {
     std::copy(huffman_tag.begin(), huffman_tag.end(), out);
     for (std::size_t value = 0; value < symbol_count; ++value) {
         store_u32(out + huffman_counters + 4 * value, counters[value]);
     }
-    store_u32(out + huffman_bit_count, bits.length());
-    std::copy_n(bits.data(), bits.length() / 8 + 1, out + huffman_bits);
+    store_u32(out + huffman_bit_count, bits);
+}
+
+// In turns into several tables: a counter that was just written can't be read again at once.
+void count_bytes(std::span<const unsigned char> data, std::uint32_t* counters) {
+    std::array<std::array<std::uint32_t, symbol_count>, 4> turns{};
+    std::size_t i = 0;
+    for (; i + turns.size() <= data.size(); i += turns.size()) {
+        for (std::size_t turn = 0; turn < turns.size(); ++turn) {
+            ++turns[turn][data[i + turn]];
+        }
+    }
+    for (; i < data.size(); ++i) {
+        ++turns[0][data[i]];
+    }
+    for (std::size_t value = 0; value < symbol_count; ++value) {
+        for (const auto& turn : turns) {
+            counters[value] += turn[value];
+        }
+    }
 }
 
 } // namespace
@@ -65,31 +60,6 @@ void write_block(unsigned char* out, Counters counters, const BitString& bits) {
 bool huffman_block_fits(std::span<const unsigned char> block) {
     return block.size() > huffman_bits &&
            block.size() - huffman_bits > load_u32(block.data() + huffman_bit_count) / 8;
-}
-
-std::uint32_t count_code_bits(Counters counters, const CodeTable& codes) {
-    std::uint64_t bits = 0;
-    for (std::size_t value = 0; value < symbol_count; ++value) {
-        bits += std::uint64_t{counters[value]} * codes[value].length();
-    }
-    if (bits > std::numeric_limits<std::uint32_t>::max()) throw_codec_memory(u"temp");
-    return static_cast<std::uint32_t>(bits);
-}
-
-DecodedBytes decode_bits(const TrieNode* root, const BitString& bits) {
-    OutputBuffer out;
-    BitCursor cursor(bits);
-    const TrieNode* node = root;
-    while (!cursor.at_end()) {
-        if (node == nullptr) throw_codec_failure(PM_ERR_NO_HUFFMAN_SYMBOL);
-        if (node->is_leaf()) {
-            out.put(node->symbol);
-            node = root;
-        } else {
-            node = cursor.next() ? node->right : node->left;
-        }
-    }
-    return out.take();
 }
 
 } // namespace pm
@@ -112,22 +82,18 @@ bool PM_Huffman_Codec::decode(unsigned char*& out, std::uint32_t& out_size) {
 
 void PM_Huffman_Codec::encode_block(unsigned char*& out, std::uint32_t& out_size) {
     make_counters();
-    for (const unsigned char byte : std::span(m_input, m_input_size)) {
-        ++m_freq_table[byte];
-    }
+    const std::span data(m_input, m_input_size);
+    pm::count_bytes(data, m_freq_table);
     make_trie();
 
     const pm::Counters counters(m_freq_table, pm::symbol_count);
     const pm::CodeTable& codes = m_freq_trie->make_codes();
-    pm::BitString bits;
-    bits.reserve(pm::count_code_bits(counters, codes));
-    for (const unsigned char byte : std::span(m_input, m_input_size)) {
-        bits.append(codes[byte]);
-    }
-
-    const auto size = static_cast<std::uint32_t>(pm::huffman_bits + bits.length() / 8 + 1);
-    auto block = pm::checked(pm::allocate_block<unsigned char>(size), u"output");
-    pm::write_block(block.get(), counters, bits);
+    const std::uint32_t bits = pm::count_code_bits(counters, codes);
+    const auto size = static_cast<std::uint32_t>(pm::huffman_bits + bits / 8 + 1);
+    auto block =
+        pm::checked(pm::allocate_block<unsigned char>(std::size_t{size} + pm::CodePacker::slack), u"output");
+    pm::write_header(block.get(), counters, bits);
+    pm::CodePacker(codes).pack(data, block.get() + pm::huffman_bits);
     out = block.release();
     out_size = size;
 }
@@ -141,7 +107,9 @@ void PM_Huffman_Codec::decode_block(unsigned char*& out, std::uint32_t& out_size
     const pm::BitString bits(m_input + pm::huffman_bits, pm::load_u32(m_input + pm::huffman_bit_count));
     make_trie();
 
-    pm::DecodedBytes decoded = pm::decode_bits(m_freq_trie->root(), bits);
+    const std::span counters(m_freq_table, pm::symbol_count);
+    const auto symbols = std::accumulate(counters.begin(), counters.end(), std::uint64_t{0});
+    pm::DecodedBytes decoded = pm::decode_bits(m_freq_trie->root(), bits, symbols);
     out = decoded.data.release();
     out_size = decoded.size;
 }

@@ -1,5 +1,4 @@
 #include "codecs/freq_trie.h"
-#include "codecs/huffman_block.h"
 #include "codecs/reference_huffman.h"
 #include "support/allocation_failures.h"
 #include "support/exceptions.h"
@@ -164,37 +163,6 @@ TEST(FreqTrieTest, CodesWithoutMemoryAreTold) {
 }
 
 // --- decoding by a tree
-
-BitString bits_of(std::string_view text) {
-    BitString bits;
-    for (const char bit : text) {
-        bits.append(bit == '1');
-    }
-    return bits;
-}
-
-TEST(DecodeBitsTest, WalkThatReachesNoNodeIsNumber90) {
-    TrieNode a{'a', 1};
-    const TrieNode root{0, 1, &a, nullptr};
-    expect_thrown<PM_Severe>([&] { decode_bits(&root, bits_of("010")); }, 90, u"", u"");
-    expect_thrown<PM_Severe>([&] { decode_bits(&root, bits_of("10")); }, 90, u"", u"");
-}
-
-TEST(DecodeBitsTest, LastBitMayLeadToNoNode) {
-    TrieNode a{'a', 1};
-    const TrieNode root{0, 1, &a, nullptr};
-    const DecodedBytes decoded = decode_bits(&root, bits_of("01"));
-    EXPECT_EQ(1U, decoded.size);
-    EXPECT_EQ('a', decoded.data[0]);
-}
-
-TEST(DecodeBitsTest, MissingRootIsNumber90) {
-    expect_thrown<PM_Severe>([] { decode_bits(nullptr, bits_of("0")); }, 90, u"", u"");
-}
-
-TEST(DecodeBitsTest, NoBitsGiveNoBytes) {
-    EXPECT_EQ(0U, decode_bits(nullptr, BitString()).size);
-}
 
 } // namespace
 } // namespace pm::test

@@ -1,3 +1,4 @@
+#include "codecs/code_packer.h"
 #include "codecs/codec_run.h"
 #include "codecs/huffman_block.h"
 #include "codecs/reference_huffman.h"
@@ -5,6 +6,7 @@
 #include "support/exceptions.h"
 #include <gmock/gmock.h>
 #include <limits>
+#include <random>
 
 namespace pm::test {
 namespace {
@@ -183,6 +185,50 @@ TEST(HuffmanCodecTest, AgreesWithTheReferenceOnShortData) {
     }
 }
 
+TEST(HuffmanCodecTest, AgreesWithTheReferenceOnDataOfFourMegabytes) {
+    std::string data = random_bytes(std::size_t{4} << 20, 16);
+    // The sum of four is nearer to a bell, so that codes differ in length.
+    for (std::size_t i = 0; i + 4 < data.size(); ++i) {
+        data[i] = static_cast<char>(data[i] + data[i + 1] + data[i + 2] + data[i + 3]);
+    }
+    expect_agreement(data);
+}
+
+// Symbols whose frequencies fall by a random share from each to the next, in random places.
+TEST(HuffmanCodecTest, AgreesWithTheReferenceOnRandomFallingDistributions) {
+    std::mt19937 random(19);
+    for (int run = 0; run < 100; ++run) {
+        const std::size_t size = std::size_t{2} << random() % 14;
+        std::geometric_distribution<int> rank(0.02 + 0.9 * static_cast<double>(random() % 1000) / 1000);
+        const auto offset = static_cast<int>(random() % 256);
+        std::string data = "ab";
+        while (data.size() < size) {
+            data.push_back(static_cast<char>(offset + rank(random) * 37));
+        }
+        SCOPED_TRACE(run);
+        expect_agreement(data);
+    }
+}
+
+// Tables that need not be those of the data: weights may wrap, codes grow long.
+TEST(HuffmanCodecTest, DecodesByRandomTablesAsTheReference) {
+    std::mt19937 random(91);
+    for (int run = 0; run < 100; ++run) {
+        const auto values = 2 + random() % 255;
+        const auto steepness = random() % 40;
+        ReferenceHuffman::Counts counts{};
+        for (std::size_t value = 0; value < values; ++value) {
+            counts[value] = 1 + static_cast<std::uint32_t>(random() >> random() % (steepness + 1) % 32);
+        }
+        const std::string data = random_bytes(1 + random() % 9000, static_cast<unsigned>(values),
+                                              static_cast<std::uint32_t>(random()));
+        SCOPED_TRACE(run);
+        const CodecRun decoded = decode(ReferenceHuffman(counts).block(data));
+        ASSERT_TRUE(decoded.ok);
+        EXPECT_TRUE(without_last(data) == decoded.bytes());
+    }
+}
+
 TEST(HuffmanCodecTest, TableThatMissesTheLastSymbolGivesTheOthers) {
     ReferenceHuffman::Counts counts = ReferenceHuffman::count("mississippi");
     const ReferenceHuffman reference(counts);
@@ -308,15 +354,21 @@ Names failed_allocations(CodecOperation<PM_Huffman_Codec> operation, const std::
 }
 
 TEST(HuffmanCodecTest, EncoderTellsTheAllocationThatFailed) {
-    EXPECT_THAT(
-        failed_allocations(&PM_Huffman_Codec::encode, "ab"),
-        ElementsAre(u"m_freq_table", u"m_freq_trie", u"temp", u"m_data", u"m_data", u"temp", u"output"));
+    EXPECT_THAT(failed_allocations(&PM_Huffman_Codec::encode, "ab"),
+                ElementsAre(u"m_freq_table", u"m_freq_trie", u"temp", u"m_data", u"m_data", u"output"));
 }
 
 TEST(HuffmanCodecTest, DecoderTellsTheAllocationThatFailed) {
     EXPECT_THAT(failed_allocations(&PM_Huffman_Codec::decode, encode("ab").bytes()),
                 ElementsAre(u"m_freq_table", u"m_data", u"m_freq_trie", u"output"));
     EXPECT_THAT(failed_allocations(&PM_Huffman_Codec::decode, encode(random_bytes(300, 2)).bytes()),
+                ElementsAre(u"m_freq_table", u"m_data", u"m_freq_trie", u"output"));
+}
+
+TEST(HuffmanCodecTest, DecoderTellsTheOutputThatGrowsBeyondWhatTheTableCounts) {
+    ReferenceHuffman::Counts counts{};
+    counts['a'] = counts['b'] = 1;
+    EXPECT_THAT(failed_allocations(&PM_Huffman_Codec::decode, block_of(counts, 300, std::string(38, '\0'))),
                 ElementsAre(u"m_freq_table", u"m_data", u"m_freq_trie", u"output", u"temp", u"temp"));
 }
 
