@@ -153,12 +153,19 @@ constexpr Pc2Key keys[] = {
 };
 static_assert(std::size(keys) == 140);
 
-// An indexed key may have a number behind it. Lengths are looked at first, as they tell most keys apart.
+// A key's name is one component of a path.
+static_assert(std::all_of(std::begin(keys), std::end(keys), [](const Pc2Key& each) {
+    return each.key.find(u'*') == each.key.npos && each.name().find(u'\\') == each.key.npos;
+}));
+
+// An indexed key may have a number behind it. Lengths and last units are looked at first, as they tell most
+// keys apart.
 bool matches(const Pc2Key& key, std::u16string_view full_name) {
     if (key.indexed()) return starts_with_ignoring_case(full_name, key.key);
     const std::u16string_view wanted = key.key.substr(0, pc2_key_compared);
     const std::u16string_view given = full_name.substr(0, pc2_key_compared);
-    return wanted.size() == given.size() && equals_ignoring_case(wanted, given);
+    return wanted.size() == given.size() && to_lower(wanted.back()) == to_lower(given.back()) &&
+           equals_ignoring_case(wanted, given);
 }
 
 } // namespace

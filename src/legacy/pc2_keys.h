@@ -19,9 +19,9 @@ struct Pc2Key {
 
     // Whether it stands for all keys that begin with it; those with the numbers `first` to `last` behind
     // have defaults.
-    bool indexed() const { return last >= 1; }
-    std::u16string_view section() const { return key.substr(0, key.find(u'\\')); }
-    std::u16string_view name() const { return key.substr(key.find(u'\\') + 1); }
+    constexpr bool indexed() const { return last >= 1; }
+    constexpr std::u16string_view section() const { return key.substr(0, key.find(u'\\')); }
+    constexpr std::u16string_view name() const { return key.substr(key.find(u'\\') + 1); }
 };
 
 // Keys of at least this length match over their first units only.

@@ -131,13 +131,25 @@ void for_each_default(Action action) {
     for (const pm::Pc2Key& key : pm::pc2_keys()) {
         if (key.type == PROP_NONE) continue;
         const DefaultValue value(key);
-        if (!key.indexed()) action(key, key.name(), value);
-        for (std::int32_t index = key.first; key.indexed() && index <= key.last; ++index) {
-            name = key.name();
+        if (!key.indexed()) {
+            action(key, key.name(), value);
+            continue;
+        }
+        name = key.name();
+        const std::size_t length = name.size();
+        for (std::int32_t index = key.first; index <= key.last; ++index) {
+            name.resize(length);
             pm::append_decimal(name, index);
-            action(key, name, value);
+            action(key, std::u16string_view(name), value);
         }
     }
+}
+
+// From the section of one key, or from the base, to that of the next.
+void enter_section(pm::TreeCursor& place, const pm::Pc2Key* last, const pm::Pc2Key& key) {
+    if (last != nullptr && last->section() == key.section()) return;
+    if (last != nullptr) place.pop();
+    place.push(key.section());
 }
 
 } // namespace
@@ -210,16 +222,19 @@ void PM_PC2File::set_defaults(PM_Object& target, std::u16string_view base) {
         return;
     }
     pm::TreeCursor place(target, base);
-    std::u16string_view section;
+    const pm::Pc2Key* last = nullptr;
     for_each_default([&](const pm::Pc2Key& key, std::u16string_view name, const DefaultValue& value) {
-        if (section != key.section()) {
-            if (!section.empty()) place.pop();
-            section = key.section();
-            place.push(section);
+        if (last != &key) {
+            enter_section(place, last, key);
+            last = &key;
         }
-        std::u16string stored(name);
-        if (key.type == PROP_STRING && !key.indexed()) replace_first_dash(stored);
-        place.set_data(stored, value.bytes, value.size, key.type);
+        if (key.type == PROP_STRING && !key.indexed() && name.find(u'-') != name.npos) {
+            std::u16string stored(name);
+            replace_first_dash(stored);
+            place.set_data({stored, true}, value.bytes, value.size, key.type);
+        } else {
+            place.set_data({name, true}, value.bytes, value.size, key.type);
+        }
     });
 }
 
