@@ -2,14 +2,15 @@
 
 #include "base/little_endian.h"
 #include "base/text.h"
-#include "filers/current_value.h"
 #include "platform/code_page.h"
 #include "store/pmpmgr.h"
+#include "store/tree_cursor.h"
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
 #include <cstring>
+#include <limits>
 #include <pm/error_number.h>
 #include <pm/iterator.h>
 #include <string>
@@ -37,23 +38,27 @@ std::u16string version_text(float version) {
     return {text.data(), end.ptr};
 }
 
-using ValueBuffer = std::array<char, value_limit>;
-
 // A value that no load could take back. As the property itself says it of a longer one.
 [[noreturn]] void raise_too_large(const PM_Property& prop) {
     throw PM_Warning(PM_ERR_VALUE_TOO_LARGE, u"PM_Property::GetData()", prop.name(), source);
 }
 
-// The narrow text of a string. Number 58 if the text or its narrow form is beyond the limit.
-std::string string_value(const PM_Property& prop) {
-    ValueBuffer bytes{};
-    prop.GetData(bytes.data(), bytes.size());
-    std::array<char16_t, value_limit / sizeof(char16_t)> units{};
-    std::memcpy(units.data(), bytes.data(), prop.size());
+// What no walk could give is met before its stream is made: a value that isn't there, and a raw one without
+// bytes or with too many.
+void check_value(const PM_Property& prop) {
+    if (prop.data() == nullptr) prop.GetData(nullptr, 0);
+    if (prop.type() == PROP_VOID && (prop.size() == 0 || prop.size() > std::numeric_limits<int>::max())) {
+        throw PM_Error(PM_ERR_BAD_RAW_DATA, u".\\pmobj", u"bad raw data value",
+                       u"$Workfile: pmobj $ $Revision: #1 $");
+    }
+}
+
+// The narrow form of a string of no more than the limit.
+std::string narrow_text(const PM_Property& prop) {
+    std::array<char16_t, value_limit / sizeof(char16_t)> units; // only the property's own are set
+    prop.GetData(units.data(), value_limit);
     const std::u16string_view text(units.data(), prop.size() / sizeof(char16_t));
-    std::string narrow = pm::to_narrow(text.substr(0, text.find(u'\0')));
-    if (narrow.size() > value_limit) raise_too_large(prop);
-    return narrow;
+    return pm::to_narrow(text.substr(0, text.find(u'\0')));
 }
 
 // The first bytes of a value as a number; what is missing of it is zero.
@@ -127,33 +132,47 @@ void PM_DOCFile::write(pm::IStream& stream, std::span<const char> bytes) {
     if (!stream.Write(bytes.data(), bytes.size())) raise_not_written();
 }
 
-void PM_DOCFile::write_number(pm::IStream& stream, std::uint32_t number) {
-    std::array<unsigned char, sizeof number> bytes{};
-    pm::store_u32(bytes.data(), number);
-    write(stream, std::bit_cast<std::array<char, sizeof number>>(bytes));
-}
-
 // What a value that can't be read leaves is part of the format's contract: its type in the stream, and the
 // size unless it is a string.
 void PM_DOCFile::write_record(pm::IStorage& storage, const char16_t* name, const PM_Property& prop) {
     const auto stream = create_stream(storage, name);
-    write_number(*stream, static_cast<std::uint32_t>(prop.type()));
-    if (prop.type() == PROP_STRING) {
-        const std::string value = string_value(prop);
-        write_number(*stream, static_cast<std::uint32_t>(value.size()));
-        write(*stream, value);
-    } else {
-        write_number(*stream, static_cast<std::uint32_t>(prop.size()));
-        ValueBuffer value{};
+    std::array<char, record_header + value_limit> record; // only what is written is set
+    const auto put_header = [&record](PropType type, std::size_t size) {
+        auto* const header = reinterpret_cast<unsigned char*>(record.data());
+        pm::store_u32(header, static_cast<std::uint32_t>(type));
+        pm::store_u32(header + 4, static_cast<std::uint32_t>(size));
+    };
+    const std::span<char> bytes(record);
+    const std::span<char> value = bytes.subspan(record_header);
+    put_header(prop.type(), prop.size());
+    const bool is_text = prop.type() == PROP_STRING;
+    if (prop.size() > value.size()) {
+        write(*stream, bytes.first(is_text ? sizeof(std::uint32_t) : record_header));
         prop.GetData(value.data(), value.size());
-        write(*stream, std::span(value).first(prop.size()));
     }
+    std::size_t size = prop.size();
+    if (is_text) {
+        const std::string narrow = narrow_text(prop);
+        if (narrow.size() > value.size()) {
+            write(*stream, bytes.first(sizeof(std::uint32_t)));
+            raise_too_large(prop);
+        }
+        size = narrow.size();
+        put_header(prop.type(), size);
+        std::copy(narrow.begin(), narrow.end(), value.begin());
+    } else {
+        prop.GetData(value.data(), value.size());
+    }
+    write(*stream, bytes.first(record_header + size));
 }
 
+// A property of no type ends those of its node.
 void PM_DOCFile::write_properties(pm::IStorage& storage, PM_Iterator& walk) {
-    pm::CurrentValue value;
-    while (const char16_t* name = value.next(walk)) {
-        write_record(storage, name, *walk.currentProp());
+    const PM_Node* const node = walk.currentNode();
+    const PM_Property* prop = node != nullptr ? node->first_prop() : nullptr;
+    for (; prop != nullptr && prop->type() >= PROP_LONG && prop->type() <= PROP_VOID; prop = prop->next()) {
+        check_value(*prop);
+        write_record(storage, prop->name(), *prop);
     }
 }
 
@@ -179,11 +198,11 @@ void PM_DOCFile::load(PM_Object* target, const char16_t* base, PM_Object::FileTy
     char16_t version[version_units] = {};
     getVersion(version, version_units);
     if (pm::view(base).size() > pm::WorkingPath::capacity) raise_not_read(load_place);
-    pm::WorkingPath path(pm::view(base));
-    load_elements(*target, path);
+    pm::TreeCursor place(*target, pm::view(base));
+    load_elements(place);
 }
 
-void PM_DOCFile::load_elements(PM_Object& target, pm::WorkingPath& path) {
+void PM_DOCFile::load_elements(pm::TreeCursor& place) {
     struct Level {
         std::shared_ptr<pm::IStorage> storage;
         std::unique_ptr<pm::IEnumSTATSTG> elements;
@@ -201,51 +220,52 @@ void PM_DOCFile::load_elements(PM_Object& target, pm::WorkingPath& path) {
         if (result == pm::IEnumSTATSTG::Result::failure) raise_not_read(load_place);
         if (result == pm::IEnumSTATSTG::Result::end) {
             levels.pop_back();
-            if (!levels.empty() && !path.pop()) raise_not_read(load_place);
+            if (!levels.empty() && !place.pop()) raise_not_read(load_place);
             continue;
         }
         if (pm::equals_ignoring_case(element.name, version_name)) continue;
-        if (element.repeated || !path.push(element.name)) raise_not_read(load_place);
+        if (element.repeated || !place.has_room_for(element.name)) raise_not_read(load_place);
         pm::IStorage& parent = *levels.back().storage;
         if (element.is_storage) {
+            place.push(element.name);
             enter(parent.OpenStorage(element.name));
         } else {
-            load_stream(target, path, parent, element.name);
-            if (!path.pop()) raise_not_read(load_place);
+            load_stream(place, parent, element.name);
         }
     }
 }
 
-void PM_DOCFile::load_stream(PM_Object& target, const pm::WorkingPath& path, pm::IStorage& storage,
-                             std::u16string_view name) {
+void PM_DOCFile::load_stream(pm::TreeCursor& place, pm::IStorage& storage, std::u16string_view name) {
     const auto stream = storage.OpenStream(name);
     unsigned char header[record_header];
     if (!stream || !stream->Read(header, sizeof header)) raise_not_read(load_place);
     const std::uint32_t size = pm::load_u32(header + 4);
-    std::array<char, value_limit> value{};
+    std::array<char, value_limit> value; // only the first `size` bytes are set
     if (size > value.size() || !stream->Read(value.data(), size)) raise_not_read(load_place);
-    store_value(target, path.text(), pm::load_u32(header), std::span(value).first(size));
+    const pm::TreeCursor::Name property(name);
+    store_value(place, property, pm::load_u32(header), std::span(value).first(size));
+    place.leave(property);
 }
 
 // A boolean comes back as a long: kept, callers depend on it.
-void PM_DOCFile::store_value(PM_Object& target, const char16_t* path, std::uint32_t type,
+void PM_DOCFile::store_value(pm::TreeCursor& place, const pm::TreeCursor::Name& name, std::uint32_t type,
                              std::span<const char> value) {
     const std::string_view text(value.data(), value.size());
     switch (type) {
     case PROP_LONG:
-        set_long(target, path, number_at<std::int32_t>(value));
+        place.set_long(name, number_at<std::int32_t>(value));
         break;
     case PROP_DOUBLE:
-        set_double(target, path, number_at<double>(value));
+        place.set_double(name, number_at<double>(value));
         break;
     case PROP_STRING:
-        set_string(target, path, pm::to_wide(text.substr(0, text.find('\0'))).c_str());
+        place.set_string(name, pm::to_wide(text.substr(0, text.find('\0'))));
         break;
     case PROP_BOOL:
-        set_long(target, path, number_at<std::uint8_t>(value));
+        place.set_long(name, number_at<std::uint8_t>(value));
         break;
     case PROP_VOID:
-        set_data(target, path, value.data(), value.size(), PROP_VOID);
+        place.set_data(name, value.data(), value.size(), PROP_VOID);
         break;
     default:
         raise_not_read(load_place);

@@ -2,7 +2,7 @@
 
 #include "filers/pmfile.h"
 #include "platform/compound_storage.h"
-#include "store/working_path.h"
+#include "store/tree_cursor.h"
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -40,14 +40,12 @@ private:
     void write_nodes(PM_Iterator& walk);
     void write_record(pm::IStorage& storage, const char16_t* name, const PM_Property& prop);
     void write(pm::IStream& stream, std::span<const char> bytes);
-    void write_number(pm::IStream& stream, std::uint32_t number);
     std::unique_ptr<pm::IStream> create_stream(pm::IStorage& storage, const char16_t* name);
     std::unique_ptr<pm::IStorage> create_storage(pm::IStorage& parent, const char16_t* name);
 
-    void load_elements(PM_Object& target, pm::WorkingPath& path);
-    void load_stream(PM_Object& target, const pm::WorkingPath& path, pm::IStorage& storage,
-                     std::u16string_view name);
-    void store_value(PM_Object& target, const char16_t* path, std::uint32_t type,
+    void load_elements(pm::TreeCursor& place);
+    void load_stream(pm::TreeCursor& place, pm::IStorage& storage, std::u16string_view name);
+    void store_value(pm::TreeCursor& place, const pm::TreeCursor::Name& name, std::uint32_t type,
                      std::span<const char> value);
 
     [[noreturn]] void raise_not_read(const char16_t* place) const;

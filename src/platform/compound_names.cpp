@@ -8,7 +8,10 @@ namespace pm {
 namespace {
 
 constexpr std::size_t name_limit = 31;
-constexpr std::u16string_view units_not_allowed(u"/\\:!\0", 5);
+
+constexpr bool unit_allowed(char16_t unit) {
+    return unit != u'/' && unit != u'\\' && unit != u':' && unit != u'!' && unit != u'\0';
+}
 
 constexpr bool rows_ascend() {
     for (std::size_t row = 1; row < upper_case_rows.size(); ++row) {
@@ -19,7 +22,10 @@ constexpr bool rows_ascend() {
 static_assert(rows_ascend());
 
 char16_t upper_case(char16_t unit) {
-    if (unit < upper_case_rows.front().first) return unit;
+    constexpr char16_t first_beyond_ascii = 0x80;
+    if (unit < first_beyond_ascii) {
+        return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - u'a' + u'A') : unit;
+    }
     const auto next =
         std::upper_bound(upper_case_rows.begin(), upper_case_rows.end(), unit,
                          [](char16_t each, const UpperCaseRow& row) { return each < row.first; });
@@ -32,8 +38,7 @@ char16_t upper_case(char16_t unit) {
 } // namespace
 
 bool compound_name_allowed(std::u16string_view name) {
-    return !name.empty() && name.size() <= name_limit &&
-           name.find_first_of(units_not_allowed) == std::u16string_view::npos;
+    return !name.empty() && name.size() <= name_limit && std::all_of(name.begin(), name.end(), unit_allowed);
 }
 
 std::u16string compound_name_key(std::u16string_view name) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -14,7 +15,22 @@ std::u16string compound_name_key(std::u16string_view name);
 // The compound format's own order of names, by their keys: shorter ones first, those of one length by units.
 struct CompoundNameOrder {
     bool operator()(std::u16string_view a, std::u16string_view b) const {
-        return a.size() != b.size() ? a.size() < b.size() : a < b;
+        return a.size() != b.size() ? a.size() < b.size() : units_before(a, b);
+    }
+
+private:
+    // Of the same size. Four units at a time as long as they are the same.
+    static bool units_before(std::u16string_view a, std::u16string_view b) {
+        constexpr std::size_t step = 4;
+        std::size_t at = 0;
+        while (at + step <= a.size() &&
+               std::memcmp(a.data() + at, b.data() + at, step * sizeof(char16_t)) == 0) {
+            at += step;
+        }
+        while (at < a.size() && a[at] == b[at]) {
+            ++at;
+        }
+        return at < a.size() && a[at] < b[at];
     }
 };
 

@@ -16,8 +16,9 @@ std::u16string entry_name(std::span<const std::byte> entry) {
     const std::size_t size = get16(entry, name_size_at);
     if (size < sizeof(char16_t) || size > name_room || size % sizeof(char16_t) != 0) return {};
     std::u16string name;
-    for (std::size_t at = 0; at < size - sizeof(char16_t); at += sizeof(char16_t)) {
-        name.push_back(static_cast<char16_t>(get16(entry, at)));
+    name.resize(size / sizeof(char16_t) - 1);
+    for (std::size_t unit = 0; unit < name.size(); ++unit) {
+        name[unit] = static_cast<char16_t>(get16(entry, unit * sizeof(char16_t)));
     }
     return name;
 }
@@ -47,6 +48,7 @@ private:
     CompoundEntry entry(std::uint32_t number) const;
     void read_mini_stream(const CompoundEntry& root);
     std::vector<Child> children(const Folder& folder);
+    static void sort_by_name(std::vector<Child>& children);
     void add_child(CompoundElement& storage, Child child);
     void read_stream(CompoundElement& stream, const CompoundEntry& entry);
     std::optional<std::vector<std::byte>> mini_content(const CompoundEntry& entry);
@@ -95,6 +97,27 @@ void Reader::read_mini_stream(const CompoundEntry& root) {
     m_mini_chains = m_sectors.mini_chains(m_mini_stream.size());
 }
 
+// By their keys. What is compared and moved are views: children are large.
+void Reader::sort_by_name(std::vector<Child>& children) {
+    struct Place {
+        std::u16string_view key;
+        Child* child;
+    };
+    std::vector<Place> places;
+    places.reserve(children.size());
+    for (Child& child : children) {
+        places.push_back({child.key, &child});
+    }
+    std::stable_sort(places.begin(), places.end(),
+                     [](const Place& a, const Place& b) { return CompoundNameOrder()(a.key, b.key); });
+    std::vector<Child> sorted;
+    sorted.reserve(children.size());
+    for (const Place& place : places) {
+        sorted.push_back(std::move(*place.child));
+    }
+    children = std::move(sorted);
+}
+
 // In the order of their names, which isn't always that of the tree; of one name, the one nearer to the tree's
 // root first.
 std::vector<Reader::Child> Reader::children(const Folder& folder) {
@@ -117,13 +140,14 @@ std::vector<Reader::Child> Reader::children(const Folder& folder) {
             found.push_back({compound_name_key(child.name), std::move(child)});
         }
     }
-    std::stable_sort(found.begin(), found.end(),
-                     [](const Child& a, const Child& b) { return CompoundNameOrder()(a.key, b.key); });
+    sort_by_name(found);
     return found;
 }
 
 void Reader::add_child(CompoundElement& storage, Child child) {
-    CompoundElement*& place = storage.children[std::move(child.key)];
+    // They come in order.
+    CompoundElement*& place =
+        storage.children.try_emplace(storage.children.end(), std::move(child.key), nullptr)->second;
     if (place != nullptr) {
         ++place->repeats;
         return;

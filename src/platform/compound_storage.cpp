@@ -7,7 +7,9 @@
 #include "platform/locked_file.h"
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <new>
+#include <optional>
 #include <utility>
 
 namespace pm {
@@ -64,7 +66,8 @@ private:
     std::size_t m_position = 0;
 };
 
-// Goes on from the last name it gave, so that it bears changes between two steps.
+// Goes on from the last place it gave, so that it bears changes between two steps: a place stays as long as
+// the storage, whatever element stands there.
 class Enumerator final : public IEnumSTATSTG {
 public:
     Enumerator(SharedTree tree, CompoundElement& storage) : m_tree(std::move(tree)), m_storage(storage) {}
@@ -73,24 +76,26 @@ public:
         if (!m_storage.attached) return Result::failure;
         if (m_repeats > 0) {
             --m_repeats;
-            m_given.repeated = true;
+            element.repeated = true;
         } else {
-            const auto next = m_storage.children.upper_bound(m_last);
+            const auto next = m_last ? std::next(*m_last) : m_storage.children.begin();
             if (next == m_storage.children.end()) return m_storage.complete ? Result::end : Result::failure;
-            m_last = next->first;
-            m_repeats = next->second->repeats;
-            m_given = {next->second->name, next->second->kind == CompoundKind::storage, false};
+            m_last = next;
+            m_given = m_storage.given = next->second;
+            m_repeats = m_given->repeats;
+            element.repeated = false;
         }
-        element = m_given;
+        element.name = m_given->name;
+        element.is_storage = m_given->kind == CompoundKind::storage;
         return Result::element;
     }
 
 private:
     SharedTree m_tree;
     CompoundElement& m_storage;
-    std::u16string m_last; // empty, and so before all names, at first
+    std::optional<CompoundChildren::iterator> m_last;
+    const CompoundElement* m_given = nullptr;
     std::size_t m_repeats = 0;
-    STATSTG m_given;
 };
 
 class Storage : public IStorage {

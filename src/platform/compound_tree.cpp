@@ -7,6 +7,7 @@ CompoundTree::CompoundTree() {
 }
 
 CompoundElement* CompoundTree::find(CompoundElement& storage, std::u16string_view name) {
+    if (storage.given != nullptr && storage.given->name == name) return storage.given;
     const auto found = storage.children.find(compound_name_key(name));
     return found != storage.children.end() ? found->second : nullptr;
 }
@@ -16,6 +17,7 @@ CompoundElement* CompoundTree::create(CompoundElement& storage, std::u16string_v
     CompoundElement& element = make(name, kind);
     CompoundElement*& place = storage.children[compound_name_key(name)];
     if (place != nullptr) detach(*place);
+    storage.given = nullptr;
     return place = &element;
 }
 
@@ -36,6 +38,7 @@ void CompoundTree::detach(CompoundElement& element) {
         }
         each.attached = false;
         each.children.clear();
+        each.given = nullptr;
         each.data = {};
     }
 }

@@ -27,6 +27,7 @@ struct CompoundElement {
     std::size_t repeats = 0;     // further entries of its name in the file, none of which can be opened
     std::vector<std::byte> data; // of a stream
     CompoundChildren children;   // of a storage
+    CompoundElement* given = nullptr; // of a storage: the child that was last enumerated, or null
     // Class identifier and state bits, which belong to other programs: kept as they are in the file.
     std::array<std::byte, 20> class_and_state{};
 };

@@ -403,6 +403,14 @@ TEST_F(DocTest, AValueNeverGivenIsMetBeforeItsStream) {
     EXPECT_EQ((Names{u"a", u"Version"}), elements_of(*open()));
 }
 
+TEST_F(DocTest, ARawValueThatWasEmptiedIsMetBeforeItsStream) {
+    object.SetProperty(u"a", 1);
+    object.setVoidProperty(u"v", "abc", 3);
+    object.setVoidProperty(u"v", "", 0);
+    expect_thrown<PM_Error>([&] { save(); }, PM_ERR_BAD_RAW_DATA, u".\\pmobj", u"bad raw data value");
+    EXPECT_EQ((Names{u"a", u"Version"}), elements_of(*open()));
+}
+
 TEST_F(DocTest, NamesThatTheFormatRefusesRaise60) {
     for (const char16_t* name : {u"a/b", u"a:b", u"a!b", u"a23456789b123456789c123456789d12"}) {
         PM_Object prop;
