@@ -9,9 +9,9 @@ namespace {
 
 constexpr std::size_t name_limit = 31;
 
-constexpr bool unit_allowed(char16_t unit) {
+constexpr auto unit_allowed = [](char16_t unit) {
     return unit != u'/' && unit != u'\\' && unit != u':' && unit != u'!' && unit != u'\0';
-}
+};
 
 constexpr bool rows_ascend() {
     for (std::size_t row = 1; row < upper_case_rows.size(); ++row) {

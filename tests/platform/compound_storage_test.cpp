@@ -262,6 +262,20 @@ TEST_F(CompoundStorage, EnumerationBearsChanges) {
     EXPECT_EQ((Names{u"B", u"c", u"d"}), rest);
 }
 
+TEST_F(CompoundStorage, ElementJustEnumeratedIsOpenedAsItStands) {
+    write(*root, u"name", "before");
+    const auto elements = root->EnumElements();
+    STATSTG element;
+    ASSERT_EQ(Result::element, elements->Next(element));
+    EXPECT_EQ("before", read(*root, u"name"));
+    EXPECT_EQ(nullptr, root->OpenStorage(u"name"));
+    write(*root, u"NAME", "behind");
+    EXPECT_EQ("behind", read(*root, u"name"));
+    ASSERT_NE(nullptr, root->CreateStorage(u"name"));
+    EXPECT_EQ(nullptr, root->OpenStream(u"name"));
+    EXPECT_NE(nullptr, root->OpenStorage(u"name"));
+}
+
 // Trees
 
 TEST_F(CompoundStorage, ThousandElementsOfOneStorageComeBack) {
