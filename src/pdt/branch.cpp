@@ -4,7 +4,8 @@
 
 namespace pm {
 
-Branch::Branch(PM_Object& target, std::u16string_view base, Texts texts) : m_target(target), m_path(base) {
+Branch::Branch(PM_Object& target, std::u16string_view base, Texts texts, PlaceCursor* cursor)
+    : m_target(target), m_cursor(cursor), m_path(base) {
     append(texts);
     m_root_length = m_place_length = m_path.size();
 }
@@ -16,7 +17,7 @@ void Branch::append(Texts texts) {
 }
 
 Branch Branch::below(Texts texts) const {
-    return {m_target, std::u16string_view(m_path).substr(0, m_place_length), texts};
+    return {m_target, std::u16string_view(m_path).substr(0, m_place_length), texts, m_cursor};
 }
 
 void Branch::enter(Texts texts) {
@@ -25,30 +26,52 @@ void Branch::enter(Texts texts) {
     m_place_length = m_path.size();
 }
 
-const char16_t* Branch::path(std::u16string_view item) {
+template<class AtNode, class AlongPath>
+void Branch::write(std::u16string_view item, int index, AtNode at, AlongPath along) {
     m_path.resize(m_place_length);
     m_path += item;
-    return m_path.c_str();
+    TreeCursor* const node = m_cursor != nullptr ? m_cursor->go_to(m_path, index) : nullptr;
+    if (node != nullptr) {
+        at(*node, m_cursor->name());
+    } else {
+        along(m_path.c_str());
+    }
 }
 
 void Branch::set_long(std::u16string_view item, std::int32_t value, int index) {
-    m_target.SetProperty(path(item), value, index);
+    write(
+        item, index, [&](TreeCursor& node, const TreeCursor::Name& name) { node.set_long(name, value); },
+        [&](const char16_t* path) { m_target.SetProperty(path, value, index); });
 }
 
 void Branch::set_double(std::u16string_view item, double value, int index) {
-    m_target.SetProperty(path(item), value, index);
+    write(
+        item, index, [&](TreeCursor& node, const TreeCursor::Name& name) { node.set_double(name, value); },
+        [&](const char16_t* path) { m_target.SetProperty(path, value, index); });
 }
 
 void Branch::set_bool(std::u16string_view item, bool value, int index) {
-    m_target.SetProperty(path(item), value, index);
+    write(
+        item, index, [&](TreeCursor& node, const TreeCursor::Name& name) { node.set_bool(name, value); },
+        [&](const char16_t* path) { m_target.SetProperty(path, value, index); });
 }
 
 void Branch::set_string(std::u16string_view item, const char16_t* text, int index) {
-    m_target.SetProperty(path(item), text, index);
+    const char16_t* const stored = or_empty(text);
+    write(
+        item, index, [&](TreeCursor& node, const TreeCursor::Name& name) { node.set_string(name, stored); },
+        [&](const char16_t* path) { m_target.SetProperty(path, stored, index); });
 }
 
 void Branch::set_bytes(std::u16string_view item, std::span<const unsigned char> bytes, int index) {
-    m_target.setVoidProperty(path(item), bytes.data(), static_cast<unsigned>(bytes.size()), index);
+    write(
+        item, index,
+        [&](TreeCursor& node, const TreeCursor::Name& name) {
+            node.set_data(name, bytes.data(), bytes.size(), PROP_VOID);
+        },
+        [&](const char16_t* path) {
+            m_target.setVoidProperty(path, bytes.data(), static_cast<unsigned>(bytes.size()), index);
+        });
 }
 
 void Branch::set_cell(std::u16string_view item, char16_t* cell, CellForm form, int index) {

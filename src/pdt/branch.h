@@ -23,7 +23,7 @@ enum class CellForm {
 // empty.
 struct CellItem {
     char column;
-    const char16_t* item;
+    std::u16string_view item;
     CellForm form = CellForm::text;
     Marks marks = {};
     char if_set = 0;
@@ -35,9 +35,10 @@ class Branch {
 public:
     using Texts = std::initializer_list<std::u16string_view>;
 
-    // The place is `base` and `texts` behind it.
-    Branch(PM_Object& target, std::u16string_view base, Texts texts);
-    Branch(const PdtLoad& load, Texts texts) : Branch(*load.object, load.base, texts) {}
+    // The place is `base` and `texts` behind it. A cursor, if there is one, has the same base and writes by a
+    // shorter way.
+    Branch(PM_Object& target, std::u16string_view base, Texts texts, PlaceCursor* cursor = nullptr);
+    Branch(PdtLoad& load, Texts texts) : Branch(*load.object, load.base, texts, &load.cursor()) {}
 
     // A branch of its own, from this place with `texts` behind it.
     Branch below(Texts texts) const;
@@ -62,10 +63,13 @@ public:
     bool set_present(const CellItem& item, const Row& row, ZT_Flags& flags, int index = -1);
 
 private:
-    const char16_t* path(std::u16string_view item);
+    // Writes to the item: by `at(node, name)` where the cursor goes there, by `along(path)` elsewhere.
+    template<class AtNode, class AlongPath>
+    void write(std::u16string_view item, int index, AtNode at, AlongPath along);
     void append(Texts texts);
 
     PM_Object& m_target;
+    PlaceCursor* m_cursor; // null or borrowed
     std::u16string m_path;
     std::size_t m_root_length;
     std::size_t m_place_length;

@@ -6,6 +6,11 @@
 
 namespace pm {
 
+PlaceCursor& PdtLoad::cursor() {
+    if (!m_cursor) m_cursor.emplace(*object, base);
+    return *m_cursor;
+}
+
 void PdtLoad::count_joined(std::size_t items) {
     if (items > join_limit - joined) throw_pdt_failure(PM_ERR_NOT_READ, string_file.c_str());
     joined += static_cast<std::uint32_t>(items);

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "base/flags.h"
+#include "pdt/place_cursor.h"
 #include "pdt/records.h"
 #include "pdt/row.h"
 #include "pdt/string_table.h"
 #include <cstdint>
 #include <initializer_list>
+#include <optional>
 #include <pm/object.h>
 #include <string>
 
@@ -19,6 +21,9 @@ struct PdtLoad {
 
     StringTable strings;
     RowLine line;
+
+    // Where the branches of this load write; made when first asked for, with the object and base of then.
+    PlaceCursor& cursor();
 
     std::int32_t caps_type = 0; // of every "caps_type" item; nothing changes it
     bool landscape_seen = false;
@@ -46,6 +51,9 @@ struct PdtLoad {
     // To be called before a join writes so many. Number 66 with the string file if they pass the limit.
     void count_joined(std::size_t items);
     void count_joined(std::size_t items, std::initializer_list<const ZT_String*> texts);
+
+private:
+    std::optional<PlaceCursor> m_cursor;
 };
 
 } // namespace pm

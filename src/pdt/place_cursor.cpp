@@ -1,0 +1,82 @@
+#include "pdt/place_cursor.h"
+
+#include "base/text.h"
+#include <algorithm>
+#include <cstring>
+
+namespace pm {
+
+namespace {
+
+// As ==, which goes unit by unit.
+bool same_units(std::u16string_view a, std::u16string_view b) {
+    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
+}
+
+std::size_t same_start(std::u16string_view a, std::u16string_view b) {
+    const std::size_t size = std::min(a.size(), b.size());
+    std::size_t same = 0;
+    while (same < size && a[same] == b[same]) {
+        ++same;
+    }
+    return same;
+}
+
+} // namespace
+
+PlaceCursor::PlaceCursor(PM_Object& object, std::u16string_view base)
+    : m_cursor(object, base.substr(0, longest_path)), m_base_length(base.size()),
+      m_base_is_plain(base.size() <= longest_path && base.find(u'*') == base.npos),
+      m_base_ends(base.ends_with(u'\\')) {}
+
+TreeCursor* PlaceCursor::go_to(std::u16string_view path, int index) {
+    if (!m_base_is_plain || path.size() > longest_path) return nullptr;
+    std::size_t name = path.size();
+    for (; name > m_base_length && path[name - 1] != u'\\'; --name) {
+        if (path[name - 1] == u'*') return nullptr;
+    }
+    if (name == path.size()) return nullptr;
+    const std::u16string_view nodes = path.substr(m_base_length, name - m_base_length);
+    if (!stands_at(nodes, index)) {
+        // Without a separator between them, the base's last name would go on.
+        if (!m_base_ends && !nodes.starts_with(u'\\')) return nullptr;
+        if (!resolve(nodes, index)) return nullptr;
+        move_to(m_resolved);
+        m_given = nodes;
+        m_index = index;
+    }
+    m_name = path.substr(name);
+    return &m_cursor;
+}
+
+bool PlaceCursor::stands_at(std::u16string_view nodes, int index) const {
+    return index == m_index && !m_given.empty() && same_units(nodes, m_given);
+}
+
+bool PlaceCursor::resolve(std::u16string_view nodes, int index) {
+    const std::size_t star = nodes.find(u'*');
+    m_resolved = nodes.substr(0, star);
+    if (star == nodes.npos || index == no_index) return star == nodes.npos && index == no_index;
+    append_decimal(m_resolved, index);
+    m_resolved += nodes.substr(star + 1);
+    return m_resolved.find(u'*', star) == m_resolved.npos;
+}
+
+// Both places end in a separator: a component stays if that behind it is still the same.
+void PlaceCursor::move_to(std::u16string_view nodes) {
+    const std::size_t same = same_start(nodes, m_nodes);
+    while (!m_ends.empty() && m_ends.back() >= same) {
+        m_cursor.pop();
+        m_ends.pop_back();
+    }
+    std::size_t at = m_ends.empty() ? 0 : m_ends.back();
+    while ((at = nodes.find_first_not_of(u'\\', at)) != nodes.npos) {
+        const std::size_t end = nodes.find(u'\\', at);
+        m_cursor.push(nodes.substr(at, end - at));
+        m_ends.push_back(end);
+        at = end;
+    }
+    m_nodes = nodes;
+}
+
+} // namespace pm
