@@ -92,7 +92,9 @@ LineReader::Line LineReader::take(std::size_t length, std::size_t skipped, End e
 
 void LineReader::skip_white_space() {
     while (m_at < m_end || fill()) {
-        m_at = std::find_if_not(m_at, m_end, is_white);
+        while (is_white(*m_at)) {
+            if (++m_at == m_end) break;
+        }
         if (m_at != m_end) return;
     }
 }

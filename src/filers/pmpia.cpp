@@ -31,8 +31,18 @@ constexpr std::size_t header_limit = 1023; // bytes
 constexpr std::size_t version_units = 512;
 constexpr std::size_t name_limit = 511;
 
-// What a node can't be called.
-constexpr std::u16string_view forbidden_in_node_name = u" *=\"'\t\r\n\v\b\f\a";
+// What a node's name can't hold, as bits.
+constexpr std::uint64_t forbidden_in_node_name = [] {
+    std::uint64_t bits = 0;
+    for (const char16_t unit : std::u16string_view(u" *=\"'\t\r\n\v\b\f\a")) {
+        bits |= std::uint64_t{1} << unit;
+    }
+    return bits;
+}();
+
+bool is_forbidden_in_node_name(char16_t unit) {
+    return unit < 64 && (forbidden_in_node_name >> unit & 1) != 0;
+}
 
 [[noreturn]] void raise_no_memory(const char16_t* place, const char16_t* detail) {
     throw PM_Memory_Exception(place, detail, source);
@@ -45,14 +55,32 @@ bool holds(std::u16string_view text, std::u16string_view word) {
 // Raw data from here on is made where its digits stand, so that a long line is held once.
 constexpr std::size_t made_in_place = 1 << 16; // bytes
 
-// The name at the start of a property's line.
+// The name at the start of a line: what stands in front of the first blank or "=".
 pm::TreeCursor::Name name_of(std::u16string_view line) {
     bool plain = true;
-    std::size_t end = 0;
-    for (; line[end] != u'=' && line[end] != u' '; ++end) {
-        plain = plain && line[end] != u'\\' && line[end] != u'*';
+    const char16_t* at = line.data();
+    const char16_t* const end = at + line.size();
+    for (; at != end; ++at) {
+        if (*at > u'\\') continue; // most letters
+        if (*at == u'=' || *at == u' ') break;
+        if (*at == u'\\' || *at == u'*') plain = false;
     }
-    return {line.substr(0, end), plain};
+    return {line.substr(0, static_cast<std::size_t>(at - line.data())), plain};
+}
+
+// Reads digits alone, as most numbers are, and so few that they fit.
+bool parse_plain_long(std::u16string_view text, std::int32_t& out) {
+    constexpr std::size_t most_digits = 9;
+    const bool negative = text.front() == u'-';
+    const std::u16string_view digits = text.substr(negative ? 1 : 0);
+    if (digits.empty() || digits.size() > most_digits) return false;
+    std::int32_t value = 0;
+    for (const char16_t unit : digits) {
+        if (!pm::is_digit(unit)) return false;
+        value = value * 10 + (unit - u'0');
+    }
+    out = negative ? -value : value;
+    return true;
 }
 
 // Lets reports know of a load's cursor while the load runs.
@@ -248,8 +276,9 @@ bool PM_PIAFile::read_line(pm::WideText& line, bool from_stream) {
 
 void PM_PIAFile::load_line(pm::TreeCursor& place, pm::WideText& line) {
     const std::u16string_view text = line.view();
-    if (text.find(u'=') != std::u16string_view::npos) {
-        if (m_unopened == 0) property_line(place, line);
+    const pm::TreeCursor::Name name = name_of(text);
+    if (text.find(u'=', name.text.size()) != std::u16string_view::npos) {
+        if (m_unopened == 0) property_line(place, name, line);
     } else if (text.find(u'{') != std::u16string_view::npos) {
         opening_line(place, text);
     } else if (text.find(u'}') != std::u16string_view::npos) {
@@ -268,9 +297,8 @@ void PM_PIAFile::report_bad_line(std::u16string_view line) {
     report(E(PM_ERR_BAD_LINE, load_place, format_line_context(line).c_str(), source));
 }
 
-void PM_PIAFile::property_line(pm::TreeCursor& place, pm::WideText& line) {
+void PM_PIAFile::property_line(pm::TreeCursor& place, const pm::TreeCursor::Name& name, pm::WideText& line) {
     const std::u16string_view text = line.view();
-    const pm::TreeCursor::Name name = name_of(text);
     const std::size_t length = name.text.size();
     if (length == 0 || length > name_limit || !place.has_room_for(name.text)) {
         report_bad_line<PM_Warning>(text);
@@ -280,18 +308,18 @@ void PM_PIAFile::property_line(pm::TreeCursor& place, pm::WideText& line) {
     while (value < text.size() && (text[value] == u'=' || text[value] == u' ')) {
         ++value;
     }
+    if (!place.is_moved_by(name)) return store_value(place, name, text.substr(value), line);
     // What stores a value may take the line away.
-    const std::u16string kept = place.is_moved_by(name) ? std::u16string(name.text) : std::u16string();
-    if (value == text.size()) {
-        report_bad_line<PM_Error>(text);
-    } else {
-        store_value(place, name, text.substr(value), line);
-    }
-    if (!kept.empty()) place.leave({kept, name.plain});
+    const std::u16string kept(name.text);
+    store_value(place, name, text.substr(value), line);
+    place.leave({kept, name.plain});
 }
 
 void PM_PIAFile::store_value(pm::TreeCursor& place, const pm::TreeCursor::Name& name,
                              std::u16string_view value, pm::WideText& line) {
+    if (value.empty()) return report_bad_line<PM_Error>(line.view());
+    std::int32_t number = 0;
+    if (parse_plain_long(value, number)) return place.set_long(name, number);
     switch (classify_value(value)) {
     case PROP_LONG:
         place.set_long(name, pm::scan_long(value));
@@ -359,7 +387,7 @@ void PM_PIAFile::store_raw(pm::TreeCursor& place, const pm::TreeCursor::Name& na
 void PM_PIAFile::opening_line(pm::TreeCursor& place, std::u16string_view line) {
     // What stands behind the "{" counts for nothing and isn't told either.
     const std::u16string_view name = line.substr(0, line.find(u'{'));
-    if (name.empty() || name.find_first_of(forbidden_in_node_name) != std::u16string_view::npos) {
+    if (name.empty() || std::any_of(name.begin(), name.end(), is_forbidden_in_node_name)) {
         raise_bad_line(name);
     }
     if (m_unopened == 0 && name.size() <= name_limit && place.push(name)) return;

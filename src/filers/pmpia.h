@@ -59,7 +59,7 @@ private:
     void load_body(PM_Object& target, const char16_t* base, bool from_stream);
     bool read_line(pm::WideText& line, bool from_stream);
     void load_line(pm::TreeCursor& place, pm::WideText& line);
-    void property_line(pm::TreeCursor& place, pm::WideText& line);
+    void property_line(pm::TreeCursor& place, const pm::TreeCursor::Name& name, pm::WideText& line);
     void opening_line(pm::TreeCursor& place, std::u16string_view line);
     void closing_line(pm::TreeCursor& place, std::u16string_view line);
     // `value` is the end of `line`.

@@ -33,6 +33,17 @@ void widen_eight(const char* from, char16_t* to) {
     std::memcpy(to, &units, sizeof units);
 }
 
+// Widens what is left behind the first `done` bytes, less than eight, together with some of those; gives how
+// many are widened then.
+std::size_t widen_last(std::string_view narrow, std::size_t done, char16_t* to) {
+    const std::size_t start = narrow.size() - 8;
+    std::uint64_t bytes = 0;
+    std::memcpy(&bytes, narrow.data() + start, sizeof bytes);
+    if (!is_plain(bytes)) return done;
+    widen_eight(narrow.data() + start, to + start);
+    return narrow.size();
+}
+
 // Widens bytes up to the first that is zero or not of ASCII; gives how many.
 std::size_t widen_plain(std::string_view narrow, char16_t* to) {
     std::size_t at = 0;
@@ -42,6 +53,7 @@ std::size_t widen_plain(std::string_view narrow, char16_t* to) {
         if (!is_plain(bytes)) break;
         widen_eight(narrow.data() + at, to + at);
     }
+    if (at < narrow.size() && narrow.size() - at < 8 && at != 0) at = widen_last(narrow, at, to);
     for (; at < narrow.size() && is_plain(narrow[at]); ++at) {
         to[at] = static_cast<unsigned char>(narrow[at]);
     }

@@ -29,26 +29,32 @@ inline std::uint64_t word_at(const char16_t* units) {
     return word;
 }
 
-// The last units of a text, less than a word, as a word with zeros.
-inline std::uint64_t tail_of(std::u16string_view text) {
-    const std::size_t count = text.size() % word_units;
-    const char16_t* const end = text.data() + text.size();
-    if (text.size() < word_units) {
-        std::uint64_t word = 0;
-        for (const char16_t* at = end - count; at != end; ++at) {
-            word = word << unit_bits | *at;
-        }
-        return word;
-    }
-    if (count == 0) return 0;
-    const unsigned foreign = static_cast<unsigned>(word_units - count) * unit_bits;
-    const std::uint64_t word = word_at(end - word_units);
-    return std::endian::native == std::endian::little ? word >> foreign : word << foreign;
+// A text of less than a word as one: its first unit, the one in the middle and its last.
+inline std::uint64_t short_word(std::u16string_view text) {
+    if (text.empty()) return 0;
+    return text.front() | std::uint64_t{text[text.size() / 2]} << unit_bits |
+           std::uint64_t{text.back()} << 2 * unit_bits;
 }
 
 inline std::uint64_t mixed(std::uint64_t hash, std::uint64_t word) {
     hash = (hash ^ word) * 0x9E3779B97F4A7C15U;
     return hash ^ hash >> 32U;
+}
+
+// Reads words only, the last of which may overlap the one in front.
+inline std::uint32_t print_of(std::u16string_view text) {
+    std::uint64_t hash = text.size();
+    std::uint64_t last = 0;
+    if (text.size() < word_units) {
+        last = short_word(text);
+    } else {
+        const char16_t* const end = text.data() + text.size() - word_units;
+        for (const char16_t* at = text.data(); at < end; at += word_units) {
+            hash = mixed(hash, word_at(at));
+        }
+        last = word_at(end);
+    }
+    return static_cast<std::uint32_t>((hash ^ last) * 0xD6E8FEB86659FD93U >> 32U);
 }
 
 // Whether `size` units are equal, without a call for the short texts that names are.
@@ -63,22 +69,18 @@ inline bool same_units(const char16_t* a, const char16_t* b, std::size_t size) {
 
 } // namespace
 
-PM_PathStrings::Key::Key(std::u16string_view key_text) : text(key_text) {
-    std::uint64_t hash = text.size();
-    std::uint64_t folded = 0;
-    const char16_t* const end = text.data() + text.size() / word_units * word_units;
-    for (const char16_t* at = text.data(); at != end; at += word_units) {
-        const std::uint64_t word = word_at(at);
-        folded ^= word;
-        hash = mixed(hash, word);
-    }
-    const std::uint64_t tail = tail_of(text);
-    print = static_cast<std::uint32_t>(mixed(hash, tail) * 0xD6E8FEB86659FD93U >> 32U);
+PM_PathStrings::Key::Key(std::u16string_view key_text) : text(key_text), print(print_of(key_text)) {}
 
-    folded ^= tail;
-    folded ^= folded >> 32U;
-    folded ^= folded >> 16U;
-    bucket = static_cast<std::uint8_t>(folded ^ folded >> 8U);
+inline bool PM_PathStrings::Key::is(const Entry& entry) const {
+    return entry.m_length == text.size() && same_units(entry.text(), text.data(), text.size());
+}
+
+std::uint8_t PM_PathStrings::Key::bucket() const {
+    unsigned folded = 0;
+    for (const char16_t unit : text) {
+        folded ^= unit;
+    }
+    return static_cast<std::uint8_t>(folded ^ folded >> 8U);
 }
 
 void PM_PathStrings::Entry::link_at(Entry*& head) noexcept {
@@ -93,12 +95,9 @@ void PM_PathStrings::Entry::unlink() noexcept {
 }
 
 PM_PathStrings::Entry* PM_PathStrings::Find(const Key& key) const {
-    const auto is = [&key](const Entry& entry) {
-        return entry.m_print == key.print && entry.m_length == key.text.size() &&
-               same_units(entry.text(), key.text.data(), key.text.size());
-    };
+    const auto is = [&key](const Entry& entry) { return entry.m_print == key.print && key.is(entry); };
     if (m_index.active()) return m_index.find(key.print, is);
-    Entry* entry = m_buckets[key.bucket];
+    Entry* entry = m_buckets[key.bucket()];
     while (entry != nullptr && !is(*entry)) {
         entry = entry->m_next;
     }
@@ -112,7 +111,7 @@ PM_PathStrings::Entry& PM_PathStrings::Add(const Key& key) {
 
 PM_PathStrings::Entry& PM_PathStrings::AddNew(const Key& key) {
     Entry& entry = make_entry(key);
-    entry.link_at(m_buckets[key.bucket]);
+    entry.link_at(m_buckets[key.bucket()]);
     ++m_count;
     add_to_index(entry);
     return entry;
@@ -204,12 +203,33 @@ void PM_Path::pop() {
     m_strings->Release(*m_components[--m_count]);
 }
 
+namespace {
+
+// Without a call for the sizes of numbers.
+inline void copy_value(void* to, const void* from, std::size_t size) {
+    switch (size) {
+    case sizeof(char):
+        std::memcpy(to, from, sizeof(char));
+        break;
+    case sizeof(std::int32_t):
+        std::memcpy(to, from, sizeof(std::int32_t));
+        break;
+    case sizeof(double):
+        std::memcpy(to, from, sizeof(double));
+        break;
+    default:
+        std::memcpy(to, from, size);
+    }
+}
+
+} // namespace
+
 void PM_Property::SetData(pm::Pool& pool, const void* data, std::size_t size) {
     if (size != this->size()) {
         drop_value(pool);
         if (!make_room(pool, size)) raise_no_memory(u"PM_Property::SetData()", u"Property Manager");
     }
-    if (size != 0) std::memcpy(m_held == Held::large ? m_value.large.data : m_value.small, data, size);
+    if (size != 0) copy_value(m_held == large ? m_value.large.data : m_value.small, data, size);
 }
 
 void PM_Property::GetData(void* buffer, std::size_t size) const {
@@ -217,42 +237,55 @@ void PM_Property::GetData(void* buffer, std::size_t size) const {
     const unsigned char* const bytes = data();
     if (bytes == nullptr) raise_warning(PM_ERR_NO_VALUE, place, name());
     if (size < this->size()) raise_warning(PM_ERR_VALUE_TOO_LARGE, place, name());
-    if (this->size() != 0) std::memcpy(buffer, bytes, this->size());
+    if (this->size() != 0) copy_value(buffer, bytes, this->size());
 }
 
 bool PM_Property::make_room(pm::Pool& pool, std::size_t size) noexcept {
     if (size <= small_value) {
         if (pm::refused(size)) return false;
-        m_small_size = static_cast<std::uint8_t>(size);
-        m_held = Held::small;
+        m_held = static_cast<std::uint8_t>(size);
         return true;
     }
     auto* block = static_cast<unsigned char*>(pool.allocate(size));
     if (block == nullptr) return false;
     m_value.large = {block, size};
-    m_held = Held::large;
+    m_held = large;
     return true;
 }
 
 void PM_Property::drop_value(pm::Pool& pool) noexcept {
-    if (m_held == Held::large) pool.release(m_value.large.data, m_value.large.size);
-    m_held = Held::nothing;
-    m_small_size = 0;
+    if (m_held == large) pool.release(m_value.large.data, m_value.large.size);
+    m_held = nothing;
 }
 
-template<class T, T* T::*next>
-T* PM_Node::List<T, next>::find(PM_PathStrings& strings, const PM_PathStrings::Entry& name) const {
-    const auto is = [&name](const T& element) { return &element.entry() == &name; };
-    if (m_index != nullptr) return m_index->find(name.print(), is);
+template<class T, T* T::*next, int index_from>
+template<class Is>
+inline T* PM_Node::List<T, next, index_from>::find_if(PM_PathStrings& strings, std::uint32_t print,
+                                                      Is is) const {
+    if (m_index != nullptr) return m_index->find(print, is);
     T* each = m_first;
     for (int walked = 0; each != nullptr && !is(*each); each = each->*next) {
-        if (++walked == index_from && make_index(strings.pool())) return m_index->find(name.print(), is);
+        if (++walked == index_from && make_index(strings.pool())) return m_index->find(print, is);
     }
     return each;
 }
 
-template<class T, T* T::*next>
-void PM_Node::List<T, next>::append(PM_PathStrings& strings, T& added) {
+template<class T, T* T::*next, int index_from>
+T* PM_Node::List<T, next, index_from>::find(PM_PathStrings& strings,
+                                            const PM_PathStrings::Entry& name) const {
+    return find_if(strings, name.print(), [&name](const T& element) { return element.m_name == &name; });
+}
+
+template<class T, T* T::*next, int index_from>
+inline T* PM_Node::List<T, next, index_from>::find(PM_PathStrings& strings,
+                                                   const PM_PathStrings::Key& name) const {
+    return find_if(strings, name.print, [&name](const T& element) {
+        return element.m_print == name.print && name.is(*element.m_name);
+    });
+}
+
+template<class T, T* T::*next, int index_from>
+void PM_Node::List<T, next, index_from>::append(PM_PathStrings& strings, T& added) {
     (m_last != nullptr ? m_last->*next : m_first) = &added;
     m_last = &added;
     if (m_index == nullptr) return;
@@ -261,8 +294,8 @@ void PM_Node::List<T, next>::append(PM_PathStrings& strings, T& added) {
 }
 
 // Takes the element of that name out of the list; null if there is none.
-template<class T, T* T::*next>
-T* PM_Node::List<T, next>::unlink(PM_PathStrings& strings, const PM_PathStrings::Entry& name) {
+template<class T, T* T::*next, int index_from>
+T* PM_Node::List<T, next, index_from>::unlink(PM_PathStrings& strings, const PM_PathStrings::Entry& name) {
     T* const found = find(strings, name);
     if (found == nullptr) return nullptr;
     T* previous = nullptr;
@@ -275,8 +308,8 @@ T* PM_Node::List<T, next>::unlink(PM_PathStrings& strings, const PM_PathStrings:
     return found;
 }
 
-template<class T, T* T::*next>
-bool PM_Node::List<T, next>::make_index(pm::Pool& pool) const {
+template<class T, T* T::*next, int index_from>
+bool PM_Node::List<T, next, index_from>::make_index(pm::Pool& pool) const {
     std::size_t count = 0;
     for (const T* each = m_first; each != nullptr; each = each->*next) {
         ++count;
@@ -293,15 +326,16 @@ bool PM_Node::List<T, next>::make_index(pm::Pool& pool) const {
     return true;
 }
 
-template<class T, T* T::*next>
-void PM_Node::List<T, next>::drop_index(pm::Pool& pool) const {
+template<class T, T* T::*next, int index_from>
+void PM_Node::List<T, next, index_from>::drop_index(pm::Pool& pool) const {
     if (m_index == nullptr) return;
     m_index->clear(pool);
     pool.destroy(std::exchange(m_index, nullptr));
 }
 
 PM_Node::PM_Node(PM_PathStrings& strings, PM_PathStrings::Entry& name, PM_Node* parent)
-    : m_name(&PM_PathStrings::AddReference(name)), m_strings(&strings), m_parent(parent) {}
+    : m_name(&PM_PathStrings::AddReference(name)), m_print(name.print()), m_strings(&strings),
+      m_parent(parent) {}
 
 PM_Node::~PM_Node() {
     m_props.drop_index(m_strings->pool());
@@ -346,6 +380,7 @@ PM_Property* PM_Node::append_prop(PM_PathStrings::Entry& name) {
     auto* prop = m_strings->pool().make<PM_Property>(name);
     if (prop == nullptr) raise_no_memory(u"PM_Node::AddProp", u"prop");
     m_props.append(*m_strings, *prop);
+    m_prop_bits |= bit_of(name);
     return prop;
 }
 
@@ -354,21 +389,24 @@ PM_Node* PM_Node::find_child(const PM_PathStrings::Entry& name) const {
 }
 
 PM_Property* PM_Node::find_prop(const PM_PathStrings::Entry& name) const {
-    return m_props.find(*m_strings, name);
+    return (m_prop_bits & bit_of(name)) != 0 ? m_props.find(*m_strings, name) : nullptr;
 }
 
+// Names are looked for among those that are there only, not in the table.
 PM_Property* PM_Node::find_prop_at(const char16_t* path) const {
-    const PM_Node* node = this;
-    const PM_PathStrings::Entry* name = nullptr;
     PM_PathReader reader(path);
-    for (int count = 0; reader.next(); ++count) {
-        if (count == PM_Path::max_components) return nullptr;
-        if (name != nullptr && (node = node->find_child(*name)) == nullptr) return nullptr;
-        name = m_strings->Find(PM_PathStrings::Key(reader.component()));
-        if (name == nullptr) return nullptr;
+    if (!reader.next()) return nullptr;
+    const PM_Node* node = this;
+    for (int count = 0; count < PM_Path::max_components; ++count) {
+        const PM_PathStrings::Key name(reader.component());
+        if (!reader.next()) {
+            const bool is_plain = !reader.has_star() && reader.at() - path <= longest_path;
+            return is_plain ? node->m_props.find(*m_strings, name) : nullptr;
+        }
+        node = node->m_children.find(*m_strings, name);
+        if (node == nullptr) return nullptr;
     }
-    if (name == nullptr || reader.has_star() || reader.at() - path > longest_path) return nullptr;
-    return node->find_prop(*name);
+    return nullptr;
 }
 
 bool PM_Node::delete_prop(const PM_PathStrings::Entry& name) {

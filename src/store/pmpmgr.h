@@ -16,7 +16,7 @@
 // `index_from` names an index stands beside them; without memory for it the chains are walked.
 class PM_PathStrings : public PM_Mem_Obj {
 public:
-    static constexpr std::size_t index_from = 128;
+    static constexpr std::size_t index_from = 16;
 
     class Entry : public PM_Mem_Obj {
     public:
@@ -45,12 +45,14 @@ public:
         std::uint32_t m_print; // tells most texts apart without looking at them
     };
 
-    // A text with the two numbers that its look-up needs, made in one pass.
+    // A text with the number that its look-up needs.
     struct Key {
         explicit Key(std::u16string_view key_text);
+        std::uint8_t bucket() const; // all bytes, combined by exclusive or
+        bool is(const Entry& entry) const;
+
         std::u16string_view text;
-        std::uint32_t print = 0;
-        std::uint8_t bucket = 0; // all bytes, combined by exclusive or
+        std::uint32_t print;
     };
 
     PM_PathStrings() = default;
@@ -108,7 +110,9 @@ public:
         }
         const char16_t* const begin = at;
         for (;; ++at) {
-            if (*at > u'\\') continue; // most letters
+            while (*at > u'\\') { // most letters
+                ++at;
+            }
             if (*at == u'\\' || *at == u'\0') break;
             if (*at == u'*') m_has_star = true;
         }
@@ -186,17 +190,19 @@ public:
 
     const char16_t* name() const { return m_name->text(); }
     PM_PathStrings::Entry& entry() const { return *m_name; }
-    std::uint32_t print() const { return m_name->print(); }
+    std::uint32_t print() const { return m_print; }
     PM_Property* next() const { return m_next; }
-    PropType type() const { return m_type; }
+    PropType type() const { return static_cast<PropType>(m_type); }
     bool strict() const { return m_strict; }
-    std::size_t size() const { return m_held == Held::large ? m_value.large.size : m_small_size; }
+    std::size_t size() const {
+        return m_held <= small_value ? m_held : m_held == large ? m_value.large.size : 0;
+    }
     // Null if there is none; a value of no bytes may be there.
     const unsigned char* data() const {
-        return m_held == Held::large ? m_value.large.data : m_held == Held::small ? m_value.small : nullptr;
+        return m_held <= small_value ? m_value.small : m_held == large ? m_value.large.data : nullptr;
     }
     void set_kind(PropType type, bool strict) {
-        m_type = type;
+        m_type = static_cast<std::int16_t>(type);
         m_strict = strict;
     }
 
@@ -204,7 +210,9 @@ private:
     friend class PM_Node;
     friend class pm::Pool;
 
-    enum class Held : std::uint8_t { nothing, small, large };
+    // What stands in m_held where no small value is held, which stands there by its size.
+    static constexpr std::uint8_t large = small_value + 1;
+    static constexpr std::uint8_t nothing = small_value + 2;
     union Value {
         unsigned char small[small_value];
         struct {
@@ -214,7 +222,8 @@ private:
     };
 
     // Takes a reference of the name, which its node gives back.
-    explicit PM_Property(PM_PathStrings::Entry& name) : m_name(&PM_PathStrings::AddReference(name)) {}
+    explicit PM_Property(PM_PathStrings::Entry& name)
+        : m_name(&PM_PathStrings::AddReference(name)), m_print(name.print()) {}
     ~PM_Property() override = default;
     bool make_room(pm::Pool& pool, std::size_t size) noexcept;
     void drop_value(pm::Pool& pool) noexcept;
@@ -222,18 +231,19 @@ private:
     PM_PathStrings::Entry* m_name;
     PM_Property* m_next = nullptr;
     Value m_value{};
-    PropType m_type = PROP_NONE;
+    std::uint32_t m_print; // the name's, so that a walk needn't look at names
+    std::int16_t m_type = PROP_NONE;
     bool m_strict = true;
-    Held m_held = Held::nothing;
-    std::uint8_t m_small_size = 0;
+    std::uint8_t m_held = nothing;
 };
 
 // A named node with its properties and children, each in the order of creation. The lists are the truth about
-// that order; an index stands beside a list of more than `index_from` elements once a name is looked for in
-// it.
+// that order; an index stands beside a list of more than so many elements once a name is looked for in it.
+// Children, which are few beside properties and lie far from each other, get theirs early.
 class PM_Node : public PM_Mem_Obj {
 public:
-    static constexpr int index_from = 16;
+    static constexpr int props_index_from = 16;
+    static constexpr int children_index_from = 4;
     static constexpr std::ptrdiff_t longest_path = 1023;
 
     // `name` is an entry of `strings`; the node takes a reference of its own.
@@ -268,7 +278,7 @@ public:
 
     const char16_t* name() const { return m_name->text(); }
     PM_PathStrings::Entry& entry() const { return *m_name; }
-    std::uint32_t print() const { return m_name->print(); }
+    std::uint32_t print() const { return m_print; }
     PM_Node* parent() const { return m_parent; }
     PM_Node* next_sibling() const { return m_next_sibling; }
     PM_Node* first_child() const { return m_children.first(); }
@@ -276,16 +286,19 @@ public:
 
 private:
     // A list with its index, which look-ups make.
-    template<class T, T* T::*next>
+    template<class T, T* T::*next, int index_from>
     class List {
     public:
         T* first() const { return m_first; }
         T* find(PM_PathStrings& strings, const PM_PathStrings::Entry& name) const;
+        T* find(PM_PathStrings& strings, const PM_PathStrings::Key& name) const;
         void append(PM_PathStrings& strings, T& added);
         T* unlink(PM_PathStrings& strings, const PM_PathStrings::Entry& name);
         void drop_index(pm::Pool& pool) const;
 
     private:
+        template<class Is>
+        T* find_if(PM_PathStrings& strings, std::uint32_t print, Is is) const;
         bool make_index(pm::Pool& pool) const;
 
         T* m_first = nullptr;
@@ -294,12 +307,17 @@ private:
     };
 
     void destroy(PM_Property* prop);
+    static std::uint32_t bit_of(const PM_PathStrings::Entry& name) {
+        return std::uint32_t{1} << (name.print() & 31U);
+    }
 
     // What a walk along siblings reads stands together.
     PM_PathStrings::Entry* m_name;
     PM_Node* m_next_sibling = nullptr;
+    std::uint32_t m_print;
+    std::uint32_t m_prop_bits = 0; // a bit for the name of each property that was ever here
     PM_PathStrings* m_strings;
     PM_Node* m_parent;
-    List<PM_Node, &PM_Node::m_next_sibling> m_children;
-    List<PM_Property, &PM_Property::m_next> m_props;
+    List<PM_Node, &PM_Node::m_next_sibling, children_index_from> m_children;
+    List<PM_Property, &PM_Property::m_next, props_index_from> m_props;
 };

@@ -1,25 +1,11 @@
 #include "store/pool.h"
 
-#include "base/allocator.h"
 #include <algorithm>
 #include <limits>
 
 namespace pm {
 
 namespace {
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool cuts_chunks = false;
-#elif defined(__has_feature)
-constexpr bool cuts_chunks = !__has_feature(address_sanitizer);
-#else
-constexpr bool cuts_chunks = true;
-#endif
-
-// A block of no bytes counts as a large one.
-bool is_small(std::size_t size, std::size_t limit) {
-    return cuts_chunks && size - 1 < limit;
-}
 
 template<class T>
 void release_all(T* first) {
@@ -35,25 +21,11 @@ Pool::~Pool() {
     release_all(m_large);
 }
 
-void* Pool::allocate(std::size_t size) noexcept {
-    if (refused(size)) return nullptr;
-    return is_small(size, small_limit) ? allocate_small(size) : allocate_large(size);
-}
-
 void Pool::release(void* block, std::size_t size) noexcept {
     if (block == nullptr) return;
-    if (!is_small(size, small_limit)) return release_large(block);
+    if (!is_small(size)) return release_large(block);
     Free*& list = m_free[(size + grain - 1) / grain];
     list = ::new (block) Free{list};
-}
-
-void* Pool::allocate_small(std::size_t size) noexcept {
-    const std::size_t grains = (size + grain - 1) / grain;
-    if (m_free[grains] != nullptr) return std::exchange(m_free[grains], m_free[grains]->next);
-    const std::size_t bytes = grains * grain;
-    if (m_left < bytes && !add_chunk()) return nullptr;
-    m_left -= bytes;
-    return std::exchange(m_at, m_at + bytes);
 }
 
 bool Pool::add_chunk() noexcept {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/allocator.h"
 #include <array>
 #include <cstddef>
 #include <new>
@@ -21,7 +22,10 @@ public:
 
     // Null when there is no memory. The allocation filter is asked for each block, as by pm::allocate().
     // Blocks are aligned for pointers and doubles.
-    void* allocate(std::size_t size) noexcept;
+    void* allocate(std::size_t size) noexcept {
+        if (refused(size)) return nullptr;
+        return is_small(size) ? allocate_small(size) : allocate_large(size);
+    }
     // `size` is that of the allocation. Null is allowed.
     void release(void* block, std::size_t size) noexcept;
 
@@ -57,7 +61,25 @@ private:
     static constexpr std::size_t last_chunk = 65536;
     static constexpr std::size_t malloc_overhead = 16;
 
-    void* allocate_small(std::size_t size) noexcept;
+#if defined(__SANITIZE_ADDRESS__)
+    static constexpr bool cuts_chunks = false;
+#elif defined(__has_feature)
+    static constexpr bool cuts_chunks = !__has_feature(address_sanitizer);
+#else
+    static constexpr bool cuts_chunks = true;
+#endif
+
+    // A block of no bytes counts as a large one.
+    static bool is_small(std::size_t size) { return cuts_chunks && size - 1 < small_limit; }
+
+    void* allocate_small(std::size_t size) noexcept {
+        const std::size_t grains = (size + grain - 1) / grain;
+        if (m_free[grains] != nullptr) return std::exchange(m_free[grains], m_free[grains]->next);
+        const std::size_t bytes = grains * grain;
+        if (m_left < bytes && !add_chunk()) return nullptr;
+        m_left -= bytes;
+        return std::exchange(m_at, m_at + bytes);
+    }
     void* allocate_large(std::size_t size) noexcept;
     void release_large(void* block) noexcept;
     bool add_chunk() noexcept;

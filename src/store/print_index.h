@@ -74,7 +74,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t first_capacity = 64;
+    static constexpr std::size_t first_capacity = 16;
 
     static std::size_t room_of(std::size_t capacity) { return capacity / 8 * 7; }
     static std::size_t bytes_of(std::size_t capacity) { return capacity * (sizeof(T*) + 1); }

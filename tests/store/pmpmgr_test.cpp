@@ -37,7 +37,7 @@ std::u16string path_of(int components) {
 }
 
 TEST(PathStrings, PermutationsFallInOneBucketAndStayDistinct) {
-    EXPECT_EQ(PM_PathStrings::Key(u"ab").bucket, PM_PathStrings::Key(u"ba").bucket);
+    EXPECT_EQ(PM_PathStrings::Key(u"ab").bucket(), PM_PathStrings::Key(u"ba").bucket());
     PM_PathStrings strings;
     const char16_t* ab = strings.Add(u"ab");
     const char16_t* ba = strings.Add(u"ba");
@@ -49,10 +49,10 @@ TEST(PathStrings, PermutationsFallInOneBucketAndStayDistinct) {
 }
 
 TEST(PathStrings, BucketIsTheExclusiveOrOfAllBytes) {
-    EXPECT_EQ(0, PM_PathStrings::Key(u"").bucket);
-    EXPECT_EQ('a', PM_PathStrings::Key(u"a").bucket);
-    EXPECT_EQ('a' ^ 'b', PM_PathStrings::Key(u"ab").bucket);
-    EXPECT_EQ(0x12 ^ 0x34 ^ 'a', PM_PathStrings::Key(u"\u1234a").bucket);
+    EXPECT_EQ(0, PM_PathStrings::Key(u"").bucket());
+    EXPECT_EQ('a', PM_PathStrings::Key(u"a").bucket());
+    EXPECT_EQ('a' ^ 'b', PM_PathStrings::Key(u"ab").bucket());
+    EXPECT_EQ(0x12 ^ 0x34 ^ 'a', PM_PathStrings::Key(u"\u1234a").bucket());
 }
 
 TEST(PathStrings, SameTextGivesTheSamePointer) {
