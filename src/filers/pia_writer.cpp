@@ -5,6 +5,8 @@
 #include "store/value_text.h"
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
+#include <cstring>
 #include <limits>
 #include <ostream>
 #include <pm/error_number.h>
@@ -16,40 +18,86 @@ namespace pm {
 namespace {
 
 constexpr std::size_t flush_size = 32768;
-constexpr std::size_t longest_long = 11;
+constexpr std::size_t longest_name_end = 16; // what stands behind a name
+constexpr std::size_t longest_number = double_text_capacity;
 
-// Narrows units up to the first beyond ASCII; gives how many.
+using Units = std::uint16_t __attribute__((vector_size(16)));
+using Bytes = unsigned char __attribute__((vector_size(8)));
+
+constexpr std::uint64_t ones = 0x0001000100010001;
+constexpr std::uint64_t beyond_ascii = 0xFF80FF80FF80FF80;
+
+// Whether all four units are of ASCII and none is zero.
+bool is_plain(std::uint64_t units) {
+    return ((units | (units - ones)) & beyond_ascii) == 0;
+}
+
+// Narrows eight units; false, with nothing told of what was written, if one of them is zero or not of ASCII.
+bool narrow_eight(const char16_t* from, char* to) {
+    std::uint64_t words[2];
+    std::memcpy(words, from, sizeof words);
+    Units units;
+    std::memcpy(&units, from, sizeof units);
+    const auto bytes = __builtin_convertvector(units, Bytes);
+    std::memcpy(to, &bytes, sizeof bytes);
+    return is_plain(words[0]) && is_plain(words[1]);
+}
+
+// Narrows units up to the first that is zero or beyond ASCII; gives how many. There is room for all.
 std::size_t narrow_plain(std::u16string_view wide, char* to) {
     std::size_t at = 0;
-    for (; at + 8 <= wide.size(); at += 8) {
-        unsigned seen = 0;
-        for (std::size_t i = 0; i < 8; ++i) {
-            seen |= wide[at + i];
-            to[at + i] = static_cast<char>(wide[at + i]);
+    if (wide.size() >= 8) {
+        const std::size_t last = wide.size() - 8;
+        while (at < last && narrow_eight(wide.data() + at, to + at)) {
+            at += 8;
         }
-        if (seen >= 0x80) break;
+        if (at >= last && narrow_eight(wide.data() + last, to + last)) return wide.size();
     }
-    for (; at < wide.size() && wide[at] < 0x80; ++at) {
+    for (; at < wide.size() && wide[at] != 0 && wide[at] < 0x80; ++at) {
         to[at] = static_cast<char>(wide[at]);
     }
     return at;
 }
 
+char* copy(std::string_view text, char* to) {
+    return std::copy(text.begin(), text.end(), to);
+}
+
+char* write_long(const PM_Property& prop, char* to) {
+    std::int32_t value = 0;
+    prop.GetData(&value, sizeof value);
+    return std::to_chars(to, to + longest_number, value).ptr;
+}
+
+char* write_double(const PM_Property& prop, char* to) {
+    double value = 0;
+    prop.GetData(&value, sizeof value);
+    return format_double(value, to);
+}
+
+char* write_bool(const PM_Property& prop, char* to) {
+    unsigned char flag[8] = {};
+    prop.GetData(flag, sizeof flag);
+    return copy(flag[0] != 0 ? "TRUE" : "FALSE", to);
+}
+
+// What is stored; number 59 if there is nothing.
+const unsigned char* value_of(const PM_Property& prop) {
+    if (prop.data() == nullptr) prop.GetData(nullptr, 0);
+    return prop.data();
+}
+
 } // namespace
 
-char* OutputBlock::room(std::size_t bytes) {
-    if (bytes > m_capacity - m_size) {
-        const std::size_t wanted = std::max({m_size + bytes, m_capacity + m_capacity / 2, flush_size});
-        void* const moved = reallocate(m_bytes.get(), wanted);
-        if (moved == nullptr) {
-            throw PM_Memory_Exception(u"PM_PIAFile::save()", u"buffer",
-                                      u"$Workfile: pmpia $ $Revision: #1 $");
-        }
-        (void)m_bytes.release();
-        m_bytes.reset(static_cast<char*>(moved));
-        m_capacity = wanted;
+void OutputBlock::grow(std::size_t bytes) {
+    const std::size_t wanted = std::max({m_size + bytes, m_capacity + m_capacity / 2, flush_size});
+    void* const moved = reallocate(m_bytes.get(), wanted);
+    if (moved == nullptr) {
+        throw PM_Memory_Exception(u"PM_PIAFile::save()", u"buffer", u"$Workfile: pmpia $ $Revision: #1 $");
     }
-    return m_bytes.get() + m_size;
+    (void)m_bytes.release();
+    m_bytes.reset(static_cast<char*>(moved));
+    m_capacity = wanted;
 }
 
 void OutputBlock::append(std::string_view bytes) {
@@ -123,9 +171,8 @@ void PiaWriter::write_nodes(PM_Iterator& walk) {
     }
 }
 
-void PiaWriter::open_node(const char16_t* name, int level) {
-    indent_by(level);
-    write_text(name);
+void PiaWriter::open_node(std::u16string_view name, int level) {
+    write_name(name, level);
     m_pending.append("{\n");
 }
 
@@ -153,67 +200,66 @@ void PiaWriter::write_properties(const PM_Node* node, int level) {
     }
 }
 
-void PiaWriter::write_property(const PM_Property& prop, int level) {
-    indent_by(level);
-    write_text(prop.name());
-    m_pending.append(1, '=');
-    write_value(prop);
-    m_pending.append(1, '\n');
+// Also makes room for what follows, unless that is long.
+void PiaWriter::write_name(std::u16string_view name, int level) {
+    const auto blanks = static_cast<std::size_t>(std::max(level, 0));
+    char* const to = m_pending.room(blanks + name.size() + longest_name_end + longest_number);
+    char* const at = std::fill_n(to, blanks, ' ');
+    const std::size_t plain = narrow_plain(name, at);
+    m_pending.end_at(at + plain);
+    if (plain != name.size()) write_text(name.substr(plain));
 }
 
-void PiaWriter::write_value(const PM_Property& prop) {
+void PiaWriter::write_property(const PM_Property& prop, int level) {
+    write_name(prop.entry().view(), level);
+    char* to = m_pending.room(longest_name_end + longest_number);
+    *to++ = '=';
     switch (prop.type()) {
     case PROP_LONG:
-        return write_long(prop);
+        to = write_long(prop, to);
+        break;
     case PROP_DOUBLE:
-        return write_double(prop);
-    case PROP_STRING:
-        return write_string(prop);
+        to = write_double(prop, to);
+        break;
     case PROP_BOOL:
-        return write_bool(prop);
+        to = write_bool(prop, to);
+        break;
+    case PROP_STRING:
+        m_pending.end_at(to);
+        write_string(prop);
+        to = m_pending.room(1);
+        break;
     default:
-        return write_raw(prop);
+        m_pending.end_at(to);
+        write_raw(prop);
+        to = m_pending.room(1);
     }
-}
-
-void PiaWriter::write_long(const PM_Property& prop) {
-    std::int32_t value = 0;
-    prop.GetData(&value, sizeof value);
-    char* const to = m_pending.room(longest_long);
-    m_pending.end_at(std::to_chars(to, to + longest_long, value).ptr);
-}
-
-void PiaWriter::write_double(const PM_Property& prop) {
-    double value = 0;
-    prop.GetData(&value, sizeof value);
-    char* const to = m_pending.room(double_text_capacity);
-    m_pending.end_at(format_double(value, to));
+    *to++ = '\n';
+    m_pending.end_at(to);
 }
 
 // Wide text up to its terminator, or to the end of what is stored: a text cut at its limit has none.
 void PiaWriter::write_string(const PM_Property& prop) {
-    m_units.resize((prop.size() + 1) / sizeof(char16_t));
-    prop.GetData(m_units.data(), m_units.size() * sizeof(char16_t));
-    const std::u16string_view units = std::u16string_view(m_units).substr(0, prop.size() / sizeof(char16_t));
-    m_pending.append(1, '"');
-    write_text(units.substr(0, units.find(u'\0')));
-}
-
-void PiaWriter::write_bool(const PM_Property& prop) {
-    unsigned char flag[8] = {};
-    prop.GetData(flag, sizeof flag);
-    m_pending.append(flag[0] != 0 ? "TRUE" : "FALSE");
+    const auto* const units = reinterpret_cast<const char16_t*>(value_of(prop));
+    std::u16string_view text(units, prop.size() / sizeof(char16_t));
+    if (text.ends_with(u'\0')) text.remove_suffix(1);
+    char* const to = m_pending.room(text.size() + 1);
+    *to = '"';
+    const std::size_t plain = narrow_plain(text, to + 1);
+    m_pending.end_at(to + 1 + plain);
+    text.remove_prefix(plain);
+    if (!text.empty() && text.front() != u'\0') write_text(text.substr(0, text.find(u'\0')));
 }
 
 void PiaWriter::write_raw(const PM_Property& prop) {
-    if (prop.size() == 0) prop.GetData(nullptr, 0); // fails if there never was a value
+    const unsigned char* const bytes = value_of(prop);
     if (prop.size() == 0 || prop.size() > std::numeric_limits<int>::max()) {
         throw PM_Error(PM_ERR_BAD_RAW_DATA, u".\\pmobj", u"bad raw data value",
                        u"$Workfile: pmobj $ $Revision: #1 $");
     }
     m_pending.append(1, '\\');
     char* const to = m_pending.room(2 * prop.size() + 1);
-    pm_bin_to_hex(prop.data(), to, static_cast<int>(prop.size()));
+    pm_bin_to_hex(bytes, to, static_cast<int>(prop.size()));
     m_pending.end_at(to + 2 * prop.size());
     m_pending.append(1, '\\');
 }

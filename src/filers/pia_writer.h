@@ -15,7 +15,10 @@ namespace pm {
 class OutputBlock {
 public:
     // Where so many bytes may be written; end_at() tells how many were.
-    char* room(std::size_t bytes);
+    char* room(std::size_t bytes) {
+        if (bytes > m_capacity - m_size) grow(bytes);
+        return m_bytes.get() + m_size;
+    }
     void end_at(const char* end) { m_size = static_cast<std::size_t>(end - m_bytes.get()); }
     void append(std::string_view bytes);
     void append(std::size_t count, char byte);
@@ -25,6 +28,8 @@ public:
     void truncate(std::size_t size) { m_size = size; }
 
 private:
+    void grow(std::size_t bytes);
+
     Block<char> m_bytes;
     std::size_t m_capacity = 0;
     std::size_t m_size = 0;
@@ -53,13 +58,10 @@ private:
     void write_nodes(PM_Iterator& walk);
     void write_properties(const PM_Node* node, int level);
     void write_property(const PM_Property& prop, int level);
-    void write_value(const PM_Property& prop);
-    void write_long(const PM_Property& prop);
-    void write_double(const PM_Property& prop);
+    void write_name(std::u16string_view name, int level);
     void write_string(const PM_Property& prop);
-    void write_bool(const PM_Property& prop);
     void write_raw(const PM_Property& prop);
-    void open_node(const char16_t* name, int level);
+    void open_node(std::u16string_view name, int level);
     void close_node(int level);
     void indent_by(int level);
     bool flush_much();
@@ -68,7 +70,6 @@ private:
     const CodePage& m_page;
     int m_indent;
     OutputBlock m_pending;
-    std::u16string m_units;
     std::string m_narrow;
 };
 

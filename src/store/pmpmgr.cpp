@@ -54,7 +54,7 @@ inline std::uint32_t print_of(std::u16string_view text) {
         }
         last = word_at(end);
     }
-    return static_cast<std::uint32_t>((hash ^ last) * 0xD6E8FEB86659FD93U >> 32U);
+    return static_cast<std::uint32_t>(mixed(hash, last) * 0xD6E8FEB86659FD93U >> 32U);
 }
 
 // Whether `size` units are equal, without a call for the short texts that names are.
