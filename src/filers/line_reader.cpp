@@ -92,10 +92,13 @@ LineReader::Line LineReader::take(std::size_t length, std::size_t skipped, End e
 
 void LineReader::skip_white_space() {
     while (m_at < m_end || fill()) {
-        while (is_white(*m_at)) {
-            if (++m_at == m_end) break;
+        const char* at = m_at;
+        const char* const end = m_end;
+        while (at != end && is_white(*at)) {
+            ++at;
         }
-        if (m_at != m_end) return;
+        m_at = at;
+        if (at != end) return;
     }
 }
 

@@ -277,7 +277,8 @@ bool PM_PIAFile::read_line(pm::WideText& line, bool from_stream) {
 void PM_PIAFile::load_line(pm::TreeCursor& place, pm::WideText& line) {
     const std::u16string_view text = line.view();
     const pm::TreeCursor::Name name = name_of(text);
-    if (text.find(u'=', name.text.size()) != std::u16string_view::npos) {
+    const std::size_t behind = name.text.size();
+    if (behind < text.size() && (text[behind] == u'=' || holds(text.substr(behind), u"="))) {
         if (m_unopened == 0) property_line(place, name, line);
     } else if (text.find(u'{') != std::u16string_view::npos) {
         opening_line(place, text);
@@ -319,6 +320,7 @@ void PM_PIAFile::store_value(pm::TreeCursor& place, const pm::TreeCursor::Name& 
                              std::u16string_view value, pm::WideText& line) {
     if (value.empty()) return report_bad_line<PM_Error>(line.view());
     std::int32_t number = 0;
+    if (value.front() == u'"') return place.set_string(name, value.substr(1));
     if (parse_plain_long(value, number)) return place.set_long(name, number);
     switch (classify_value(value)) {
     case PROP_LONG:
@@ -326,9 +328,6 @@ void PM_PIAFile::store_value(pm::TreeCursor& place, const pm::TreeCursor::Name& 
         break;
     case PROP_DOUBLE:
         store_double(place, name, value, line.view());
-        break;
-    case PROP_STRING:
-        place.set_string(name, value.substr(1));
         break;
     case PROP_BOOL:
         place.set_bool(name, pm::starts_with_ignoring_case(value, u"true"));

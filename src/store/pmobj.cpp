@@ -82,7 +82,7 @@ private:
 
 // The property that a path without index and "*" names, found by a short way; null if there is none, and for
 // paths that need the long way.
-PM_Property* find_plain(const PM_Node& root, const char16_t* path, int index) {
+PM_Property* find_plain(PM_Node& root, const char16_t* path, int index) {
     return index == no_index ? root.find_prop_at(path) : nullptr;
 }
 
@@ -251,9 +251,12 @@ void PM_Object::setData(const char16_t* path, const void* data, std::size_t size
                         bool strict) {
     constexpr const char16_t* place = u"PM_Object::SetData()";
     require_root(m_root, place);
-    PM_Property* prop = find_plain(*m_root, path, index);
-    bool made = false;
-    if (prop == nullptr) {
+    PM_Node::Place plain;
+    PM_Property* prop = index == no_index ? m_root->find_prop_at(path, plain) : nullptr;
+    bool made = prop == nullptr;
+    if (made && plain.node != nullptr) {
+        prop = plain.node->append_prop(plain.name);
+    } else if (made) {
         const ResolvedPath resolved(path, index, place);
         const PM_Path names(*m_strings, resolved.text(), true);
         if (names.count() < 1) raise_warning(PM_ERR_BAD_PATH, place, path);

@@ -71,8 +71,8 @@ inline bool same_units(const char16_t* a, const char16_t* b, std::size_t size) {
 
 PM_PathStrings::Key::Key(std::u16string_view key_text) : text(key_text), print(print_of(key_text)) {}
 
-inline bool PM_PathStrings::Key::is(const Entry& entry) const {
-    return entry.m_length == text.size() && same_units(entry.text(), text.data(), text.size());
+bool PM_PathStrings::Entry::is(std::u16string_view other) const {
+    return m_length == other.size() && same_units(text(), other.data(), other.size());
 }
 
 std::uint8_t PM_PathStrings::Key::bucket() const {
@@ -95,7 +95,7 @@ void PM_PathStrings::Entry::unlink() noexcept {
 }
 
 PM_PathStrings::Entry* PM_PathStrings::Find(const Key& key) const {
-    const auto is = [&key](const Entry& entry) { return entry.m_print == key.print && key.is(entry); };
+    const auto is = [&key](const Entry& entry) { return entry.m_print == key.print && entry.is(key.text); };
     if (m_index.active()) return m_index.find(key.print, is);
     Entry* entry = m_buckets[key.bucket()];
     while (entry != nullptr && !is(*entry)) {
@@ -280,7 +280,7 @@ template<class T, T* T::*next, int index_from>
 inline T* PM_Node::List<T, next, index_from>::find(PM_PathStrings& strings,
                                                    const PM_PathStrings::Key& name) const {
     return find_if(strings, name.print, [&name](const T& element) {
-        return element.m_print == name.print && name.is(*element.m_name);
+        return element.m_print == name.print && element.m_name->is(name.text);
     });
 }
 
@@ -384,6 +384,18 @@ PM_Property* PM_Node::append_prop(PM_PathStrings::Entry& name) {
     return prop;
 }
 
+PM_Property* PM_Node::append_prop(std::u16string_view name) {
+    PM_PathStrings::Entry& entry = m_strings->Add(PM_PathStrings::Key(name));
+    try {
+        PM_Property* const prop = append_prop(entry);
+        m_strings->Release(entry);
+        return prop;
+    } catch (const PM_Memory_Exception&) {
+        m_strings->Release(entry);
+        throw;
+    }
+}
+
 PM_Node* PM_Node::find_child(const PM_PathStrings::Entry& name) const {
     return m_children.find(*m_strings, name);
 }
@@ -393,15 +405,16 @@ PM_Property* PM_Node::find_prop(const PM_PathStrings::Entry& name) const {
 }
 
 // Names are looked for among those that are there only, not in the table.
-PM_Property* PM_Node::find_prop_at(const char16_t* path) const {
+PM_Property* PM_Node::find_prop_at(const char16_t* path, Place& place) {
     PM_PathReader reader(path);
     if (!reader.next()) return nullptr;
-    const PM_Node* node = this;
+    PM_Node* node = this;
     for (int count = 0; count < PM_Path::max_components; ++count) {
         const PM_PathStrings::Key name(reader.component());
         if (!reader.next()) {
-            const bool is_plain = !reader.has_star() && reader.at() - path <= longest_path;
-            return is_plain ? node->m_props.find(*m_strings, name) : nullptr;
+            if (reader.has_star() || reader.at() - path > longest_path) return nullptr;
+            place = {node, name.text};
+            return node->m_props.find(*m_strings, name);
         }
         node = node->m_children.find(*m_strings, name);
         if (node == nullptr) return nullptr;

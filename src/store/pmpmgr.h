@@ -26,6 +26,7 @@ public:
         // Stands behind the entry, in the same block.
         const char16_t* text() const { return reinterpret_cast<const char16_t*>(this + 1); }
         std::u16string_view view() const { return {text(), m_length}; }
+        bool is(std::u16string_view other) const;
         std::int32_t count() const { return m_count; }
         std::uint32_t print() const { return m_print; }
 
@@ -49,7 +50,6 @@ public:
     struct Key {
         explicit Key(std::u16string_view key_text);
         std::uint8_t bucket() const; // all bytes, combined by exclusive or
-        bool is(const Entry& entry) const;
 
         std::u16string_view text;
         std::uint32_t print;
@@ -264,6 +264,8 @@ public:
     PM_Property* AddProp(PM_PathStrings::Entry& name);
     // As AddProp(), for a name that no property of this node can have.
     PM_Property* append_prop(PM_PathStrings::Entry& name);
+    // The same for a name that has yet to be taken in; the table is as before where that fails.
+    PM_Property* append_prop(std::u16string_view name);
 
     // Names are compared as entries. Null if there is none.
     PM_Node* find_child(const PM_PathStrings::Entry& name) const;
@@ -271,7 +273,17 @@ public:
     // The property that a path names from this node on, in one pass over its text and without references.
     // Null also for a path that it leaves to others: with a "*", of more than `longest_path` units or of too
     // many components.
-    PM_Property* find_prop_at(const char16_t* path) const;
+    PM_Property* find_prop_at(const char16_t* path) {
+        Place place;
+        return find_prop_at(path, place);
+    }
+    // Where a property that isn't there would stand. No node if some nodes of the path are missing, or if the
+    // path is one of those left to others.
+    struct Place {
+        PM_Node* node = nullptr;
+        std::u16string_view name;
+    };
+    PM_Property* find_prop_at(const char16_t* path, Place& place);
     // Unlink and destroy what find_...() gives; false if that is nothing.
     bool delete_prop(const PM_PathStrings::Entry& name);
     bool delete_child(const PM_PathStrings::Entry& name);

@@ -21,6 +21,13 @@ void require_type(const PM_Property& prop, PropType type) {
     throw PM_Warning(PM_ERR_WRONG_TYPE, u"PM_Object::SetData()", u"", u"$Workfile: pmobj $ $Revision: #1 $");
 }
 
+PM_Property& property_of(PM_Node& node, PM_PathStrings::Entry& name, PropType type) {
+    PM_Property* const prop = node.find_prop(name);
+    if (prop == nullptr) return *node.append_prop(name);
+    require_type(*prop, type);
+    return *prop;
+}
+
 } // namespace
 
 bool TreeCursor::always_by_path = false;
@@ -140,18 +147,21 @@ void TreeCursor::set_by_path(std::u16string_view name, const void* data, std::si
 }
 
 PM_Property& TreeCursor::property_here(std::u16string_view name, PropType type) {
-    const PM_PathStrings::Key key(name);
     PM_Node& node = *m_levels[m_count].node;
+    const PM_Property*& model = m_models[m_turn++ % most_models];
+    const bool follows = model != nullptr && model->entry().is(name);
+    PM_Property& prop = follows ? pm::property_of(node, model->entry(), type) : property_of(node, name, type);
+    if (!follows) model = &prop;
+    return prop;
+}
+
+PM_Property& TreeCursor::property_of(PM_Node& node, std::u16string_view name, PropType type) {
+    const PM_PathStrings::Key key(name);
     PM_PathStrings::Entry* const known = m_object.m_strings->Find(key);
-    if (known == nullptr) {
-        Names names(*m_object.m_strings);
-        names.add_new(key);
-        return *node.append_prop(names.last());
-    }
-    PM_Property* const prop = node.find_prop(*known);
-    if (prop == nullptr) return *node.append_prop(*known);
-    require_type(*prop, type);
-    return *prop;
+    if (known != nullptr) return pm::property_of(node, *known, type);
+    Names names(*m_object.m_strings);
+    names.add_new(key);
+    return *node.append_prop(names.last());
 }
 
 // The same where nodes of the path haven't been reached. All names are taken in before any node is made.
@@ -167,11 +177,8 @@ PM_Property& TreeCursor::property_below(std::u16string_view name, PropType type)
         m_levels[m_reached + 1].node = child != nullptr ? child : node.AddNode(names[i]);
         ++m_reached;
     }
-    PM_Node& node = *m_levels[m_count].node;
-    PM_Property* const prop = node.find_prop(names.last());
-    if (prop == nullptr) return *node.append_prop(names.last());
-    require_type(*prop, type);
-    return *prop;
+    m_turn = 0;
+    return pm::property_of(*m_levels[m_count].node, names.last(), type);
 }
 
 } // namespace pm

@@ -61,7 +61,10 @@ public:
     void set_string(const Name& name, std::u16string_view text);
 
     // The tree may have changed: to be called after anything else had it.
-    void look_again() { m_reached = 0; }
+    void look_again() {
+        m_reached = 0;
+        m_models.fill(nullptr);
+    }
 
     const char16_t* text() const { return m_path.text(); }
 
@@ -76,11 +79,13 @@ private:
     };
     class Names;
     static constexpr std::size_t most_levels = 254;
+    static constexpr std::size_t most_models = 32;
 
     void add_base_levels();
     bool stands_at(const Level& level) const;
     std::u16string_view name_of(std::size_t level) const;
     void set_by_path(std::u16string_view name, const void* data, std::size_t size, PropType type);
+    PM_Property& property_of(PM_Node& node, std::u16string_view name, PropType type);
     PM_Property& property_here(std::u16string_view name, PropType type);
     PM_Property& property_below(std::u16string_view name, PropType type);
 
@@ -91,6 +96,10 @@ private:
     bool m_in_step = true;     // the levels are those of the path's text
     bool m_by_path = false;    // the base needs the long way
     std::array<Level, most_levels + 1> m_levels;
+    // Properties of a node in front, by their turn: nodes of one kind have the same names in the same order,
+    // and such a name needs no look-up.
+    std::array<const PM_Property*, most_models> m_models{};
+    std::size_t m_turn = 0;
 };
 
 } // namespace pm

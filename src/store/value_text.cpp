@@ -298,7 +298,8 @@ bool parse_short_decimal(std::u16string_view digits, std::size_t dot, std::int64
     constexpr std::size_t longest = 11;
     constexpr std::int64_t missing_decimals[] = {10000, 1000, 100, 10, 1};
     const std::size_t decimals = digits.size() - dot - 1;
-    if (digits.size() > longest || decimals < 1 || decimals > 4 || digits.back() == u'0') return false;
+    if (digits.size() > longest || decimals < 1 || decimals > 4) return false;
+    if (digits.back() == u'0' && decimals != 1) return false;
     if (!append_digits(digits.substr(0, dot), value) || !append_digits(digits.substr(dot + 1), value)) {
         return false;
     }
