@@ -67,12 +67,16 @@ inline bool same_units(const char16_t* a, const char16_t* b, std::size_t size) {
     return word_at(a + last) == word_at(b + last);
 }
 
+inline bool same_text(std::u16string_view a, std::u16string_view b) {
+    return a.size() == b.size() && same_units(a.data(), b.data(), b.size());
+}
+
 } // namespace
 
 PM_PathStrings::Key::Key(std::u16string_view key_text) : text(key_text), print(print_of(key_text)) {}
 
 bool PM_PathStrings::Entry::is(std::u16string_view other) const {
-    return m_length == other.size() && same_units(text(), other.data(), other.size());
+    return same_text(view(), other);
 }
 
 std::uint8_t PM_PathStrings::Key::bucket() const {
@@ -95,7 +99,9 @@ void PM_PathStrings::Entry::unlink() noexcept {
 }
 
 PM_PathStrings::Entry* PM_PathStrings::Find(const Key& key) const {
-    const auto is = [&key](const Entry& entry) { return entry.m_print == key.print && entry.is(key.text); };
+    const auto is = [&key](const Entry& entry) {
+        return entry.m_print == key.print && same_text(entry.view(), key.text);
+    };
     if (m_index.active()) return m_index.find(key.print, is);
     Entry* entry = m_buckets[key.bucket()];
     while (entry != nullptr && !is(*entry)) {
@@ -280,7 +286,7 @@ template<class T, T* T::*next, int index_from>
 inline T* PM_Node::List<T, next, index_from>::find(PM_PathStrings& strings,
                                                    const PM_PathStrings::Key& name) const {
     return find_if(strings, name.print, [&name](const T& element) {
-        return element.m_print == name.print && element.m_name->is(name.text);
+        return element.m_print == name.print && same_text(element.m_name->view(), name.text);
     });
 }
 

@@ -70,7 +70,9 @@ private:
 #endif
 
     // A block of no bytes counts as a large one.
-    static bool is_small(std::size_t size) { return cuts_chunks && size - 1 < small_limit; }
+    static bool is_small(std::size_t size) {
+        return cuts_chunks && size - 1 < small_limit;
+    }
 
     void* allocate_small(std::size_t size) noexcept {
         const std::size_t grains = (size + grain - 1) / grain;

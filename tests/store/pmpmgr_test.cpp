@@ -3,6 +3,7 @@
 #include "support/exceptions.h"
 #include <cstring>
 #include <pm/error_number.h>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,21 @@ TEST(PathStrings, BucketIsTheExclusiveOrOfAllBytes) {
     EXPECT_EQ('a', PM_PathStrings::Key(u"a").bucket());
     EXPECT_EQ('a' ^ 'b', PM_PathStrings::Key(u"ab").bucket());
     EXPECT_EQ(0x12 ^ 0x34 ^ 'a', PM_PathStrings::Key(u"\u1234a").bucket());
+}
+
+TEST(PathStrings, NamesThatDifferInOneUnitAreSpreadOverAnIndex) {
+    constexpr std::uint32_t slots = 256;
+    for (std::size_t length = 1; length <= 12; ++length) {
+        for (std::size_t at = 0; at < length; ++at) {
+            std::set<std::uint32_t> used;
+            for (char16_t digit = u'0'; digit <= u'9'; ++digit) {
+                std::u16string name(length, u'n');
+                name[at] = digit;
+                used.insert(PM_PathStrings::Key(name).print % slots);
+            }
+            EXPECT_LE(7U, used.size()) << length << " units, " << at;
+        }
+    }
 }
 
 TEST(PathStrings, SameTextGivesTheSamePointer) {

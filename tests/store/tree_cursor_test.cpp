@@ -61,6 +61,40 @@ TEST(TreeCursor, LooksAgainWhenTheTreeMayHaveChanged) {
     EXPECT_EQ(Lines{"x\\b long 2"}, tree_text(object));
 }
 
+TEST(TreeCursor, NodesOfOneKindMayHaveOtherNamesAtATurn) {
+    PM_Object object;
+    TreeCursor place(object, u"\\");
+    const auto fill = [&place](const char16_t* node, std::initializer_list<const char16_t*> names) {
+        ASSERT_TRUE(place.push(node));
+        for (const char16_t* name : names) {
+            place.set_long(name, 1);
+        }
+        ASSERT_TRUE(place.pop());
+    };
+    fill(u"x", {u"first", u"width", u"height", u"depth"});
+    fill(u"y", {u"first", u"height", u"width", u"widths", u"height"});
+    fill(u"z", {u"first", u"width", u"width", u"depth", u"new"});
+    EXPECT_EQ((Lines{"x\\first long 1", "x\\width long 1", "x\\height long 1", "x\\depth long 1",  //
+                     "y\\first long 1", "y\\height long 1", "y\\width long 1", "y\\widths long 1", //
+                     "z\\first long 1", "z\\width long 1", "z\\depth long 1", "z\\new long 1"}),
+              tree_text(object));
+}
+
+TEST(TreeCursor, ForgetsNamesThatMayHaveGone) {
+    PM_Object object;
+    TreeCursor place(object, u"\\");
+    ASSERT_TRUE(place.push(u"x"));
+    place.set_long(u"first", 1);
+    place.set_long(u"second", 2);
+    object.deletePath(u"x");
+    place.look_again();
+    ASSERT_TRUE(place.pop());
+    ASSERT_TRUE(place.push(u"y"));
+    place.set_long(u"first", 3);
+    place.set_long(u"second", 4);
+    EXPECT_EQ((Lines{"y\\first long 3", "y\\second long 4"}), tree_text(object));
+}
+
 TEST(TreeCursor, LongStringIsCut) {
     PM_Object object;
     TreeCursor place(object, u"\\");
