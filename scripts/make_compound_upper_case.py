@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Writes compound_upper_case.h from the Unicode character database (Debian's package unicode-data):
 
-    make_compound_upper_case.py [/usr/share/unicode] > compound_upper_case.h
-    clang-format -i compound_upper_case.h
+    scripts/make_compound_upper_case.py [/usr/share/unicode] > src/platform/compound_upper_case.h
+    clang-format -i src/platform/compound_upper_case.h
 
 The compound format compares names by the simple upper case of each 16-bit unit. A file's order must not depend on
 who reads it, so the mappings are those of one version of Unicode, in which both letters have to be assigned.
