@@ -335,8 +335,9 @@ void PM_Object::duplicate(const char16_t* from, const char16_t* to) {
     std::size_t scratch_size = 0;
     PM_Node* copy = m_root->make_nodes(to_path, to_path.count());
     to_path.mark_known();
-    if (walk->currentNode() != nullptr)
+    if (walk->currentNode() != nullptr) {
         copy_properties(*walk->currentNode(), *copy, m_strings->pool(), scratch, scratch_size);
+    }
 
     int depth = 0;
     NodeType step = NODE_SIBLING;
