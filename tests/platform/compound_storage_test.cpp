@@ -211,11 +211,12 @@ TEST_F(CompoundStorage, StreamThatNoFileHoldsIsRefused) {
 }
 
 TEST_F(CompoundStorage, ContentOfAllSizesComesBack) {
-    for (const std::size_t size : {0, 1, 63, 64, 65, 4095, 4096, 4097, 9000, 100000}) {
+    constexpr std::size_t sizes[] = {0, 1, 63, 64, 65, 4095, 4096, 4097, 9000, 100000};
+    for (const std::size_t size : sizes) {
         write(*root, u"size" + to_wide(std::to_string(size)), test::stream_content(size));
     }
     reopen();
-    for (const std::size_t size : {0, 1, 63, 64, 65, 4095, 4096, 4097, 9000, 100000}) {
+    for (const std::size_t size : sizes) {
         EXPECT_EQ(test::stream_content(size), read(*root, u"size" + to_wide(std::to_string(size))));
     }
 }

@@ -172,12 +172,12 @@ Lines failures(int number, const TempFolder& folder) {
         {PM_Object::FILE_DPIA, bad},
     };
     Lines lines;
-    for (const auto& [type, content] : files) {
+    for (const auto& file : files) {
         for (const int answer : {-1, 0, 1}) {
             RecordingHandler handler(answer);
             PM_Object object(answer < 0 ? nullptr : &handler);
-            std::stringstream stream(content, std::ios::in | std::ios::out | std::ios::binary);
-            lines.push_back(failure([&] { object.load(stream, type, u"\\"); }));
+            std::stringstream stream(file.content, std::ios::in | std::ios::out | std::ios::binary);
+            lines.push_back(failure([&] { object.load(stream, file.type, u"\\"); }));
             for (const Report& report : handler.reports) {
                 lines.push_back(std::to_string(report.number) + utf8(report.place) + utf8(report.detail));
             }
