@@ -52,8 +52,8 @@ def check_layout(shown, lib, version):
     rest = shown - headers - documents
     build_type = {name for name in rest if re.fullmatch(rf"{lib}/cmake/pm9/pm9-targets-\w+\.cmake", name)}
     expect(len(build_type) == 1, f"targets of one build type: {build_type}")
-    expected = {"bin/pmtool", f"{lib}/libpm9.so", f"{lib}/libpm9.so.9", f"{lib}/libpm9.so.{version}",
-                f"{lib}/pm9/libpmres9.so", f"{lib}/pkgconfig/pm9.pc", *build_type,
+    libraries = {f"{lib}/lib{name}.so{end}" for name in ("pm9", "pm9kit") for end in ("", ".9", f".{version}")}
+    expected = {"bin/pmtool", *libraries, f"{lib}/pm9/libpmres9.so", f"{lib}/pkgconfig/pm9.pc", *build_type,
                 *(f"{lib}/cmake/pm9/pm9-{name}.cmake" for name in ("config", "config-version", "targets"))}
     expect(rest == expected, f"unexpected {sorted(rest - expected)}, missing {sorted(expected - rest)}")
 
@@ -67,7 +67,8 @@ def check_components(cmake, build, folder, lib, version):
         found[component] = files_of(prefix)
         expect(not whole & found[component], f"{component} brings files of others")
         whole |= found[component]
-    expect(found["runtime"] == {f"{lib}/libpm9.so.9", f"{lib}/libpm9.so.{version}", f"{lib}/pm9/libpmres9.so"},
+    libraries = {f"{lib}/lib{name}.so.{end}" for name in ("pm9", "pm9kit") for end in ("9", version)}
+    expect(found["runtime"] == libraries | {f"{lib}/pm9/libpmres9.so"},
            f"runtime is {sorted(found['runtime'])}")
     expect(found["tools"] == {"bin/pmtool"}, f"tools is {sorted(found['tools'])}")
     return whole

@@ -56,8 +56,8 @@ def check_files(packages, folder, lib, version):
         told = {f"usr/share/doc/{name}/copyright", f"usr/share/doc/{name}/changelog.Debian.gz"}
         expect(told <= files, f"{name} has no copyright or changelog")
         found[name] = files - told
-    expect(found["libpm9-9"] == {f"usr/{lib}/libpm9.so.9", f"usr/{lib}/libpm9.so.{version}",
-                                 f"usr/{lib}/pm9/libpmres9.so"}, f"libpm9-9 holds {sorted(found['libpm9-9'])}")
+    libraries = {f"usr/{lib}/lib{name}.so.{end}" for name in ("pm9", "pm9kit") for end in ("9", version)}
+    expect(found["libpm9-9"] == libraries | {f"usr/{lib}/pm9/libpmres9.so"}, f"libpm9-9 holds {sorted(found['libpm9-9'])}")
     expect(found["pmtool"] == {"usr/bin/pmtool"}, f"pmtool holds {sorted(found['pmtool'])}")
     expect({"usr/include/pm/pm.h", f"usr/{lib}/libpm9.so", f"usr/{lib}/pkgconfig/pm9.pc",
             f"usr/{lib}/cmake/pm9/pm9-config.cmake", "usr/share/doc/pm9/docs/pia.md",
@@ -67,6 +67,7 @@ def check_files(packages, folder, lib, version):
 def check_binaries(root, lib):
     """Stripped, and without a search path."""
     for file in (root / "usr/bin/pmtool", root / "usr" / lib / "libpm9.so.9",
+                 root / "usr" / lib / "libpm9kit.so.9",
                  root / "usr" / lib / "pm9/libpmres9.so"):
         sections = run("readelf", "--sections", "--wide", file)
         expect(".dynsym" in sections and ".symtab" not in sections and ".debug" not in sections,
