@@ -4,6 +4,7 @@
 #include "compare/content.h"
 #include "long_description.h"
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iostream>
@@ -14,6 +15,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 #include <vector>
 
 // Found by its name.
@@ -143,6 +145,52 @@ std::size_t load_description(int times) {
     return static_cast<std::size_t>(times);
 }
 
+// A file that ends with its owner.
+class BenchFile {
+public:
+    explicit BenchFile(const char* name)
+        : m_path(std::filesystem::temp_directory_path() / (name + std::to_string(getpid()))) {}
+    ~BenchFile() { std::filesystem::remove(m_path); }
+    BenchFile(const BenchFile&) = delete;
+    BenchFile& operator=(const BenchFile&) = delete;
+
+    std::u16string name() const { return m_path.u16string(); }
+
+private:
+    std::filesystem::path m_path;
+};
+
+std::size_t save_doc() {
+    const Bench bench;
+    const BenchFile file("pm_instructions.doc");
+    measured_work([&] { bench.object->save(file.name().c_str(), PM_Object::FILE_DOC, u"", root); });
+    return property_count;
+}
+
+std::size_t load_doc() {
+    const Bench bench;
+    const BenchFile file("pm_instructions.doc");
+    bench.object->save(file.name().c_str(), PM_Object::FILE_DOC, u"", root);
+    PM_Object object;
+    measured_work([&] { object.load(file.name().c_str(), PM_Object::FILE_DOC, root); });
+    return property_count;
+}
+
+// The last of a thousand.
+std::size_t load_section() {
+    constexpr int sections = 1000;
+    const Content content(ContentShape::ten_a_node, 100);
+    const BenchFile file("pm_instructions.dpia");
+    PM_Object object;
+    for (int section = 0; section < sections; ++section)
+        pm::bench::fill(object, content, "s\\section" + std::to_string(section) + "\\data\\");
+    object.save(file.name().c_str(), PM_Object::FILE_DPIA, u"", u"s");
+    PM_Object loaded;
+    measured_work(
+        [&] { loaded.load_section(file.name().c_str(), PM_Object::FILE_DPIA, root, u"section999"); });
+    return 1;
+}
+
 struct Work {
     std::string_view name;
     std::size_t (*run)();
@@ -157,6 +205,9 @@ constexpr Work works[] = {
     {"destroy", destroy},
     {"load-compressed", [] { return load_pia(u"bench,compress"); }},
     {"save-compressed", [] { return save_pia(u"bench,compress"); }},
+    {"DOC-load", load_doc},
+    {"DOC-save", save_doc},
+    {"DPIA-section", load_section},
     {"PC2-sample", [] { return load_sample("office.pc2", PM_Object::FILE_PC2); }},
     {"PCP-sample", [] { return load_sample("pens.pcp", PM_Object::FILE_PCP); }},
     {"PDT-sample", [] { return load_description(1); }},

@@ -214,8 +214,8 @@ void PM_DOCFile::load_elements(pm::TreeCursor& place) {
         levels.push_back({std::move(storage), std::move(elements)});
     };
     enter(m_storage);
+    pm::STATSTG element;
     while (!levels.empty()) {
-        pm::STATSTG element;
         const auto result = levels.back().elements->Next(element);
         if (result == pm::IEnumSTATSTG::Result::failure) raise_not_read(load_place);
         if (result == pm::IEnumSTATSTG::Result::end) {

@@ -7,8 +7,6 @@ namespace pm {
 
 namespace {
 
-constexpr std::size_t name_limit = 31;
-
 constexpr auto unit_allowed = [](char16_t unit) {
     return unit != u'/' && unit != u'\\' && unit != u':' && unit != u'!' && unit != u'\0';
 };
@@ -38,12 +36,19 @@ char16_t upper_case(char16_t unit) {
 } // namespace
 
 bool compound_name_allowed(std::u16string_view name) {
-    return !name.empty() && name.size() <= name_limit && std::all_of(name.begin(), name.end(), unit_allowed);
+    return !name.empty() && name.size() <= CompoundName::most_units &&
+           std::all_of(name.begin(), name.end(), unit_allowed);
 }
 
 std::u16string compound_name_key(std::u16string_view name) {
     std::u16string key(name);
     std::transform(key.begin(), key.end(), key.begin(), upper_case);
+    return key;
+}
+
+CompoundName CompoundName::key_of(std::u16string_view name) {
+    CompoundName key;
+    std::transform(name.begin(), name.end(), key.resize(name.size()), upper_case);
     return key;
 }
 

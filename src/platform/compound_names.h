@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -11,6 +13,29 @@ bool compound_name_allowed(std::u16string_view name);
 
 // What names are compared by: each unit in simple upper case, the same on every system.
 std::u16string compound_name_key(std::u16string_view name);
+
+// A name's text, or its key, where it takes no memory.
+class CompoundName {
+public:
+    static constexpr std::size_t most_units = 31;
+
+    CompoundName() = default;
+    // `name` has at most `most_units`.
+    static CompoundName key_of(std::u16string_view name);
+
+    // Room for so many units, to be overwritten.
+    char16_t* resize(std::size_t size) {
+        m_size = size;
+        return m_units.data();
+    }
+    operator std::u16string_view() const { return {m_units.data(), m_size}; }
+    std::size_t size() const { return m_size; }
+    bool empty() const { return m_size == 0; }
+
+private:
+    std::array<char16_t, most_units> m_units; // only the first m_size are set
+    std::size_t m_size = 0;
+};
 
 // The compound format's own order of names, by their keys: shorter ones first, those of one length by units.
 struct CompoundNameOrder {

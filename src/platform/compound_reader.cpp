@@ -12,13 +12,14 @@ using namespace compound;
 namespace {
 
 // Empty if the name's size can't be one.
-std::u16string entry_name(std::span<const std::byte> entry) {
+CompoundName entry_name(std::span<const std::byte> entry) {
     const std::size_t size = get16(entry, name_size_at);
-    if (size < sizeof(char16_t) || size > name_room || size % sizeof(char16_t) != 0) return {};
-    std::u16string name;
-    name.resize(size / sizeof(char16_t) - 1);
-    for (std::size_t unit = 0; unit < name.size(); ++unit) {
-        name[unit] = static_cast<char16_t>(get16(entry, unit * sizeof(char16_t)));
+    CompoundName name;
+    if (size < sizeof(char16_t) || size > name_room || size % sizeof(char16_t) != 0) return name;
+    const std::size_t count = size / sizeof(char16_t) - 1;
+    char16_t* const units = name.resize(count);
+    for (std::size_t unit = 0; unit < count; ++unit) {
+        units[unit] = static_cast<char16_t>(get16(entry, unit * sizeof(char16_t)));
     }
     return name;
 }
@@ -40,18 +41,22 @@ private:
         std::uint32_t first; // entry of its tree of children
     };
     struct Child {
-        std::u16string key;
+        std::u16string_view key;
         CompoundEntry entry;
+    };
+    struct Place {
+        std::u16string_view key;
+        const Child* child;
     };
 
     std::size_t entry_count() const { return m_directory.size() / entry_size; }
     CompoundEntry entry(std::uint32_t number) const;
     void read_mini_stream(const CompoundEntry& root);
-    std::vector<Child> children(const Folder& folder);
-    static void sort_by_name(std::vector<Child>& children);
-    void add_child(CompoundElement& storage, Child child);
+    void find_children(const Folder& folder);
+    void sort_children();
+    void add_child(CompoundElement& storage, const Child& child);
     void read_stream(CompoundElement& stream, const CompoundEntry& entry);
-    std::optional<std::vector<std::byte>> mini_content(const CompoundEntry& entry);
+    bool copy_mini_content(const CompoundEntry& entry, std::pmr::vector<std::byte>& copy);
 
     CompoundSectors m_sectors;
     std::vector<std::byte> m_directory;
@@ -60,6 +65,10 @@ private:
     SectorChains m_mini_chains;
     std::unique_ptr<CompoundTree> m_tree = std::make_unique<CompoundTree>();
     std::vector<Folder> m_pending;
+    // Of the folder at hand.
+    std::vector<std::uint32_t> m_pending_entries;
+    std::vector<Child> m_children;
+    std::vector<Place> m_sorted;
 };
 
 CompoundEntry Reader::entry(std::uint32_t number) const {
@@ -81,8 +90,10 @@ std::unique_ptr<CompoundTree> Reader::read() {
     while (!m_pending.empty()) {
         const Folder folder = m_pending.back();
         m_pending.pop_back();
-        for (Child& child : children(folder)) {
-            add_child(*folder.storage, std::move(child));
+        find_children(folder);
+        sort_children();
+        for (const Place& place : m_sorted) {
+            add_child(*folder.storage, *place.child);
         }
     }
     return std::move(m_tree);
@@ -97,64 +108,53 @@ void Reader::read_mini_stream(const CompoundEntry& root) {
     m_mini_chains = m_sectors.mini_chains(m_mini_stream.size());
 }
 
-// By their keys. What is compared and moved are views: children are large.
-void Reader::sort_by_name(std::vector<Child>& children) {
-    struct Place {
-        std::u16string_view key;
-        Child* child;
-    };
-    std::vector<Place> places;
-    places.reserve(children.size());
-    for (Child& child : children) {
-        places.push_back({child.key, &child});
+// By their keys, which isn't always the order of the tree. What is compared and moved are views: children are
+// large.
+void Reader::sort_children() {
+    m_sorted.clear();
+    for (const Child& child : m_children) {
+        m_sorted.push_back({child.key, &child});
     }
-    std::stable_sort(places.begin(), places.end(),
+    std::stable_sort(m_sorted.begin(), m_sorted.end(),
                      [](const Place& a, const Place& b) { return CompoundNameOrder()(a.key, b.key); });
-    std::vector<Child> sorted;
-    sorted.reserve(children.size());
-    for (const Place& place : places) {
-        sorted.push_back(std::move(*place.child));
-    }
-    children = std::move(sorted);
 }
 
-// In the order of their names, which isn't always that of the tree; of one name, the one nearer to the tree's
-// root first.
-std::vector<Reader::Child> Reader::children(const Folder& folder) {
-    std::vector<Child> found;
-    std::vector<std::uint32_t> pending{folder.first};
-    while (!pending.empty()) {
-        const std::uint32_t number = pending.back();
-        pending.pop_back();
+// Of one name, the one nearer to the tree's root first.
+void Reader::find_children(const Folder& folder) {
+    m_children.clear();
+    m_pending_entries.assign(1, folder.first);
+    while (!m_pending_entries.empty()) {
+        const std::uint32_t number = m_pending_entries.back();
+        m_pending_entries.pop_back();
         if (number == no_entry) continue;
         if (number >= m_seen.size() || m_seen[number]) {
             folder.storage->complete = false;
             continue;
         }
         m_seen[number] = true;
-        CompoundEntry child = entry(number);
-        pending.insert(pending.end(), {child.left, child.right});
+        const CompoundEntry child = entry(number);
+        m_pending_entries.push_back(child.left);
+        m_pending_entries.push_back(child.right);
         if (child.name.empty()) {
             folder.storage->complete = false;
         } else {
-            found.push_back({compound_name_key(child.name), std::move(child)});
+            m_children.push_back({m_tree->keep(CompoundName::key_of(child.name)), child});
         }
     }
-    sort_by_name(found);
-    return found;
 }
 
-void Reader::add_child(CompoundElement& storage, Child child) {
+void Reader::add_child(CompoundElement& storage, const Child& child) {
     // They come in order.
     CompoundElement*& place =
-        storage.children.try_emplace(storage.children.end(), std::move(child.key), nullptr)->second;
+        storage.children.try_emplace(storage.children.end(), child.key, nullptr)->second;
     if (place != nullptr) {
         ++place->repeats;
         return;
     }
     const CompoundEntry& entry = child.entry;
     const bool is_storage = entry.type == storage_entry;
-    place = &m_tree->make(entry.name, is_storage ? CompoundKind::storage : CompoundKind::stream);
+    place =
+        &m_tree->make(m_tree->keep(entry.name), is_storage ? CompoundKind::storage : CompoundKind::stream);
     place->class_and_state = entry.class_and_state;
     place->sound = entry.sound;
     if (!entry.sound) return;
@@ -167,15 +167,18 @@ void Reader::add_child(CompoundElement& storage, Child child) {
 
 void Reader::read_stream(CompoundElement& stream, const CompoundEntry& entry) {
     if (entry.size == 0) return; // its start may be anything
-    auto data = entry.size < mini_cutoff ? mini_content(entry) : m_sectors.content(entry.start, entry.size);
-    stream.sound = data.has_value();
-    if (data) stream.data = std::move(*data);
+    stream.sound = entry.size < mini_cutoff ? copy_mini_content(entry, stream.data)
+                                            : m_sectors.content(entry.start, entry.size, stream.data);
+    if (!stream.sound) stream.data.clear();
 }
 
-std::optional<std::vector<std::byte>> Reader::mini_content(const CompoundEntry& entry) {
+bool Reader::copy_mini_content(const CompoundEntry& entry, std::pmr::vector<std::byte>& copy) {
+    const SectorSpace space{m_mini_stream, 0, mini_shift};
+    if (sectors_of(entry.size, mini_shift) == 1) { // as most streams are
+        return m_mini_chains.take(entry.start) && copy_sectors(space, {&entry.start, 1}, entry.size, copy);
+    }
     const auto sectors = m_mini_chains.take_chain(entry.start, sectors_of(entry.size, mini_shift));
-    if (!sectors) return std::nullopt;
-    return copy_sectors({m_mini_stream, 0, mini_shift}, *sectors, entry.size);
+    return sectors && copy_sectors(space, *sectors, entry.size, copy);
 }
 
 } // namespace

@@ -7,14 +7,13 @@
 #include <cstdint>
 #include <memory>
 #include <span>
-#include <string>
 
 namespace pm {
 
 // An entry of the directory.
 struct CompoundEntry {
-    std::u16string name; // empty if the size that the entry tells for it can't be one
-    bool sound = false;  // whether it is a storage or a stream with a name that the format allows
+    CompoundName name;  // empty if the size that the entry tells for it can't be one
+    bool sound = false; // whether it is a storage or a stream with a name that the format allows
     std::uint8_t type = 0;
     std::uint32_t left = 0;
     std::uint32_t right = 0;

@@ -37,21 +37,38 @@ std::optional<std::vector<std::uint32_t>> SectorChains::take_chain(std::uint32_t
     return std::move(chain.sectors);
 }
 
-std::optional<std::vector<std::byte>>
-copy_sectors(const SectorSpace& space, const std::vector<std::uint32_t>& sectors, std::uint64_t size) {
-    if (size > sectors.size() << space.shift) return std::nullopt;
+namespace {
+
+template<class Bytes>
+bool fill_from_sectors(const SectorSpace& space, std::span<const std::uint32_t> sectors, std::uint64_t size,
+                       Bytes& copy) {
+    if (size > sectors.size() << space.shift) return false;
     auto left = static_cast<std::size_t>(size);
-    std::vector<std::byte> copy;
+    copy.clear();
     copy.reserve(left);
     for (const std::uint32_t sector : sectors) {
         const std::size_t at = space.base + (std::size_t{sector} << space.shift);
         const std::size_t count = std::min(left, std::size_t{1} << space.shift);
-        if (at + count > space.bytes.size()) return std::nullopt;
+        if (at + count > space.bytes.size()) return false;
         const auto part = space.bytes.subspan(at, count);
         copy.insert(copy.end(), part.begin(), part.end());
         left -= count;
     }
+    return true;
+}
+
+} // namespace
+
+std::optional<std::vector<std::byte>>
+copy_sectors(const SectorSpace& space, const std::vector<std::uint32_t>& sectors, std::uint64_t size) {
+    std::vector<std::byte> copy;
+    if (!fill_from_sectors(space, sectors, size, copy)) return std::nullopt;
     return copy;
+}
+
+bool copy_sectors(const SectorSpace& space, std::span<const std::uint32_t> sectors, std::uint64_t size,
+                  std::pmr::vector<std::byte>& copy) {
+    return fill_from_sectors(space, sectors, size, copy);
 }
 
 std::vector<std::uint32_t> sector_numbers(std::span<const std::byte> table) {
@@ -123,6 +140,11 @@ bool CompoundSectors::read_allocation_table() {
 std::optional<std::vector<std::byte>> CompoundSectors::content(std::uint32_t first, std::uint64_t size) {
     const auto sectors = m_chains.take_chain(first, sectors_of(size, m_shift));
     return sectors ? copy_sectors(space(), *sectors, size) : std::nullopt;
+}
+
+bool CompoundSectors::content(std::uint32_t first, std::uint64_t size, std::pmr::vector<std::byte>& copy) {
+    const auto sectors = m_chains.take_chain(first, sectors_of(size, m_shift));
+    return sectors && copy_sectors(space(), *sectors, size, copy);
 }
 
 std::optional<std::vector<std::byte>> CompoundSectors::directory() {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory_resource>
 #include <optional>
 #include <span>
 #include <utility>
@@ -56,6 +57,10 @@ struct SectorSpace {
 std::optional<std::vector<std::byte>>
 copy_sectors(const SectorSpace& space, const std::vector<std::uint32_t>& sectors, std::uint64_t size);
 
+// The same in place of what is in `copy`; false, with some of them there, if there are fewer.
+bool copy_sectors(const SectorSpace& space, std::span<const std::uint32_t> sectors, std::uint64_t size,
+                  std::pmr::vector<std::byte>& copy);
+
 // The numbers of a table as it lies in its sectors.
 std::vector<std::uint32_t> sector_numbers(std::span<const std::byte> table);
 
@@ -70,6 +75,8 @@ public:
     // The first `size` bytes of a chain; nothing if there are fewer of them in chain or file. A sector is
     // handed out once.
     std::optional<std::vector<std::byte>> content(std::uint32_t first, std::uint64_t size);
+    // The same in place of what is in `copy`; false if there are fewer.
+    bool content(std::uint32_t first, std::uint64_t size, std::pmr::vector<std::byte>& copy);
     // The entries of the directory in whole sectors; nothing if its chain breaks.
     std::optional<std::vector<std::byte>> directory();
     // The chains of the mini stream, as far as their table can be read.

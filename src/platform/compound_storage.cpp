@@ -47,7 +47,7 @@ public:
         if (!m_element.attached || size > compound::largest_file - m_position) return false;
         if (size == 0) return true;
         m_tree->changed = true;
-        std::vector<std::byte>& bytes = m_element.data;
+        std::pmr::vector<std::byte>& bytes = m_element.data;
         const auto* from = static_cast<const std::byte*>(data);
         const std::size_t over = std::min(size, bytes.size() - m_position);
         const bool grown = if_memory_lasts([&] {

@@ -35,7 +35,8 @@ inline CompoundElement& add_stream(CompoundTree& tree, CompoundElement& storage,
                                    std::string_view content) {
     CompoundElement* element = tree.create(storage, name, CompoundKind::stream);
     if (element == nullptr) throw std::runtime_error("the name isn't allowed");
-    element->data = bytes_of(content);
+    const Bytes bytes = bytes_of(content);
+    element->data.assign(bytes.begin(), bytes.end());
     return *element;
 }
 

@@ -67,7 +67,7 @@ TEST(WrittenByAnother, NamesComeByLengthAndThenUpperCase) {
     ASSERT_NE(nullptr, tree);
     std::vector<std::u16string> names;
     for (const auto& child : tree->root().children)
-        names.push_back(child.second->name);
+        names.emplace_back(child.second->name);
     const std::vector<std::u16string> expected{u"A",
                                                u"b",
                                                u"ÿ",
@@ -126,7 +126,7 @@ protected:
     static Names names(const CompoundElement& storage) {
         Names found;
         for (const auto& child : storage.children)
-            found.push_back(child.second->name);
+            found.emplace_back(child.second->name);
         return found;
     }
     // That stream is not sound and empty, and all else is read.

@@ -10,7 +10,7 @@ namespace {
 std::vector<std::u16string> names(const CompoundElement& storage) {
     std::vector<std::u16string> found;
     for (const auto& child : storage.children)
-        found.push_back(child.second->name);
+        found.emplace_back(child.second->name);
     return found;
 }
 
