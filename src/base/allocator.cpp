@@ -8,15 +8,7 @@
 
 namespace pm {
 
-namespace {
-
-AllocationFilter allocation_filter = nullptr;
-
-} // namespace
-
-bool refused(std::size_t size) noexcept {
-    return allocation_filter != nullptr && allocation_filter(size);
-}
+AllocationFilter detail::allocation_filter = nullptr;
 
 void* allocate_unasked(std::size_t size) noexcept {
     return std::malloc(std::max<std::size_t>(size, 1));
@@ -39,7 +31,7 @@ void* reallocate(void* block, std::size_t size) noexcept {
 }
 
 void set_allocation_filter(AllocationFilter filter) noexcept {
-    allocation_filter = filter;
+    detail::allocation_filter = filter;
 }
 
 } // namespace pm

@@ -33,9 +33,15 @@ Block<T> allocate_block(std::size_t count) noexcept {
 using AllocationFilter = bool (*)(std::size_t size);
 void set_allocation_filter(AllocationFilter filter) noexcept;
 
+namespace detail {
+extern AllocationFilter allocation_filter;
+}
+
 // The two halves of allocate(), for what cuts objects from larger blocks: the filter is asked for each
 // object, as if it were a block of its own.
-bool refused(std::size_t size) noexcept;
+inline bool refused(std::size_t size) noexcept {
+    return detail::allocation_filter != nullptr && detail::allocation_filter(size);
+}
 void* allocate_unasked(std::size_t size) noexcept;
 
 } // namespace pm

@@ -2,6 +2,7 @@
 
 #include "base/little_endian.h"
 #include "base/text.h"
+#include "filers/block_reader.h"
 #include "filers/memory_stream.h"
 #include "filers/pmpia.h"
 #include "filers/wide_text.h"
@@ -14,6 +15,7 @@
 #include <pm/error_number.h>
 #include <pm/iterator.h>
 #include <sstream>
+#include <utility>
 
 namespace {
 
@@ -118,62 +120,151 @@ std::optional<int> PM_DPIAFile::version_of(std::uint32_t word) {
     return std::nullopt;
 }
 
-// Whether the file is of version 2.0; any other text is read in the layout of 1.0.
-bool PM_DPIAFile::read_version_and_directory() {
+// Any text but that of version 2.0 is read in the layout of 1.0.
+bool PM_DPIAFile::read_version() {
     char16_t version[version_units] = {};
     getVersion(version, version_units);
-    const bool with_info = version == version_2;
-    read_directory(with_info);
+    return version == version_2;
+}
+
+// The stream from the start of the directory on. Whatever can't be had raises the stream's number.
+class PM_DPIAFile::DirectoryReader {
+public:
+    explicit DirectoryReader(PM_DPIAFile& file)
+        : m_file(file), m_stream(*file.m_stream), m_bytes(m_stream), m_position(file.m_directory_offset) {
+        m_stream.seekg(0, std::ios::end);
+        m_file.m_file_size = m_stream.tellg();
+        m_stream.seekg(m_file.m_directory_offset);
+        m_size = static_cast<std::uint64_t>(std::max<std::streamoff>(m_file.m_file_size, 0));
+    }
+
+    std::uint32_t word() { return pm::load_u32(reinterpret_cast<const unsigned char*>(bytes(word_size))); }
+    // A text with its length in front. Number 55 with `what` as detail if it can't be held.
+    std::string_view text(const char16_t* what) {
+        const std::uint32_t length = word();
+        require(length);
+        try {
+            return {bytes(length), length};
+        } catch (const std::bad_alloc&) {
+            raise_no_memory(load_place, what);
+        }
+    }
+    // As require_bytes().
+    void require(std::uint64_t count) {
+        if (m_position <= m_size && count <= m_size - m_position) return;
+        m_stream.setstate(std::ios::eofbit | std::ios::failbit);
+        m_file.check_stream(load_place, m_file.file_name());
+    }
+    // How far it has been read.
+    std::uint64_t position() const { return m_position; }
+
+private:
+    const char* bytes(std::size_t count) {
+        const char* const taken = m_bytes.take(count);
+        if (taken == nullptr) m_file.check_stream(load_place, m_file.file_name());
+        m_position += count;
+        return taken;
+    }
+
+    PM_DPIAFile& m_file;
+    std::istream& m_stream;
+    pm::BlockReader m_bytes;
+    std::uint64_t m_position;
+    std::uint64_t m_size = 0;
+};
+
+template<class Listener>
+void PM_DPIAFile::read_directory(bool with_info, Listener& listener) {
+    DirectoryReader directory(*this);
+    const auto count = static_cast<std::int32_t>(directory.word());
+    if (count > 0) {
+        const std::uint64_t least_entry = std::uint64_t{word_size} * (with_info ? 4 : 3);
+        directory.require(static_cast<std::uint64_t>(count) * least_entry);
+    }
+    for (std::int32_t index = 0; index < count; ++index) {
+        listener.hear_descriptor(directory.text(u"descriptor"));
+        if (with_info) listener.hear_info(directory.text(u"info"));
+        const std::uint32_t offset = directory.word();
+        listener.hear_place(offset, directory.word());
+    }
+    m_data_offset = static_cast<std::uint32_t>(directory.position());
+}
+
+// Takes each section into the list.
+class PM_DPIAFile::SectionList {
+public:
+    explicit SectionList(SimpleList<DPIA_Section>& sections) : m_sections(sections) {}
+
+    void hear_descriptor(std::string_view bytes) { m_section.descriptor = wide(bytes, u"descriptor"); }
+    void hear_info(std::string_view bytes) { m_section.info = wide(bytes, u"info"); }
+    void hear_place(std::uint32_t offset, std::uint32_t size) {
+        m_section.offset = offset;
+        m_section.size = size;
+        m_sections.append(std::exchange(m_section, {}));
+    }
+
+private:
+    static pm::Block<char16_t> wide(std::string_view bytes, const char16_t* what) {
+        pm::WideText text(pm::code_page(pm::utf8_code_page));
+        if (!text.reserve(bytes.size())) raise_no_memory(load_place, what);
+        widen(bytes, text, what);
+        return text.take();
+    }
+
+    SimpleList<DPIA_Section>& m_sections;
+    DPIA_Section m_section;
+};
+
+// Looks for the first section of a name. Texts count as if they were held.
+class PM_DPIAFile::SectionSearch {
+public:
+    explicit SectionSearch(std::u16string_view name)
+        : m_name(name),
+          m_ascii(std::all_of(name.begin(), name.end(), [](char16_t unit) { return unit < 0x80; })),
+          m_narrow(m_ascii ? pm::to_narrow(name, pm::utf8_code_page) : std::string()) {}
+
+    void hear_descriptor(std::string_view bytes) {
+        ask_for_memory(bytes, u"descriptor");
+        m_matches = !m_found && is_name(bytes);
+    }
+    void hear_info(std::string_view bytes) { ask_for_memory(bytes, u"info"); }
+    void hear_place(std::uint32_t offset, std::uint32_t size) {
+        if (!m_matches) return;
+        m_found = true;
+        m_offset = offset;
+        m_size = size;
+    }
+
+    bool found() const { return m_found; }
+    std::uint32_t offset() const { return m_offset; }
+    std::uint32_t size() const { return m_size; }
+
+private:
+    static void ask_for_memory(std::string_view bytes, const char16_t* what) {
+        if (pm::refused((bytes.size() + 1) * sizeof(char16_t))) raise_no_memory(load_place, what);
+    }
+    // Nothing but its own bytes is read as a text of ASCII.
+    bool is_name(std::string_view bytes) const {
+        if (!m_ascii) return pm::to_wide(bytes.substr(0, bytes.find('\0')), pm::utf8_code_page) == m_name;
+        return bytes.starts_with(m_narrow) &&
+               (bytes.size() == m_narrow.size() || bytes[m_narrow.size()] == '\0');
+    }
+
+    std::u16string_view m_name;
+    bool m_ascii;
+    std::string m_narrow;
+    bool m_matches = false;
+    bool m_found = false;
+    std::uint32_t m_offset = 0;
+    std::uint32_t m_size = 0;
+};
+
+bool PM_DPIAFile::read_sections() {
+    const bool with_info = read_version();
+    SectionList list(m_sections);
+    read_directory(with_info, list);
+    m_stream->seekg(m_data_offset);
     return with_info;
-}
-
-void PM_DPIAFile::read_directory(bool with_info) {
-    m_stream->seekg(0, std::ios::end);
-    m_file_size = m_stream->tellg();
-    m_stream->seekg(m_directory_offset);
-    const std::uint32_t count = read_word();
-    m_data_offset = m_directory_offset + word_size;
-    if (static_cast<std::int32_t>(count) < 1) return;
-    const std::uint64_t least_entry = std::uint64_t{word_size} * (with_info ? 4 : 3);
-    require_bytes(count * least_entry, load_place, file_name());
-    for (std::uint32_t index = 0; index < count; ++index) {
-        m_sections.append(read_entry(with_info));
-    }
-}
-
-PM_DPIAFile::DPIA_Section PM_DPIAFile::read_entry(bool with_info) {
-    DPIA_Section section;
-    section.descriptor = read_text(u"descriptor");
-    if (with_info) section.info = read_text(u"info");
-    section.offset = read_word();
-    section.size = read_word();
-    m_data_offset += 2 * word_size;
-    return section;
-}
-
-pm::Block<char16_t> PM_DPIAFile::read_text(const char16_t* what) {
-    const std::uint32_t length = read_word();
-    require_bytes(length, load_place, file_name());
-    pm::WideText text(pm::code_page(pm::utf8_code_page));
-    std::string bytes;
-    try {
-        if (!text.reserve(length)) throw std::bad_alloc();
-        bytes.resize(length);
-    } catch (const std::bad_alloc&) {
-        raise_no_memory(load_place, what);
-    }
-    m_stream->read(bytes.data(), length);
-    check_stream(load_place, file_name());
-    m_data_offset += length + word_size;
-    widen(bytes, text, what);
-    return text.take();
-}
-
-std::uint32_t PM_DPIAFile::read_word() {
-    unsigned char bytes[word_size] = {};
-    m_stream->read(reinterpret_cast<char*>(bytes), word_size);
-    check_stream(load_place, file_name());
-    return pm::load_u32(bytes);
 }
 
 // A count that the rest of the file can't hold fails like the short read that it would end in, before memory
@@ -187,7 +278,7 @@ void PM_DPIAFile::require_bytes(std::uint64_t count, const char16_t* place, cons
 }
 
 void PM_DPIAFile::load(PM_Object* target, const char16_t* base, PM_Object::FileType) {
-    const bool with_info = read_version_and_directory();
+    const bool with_info = read_sections();
     const auto write_texts = [&](std::u16string_view item, auto text_of) {
         const std::u16string path = below(base, {u"DPIA_directory", u"*", item});
         int index = 0;
@@ -200,12 +291,12 @@ void PM_DPIAFile::load(PM_Object* target, const char16_t* base, PM_Object::FileT
 }
 
 std::size_t PM_DPIAFile::count_sections() {
-    read_version_and_directory();
+    read_sections();
     return static_cast<std::size_t>(m_sections.count());
 }
 
 std::vector<pm::DpiaSection> PM_DPIAFile::list_sections() {
-    read_version_and_directory();
+    read_sections();
     std::vector<pm::DpiaSection> sections;
     for (const DPIA_Section& each : m_sections) {
         pm::DpiaSection section{std::u16string(each.descriptor_text()), std::nullopt,
@@ -219,21 +310,19 @@ std::vector<pm::DpiaSection> PM_DPIAFile::list_sections() {
 void PM_DPIAFile::load_section(PM_Object* target, const char16_t* base, const char16_t* name) {
     const auto fail = [name] { throw PM_Severe(PM_ERR_NO_SUCH_SECTION, section_place, name, source); };
     if (target == nullptr || base == nullptr || name == nullptr) fail();
-    read_version_and_directory();
-    const auto section = std::find_if(m_sections.begin(), m_sections.end(), [name](const DPIA_Section& each) {
-        return each.descriptor_text() == name;
-    });
-    if (section == m_sections.end()) fail();
+    SectionSearch section(name);
+    read_directory(read_version(), section);
+    if (!section.found()) fail();
 
-    m_stream->seekg(static_cast<std::streamoff>(m_data_offset) + section->offset);
+    m_stream->seekg(static_cast<std::streamoff>(m_data_offset) + section.offset());
     check_stream(section_place, name);
-    require_bytes(section->size, section_place, name);
-    const auto block = pm::allocate_block<char>(std::size_t{section->size} + 1);
+    require_bytes(section.size(), section_place, name);
+    const auto block = pm::allocate_block<char>(std::size_t{section.size()} + 1);
     if (!block) return;
-    m_stream->read(block.get(), section->size);
+    m_stream->read(block.get(), section.size());
     check_stream(section_place, name);
 
-    pm::MemoryStream content({block.get(), section->size});
+    pm::MemoryStream content({block.get(), section.size()});
     PM_PIAFile filer(m_handler);
     filer.set_utf8(true);
     errno = 0;

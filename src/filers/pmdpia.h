@@ -57,11 +57,17 @@ private:
 
     void check_stream(const char16_t* place, const char16_t* name) const;
 
-    bool read_version_and_directory();
-    void read_directory(bool with_info);
-    DPIA_Section read_entry(bool with_info);
-    pm::Block<char16_t> read_text(const char16_t* what);
-    std::uint32_t read_word();
+    class DirectoryReader;
+    class SectionList;
+    class SectionSearch;
+
+    // Whether the directory has info texts.
+    bool read_version();
+    // The directory as a whole; whether it has info texts.
+    bool read_sections();
+    // `listener` hears of each entry's texts, as the file has them, and of where its section lies.
+    template<class Listener>
+    void read_directory(bool with_info, Listener& listener);
     void require_bytes(std::uint64_t count, const char16_t* place, const char16_t* name);
 
     void collect_sections(const PM_Object& source, const char16_t* subtree);
