@@ -187,7 +187,9 @@ std::u16string_view trim_end(std::u16string_view text, std::u16string_view set) 
 }
 
 void append_ascii(std::u16string& out, std::string_view ascii) {
-    out.append(ascii.begin(), ascii.end());
+    const std::size_t start = out.size();
+    out.resize(start + ascii.size());
+    std::copy(ascii.begin(), ascii.end(), out.begin() + static_cast<std::ptrdiff_t>(start));
 }
 
 void append_decimal(std::u16string& out, std::int64_t value) {

@@ -44,7 +44,8 @@ std::size_t widen_last(std::string_view narrow, std::size_t done, char16_t* to) 
     return narrow.size();
 }
 
-// Widens bytes up to the first that is zero or not of ASCII; gives how many.
+} // namespace
+
 std::size_t widen_plain(std::string_view narrow, char16_t* to) {
     std::size_t at = 0;
     for (; at + 8 <= narrow.size(); at += 8) {
@@ -59,8 +60,6 @@ std::size_t widen_plain(std::string_view narrow, char16_t* to) {
     }
     return at;
 }
-
-} // namespace
 
 bool WideText::reserve(std::size_t units) {
     if (units < m_capacity) return true;

@@ -9,6 +9,10 @@
 
 namespace pm {
 
+// Widens bytes up to the first that is zero or not of ASCII; gives how many. There is room for all, and none
+// of it behind those is kept.
+std::size_t widen_plain(std::string_view narrow, char16_t* to);
+
 // Wide text made from narrow pieces in one block, however long it gets: the text is held once. The block is
 // kept when the text is cleared.
 class WideText {

@@ -14,8 +14,13 @@ bool same_units(std::u16string_view a, std::u16string_view b) {
 }
 
 std::size_t same_start(std::u16string_view a, std::u16string_view b) {
+    constexpr std::size_t step = 4;
     const std::size_t size = std::min(a.size(), b.size());
     std::size_t same = 0;
+    while (same + step <= size &&
+           std::memcmp(a.data() + same, b.data() + same, step * sizeof(char16_t)) == 0) {
+        same += step;
+    }
     while (same < size && a[same] == b[same]) {
         ++same;
     }
@@ -32,8 +37,11 @@ PlaceCursor::PlaceCursor(PM_Object& object, std::u16string_view base)
 TreeCursor* PlaceCursor::go_to(std::u16string_view path, int index) {
     if (!m_base_is_plain || path.size() > longest_path) return nullptr;
     std::size_t name = path.size();
-    for (; name > m_base_length && path[name - 1] != u'\\'; --name) {
-        if (path[name - 1] == u'*') return nullptr;
+    for (; name > m_base_length; --name) {
+        const char16_t unit = path[name - 1];
+        if (unit > u'\\') continue; // most letters
+        if (unit == u'\\') break;
+        if (unit == u'*') return nullptr;
     }
     if (name == path.size()) return nullptr;
     const std::u16string_view nodes = path.substr(m_base_length, name - m_base_length);
@@ -42,8 +50,6 @@ TreeCursor* PlaceCursor::go_to(std::u16string_view path, int index) {
         if (!m_base_ends && !nodes.starts_with(u'\\')) return nullptr;
         if (!resolve(nodes, index)) return nullptr;
         move_to(m_resolved);
-        m_given = nodes;
-        m_index = index;
     }
     m_name = path.substr(name);
     return &m_cursor;
@@ -53,30 +59,38 @@ bool PlaceCursor::stands_at(std::u16string_view nodes, int index) const {
     return index == m_index && !m_given.empty() && same_units(nodes, m_given);
 }
 
+// Stars in front of what differs from the last place are known.
 bool PlaceCursor::resolve(std::u16string_view nodes, int index) {
-    const std::size_t star = nodes.find(u'*');
+    const std::size_t same = same_start(nodes, m_given);
+    const std::size_t star = m_star < same ? m_star : nodes.find(u'*', same);
+    if ((star == nodes.npos) != (index == no_index)) return false;
     m_resolved = nodes.substr(0, star);
-    if (star == nodes.npos || index == no_index) return star == nodes.npos && index == no_index;
-    append_decimal(m_resolved, index);
-    m_resolved += nodes.substr(star + 1);
-    return m_resolved.find(u'*', star) == m_resolved.npos;
+    m_same = same;
+    if (star != nodes.npos) {
+        if (nodes.find(u'*', std::max(star + 1, same)) != nodes.npos) return false;
+        append_decimal(m_resolved, index);
+        if (star < same) m_same = index == m_index ? same - 1 + m_resolved.size() - star : star;
+        m_resolved += nodes.substr(star + 1);
+    }
+    m_given = nodes;
+    m_index = index;
+    m_star = star;
+    return true;
 }
 
 // Both places end in a separator: a component stays if that behind it is still the same.
 void PlaceCursor::move_to(std::u16string_view nodes) {
-    const std::size_t same = same_start(nodes, m_nodes);
-    while (!m_ends.empty() && m_ends.back() >= same) {
+    while (!m_ends.empty() && m_ends.back() >= m_same) {
         m_cursor.pop();
         m_ends.pop_back();
     }
     std::size_t at = m_ends.empty() ? 0 : m_ends.back();
     while ((at = nodes.find_first_not_of(u'\\', at)) != nodes.npos) {
-        const std::size_t end = nodes.find(u'\\', at);
+        const std::size_t end = nodes.find(u'\\', at + 1);
         m_cursor.push(nodes.substr(at, end - at));
         m_ends.push_back(end);
         at = end;
     }
-    m_nodes = nodes;
 }
 
 } // namespace pm

@@ -36,13 +36,15 @@ private:
     bool m_base_is_plain;
     bool m_base_ends; // in a separator
 
-    std::u16string m_given;          // the path behind the base up to the name, as last gone to
-    int m_index = no_index;          // and the index it came with
-    std::u16string m_nodes;          // the same with the index in it
-    std::vector<std::size_t> m_ends; // of its components
+    std::u16string m_given; // the path behind the base up to the name, as last gone to
+    int m_index = no_index; // and the index it came with
+    std::size_t m_star = std::u16string_view::npos; // where the index stands in it
+    std::u16string m_nodes;                         // the same with the index in it
+    std::vector<std::size_t> m_ends;                // of its components
     std::u16string_view m_name;
 
-    std::u16string m_resolved; // reused
+    std::u16string m_resolved; // the place with the index in it
+    std::size_t m_same = 0;    // how far it is that of the place before
 };
 
 } // namespace pm

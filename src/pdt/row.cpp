@@ -1,15 +1,27 @@
 #include "pdt/row.h"
 
 #include "base/text.h"
+#include "filers/wide_text.h"
 #include <algorithm>
 
 namespace pm {
 
 void RowLine::assign(std::u16string_view text) {
     const std::u16string_view kept = text.substr(0, capacity - 1);
-    char16_t* end = std::copy(kept.begin(), kept.end(), m_units.data());
-    if (kept.size() < m_used) std::fill(end, m_units.data() + m_used, u'\0');
-    m_used = kept.size();
+    std::copy(kept.begin(), kept.end(), m_units.data());
+    end_at(kept.size());
+}
+
+bool RowLine::assign_plain(std::string_view text) {
+    const std::string_view kept = text.substr(0, capacity - 1);
+    const std::size_t plain = widen_plain(kept, m_units.data());
+    end_at(plain);
+    return plain == kept.size();
+}
+
+void RowLine::end_at(std::size_t length) {
+    if (length < m_used) std::fill(m_units.data() + length, m_units.data() + m_used, u'\0');
+    m_used = length;
 }
 
 void RowLine::end_at_comment(std::size_t slash) {
@@ -20,10 +32,12 @@ void RowLine::end_at_comment(std::size_t slash) {
 }
 
 std::size_t RowLine::find_stop(std::size_t from) const {
-    while (m_units[from] != 0 && m_units[from] != u'\t' && m_units[from] != u'/') {
-        ++from;
+    for (;; ++from) {
+        while (m_units[from] > u'/') { // digits and letters
+            ++from;
+        }
+        if (m_units[from] == 0 || m_units[from] == u'\t' || m_units[from] == u'/') return from;
     }
-    return from;
 }
 
 char16_t* RowLine::next_field(std::size_t& position) {
@@ -60,8 +74,7 @@ void normalize_name(char16_t* text) {
 }
 
 double cell_number(std::u16string_view cell) {
-    constexpr std::u16string_view units = u" \t\n\v\f\r+-.0123456789eE";
-    return scan_double(cell.substr(0, cell.find_first_not_of(units)));
+    return scan_double(cell);
 }
 
 Row::Row(RowLine& line, int columns) : m_line(line) {

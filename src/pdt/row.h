@@ -14,6 +14,8 @@ public:
 
     // Takes at most 2047 units.
     void assign(std::u16string_view text);
+    // The same for text of ASCII without zero bytes; false, with anything in the line, for other text.
+    [[nodiscard]] bool assign_plain(std::string_view text);
 
     char16_t* data() { return m_units.data(); }
     std::u16string_view text() const { return m_units.data(); }
@@ -28,6 +30,7 @@ private:
     // The first tab, "/" or terminator.
     std::size_t find_stop(std::size_t from) const;
     void end_at_comment(std::size_t slash);
+    void end_at(std::size_t length);
 
     std::array<char16_t, capacity> m_units{};
     std::size_t m_used = 0;

@@ -66,11 +66,6 @@ constexpr OpenFailureRow open_failures[] = {
     {ENOSPC, {PM_ERR_DISK_FULL, true}},       {EISDIR, {PM_ERR_IS_A_FOLDER, true}},
 };
 
-[[noreturn]] void fail(int code, const std::u16string& path) {
-    const OpenFailure failure = open_failure(code);
-    throw_pdt_failure(failure.number, failure.names_file ? path.c_str() : nullptr);
-}
-
 std::u16string section_path(std::u16string_view folder, Section section) {
     std::u16string path(folder);
     path += section_name(section);
@@ -111,27 +106,33 @@ SectionReader::SectionReader(std::u16string path, int skipped)
     }
 }
 
-void SectionReader::open() {
-    if (m_path.empty()) fail(ENOENT, m_path);
-    const std::string name = native_file_name(m_path);
+// A folder can be opened here and there; only reading it fails.
+void SectionReader::fail(int code) const {
     std::error_code ignored;
-    // A folder can be opened here and there; only reading it fails.
-    if (std::filesystem::is_directory(name, ignored)) fail(EISDIR, m_path);
+    const bool is_folder = std::filesystem::is_directory(native_file_name(m_path), ignored);
+    const OpenFailure failure = open_failure(is_folder ? EISDIR : code);
+    throw_pdt_failure(failure.number, failure.names_file ? m_path.c_str() : nullptr);
+}
+
+void SectionReader::open() {
+    if (m_path.empty()) fail(ENOENT);
     errno = 0;
-    m_stream.open(name, std::ios::in | std::ios::binary);
-    if (!m_stream) fail(errno, m_path);
+    m_stream.open(native_file_name(m_path), std::ios::in | std::ios::binary);
+    if (!m_stream) fail(errno);
 }
 
 LineReader::Line SectionReader::read_line() {
     constexpr std::size_t longest = RowLine::capacity - 1;
     LineReader::Line line = m_reader.read_line(RowLine::capacity);
     if (line.end == LineReader::End::line && line.text.ends_with('\r')) line.text.remove_suffix(1);
-    if (line.text.size() > longest || m_stream.bad()) throw_pdt_failure(PM_ERR_NOT_OPENED, m_path.c_str());
+    if (m_stream.bad()) fail(EIO);
+    if (line.text.size() > longest) throw_pdt_failure(PM_ERR_NOT_OPENED, m_path.c_str());
     return line;
 }
 
 bool SectionReader::read_row(RowLine& line) {
     const LineReader::Line read = read_line();
+    if (line.assign_plain(read.text)) return read.end == LineReader::End::line;
     m_wide.clear();
     m_code_page.decode(read.text, m_wide);
     line.assign(m_wide);

@@ -76,6 +76,7 @@ public:
 
 private:
     void open();
+    [[noreturn]] void fail(int code) const;
     LineReader::Line read_line();
 
     std::u16string m_path;

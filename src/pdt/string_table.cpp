@@ -1,6 +1,7 @@
 #include "pdt/string_table.h"
 
 #include "base/text.h"
+#include "filers/wide_text.h"
 #include "pdt/failure.h"
 #include "platform/code_page.h"
 #include <algorithm>
@@ -24,14 +25,20 @@ const CodePage& string_code_page() {
 
 void StringTable::load_strings(LineReader& reader, const char16_t* file_name) {
     const CodePage& page = string_code_page();
-    std::u16string wide;
+    std::u16string wide(RowLine::capacity, u'\0');
+    std::u16string decoded;
     for (;;) {
         const LineReader::Line line = reader.read_line(RowLine::capacity - 1);
         if (line.end == LineReader::End::too_long) throw_pdt_failure(PM_ERR_NOT_OPENED, file_name);
         if (line.end == LineReader::End::stream) return;
-        wide.clear();
-        page.decode(line.text, wide);
-        take_line(wide.c_str());
+        const std::size_t plain = widen_plain(line.text, wide.data());
+        if (plain == line.text.size()) {
+            take_line({wide.data(), plain});
+            continue;
+        }
+        decoded.clear();
+        page.decode(line.text, decoded);
+        take_line(decoded.c_str());
     }
 }
 
