@@ -87,6 +87,12 @@ std::uint8_t PM_PathStrings::Key::bucket() const {
     return static_cast<std::uint8_t>(folded ^ folded >> 8U);
 }
 
+std::size_t PM_PathStrings::Entry::bytes_for(std::size_t length) {
+    constexpr std::size_t members = sizeof(PM_Mem_Obj) + 2 * sizeof(Entry*) + 3 * sizeof(std::uint32_t);
+    static_assert(members <= sizeof(Entry));
+    return std::max(sizeof(Entry), members + (length + 1) * sizeof(char16_t));
+}
+
 void PM_PathStrings::Entry::link_at(Entry*& head) noexcept {
     m_next = std::exchange(head, this);
     m_link = &head;
@@ -126,16 +132,15 @@ PM_PathStrings::Entry& PM_PathStrings::AddNew(const Key& key) {
 // Entry and text are one block, but each has a failure of its own.
 PM_PathStrings::Entry& PM_PathStrings::make_entry(const Key& key) {
     constexpr const char16_t* place = u"PM_PathStrings::Add()";
-    const std::size_t text_bytes = (key.text.size() + 1) * sizeof(char16_t);
     if (pm::refused(sizeof(Entry))) raise_no_memory(place, u"entry");
-    void* block = m_pool.allocate(sizeof(Entry) + text_bytes);
+    void* block = m_pool.allocate(Entry::bytes_for(key.text.size()));
     if (block == nullptr) {
         void* const entry_alone = m_pool.allocate(sizeof(Entry));
         m_pool.release(entry_alone, sizeof(Entry));
         raise_no_memory(place, entry_alone != nullptr ? u"" : u"entry");
     }
     auto* entry = ::new (block) Entry(key.text.size(), key.print);
-    *std::copy(key.text.begin(), key.text.end(), reinterpret_cast<char16_t*>(entry + 1)) = u'\0';
+    *std::copy(key.text.begin(), key.text.end(), const_cast<char16_t*>(entry->text())) = u'\0';
     return *entry;
 }
 
@@ -159,7 +164,7 @@ void PM_PathStrings::remove(Entry& entry) {
     entry.unlink();
     --m_count;
     if (m_index.active()) m_index.erase(entry);
-    const std::size_t bytes = sizeof(Entry) + (entry.view().size() + 1) * sizeof(char16_t);
+    const std::size_t bytes = Entry::bytes_for(entry.view().size());
     entry.~Entry();
     m_pool.release(&entry, bytes);
 }

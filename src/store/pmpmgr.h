@@ -23,8 +23,8 @@ public:
         Entry(const Entry&) = delete;
         Entry& operator=(const Entry&) = delete;
 
-        // Stands behind the entry, in the same block.
-        const char16_t* text() const { return reinterpret_cast<const char16_t*>(this + 1); }
+        // Stands behind the last member, in the same block.
+        const char16_t* text() const { return reinterpret_cast<const char16_t*>(&m_print + 1); }
         std::u16string_view view() const { return {text(), m_length}; }
         bool is(std::u16string_view other) const;
         std::int32_t count() const { return m_count; }
@@ -36,6 +36,8 @@ public:
         Entry(std::size_t length, std::uint32_t print) noexcept
             : m_length(static_cast<std::uint32_t>(length)), m_print(print) {}
         ~Entry() override = default;
+        // Of an entry and its text.
+        static std::size_t bytes_for(std::size_t length);
         void link_at(Entry*& head) noexcept;
         void unlink() noexcept;
 
@@ -43,7 +45,7 @@ public:
         Entry** m_link = nullptr; // what points to this entry: its bucket, or m_next of the one in front
         std::int32_t m_count = 1;
         std::uint32_t m_length;
-        std::uint32_t m_print; // tells most texts apart without looking at them
+        std::uint32_t m_print; // tells most texts apart without looking at them; the text follows
     };
 
     // A text with the number that its look-up needs.
