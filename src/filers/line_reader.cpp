@@ -94,6 +94,9 @@ void LineReader::skip_white_space() {
     while (m_at < m_end || fill()) {
         const char* at = m_at;
         const char* const end = m_end;
+        while (at != end && *at == ' ') {
+            ++at;
+        }
         while (at != end && is_white(*at)) {
             ++at;
         }

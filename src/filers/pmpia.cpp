@@ -68,19 +68,19 @@ pm::TreeCursor::Name name_of(std::u16string_view line) {
     return {line.substr(0, static_cast<std::size_t>(at - line.data())), plain};
 }
 
-// Reads digits alone, as most numbers are, and so few that they fit.
+// Reads digits alone, as most numbers are, and only what fits.
 bool parse_plain_long(std::u16string_view text, std::int32_t& out) {
-    constexpr std::size_t most_digits = 9;
+    constexpr std::size_t most_digits = 10;
     const bool negative = text.front() == u'-';
     const std::u16string_view digits = text.substr(negative ? 1 : 0);
     if (digits.empty() || digits.size() > most_digits) return false;
-    std::int32_t value = 0;
+    std::int64_t value = 0;
     for (const char16_t unit : digits) {
         if (!pm::is_digit(unit)) return false;
         value = value * 10 + (unit - u'0');
     }
-    out = negative ? -value : value;
-    return true;
+    out = static_cast<std::int32_t>(negative ? -value : value);
+    return value <= std::numeric_limits<std::int32_t>::max();
 }
 
 // Lets reports know of a load's cursor while the load runs.
@@ -322,6 +322,7 @@ void PM_PIAFile::store_value(pm::TreeCursor& place, const pm::TreeCursor::Name& 
     std::int32_t number = 0;
     if (value.front() == u'"') return place.set_string(name, value.substr(1));
     if (parse_plain_long(value, number)) return place.set_long(name, number);
+    if (value == u"TRUE" || value == u"FALSE") return place.set_bool(name, value.front() == u'T');
     switch (classify_value(value)) {
     case PROP_LONG:
         place.set_long(name, pm::scan_long(value));

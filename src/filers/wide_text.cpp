@@ -1,5 +1,6 @@
 #include "filers/wide_text.h"
 
+#include "base/widen.h"
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -21,16 +22,6 @@ bool is_plain(std::uint64_t bytes) {
 
 bool is_plain(char byte) {
     return byte > 0;
-}
-
-using Bytes = unsigned char __attribute__((vector_size(8)));
-using Units = std::uint16_t __attribute__((vector_size(16)));
-
-void widen_eight(const char* from, char16_t* to) {
-    Bytes bytes;
-    std::memcpy(&bytes, from, sizeof bytes);
-    const auto units = __builtin_convertvector(bytes, Units);
-    std::memcpy(to, &units, sizeof units);
 }
 
 // Widens what is left behind the first `done` bytes, less than eight, together with some of those; gives how

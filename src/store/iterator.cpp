@@ -52,10 +52,8 @@ ValueBlock long_value(const PM_Property& prop) {
 ValueBlock double_value(const PM_Property& prop) {
     double number = 0;
     prop.GetData(&number, sizeof number);
-    char16_t text[pm::double_text_capacity] = {};
-    pm::format_double(number, text);
     ValueBlock value(double_size, double_size);
-    std::memcpy(value.bytes.get(), text, sizeof text);
+    pm::format_double(number, reinterpret_cast<char16_t*>(value.bytes.get()));
     return value;
 }
 

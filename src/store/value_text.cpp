@@ -2,6 +2,7 @@
 
 #include "base/allocator.h"
 #include "base/text.h"
+#include "base/widen.h"
 #include "platform/code_page.h"
 #include <algorithm>
 #include <array>
@@ -455,10 +456,12 @@ char* format_double(double value, char* out) {
     return write_short_form(magnitude, out);
 }
 
-std::size_t format_double(double value, char16_t (&buffer)[double_text_capacity]) {
-    char text[double_text_capacity];
+std::size_t format_double(double value, char16_t* buffer) {
+    char text[double_text_capacity] = {};
     const char* const end = format_double(value, text);
-    *std::copy(static_cast<const char*>(text), end, buffer) = u'\0';
+    for (std::size_t at = 0; at < double_text_capacity; at += 8) {
+        widen_eight(text + at, buffer + at);
+    }
     return static_cast<std::size_t>(end - text);
 }
 

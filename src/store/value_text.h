@@ -11,9 +11,11 @@ inline constexpr std::size_t double_text_capacity = 64;
 
 // The text of a double that parse_double() reads back to the same 64 bits: "2.5" for a number of at most
 // four decimals, otherwise eleven digits with the exact bits behind, "0.33333333333 (55555555U3_#T@)".
-// Negative zero is written as "0.0". Gives the length without the terminator.
-std::size_t format_double(double value, char16_t (&buffer)[double_text_capacity]);
-// The same in ASCII, without a terminator, into room for `double_text_capacity` bytes; gives the end.
+// Negative zero is written as "0.0". Fills `double_text_capacity` units, with zeros behind the text, and
+// gives its length.
+std::size_t format_double(double value, char16_t* buffer);
+// The same in ASCII, without a terminator or anything else behind, into room for `double_text_capacity`
+// bytes; gives the end.
 char* format_double(double value, char* out);
 
 // Reads a double from the whole of `text`: the exact form, the short form, or whatever a scan for a number
