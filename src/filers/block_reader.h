@@ -7,7 +7,8 @@
 namespace pm {
 
 // Hands the bytes of a stream out in pieces, from blocks that it reads ahead. The stream's state is kept as
-// if only those pieces were read: its end, or a failure, is marked when a piece runs into it.
+// if only those pieces were read: its end is marked when a piece runs into it. A device that fails does so
+// for the whole block.
 class BlockReader {
 public:
     static constexpr std::size_t block_size = 16384;

@@ -200,6 +200,43 @@ TEST_F(DpiaTest, LoadDoesNotTouchTheSections) {
     EXPECT_EQ(u"One", string_at(object, u"DPIA_directory\\0\\descriptor"));
 }
 
+TEST_F(DpiaTest, LoadLeavesTheStreamBehindTheDirectory) {
+    const std::string directory = version_2 + word(1) + version_2_entry("One", "first", 0, 3);
+    std::stringstream stream(directory + "???");
+    object.load(stream, PM_Object::FILE_DPIA, u"\\");
+    EXPECT_EQ(static_cast<std::streamoff>(directory.size()), static_cast<std::streamoff>(stream.tellg()));
+    EXPECT_TRUE(stream.good());
+}
+
+TEST_F(DpiaTest, LastOfManySectionsIsFound) {
+    constexpr int sections = 3000; // a directory of some blocks
+    const auto size = static_cast<std::uint32_t>(plain_section.size());
+    std::string directory = version_2 + word(sections);
+    for (int section = 0; section < sections; ++section)
+        directory += version_2_entry("section" + std::to_string(section), "info",
+                                     section + 1 == sections ? 3 : 0, section + 1 == sections ? size : 0);
+    load_section(directory + "???" + plain_section, u"section2999");
+    EXPECT_EQ(1, long_at(object, u"a"));
+}
+
+TEST_F(DpiaTest, SectionIsFoundByItsNameBeyondAscii) {
+    const auto size = static_cast<std::uint32_t>(plain_section.size());
+    load_section(version_1 + word(2) + version_1_entry("Buro", 0, 0) +
+                     version_1_entry("B\xC3\xBCro", 0, size) + plain_section,
+                 u"B\u00FCro");
+    EXPECT_EQ(1, long_at(object, u"a"));
+}
+
+TEST_F(DpiaTest, SectionWhoseNameGoesOnIsAnother) {
+    expect_thrown<PM_Severe>(
+        [&] {
+            load_section(version_1 + word(2) + version_1_entry("OneMore", 0, 0) +
+                             version_1_entry("On", 0, 0) + plain_section,
+                         u"One");
+        },
+        PM_ERR_NO_SUCH_SECTION, section_place, u"One");
+}
+
 TEST_F(DpiaTest, SectionsLoadAlone) {
     add_section(object, u"One", u"first", 1);
     add_section(object, u"Two", u"second", 2);
