@@ -19,9 +19,9 @@ enum class Severity {
 
 // Where in a file. What isn't known is empty or 0.
 struct Place {
-    std::string file;         // as the caller named it; of a description the one of its files, with its folder
-    std::string section;      // of a DPIA file or the number of a plotter
-    std::uint64_t line = 0;   // as an editor counts, from 1
+    std::string file;       // as the caller named it; of a description the one of its files, with its folder
+    std::string section;    // of a DPIA file or the number of a plotter
+    std::uint64_t line = 0; // as an editor counts, from 1
     std::uint32_t column = 0; // in characters, from 1
 
     bool operator==(const Place&) const = default;

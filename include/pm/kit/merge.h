@@ -1,0 +1,42 @@
+#pragma once
+
+#include <optional>
+#include <pm/kit/export.h>
+#include <pm/kit/stored.h>
+#include <pm/tree.h>
+#include <string>
+#include <vector>
+
+// Merging two trees that come from one.
+namespace pm::kit {
+
+// Both sides changed the same property, and not alike.
+struct Conflict {
+    std::string path = {}; // of the property; or of the node that one side removed, the other changed
+    std::optional<Stored> base = {}; // nothing where it isn't
+    std::optional<Stored> first = {};
+    std::optional<Stored> second = {};
+
+    bool operator==(const Conflict&) const = default;
+};
+
+// Whose value a conflict leaves in the merged tree.
+enum class Prefer { first, second };
+
+struct Merged {
+    Tree tree = {};
+    std::vector<Conflict> conflicts = {}; // in the order of the merged tree; what was removed comes first
+};
+
+// What either side changed of `base` is changed, added or removed. A property that both changed otherwise, or
+// one changed and the other removed, is a conflict and comes out as `prefer` says. A node that one side
+// removed stays for what the other side changed or added in it, each of which is a conflict. A list whose
+// order one side alone changed has that order; else it has the order of the first side, with what the second
+// added behind. Takes time in proportion to the trees.
+[[nodiscard]] PM_KIT_API Merged merge(const Tree& base, const Tree& first, const Tree& second,
+                                      Prefer prefer = Prefer::first);
+
+// One line for the eye: "\media\copies: long 1 -> long 2 | long 3", "-" where it isn't.
+[[nodiscard]] PM_KIT_API std::string conflict_text(const Conflict& conflict);
+
+} // namespace pm::kit
