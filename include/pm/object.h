@@ -14,6 +14,7 @@ class PM_Property;
 
 class PM_Object;
 namespace pm {
+class TreeBuilder;
 class TreeCursor;
 PM_API void make_node(PM_Object& object, const char16_t* path); // inspect.h
 } // namespace pm
@@ -182,6 +183,7 @@ private:
     friend const PM_Property* pm_find_property(const PM_Object& object, const char16_t* path, int index);
     friend const PM_Node* pm_find_node(const PM_Object& object, const char16_t* path);
     friend void pm::make_node(PM_Object& object, const char16_t* path);
+    friend class pm::TreeBuilder;
     friend class pm::TreeCursor;
 
     bool getData(const char16_t* path, void* buffer, std::size_t size, PropType type, int index) const;

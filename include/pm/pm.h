@@ -6,6 +6,7 @@
 //   object.h         the tree itself, PM_Object: typed access by path, loads and saves
 //   iterator.h       PM_Iterator, a walk that gives each value as text
 //   view.h           nodes and properties as they are stored
+//   build.h          nodes and properties made and removed by their handles, exactly
 //   exception.h      how failures are told; error_number.h and error_text.h name the numbers
 //   error_handler.h  who hears of what a load passes over
 //   code_page.h      what narrow text is taken to be
@@ -16,6 +17,7 @@
 // mem_obj.h, zt_string.h and srcstreambuf.h hold what these stand on. What lies in detail/ is included by the
 // headers here and may change with any version.
 
+#include <pm/build.h>
 #include <pm/code_page.h>
 #include <pm/codec.h>
 #include <pm/error_handler.h>

@@ -186,6 +186,8 @@ public:
     // Copies `size` bytes in; an equal size takes no memory. `pool` is that of the tree. Number 55, place
     // u"PM_Property::SetData()", detail u"Property Manager": the property then has size 0 and no data.
     void SetData(pm::Pool& pool, const void* data, std::size_t size);
+    // Leaves no data.
+    void drop_value(pm::Pool& pool) noexcept;
     // Copies the value out. PM_Warning, place u"PM_Property::GetData()", detail the name: number 59 if there
     // is no data, 58 if `size`, the room in the buffer, is too small.
     void GetData(void* buffer, std::size_t size) const;
@@ -228,7 +230,6 @@ private:
         : m_name(&PM_PathStrings::AddReference(name)), m_print(name.print()) {}
     ~PM_Property() override = default;
     bool make_room(pm::Pool& pool, std::size_t size) noexcept;
-    void drop_value(pm::Pool& pool) noexcept;
 
     PM_PathStrings::Entry* m_name;
     PM_Property* m_next = nullptr;
