@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <fmt/format.h>
+#include <pm/detail/utf.h>
 #include <pm/text.h>
 
 namespace pm::kit {
@@ -115,6 +116,20 @@ std::optional<Bytes> parse_hex(std::string_view digits) {
         bytes.push_back(static_cast<std::byte>(high << 4 | low));
     }
     return bytes;
+}
+
+std::string printable(std::string_view text) {
+    const std::u16string units = to_utf16(text);
+    std::string out;
+    for (std::size_t at = 0; at < units.size();) {
+        const char32_t code = detail::next_code_point(units, at);
+        if (code < 0x20 || code == 0x7F) {
+            out += fmt::format("\\x{:02X}", static_cast<unsigned>(code));
+        } else {
+            detail::append_utf8(code >= 0xD800 && code <= 0xDFFF ? U'\uFFFD' : code, out);
+        }
+    }
+    return out;
 }
 
 std::string double_text(double number) {

@@ -15,7 +15,7 @@ std::string error_of(Action action) {
         std::string place;
         if (e.line() != 0) place += std::to_string(e.line()) + ':';
         if (e.column() != 0) place += std::to_string(e.column()) + ':';
-        return place + (place.empty() ? "" : " ") + e.what();
+        return place.empty() ? e.what() : place + ' ' + e.what();
     }
     return {};
 }

@@ -66,11 +66,10 @@ public:
 
     // A name: one of a few, so that nodes and properties meet.
     std::u16string name() {
-        static const std::u16string names[] = {u"a",         u"b",      u"B",          u"*",
-                                               u"**",        u"[*]",    u"two words",  u"#x",
-                                               u"\"q\"",     u"{;}",    u"1st",        u"\xD800",
-                                               u"\xDC01\xD801", u"Ж",   u"\U0001F600", u"tab\tline\n",
-                                               u"a=b",       u"Root",   u"-",          u"set"};
+        static const std::u16string names[] = {
+            u"a",          u"b",           u"B",   u"*",    u"**",     u"[*]",          u"two words",
+            u"#x",         u"\"q\"",       u"{;}", u"1st",  u"\xD800", u"\xDC01\xD801", u"Ж",
+            u"\U0001F600", u"tab\tline\n", u"a=b", u"Root", u"-",      u"set"};
         return names[below(std::size(names))];
     }
 
@@ -119,7 +118,8 @@ private:
     }
 
     double number() {
-        static constexpr double some[] = {0.0, -0.0, 0.1, 1.0 / 3, 5e-324, 1.7976931348623157e308, -2.5, 1e22};
+        static constexpr double some[] = {0.0,  -0.0, 0.1, 1.0 / 3, 5e-324, 1.7976931348623157e308,
+                                          -2.5, 1e22};
         if (below(3) != 0) return some[below(std::size(some))];
         return std::bit_cast<double>(std::uint64_t{m_random()} << 32 | m_random()); // NaNs and infinities too
     }

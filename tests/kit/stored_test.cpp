@@ -83,7 +83,8 @@ TEST(ParseValue, MistakesAreToldWithTheirColumn) {
     EXPECT_EQ("8: the text has no closing quote", error_in("string \"x"));
     EXPECT_EQ("9: a backslash is followed by nothing it may be", error_in("string \"\\q\""));
     EXPECT_EQ("12: \\u asks for four hexadecimal digits", error_in("string \"\\u0g\""));
-    EXPECT_EQ("5: \"ABC\" isn't an even number of hexadecimal digits, which raw asks for", error_in("raw ABC"));
+    EXPECT_EQ("5: \"ABC\" isn't an even number of hexadecimal digits, which raw asks for",
+              error_in("raw ABC"));
     EXPECT_EQ("6: none has no value", error_in("none 1"));
 }
 

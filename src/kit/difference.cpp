@@ -1,0 +1,269 @@
+#include "exclusion.h"
+#include "text_reader.h"
+#include "tree_place.h"
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <fmt/format.h>
+#include <pm/kit/difference.h>
+#include <unordered_map>
+
+namespace pm::kit {
+
+namespace {
+
+constexpr std::array<std::string_view, 6> change_names{"added", "removed",    "type",
+                                                       "value", "strictness", "order"};
+
+bool same_bytes(const PM_Property_View& a, const PM_Property_View& b) {
+    if (a.size != b.size || (a.data == nullptr) != (b.data == nullptr)) return false;
+    return a.size == 0 || std::memcmp(a.data, b.data, a.size) == 0;
+}
+
+bool within(const PM_Property_View& a, const PM_Property_View& b, double tolerance) {
+    if (a.type != PROP_DOUBLE || a.size != sizeof(double) || b.size != sizeof(double)) return false;
+    double first = 0;
+    double second = 0;
+    std::memcpy(&first, a.data, sizeof first);
+    std::memcpy(&second, b.data, sizeof second);
+    return std::fabs(first - second) <= tolerance;
+}
+
+// The members of one list of a node, by name.
+template<class Handle>
+using ByName = std::unordered_map<std::u16string_view, Handle>;
+
+// The two sides of one list: what only one has, and the pairs in the order of the second.
+template<class Handle>
+struct Lists {
+    std::vector<Handle> removed;
+    std::vector<std::pair<std::optional<Handle>, Handle>> now;
+    std::vector<Handle> kept_before; // what both have, in the order of the first
+};
+
+template<class Range>
+auto handles_of(const Range& range, const Exclusion& exclusion) {
+    std::vector<std::decay_t<decltype(*range.begin())>> handles;
+    for (const auto handle : range) {
+        if (!exclusion.excludes(handle)) handles.push_back(handle);
+    }
+    return handles;
+}
+
+template<class Handle>
+bool same_names(const std::vector<Handle>& first, const std::vector<Handle>& second) {
+    return std::ranges::equal(first, second, {}, &Handle::name16, &Handle::name16);
+}
+
+template<class Handle>
+Lists<Handle> pair_up(const std::vector<Handle>& first, const std::vector<Handle>& second) {
+    Lists<Handle> lists;
+    lists.now.reserve(second.size());
+    if (same_names(first, second)) {
+        for (std::size_t i = 0; i < first.size(); ++i) {
+            lists.now.emplace_back(first[i], second[i]);
+        }
+        return lists;
+    }
+    ByName<Handle> before;
+    ByName<Handle> after;
+    for (const Handle& handle : first) {
+        before.emplace(handle.name16(), handle);
+    }
+    for (const Handle& handle : second) {
+        const auto found = before.find(handle.name16());
+        lists.now.emplace_back(found != before.end() ? std::optional(found->second) : std::nullopt, handle);
+        after.emplace(handle.name16(), handle);
+    }
+    for (const Handle& handle : first) {
+        (after.contains(handle.name16()) ? lists.kept_before : lists.removed).push_back(handle);
+    }
+    return lists;
+}
+
+// What has to go to the end, so that the list that both sides share, with what was added behind it, comes
+// into the order of the second side.
+template<class Handle>
+std::vector<std::u16string_view> moved_names(const Lists<Handle>& lists) {
+    std::vector<std::u16string_view> have;
+    for (const Handle& handle : lists.kept_before) {
+        have.push_back(handle.name16());
+    }
+    for (const auto& [before, after] : lists.now) {
+        if (!before) have.push_back(after.name16());
+    }
+    // The longest beginning of the second side's order that stands in this order already.
+    std::size_t keep = 0;
+    for (const std::u16string_view name : have) {
+        if (keep < lists.now.size() && lists.now[keep].second.name16() == name) ++keep;
+    }
+    std::vector<std::u16string_view> moved;
+    if (have.empty()) return moved; // the same names in the same order
+    for (; keep < lists.now.size(); ++keep) {
+        moved.push_back(lists.now[keep].second.name16());
+    }
+    return moved;
+}
+
+class Comparison {
+public:
+    explicit Comparison(const CompareOptions& options) : m_options(options), m_exclusion(options.exclude) {}
+
+    void compare(const Node& first, const Node& second) {
+        compare_properties(first, second);
+        compare_children(first, second);
+    }
+    std::vector<Difference> take() { return std::move(m_differences); }
+
+private:
+    void compare_properties(const Node& first, const Node& second) {
+        const auto lists = pair_up(handles_of(first.properties(), m_exclusion),
+                                   handles_of(second.properties(), m_exclusion));
+        for (const Property& property : lists.removed) {
+            add_property(Change::removed, property);
+        }
+        for (const auto& [before, after] : lists.now) {
+            if (before) {
+                compare_property(*before, after);
+            } else {
+                add_property(Change::added, after);
+            }
+        }
+        add_order(lists, "");
+    }
+
+    void compare_property(const Property& first, const Property& second) {
+        const PM_Property_View a = first.view();
+        const PM_Property_View b = second.view();
+        const bool same_value =
+            same_bytes(a, b) || (m_options.tolerance > 0 && within(a, b, m_options.tolerance));
+        if (a.type != b.type) {
+            add_change(Change::type, first, second);
+        } else if (!same_value) {
+            add_change(Change::value, first, second);
+        } else if (a.strict != b.strict && m_options.strictness) {
+            add_change(Change::strictness, first, second);
+        }
+    }
+
+    void compare_children(const Node& first, const Node& second) {
+        const auto lists =
+            pair_up(handles_of(first.children(), m_exclusion), handles_of(second.children(), m_exclusion));
+        for (const Node& node : lists.removed) {
+            add_nodes(Change::removed, node);
+        }
+        for (const auto& [before, after] : lists.now) {
+            if (before) {
+                const std::size_t length = enter(after);
+                compare(*before, after);
+                leave(length);
+            } else {
+                add_nodes(Change::added, after);
+            }
+        }
+        add_order(lists, "\\");
+    }
+
+    // A node with all that is in it.
+    void add_nodes(Change change, const Node& node) {
+        const std::size_t length = enter(node);
+        m_differences.push_back({change, m_path, {}, {}, {}});
+        for (const Property& property : handles_of(node.properties(), m_exclusion)) {
+            add_property(change, property);
+        }
+        for (const Node& child : handles_of(node.children(), m_exclusion)) {
+            add_nodes(change, child);
+        }
+        leave(length);
+    }
+
+    void add_property(Change change, const Property& property) {
+        Difference difference{change, m_path + property.name(), {}, {}, {}};
+        (change == Change::removed ? difference.before : difference.after) = stored(property);
+        m_differences.push_back(std::move(difference));
+    }
+
+    void add_change(Change change, const Property& first, const Property& second) {
+        m_differences.push_back({change, m_path + second.name(), stored(first), stored(second), {}});
+    }
+
+    template<class Handle>
+    void add_order(const Lists<Handle>& lists, std::string_view end) {
+        if (!m_options.order) return;
+        const std::vector<std::u16string_view> names = moved_names(lists);
+        if (names.empty()) return;
+        Difference difference{Change::order, m_path, {}, {}, {}};
+        for (const std::u16string_view name : names) {
+            difference.moved.push_back(fmt::format("{}{}{}", m_path, to_utf8(name), end));
+        }
+        m_differences.push_back(std::move(difference));
+    }
+
+    std::size_t enter(const Node& node) {
+        const std::size_t length = m_path.size();
+        (m_path += node.name()) += '\\';
+        m_exclusion.enter(node);
+        return length;
+    }
+    void leave(std::size_t length) {
+        m_path.resize(length);
+        m_exclusion.leave();
+    }
+
+    const CompareOptions& m_options;
+    Exclusion m_exclusion;
+    std::string m_path = "\\";
+    std::vector<Difference> m_differences;
+};
+
+std::string side_text(const std::optional<Stored>& stored) {
+    return stored ? value_text(*stored) : "";
+}
+
+} // namespace
+
+std::string_view change_name(Change change) noexcept {
+    return change_names[static_cast<std::size_t>(change)];
+}
+
+std::vector<Difference> compare(const Node& first, const Node& second, const CompareOptions& options) {
+    Comparison comparison(options);
+    comparison.compare(first, second);
+    return comparison.take();
+}
+
+std::vector<Difference> compare(const Tree& first, const Tree& second, const CompareOptions& options) {
+    return compare(first.root(), second.root(), options);
+}
+
+bool identical(const Node& first, const Node& second) {
+    return compare(first, second).empty();
+}
+
+bool identical(const Tree& first, const Tree& second) {
+    return identical(first.root(), second.root());
+}
+
+std::string difference_text(const Difference& difference) {
+    const std::string path = printable(difference.path);
+    const auto entry = [&path](char mark, const std::optional<Stored>& value) {
+        return value ? fmt::format("{} {}: {}", mark, path, value_text(*value))
+                     : fmt::format("{} {}", mark, path);
+    };
+    switch (difference.change) {
+    case Change::added:
+        return entry('+', difference.after);
+    case Change::removed:
+        return entry('-', difference.before);
+    case Change::strictness:
+        return fmt::format("~ {}: {}", path,
+                           difference.after && difference.after->strict ? "strict" : "loose");
+    case Change::order:
+        return fmt::format("order of {}", path);
+    default:
+        return fmt::format("~ {}: {} -> {}", path, side_text(difference.before), side_text(difference.after));
+    }
+}
+
+} // namespace pm::kit

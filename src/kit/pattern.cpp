@@ -1,0 +1,169 @@
+#include "pattern_walk.h"
+#include "tree_place.h"
+#include <algorithm>
+#include <pm/kit/error.h>
+#include <pm/kit/pattern.h>
+
+namespace pm::kit {
+
+namespace {
+
+constexpr std::u16string_view literal_star = u"[*]";
+constexpr std::u16string_view literal_bracket = u"[[]";
+
+// The parts of a name between its asterisks, with what is escaped as it is meant.
+std::vector<std::u16string> parts_of(std::u16string_view name) {
+    std::vector<std::u16string> parts(1);
+    while (!name.empty()) {
+        const bool escape = name.starts_with(literal_star) || name.starts_with(literal_bracket);
+        if (escape) {
+            parts.back() += name[1];
+        } else if (name.front() == u'*') {
+            parts.emplace_back();
+        } else {
+            parts.back() += name.front();
+        }
+        name.remove_prefix(escape ? literal_star.size() : 1);
+    }
+    return parts;
+}
+
+bool matches_parts(const std::vector<std::u16string>& parts, std::u16string_view name) {
+    if (parts.size() == 1) return name == parts.front();
+    if (!name.starts_with(parts.front())) return false;
+    name.remove_prefix(parts.front().size());
+    if (!name.ends_with(parts.back())) return false;
+    name.remove_suffix(parts.back().size());
+    for (std::size_t i = 1; i + 1 < parts.size(); ++i) {
+        const std::size_t found = name.find(parts[i]);
+        if (found == std::u16string_view::npos) return false;
+        name.remove_prefix(found + parts[i].size());
+    }
+    return true;
+}
+
+void append_found(const Node& node, const std::string& path, PatternWalk& walk, bool only_nodes,
+                  std::vector<Match>& found) {
+    for (const Property property : node.properties()) {
+        if (!only_nodes && walk.matches_below(property.name16(), false)) {
+            found.push_back({path + property.name(), node, property});
+        }
+    }
+    for (const Node child : node.children()) {
+        walk.enter(child.name16());
+        const std::string child_path = path + child.name() + '\\';
+        if (walk.matches()) found.push_back({child_path, child, std::nullopt});
+        if (walk.may_match_below()) append_found(child, child_path, walk, only_nodes, found);
+        walk.leave();
+    }
+}
+
+} // namespace
+
+Pattern::Pattern(std::string_view text) {
+    if (text.find('\0') != std::string_view::npos) throw Error("a path can't hold a zero");
+    const std::u16string wide = to_utf16(text);
+    m_only_nodes = is_node_path(wide);
+    std::u16string path;
+    for_each_name(wide, [&](std::u16string_view name) {
+        Component component;
+        component.any_depth = name == u"**";
+        if (!component.any_depth) component.parts = parts_of(name);
+        m_literal = m_literal && component.parts.size() == 1;
+        if (m_literal) (path += u'\\') += component.parts.front();
+        m_components.push_back(std::move(component));
+    });
+    if (m_literal) m_path = to_utf8(path) + (m_only_nodes ? "\\" : "");
+    // At the end it stands for one name at least.
+    if (!m_components.empty() && m_components.back().any_depth) {
+        m_components.push_back({false, {u"", u""}});
+    }
+}
+
+bool Pattern::matches(std::string_view path) const {
+    const std::u16string wide = to_utf16(path);
+    if (m_only_nodes && !is_node_path(wide)) return false;
+    PatternWalk walk(*this);
+    for_each_name(wide, [&](std::u16string_view name) { walk.enter(name); });
+    return walk.matches();
+}
+
+PatternWalk::PatternWalk(const Pattern& pattern) : m_pattern(&pattern) {
+    States start;
+    add(start, 0);
+    m_states.push_back(std::move(start));
+}
+
+void PatternWalk::add(States& states, std::size_t used) const {
+    const auto& components = m_pattern->m_components;
+    for (;; ++used) {
+        if (std::ranges::find(states, used) == states.end()) states.push_back(used);
+        if (used == components.size() || !components[used].any_depth) return;
+    }
+}
+
+PatternWalk::States PatternWalk::after(std::u16string_view name) const {
+    const auto& components = m_pattern->m_components;
+    States next;
+    for (const std::size_t used : m_states.back()) {
+        if (used == components.size()) continue;
+        if (components[used].any_depth) {
+            add(next, used);
+        } else if (matches_parts(components[used].parts, name)) {
+            add(next, used + 1);
+        }
+    }
+    return next;
+}
+
+bool PatternWalk::matches() const {
+    return std::ranges::find(m_states.back(), m_pattern->m_components.size()) != m_states.back().end();
+}
+
+bool PatternWalk::matches_below(std::u16string_view name, bool node) const {
+    if (m_pattern->only_nodes() && !node) return false;
+    const States next = after(name);
+    return std::ranges::find(next, m_pattern->m_components.size()) != next.end();
+}
+
+void PatternWalk::enter(std::u16string_view name) {
+    m_states.push_back(after(name));
+}
+
+std::vector<Match> find_all(const Node& root, const Pattern& pattern) {
+    std::vector<Match> found;
+    PatternWalk walk(pattern);
+    if (walk.matches()) found.push_back({"\\", root, std::nullopt});
+    append_found(root, "\\", walk, pattern.only_nodes(), found);
+    return found;
+}
+
+std::vector<Match> find_all(const Tree& tree, const Pattern& pattern) {
+    return find_all(tree.root(), pattern);
+}
+
+std::string escaped(std::string_view path) {
+    std::string text;
+    text.reserve(path.size());
+    for (const char c : path) {
+        if (c == '*' || c == '[') {
+            ((text += '[') += c) += ']';
+        } else {
+            text += c;
+        }
+    }
+    return text;
+}
+
+std::string full_path(std::string_view path) {
+    std::string full;
+    for (std::string_view rest = path; !rest.empty();) {
+        const std::size_t end = std::min(rest.find('\\'), rest.size());
+        if (end > 0) (full += '\\') += rest.substr(0, end);
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    if (path.empty() || path.back() == '\\') full += '\\';
+    return full;
+}
+
+} // namespace pm::kit

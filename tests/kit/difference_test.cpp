@@ -1,0 +1,151 @@
+#include "kit/errors.h"
+#include "kit/random_tree.h"
+#include <gmock/gmock.h>
+#include <pm/inspect.h>
+#include <pm/kit/difference.h>
+
+namespace pm::kit::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+std::vector<std::string> texts(const std::vector<Difference>& differences) {
+    std::vector<std::string> lines;
+    for (const Difference& difference : differences) {
+        lines.push_back(difference_text(difference));
+    }
+    return lines;
+}
+
+class Compare : public ::testing::Test {
+protected:
+    Compare() {
+        for (Tree* tree : {&a, &b}) {
+            tree->set("\\x", 1);
+            tree->set("\\y", 0.5);
+            tree->set("\\n\\s", "text");
+            tree->set("\\m\\t", true);
+        }
+    }
+    std::vector<std::string> differences(const CompareOptions& options = {}) {
+        return texts(compare(a, b, options));
+    }
+
+    Tree a;
+    Tree b;
+};
+
+TEST_F(Compare, EqualTreesHaveNone) {
+    EXPECT_THAT(differences(), IsEmpty());
+    EXPECT_TRUE(identical(a, b));
+}
+
+TEST_F(Compare, ValueOfAProperty) {
+    b.set("\\x", 2);
+    EXPECT_THAT(differences(), ElementsAre("~ \\x: long 1 -> long 2"));
+    EXPECT_FALSE(identical(a, b));
+}
+
+TEST_F(Compare, TypeOfAProperty) {
+    put(b, "\\x", make_stored(Value(1.0)));
+    EXPECT_THAT(differences(), ElementsAre("~ \\x: long 1 -> double 1.0"));
+    EXPECT_EQ(Change::type, compare(a, b).front().change);
+}
+
+TEST_F(Compare, StrictnessOfAProperty) {
+    b.set("\\x", 1, -1, false);
+    EXPECT_THAT(differences(), ElementsAre("~ \\x: loose"));
+    EXPECT_THAT(differences({.strictness = false}), IsEmpty());
+}
+
+TEST_F(Compare, WhatOnlyOneSideHasWithAllThatIsInIt) {
+    b.set("\\new\\deep\\p", 1);
+    a.set("\\old", 2);
+    EXPECT_THAT(differences(),
+                ElementsAre("- \\old: long 2", "+ \\new\\", "+ \\new\\deep\\", "+ \\new\\deep\\p: long 1"));
+}
+
+TEST_F(Compare, EmptyNodeCounts) {
+    make_node(a.object(), u"\\e");
+    EXPECT_THAT(differences(), ElementsAre("- \\e\\"));
+}
+
+TEST_F(Compare, NodeAndPropertyOfOneNameAreTwoThings) {
+    a.set("\\n", 1);
+    EXPECT_THAT(differences(), ElementsAre("- \\n: long 1"));
+}
+
+TEST_F(Compare, OrderIsToldByWhatGoesToTheEnd) {
+    a.erase("\\x");
+    a.set("\\x", 1);
+    const std::vector<Difference> found = compare(a, b);
+    EXPECT_THAT(texts(found), ElementsAre("order of \\"));
+    EXPECT_THAT(found.front().moved, ElementsAre("\\y"));
+    EXPECT_THAT(differences({.order = false}), IsEmpty());
+}
+
+TEST_F(Compare, NodeThatWasAddedInFrontChangesTheOrder) {
+    Tree c;
+    c.set("\\first\\p", 1);
+    copy(b.root(), c, "\\");
+    const std::vector<Difference> found = compare(b, c);
+    EXPECT_THAT(texts(found), ElementsAre("+ \\first\\", "+ \\first\\p: long 1", "order of \\"));
+    EXPECT_THAT(found.back().moved, ElementsAre("\\n\\", "\\m\\"));
+}
+
+TEST_F(Compare, NegativeZeroAndNaNCountByTheirBits) {
+    a.set("\\y", 0.0);
+    b.set("\\y", -0.0);
+    EXPECT_THAT(differences(), ElementsAre("~ \\y: double 0.0 -> double -0.0"));
+    a.set("\\y", std::numeric_limits<double>::quiet_NaN());
+    b.set("\\y", std::numeric_limits<double>::quiet_NaN());
+    EXPECT_THAT(differences(), IsEmpty());
+}
+
+TEST_F(Compare, ToleranceIsOfDoublesOnly) {
+    b.set("\\y", 0.51);
+    b.set("\\x", 2);
+    EXPECT_THAT(differences({.tolerance = 0.011}), ElementsAre("~ \\x: long 1 -> long 2"));
+    EXPECT_THAT(differences({.tolerance = 0.009}),
+                ElementsAre("~ \\x: long 1 -> long 2", "~ \\y: double 0.5 -> double 0.51"));
+    b.set("\\y", std::numeric_limits<double>::quiet_NaN());
+    EXPECT_EQ(2U, differences({.tolerance = 100}).size());
+}
+
+TEST_F(Compare, NarrowTextIsNotTheWideOneOfItsUnits) {
+    a.object().SetProperty(u"\\z", u"ab");
+    b.object().SetProperty(u"\\z", reinterpret_cast<const unsigned char*>("ab"));
+    EXPECT_THAT(differences(), ElementsAre("~ \\z: string \"ab\" -> string bytes 616200"));
+}
+
+TEST_F(Compare, WhatIsExcludedCountsOnNeitherSide) {
+    a.set("\\n\\old", 1);
+    b.set("\\n\\new\\p", 1);
+    b.set("\\x", 2);
+    EXPECT_THAT(differences({.exclude = {"\\n\\**"}}), ElementsAre("~ \\x: long 1 -> long 2"));
+    EXPECT_THAT(differences({.exclude = {"\\n\\", "x"}}), IsEmpty());
+    EXPECT_EQ("a path can't hold a zero",
+              error_of([&] { (void)differences({.exclude = {std::string("\0", 1)}}); }));
+}
+
+TEST_F(Compare, LineForTheEyeHasNoControlCharacters) {
+    b.set("\\line\nend", "a\nb");
+    EXPECT_THAT(differences(), ElementsAre("+ \\line\\x0Aend: string \"a\\nb\""));
+}
+
+TEST(CompareAtLength, TakesTimeInProportion) {
+    Tree a;
+    Tree b;
+    const int count = 100000;
+    for (int i = 0; i < count; ++i) {
+        a.set("\\n\\p*", i, i);
+        b.set("\\n\\p*", count - 1 - i, count - 1 - i);
+    }
+    const std::vector<Difference> found = compare(a, b);
+    ASSERT_EQ(1U, found.size());
+    EXPECT_EQ(static_cast<std::size_t>(count) - 1, found.front().moved.size());
+}
+
+} // namespace
+} // namespace pm::kit::test
