@@ -84,7 +84,7 @@ struct ValueText {
     std::string operator()(std::int32_t number) const { return fmt::format("{}", number); }
     std::string operator()(double number) const { return double_text(number); }
     std::string operator()(bool yes) const { return yes ? "true" : "false"; }
-    std::string operator()(const std::string& text) const { return quoted(text); }
+    std::string operator()(const std::string& text) const { return quoted_text(text); }
     std::string operator()(const Bytes& bytes) const { return hex_text(bytes); }
 };
 
@@ -137,8 +137,8 @@ constexpr WordType word_types[] = {
 Value parse_word(TextReader& reader, std::string_view word, std::size_t position, PropType type) {
     const auto* const row = std::ranges::find(word_types, type, &WordType::type);
     if (const std::optional<Value> value = row->parse(word)) return *value;
-    reader.fail_at(position,
-                   fmt::format("{} isn't {}, which {} asks for", quoted(word), row->wanted, type_name(type)));
+    reader.fail_at(position, fmt::format("{} isn't {}, which {} asks for", quoted_text(word), row->wanted,
+                                         type_name(type)));
 }
 
 PropType take_type(TextReader& reader) {
@@ -147,7 +147,7 @@ PropType take_type(TextReader& reader) {
     const std::string_view word = reader.take_word();
     if (const std::optional<PropType> type = type_named(word)) return *type;
     reader.fail_at(position, fmt::format("{}: no such type; there are long, double, string, bool, raw, none",
-                                         quoted(word)));
+                                         quoted_text(word)));
 }
 
 // The forms that any type has.
@@ -227,7 +227,7 @@ Stored parse_value(std::string_view text, PropType type) {
     return make_stored(parse_word(reader, text, 0, type));
 }
 
-std::string quoted(std::string_view text) {
+std::string quoted_text(std::string_view text) {
     constexpr std::string_view short_forms = "btnvfr"; // of 8 to 13
     const std::u16string units = to_utf16(text);
     std::string out = "\"";

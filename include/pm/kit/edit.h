@@ -56,12 +56,12 @@ struct Edit {
 // All or nothing: when it throws, the tree is as before. Throws Error, with the edit's line, for what isn't
 // there, a target that is taken, a node that would go into itself, and a path that can't be made (the message
 // says which); want of memory passes. Handles into the tree don't survive it.
-PM_KIT_API void apply(Tree& tree, std::span<const Edit> edits);
+PM_KIT_API void apply_edits(Tree& tree, std::span<const Edit> edits);
 // The tree that this makes; `tree` stays.
 [[nodiscard]] PM_KIT_API Tree applied(const Tree& tree, std::span<const Edit> edits);
 
 // One edit at once. When it throws, what was done stays.
-PM_KIT_API void apply_here(Tree& tree, const Edit& edit);
+PM_KIT_API void apply_edit(Tree& tree, const Edit& edit);
 
 // The edits that turn the first tree of a comparison into the second, exactly: order, empty nodes, strictness
 // and bytes, as far as the comparison counted them.

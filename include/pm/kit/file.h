@@ -25,6 +25,9 @@ struct Input {
     // file is read (code_page.h: for the whole process).
     unsigned code_page = 0;
     OnReport on_report = {}; // asked as by a load of tree.h
+    // What ends the reading of a section, or of a file of one tree, is its last report, and what was read
+    // before it stays; the other sections are read.
+    bool keep_going = false;
 };
 
 // What a load passed over, and of which part of the file; the section as in Section::name, empty for a whole

@@ -51,7 +51,7 @@ struct Stored {
 
 // A text in double quotes as JSON has it, on one line; never fails: what isn't UTF-8 becomes U+FFFD, an
 // unpaired surrogate "\ud800".
-[[nodiscard]] PM_KIT_API std::string quoted(std::string_view text);
+[[nodiscard]] PM_KIT_API std::string quoted_text(std::string_view text);
 
 // Exactly this, whatever was at the path: nodes that are missing are made, a property that is there keeps its
 // place and takes type, strictness and bytes. "*" in the path is ordinary. Throws as pm::put_property().

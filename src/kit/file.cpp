@@ -1,0 +1,376 @@
+#include "header.h"
+#include "scratch_file.h"
+#include "text_reader.h"
+#include "tree_place.h"
+#include <algorithm>
+#include <charconv>
+#include <fmt/format.h>
+#include <fstream>
+#include <iostream>
+#include <pm/code_page.h>
+#include <pm/error_number.h>
+#include <pm/exception.h>
+#include <pm/kit/error.h>
+#include <pm/kit/file.h>
+#include <set>
+#include <sstream>
+
+namespace pm::kit {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Content as the library is given it: a file by name, or a stream.
+struct Source {
+    std::u16string path;    // empty: the bytes are loaded from a stream
+    std::string_view bytes; // of content at hand
+    std::string shown;      // the name that reports and failures show
+    bool scratch = false;   // the path is that of a temporary file
+    PM_Object::FileType type = PM_Object::FILE_PIA;
+};
+
+// ---- names in reports and failures
+
+std::string with_shown_name(std::string text, const Source& source) {
+    if (!source.scratch) return text;
+    const std::string hidden = to_utf8(source.path);
+    const std::size_t found = text.find(hidden);
+    if (found != std::string::npos) text.replace(found, hidden.size(), source.shown);
+    return text;
+}
+
+void show_name(ZT_Exception& exception, const Source& source) {
+    const std::u16string detail = to_utf16(with_shown_name(to_utf8(exception.m_detail), source));
+    const std::size_t length = detail.copy(exception.m_detail, ZT_Exception::detail_capacity - 1);
+    exception.m_detail[length] = u'\0';
+}
+
+// ---- one tree
+
+FileReport last_report(const ZT_Exception& exception, const std::string& section) {
+    FileReport report;
+    report.kind = exception.kind();
+    report.number = exception.m_number;
+    report.place = exception.m_place != nullptr ? to_utf8(exception.m_place) : std::string();
+    report.detail = to_utf8(exception.m_detail);
+    report.section = section;
+    return report;
+}
+
+class Reading {
+public:
+    Reading(FileContent& content, const Input& input, const Source& source)
+        : m_content(content), m_input(input), m_source(source) {}
+
+    // Loads what the options say into a tree; `section` is for the reports.
+    void load(Tree& tree, LoadOptions options, const std::string& section) {
+        options.type = m_source.type;
+        options.on_report = m_input.on_report;
+        try {
+            load_source(tree, options);
+            take_reports(tree, section);
+        } catch (ZT_Exception& e) {
+            show_name(e, m_source);
+            take_reports(tree, section);
+            if (!m_input.keep_going) throw;
+            m_content.reports.push_back(last_report(e, section));
+        }
+    }
+
+    // Loads a section below a node of its own.
+    void load_section(LoadOptions options, const Section& section) {
+        const TreeBuilder builder(m_content.tree.object());
+        const PM_Node& node = builder.child(builder.root(), to_utf16(section.node));
+        // Its name may hold what a base can't, so that the section is loaded for itself and then copied; what
+        // was read before a failure, too.
+        Tree part;
+        try {
+            load(part, std::move(options), section.name);
+        } catch (const ZT_Exception&) {
+            copy_node(part.root(), builder, node);
+            throw;
+        }
+        copy_node(part.root(), builder, node);
+    }
+
+private:
+    void load_source(Tree& tree, const LoadOptions& options) {
+        if (!m_source.path.empty()) {
+            tree.load(m_source.path, options);
+            return;
+        }
+        std::stringstream stream{std::string(m_source.bytes)};
+        tree.load(stream, options);
+    }
+
+    void take_reports(const Tree& tree, const std::string& section) {
+        for (const Report& report : tree.reports()) {
+            FileReport& taken = m_content.reports.emplace_back();
+            static_cast<Report&>(taken) = report;
+            taken.detail = with_shown_name(report.detail, m_source);
+            taken.section = section;
+        }
+    }
+
+    FileContent& m_content;
+    const Input& m_input;
+    const Source& m_source;
+};
+
+// ---- files of several trees
+
+// Gives each section the name of its node.
+void name_nodes(std::vector<Section>& sections) {
+    std::set<std::string> taken;
+    for (Section& section : sections) {
+        std::string name = section.name.empty() ? "section" : section.name;
+        std::ranges::replace(name, '\\', '/');
+        section.node = name;
+        for (int i = 2; !taken.insert(section.node).second; ++i) {
+            section.node = fmt::format("{}#{}", name, i);
+        }
+    }
+}
+
+std::string names_of(const std::vector<Section>& sections) {
+    std::string names;
+    for (const Section& section : sections) {
+        names += (names.empty() ? "" : ", ") + printable(section.name);
+    }
+    return names.empty() ? "none" : names;
+}
+
+[[noreturn]] void refuse_section(const FileContent& content, const Input& input, const char* what) {
+    throw Error(fmt::format("{}: there is no {} {}; there are: {}", input.file, what,
+                            printable(input.section), names_of(content.sections)));
+}
+
+bool has_section(const std::vector<Section>& sections, std::string_view name) {
+    return std::ranges::find(sections, name, &Section::name) != sections.end();
+}
+
+void read_sections(FileContent& content, Reading& reading) {
+    content.by_section = true;
+    name_nodes(content.sections);
+    std::set<std::string> read;
+    for (const Section& section : content.sections) {
+        if (read.insert(section.name).second) {
+            LoadOptions options;
+            if (content.type == PM_Object::FILE_DPIA) options.section = section.name;
+            if (content.type == PM_Object::FILE_CFG) options.plotter = std::stoi(section.name);
+            reading.load_section(options, section);
+        } else {
+            const TreeBuilder builder(content.tree.object());
+            builder.child(builder.root(), to_utf16(section.node));
+            content.unread.push_back(section.name);
+        }
+    }
+}
+
+// 1 or 2, the upper half of the word in front; dpia_sections() refuses others.
+int dpia_version(const std::u16string& path) {
+    std::ifstream stream(system_path(file_name_to_utf8(path)), std::ios::binary);
+    char word[4] = {};
+    stream.read(word, sizeof word);
+    return word[2];
+}
+
+void read_dpia(FileContent& content, const Input& input, const Source& source, Reading& reading) {
+    for (const DpiaSection& section : dpia_sections(source.path)) {
+        content.sections.push_back({to_utf8(section.name), to_utf8(section.info.value_or(u"")), {}});
+    }
+    content.version = dpia_version(source.path);
+    if (input.section.empty()) {
+        read_sections(content, reading);
+        return;
+    }
+    if (!has_section(content.sections, input.section)) refuse_section(content, input, "section");
+    LoadOptions options;
+    options.section = input.section;
+    reading.load(content.tree, options, input.section);
+}
+
+int plotter_number(const Input& input) {
+    int number = 0;
+    const char* const end = input.section.data() + input.section.size();
+    const auto result = std::from_chars(input.section.data(), end, number);
+    if (result.ec == std::errc() && result.ptr == end) return number;
+    throw Error(fmt::format("{}: a plotter is told by its number, not by {}", input.file,
+                            quoted_text(input.section)));
+}
+
+void read_cfg(FileContent& content, const Input& input, const Source& source, Reading& reading) {
+    for (const CfgPlotter& plotter : cfg_plotters(source.path)) {
+        content.sections.push_back({fmt::format("{}", plotter.number), to_utf8(plotter.name), {}});
+    }
+    if (input.section.empty() && content.sections.size() > 1) {
+        read_sections(content, reading);
+        return;
+    }
+    LoadOptions options;
+    if (!input.section.empty()) {
+        options.plotter = plotter_number(input);
+        if (!has_section(content.sections, fmt::format("{}", options.plotter))) {
+            refuse_section(content, input, "plotter");
+        }
+    } else if (!content.sections.empty()) {
+        options.plotter = std::stoi(content.sections.front().name);
+    }
+    reading.load(content.tree, options, input.section);
+}
+
+// ---- PIA headers
+
+bool is_ascii(std::string_view text) {
+    return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+// A tag in the code page that is set.
+std::string decoded_tag(const std::u16string& path) {
+    constexpr std::size_t longest_line = 1024;
+    std::u16string line(longest_line, u'\0');
+    const PM_Object object;
+    object.getFileVersion(path.c_str(), line.data(), line.size(), PM_Object::FILE_PCP);
+    return read_header(to_utf8(line.c_str())).tag;
+}
+
+void read_pia_header(FileContent& content, const Source& source) {
+    content.bytes = source.path.empty()
+                        ? std::string(source.bytes)
+                        : read_bytes(system_path(file_name_to_utf8(source.path)), source.shown);
+    const Header header = read_header(content.bytes);
+    content.version = header.version;
+    content.tag = header.tag;
+    content.compressed = header.compressed;
+    if (is_ascii(content.tag)) return;
+    content.tag =
+        source.path.empty() ? decoded_tag(ScratchFile(content.bytes).name()) : decoded_tag(source.path);
+}
+
+// ---- all
+
+bool has_sections(PM_Object::FileType type) {
+    return type == PM_Object::FILE_DPIA || type == PM_Object::FILE_CFG;
+}
+
+void read_source(FileContent& content, const Input& input, const Source& source) {
+    const ScopedCodePage code_page(input.code_page);
+    content.type = source.type;
+    if (!input.section.empty() && !has_sections(source.type)) {
+        throw Error(fmt::format("{}: a {} file has no sections", input.file, format_name(source.type)));
+    }
+    Reading reading(content, input, source);
+    try {
+        if (source.type == PM_Object::FILE_DPIA) {
+            read_dpia(content, input, source, reading);
+        } else if (source.type == PM_Object::FILE_CFG) {
+            read_cfg(content, input, source, reading);
+        } else {
+            reading.load(content.tree, {}, "");
+        }
+        if (source.type == PM_Object::FILE_PIA) read_pia_header(content, source);
+    } catch (ZT_Exception& e) {
+        show_name(e, source);
+        throw;
+    }
+}
+
+[[noreturn]] void refuse_unknown(const Input& input) {
+    throw Error(fmt::format("{}: the content is of no known format", input.file));
+}
+
+// The string file of a folder, or the file itself.
+std::u16string loadable_path(const std::u16string& file, bool folder, const Input& input) {
+    if (!folder) return file;
+    if (std::optional<std::u16string> string_file = find_string_file(file)) return *string_file;
+    throw Error(fmt::format("{}: the folder holds no string file such as strings.pdt", input.file));
+}
+
+void read_named(FileContent& content, const Input& input, bool folder) {
+    const std::u16string file = file_name_to_utf16(input.file);
+    Source source;
+    source.shown = input.file;
+    if (input.type) {
+        source.type = *input.type;
+    } else if (const std::optional<FileIdentity> identity = identify(file)) {
+        source.type = identity->type;
+    } else {
+        refuse_unknown(input);
+    }
+    source.path = loadable_path(file, folder && source.type == PM_Object::FILE_PDT, input);
+    if (folder && source.type != PM_Object::FILE_PDT) {
+        throw Error(fmt::format("{}: this is a folder, not a {} file", input.file, format_name(source.type)));
+    }
+    read_source(content, input, source);
+}
+
+std::string read_to_end(std::istream& stream) {
+    std::string bytes;
+    char block[1 << 16];
+    while (stream.read(block, sizeof block) || stream.gcount() > 0) {
+        bytes.append(block, static_cast<std::size_t>(stream.gcount()));
+    }
+    return bytes;
+}
+
+} // namespace
+
+void read_content_into(FileContent& content, std::string_view bytes, const Input& input) {
+    Source source;
+    source.bytes = bytes;
+    source.shown = input.file;
+    if (input.type) {
+        source.type = *input.type;
+    } else if (const std::optional<FileIdentity> identity = identify_content(bytes)) {
+        source.type = identity->type;
+    } else {
+        refuse_unknown(input);
+    }
+    std::optional<ScratchFile> scratch;
+    if (has_sections(source.type) || source.type == PM_Object::FILE_DOC) {
+        source.path = scratch.emplace(bytes).name();
+        source.scratch = true;
+    }
+    read_source(content, input, source);
+}
+
+void read_into(FileContent& content, const Input& input) {
+    if (input.file == "-") {
+        read_content_into(content, read_to_end(std::cin), input);
+        return;
+    }
+    std::error_code ignored; // what is wrong with the file, the library tells
+    const fs::file_status status = fs::status(system_path(input.file), ignored);
+    if (fs::is_other(status)) {
+        read_content_into(content, read_bytes(system_path(input.file), input.file), input);
+    } else {
+        read_named(content, input, fs::is_directory(status));
+    }
+}
+
+FileContent read_file(const Input& input) {
+    FileContent content;
+    read_into(content, input);
+    return content;
+}
+
+FileContent read_content(std::string_view bytes, const Input& input) {
+    FileContent content;
+    read_content_into(content, bytes, input);
+    return content;
+}
+
+FileContent read_stream(std::istream& stream, const Input& input) {
+    return read_content(read_to_end(stream), input);
+}
+
+ScopedCodePage::ScopedCodePage(unsigned code_page) : m_before(code_page != 0 ? pm_system_code_page() : 0) {
+    if (code_page != 0) pm_set_system_code_page(code_page);
+}
+
+ScopedCodePage::~ScopedCodePage() {
+    if (m_before != 0) pm_set_system_code_page(m_before);
+}
+
+} // namespace pm::kit

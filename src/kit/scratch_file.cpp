@@ -1,0 +1,68 @@
+#include "scratch_file.h"
+
+#include <fmt/format.h>
+#include <fstream>
+#include <pm/kit/error.h>
+#include <pm/text.h>
+#include <random>
+#include <system_error>
+
+namespace pm::kit {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path make_folder() {
+    std::error_code error;
+    const fs::path place = fs::temp_directory_path(error);
+    std::random_device random;
+    constexpr int tries = 8;
+    for (int i = 0; i < tries && !error; ++i) {
+        const fs::path folder = place / fmt::format("pm9-{:08x}{:08x}", random(), random());
+        if (!fs::create_directory(folder, error)) continue;
+        fs::permissions(folder, fs::perms::owner_all, error);
+        return folder;
+    }
+    throw Error("there is no folder for temporary files that can be written");
+}
+
+} // namespace
+
+fs::path system_path(std::string_view name) {
+    return fs::path(std::u8string(name.begin(), name.end()));
+}
+
+std::string read_bytes(const fs::path& file, const std::string& shown_name) {
+    std::ifstream stream(file, std::ios::binary);
+    std::string bytes;
+    char block[1 << 16];
+    while (stream.read(block, sizeof block) || stream.gcount() > 0) {
+        bytes.append(block, static_cast<std::size_t>(stream.gcount()));
+    }
+    if (!stream.is_open() || stream.bad()) throw Error(shown_name + ": the file can't be read");
+    return bytes;
+}
+
+ScratchFile::ScratchFile() : m_folder(make_folder()), m_path(m_folder / "content") {
+    const std::u8string name = m_path.u8string();
+    m_name = file_name_to_utf16(std::string(name.begin(), name.end()));
+}
+
+ScratchFile::ScratchFile(std::string_view content) : ScratchFile() {
+    std::ofstream stream(m_path, std::ios::binary);
+    stream.write(content.data(), static_cast<std::streamsize>(content.size()));
+    stream.close();
+    if (!stream) throw Error("a temporary file can't be written");
+}
+
+ScratchFile::~ScratchFile() {
+    std::error_code ignored; // nothing is left to do about it
+    fs::remove_all(m_folder, ignored);
+}
+
+std::string ScratchFile::content() const {
+    return read_bytes(m_path, "a temporary file");
+}
+
+} // namespace pm::kit
