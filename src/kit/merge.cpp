@@ -2,6 +2,7 @@
 #include "tree_place.h"
 #include <algorithm>
 #include <fmt/format.h>
+#include <pm/kit/difference.h>
 #include <pm/kit/merge.h>
 #include <unordered_map>
 #include <unordered_set>

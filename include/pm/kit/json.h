@@ -43,11 +43,10 @@ PM_KIT_API void write_json(std::ostream& stream, const Node& node, const JsonOpt
 // The object of one property on one line, with "pm9" and without a line feed; plain: its value alone.
 [[nodiscard]] PM_KIT_API std::string property_json(const Property& property, const JsonOptions& options = {});
 
-// Reads what to_json() writes, not its plain form. Members may stand in any order but "type" comes before
-// "value"; missing "properties" and "nodes" are empty.
-// Throws Error with line and column: no JSON, another version or none, an unknown or repeated member, a value
-// that isn't of its type, a name twice in a node, an empty name or one with a backslash or zero, a node that
-// was cut, more than 256 levels. Nothing is half made.
+// Reads what to_json() writes, not its plain form. Members may stand in any order; missing "properties" and
+// "nodes" are empty. Throws Error with the line and column at which it ends: no JSON, another version or
+// none, an unknown or repeated member, a value that isn't of its type, a name twice in a node, an empty name
+// or one with a backslash or zero, a node that was cut, more than 256 levels. Nothing is half made.
 [[nodiscard]] PM_KIT_API Tree from_json(std::string_view text);
 
 } // namespace pm::kit
