@@ -74,6 +74,7 @@ public:
             show_name(e, m_source);
             take_reports(tree, section);
             if (!m_input.keep_going) throw;
+            m_content.stopped = true;
             m_content.reports.push_back(last_report(e, section));
         }
     }

@@ -58,6 +58,7 @@ struct FileContent {
     std::vector<Section> sections = {};
     std::vector<std::string> unread = {}; // names of such sections
     bool by_section = false;              // the tree has a node for each section
+    bool stopped = false; // with Input::keep_going: something ended the reading of the file or of a section
 
     // Of the header, where the format has one: 1 or 2 (PIA, DPIA), else 0; of a PIA file what stands behind
     // the version and its comma, and whether its body is compressed.

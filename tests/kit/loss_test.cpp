@@ -1,0 +1,321 @@
+#include "kit/errors.h"
+#include "kit/random_tree.h"
+#include "pm_test_paths.h"
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <pm/code_page.h>
+#include <pm/error_number.h>
+#include <pm/inspect.h>
+#include <pm/kit/difference.h>
+#include <pm/kit/edit.h>
+#include <pm/kit/loss.h>
+
+namespace pm::kit::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr auto pia = PM_Object::FILE_PIA;
+constexpr auto dpia = PM_Object::FILE_DPIA;
+constexpr auto doc = PM_Object::FILE_DOC;
+
+Tree tree_of(const std::string& script) {
+    return applied(Tree(), parse_script(script));
+}
+
+std::vector<std::string> texts(const std::vector<Loss>& losses) {
+    std::vector<std::string> lines;
+    for (const Loss& loss : losses) {
+        lines.push_back(loss_text(loss));
+    }
+    return lines;
+}
+
+std::vector<std::string> losses(const std::string& script, const WriteOptions& options) {
+    return texts(prepare(tree_of(script), options).losses);
+}
+
+FileContent sample(const std::string& name) {
+    return read_file({.file = std::string(PM_SAMPLES) + '/' + name});
+}
+
+// ---- nothing is lost
+
+TEST(Prepare, GivesBytesThatReadBack) {
+    const FileContent source = sample("plotter.pia");
+    for (const auto type : {pia, doc}) {
+        const Prepared prepared = prepare(source.tree, {.type = type});
+        const FileContent back = read_content(prepared.bytes, {.file = "x"});
+        EXPECT_EQ(type, back.type);
+        EXPECT_EQ(2, back.tree.get<int>("\\media\\copies").value_or(0) + 1);
+    }
+    const Prepared prepared = prepare(source.tree, {.tag = source.tag});
+    EXPECT_THAT(texts(prepared.losses), IsEmpty());
+    EXPECT_THAT(prepared.notes, IsEmpty());
+    EXPECT_EQ(source.bytes, prepared.bytes);
+}
+
+TEST(Prepare, SamplesLoseNothingAsPropertyText) {
+    for (const auto& entry : std::filesystem::directory_iterator(PM_SAMPLES)) {
+        const FileContent content = read_file({.file = entry.path().string()});
+        if (content.type == dpia) continue;
+        for (const char* tag : {"", "T,compress"}) {
+            const std::vector<std::string> lost = texts(prepare(content.tree, {.tag = tag}).losses);
+            for (const std::string& line : lost) {
+                EXPECT_THAT(line, ::testing::HasSubstr("a node in which there is nothing")) << entry.path();
+            }
+        }
+    }
+}
+
+TEST(Prepare, SectionsOfDpiaKeepNamesAndInfos) {
+    const FileContent source = sample("sections.dpia");
+    const Prepared prepared = prepare(source.tree, options_of(source));
+    EXPECT_THAT(texts(prepared.losses), IsEmpty());
+    const FileContent back = read_content(prepared.bytes, {.file = "x"});
+    EXPECT_TRUE(identical(source.tree, back.tree));
+    EXPECT_EQ(source.sections, back.sections);
+}
+
+TEST(Prepare, PlottersOfCfgGoToSections) {
+    const FileContent source = sample("three-plotters.cfg");
+    const Prepared prepared = prepare(source.tree, {.type = dpia, .sections = source.sections});
+    EXPECT_THAT(texts(prepared.losses), IsEmpty());
+    EXPECT_EQ(source.sections, read_content(prepared.bytes, {.file = "x"}).sections);
+}
+
+TEST(Prepare, TakesASubtree) {
+    const Prepared prepared =
+        prepare(tree_of("set \\a\\[*]\\p long 1\nset \\q long 2"), {.subtree = "\\a\\*"});
+    EXPECT_THAT(prepared.losses, IsEmpty());
+    EXPECT_EQ("PIAFILEVERSION_2.0,\r\np=1\n", prepared.bytes.substr(0, prepared.bytes.size() - 1));
+}
+
+// ---- property text
+
+TEST(PiaLosses, ValuesThatTextCannotHold) {
+    EXPECT_THAT(
+        losses("set \\a string \"two\\nlines\"\nset \\b long 1", {}),
+        ElementsAre(
+            "\\a: cut: a text ends at its first line end: string \"two\\nlines\" -> string \"two\"",
+            "\\b: lost: the reading stops in front of it, at what something else left: long 1 -> nothing"));
+    EXPECT_THAT(
+        losses("set \\a string \"x  \"", {}),
+        ElementsAre("\\a: cut: blanks at the end of a text aren't kept: string \"x  \" -> string \"x\""));
+    EXPECT_THAT(losses("set \\a string bytes 616200", {}),
+                ElementsAre("\\a: changed: a text that is no wide one with its terminator isn't kept: "
+                            "string bytes 616200 -> string \"?\""));
+}
+
+TEST(PiaLosses, ValueWithALineEndDoesNotInjectANode) {
+    EXPECT_THAT(
+        losses("set \\a string \"x\\nevil{\\np=1\\n}\"", {}),
+        ElementsAre(
+            "\\a: cut: a text ends at its first line end: string \"x\\nevil{\\np=1\\n}\" -> string \"x\"",
+            "\\evil\\p: appeared: nothing of this path was asked for: nothing -> long 1"));
+}
+
+TEST(PiaLosses, CharactersThatTheCodePageHasNot) {
+    EXPECT_THAT(losses("set \\name string \"a\u0416\U0001F600\"", {}),
+                ElementsAre("\\name: re-encoded: not all of its characters are in the code page 1252: "
+                            "string \"a\u0416\U0001F600\" -> string \"a???\""));
+    EXPECT_THAT(losses("set \\name string \"\u0416\"", {.utf8 = true}), IsEmpty());
+    EXPECT_THAT(losses("set \\name string \"\u0416\"", {.code_page = 1251}), IsEmpty());
+    EXPECT_EQ(1252U, pm_system_code_page());
+}
+
+TEST(PiaLosses, NamesThatTextCannotHold) {
+    EXPECT_THAT(losses("set \\;x long 5", {}),
+                ElementsAre("\\;x: lost: a line that begins with \";\" is a comment: long 5 -> nothing"));
+    EXPECT_THAT(losses("set \\x{y\\z long 1", {}),
+                ElementsAre("\\x{y\\z: moved: it comes back in another place: \\x\\z"));
+    EXPECT_THAT(
+        losses("set \"\\\\a b\" bool true", {}),
+        ElementsAre("\\a b: lost: a name isn't one that property text can hold: bool true -> nothing"));
+    EXPECT_THAT(losses("set \\\u0416 long 1", {}),
+                ElementsAre("\\\u0416: renamed: it comes back under another name: \\?"));
+    EXPECT_THAT(losses("set \\1st long 1\nset \\2nd\\p long 1\nset \\x{ long 3", {}), IsEmpty());
+}
+
+TEST(PiaLosses, WhatTheFormatHasNoFormFor) {
+    EXPECT_THAT(losses("set \\e\\f\\\nset \\g\\p long 1", {}),
+                ElementsAre("\\e\\f\\: lost: a node in which there is nothing isn't read back"));
+    EXPECT_THAT(
+        losses("set \\a long 1\nset \\n none\nset \\b long 2", {}),
+        ElementsAre(
+            "\\n: lost: a property without a value isn't written, nor are those behind it: none -> nothing",
+            "\\b: lost: it doesn't come back: long 2 -> nothing"));
+    EXPECT_THAT(losses("set \\a long 1\nset \\r raw\nset \\b long 2", {}),
+                ElementsAre("\\r: lost: it can't be written to a pia file: Raw data can't be converted to or "
+                            "from hexadecimal digits (53): "
+                            "raw -> nothing"));
+}
+
+TEST(PiaLosses, DoublesComeBackToTheBit) {
+    EXPECT_THAT(losses("set \\b double 5e-324\nset \\c double 0.1\nset \\d double 1e300", {}), IsEmpty());
+}
+
+TEST(PiaLosses, NegativeZeroBecomesZero) {
+    EXPECT_THAT(losses("set \\a double -0.0", {}),
+                ElementsAre("\\a: changed: property text has no negative zero: double -0.0 -> double 0.0"));
+    EXPECT_THAT(losses("set \\a double -0.0", {.type = doc}), IsEmpty());
+}
+
+TEST(PiaLosses, StrictnessIsANote) {
+    const Prepared prepared = prepare(tree_of("set \\a loose long 1"), {});
+    EXPECT_THAT(prepared.losses, IsEmpty());
+    EXPECT_THAT(prepared.notes, ElementsAre("what is read back is strict, whatever it was"));
+}
+
+TEST(PiaLosses, TagThatTheHeaderCannotHold) {
+    EXPECT_THAT(losses("set \\a long 1", {.tag = "x\ny"}).front(),
+                "changed: the header's tag isn't kept: string \"x\\ny\" -> string \"x\"");
+}
+
+// ---- compound files
+
+TEST(DocLosses, TruthValuesBecomeNumbers) {
+    EXPECT_THAT(
+        losses("set \\a bool true", {.type = doc}),
+        ElementsAre("\\a: retyped: a compound file gives truth values back as numbers: bool true -> long 1"));
+}
+
+TEST(DocLosses, WhatCannotBeWrittenIsLeftOut) {
+    const std::string text(600, 'x');
+    const Prepared prepared = prepare(
+        tree_of("set \\a long 1\nset \\b\\c string \"" + text + "\"\nset \\b\\d long 2\nset \\x/y long 3"),
+        {.type = doc});
+    ASSERT_EQ(2U, prepared.losses.size());
+    EXPECT_EQ("\\x/y", prepared.losses[0].path);
+    EXPECT_EQ("it can't be written to a doc file: The compound file can't be written (60)",
+              prepared.losses[0].reason);
+    EXPECT_EQ("\\b\\c", prepared.losses[1].path);
+    EXPECT_THAT(prepared.losses[1].reason, ::testing::EndsWith("(58)"));
+    EXPECT_EQ(2, read_content(prepared.bytes, {.file = "x"}).tree.get<int>("\\b\\d"));
+}
+
+TEST(DocLosses, NamesThatDoNotComeBack) {
+    EXPECT_THAT(losses("set \\copies long 1\nset \\COPIES long 2", {.type = doc}),
+                ElementsAre("\\copies: lost: it doesn't come back: long 1 -> nothing"));
+    EXPECT_THAT(losses("set \\n\\version long 1", {.type = doc}),
+                ElementsAre("\\n\\version: lost: a compound file gives nothing back that is named "
+                            "\"Version\": long 1 -> nothing"));
+}
+
+TEST(DocLosses, OrderIsANote) {
+    const Prepared prepared = prepare(tree_of("set \\long_name long 1\nset \\a long 2"), {.type = doc});
+    EXPECT_THAT(prepared.losses, IsEmpty());
+    EXPECT_THAT(prepared.notes, ElementsAre("the order of nodes and properties is that of a compound file"));
+}
+
+TEST(DocLosses, EmptyNodesDoNotComeBack) {
+    EXPECT_THAT(losses("set \\e\\f\\", {.type = doc}),
+                ElementsAre("\\e\\f\\: lost: a node in which there is nothing isn't read back"));
+}
+
+// ---- sections
+
+TEST(DpiaLosses, WhatIsBesideSections) {
+    EXPECT_THAT(losses("set \\p long 1\nset \\s\\p long 2", {.type = dpia}),
+                ElementsAre("\\p: lost: a dpia file holds nothing beside its sections: long 1 -> nothing"));
+}
+
+TEST(DpiaLosses, EmptySectionComesBack) {
+    EXPECT_THAT(losses("set \\s\\", {.type = dpia}), IsEmpty());
+}
+
+TEST(DpiaLosses, NamesOfSectionsThatAreNotAscii) {
+    const std::vector<std::string> lines = losses("set \\\u0416\\p long 2", {.type = dpia});
+    ASSERT_FALSE(lines.empty());
+    EXPECT_THAT(lines.front(),
+                ::testing::HasSubstr("\\\u0416\\p: lost: nothing of the file can be read back"));
+}
+
+TEST(DpiaLosses, NameThatANodeCannotHave) {
+    EXPECT_THAT(
+        losses("set \\a/b\\p long 2", {.type = dpia, .sections = {{"a\\b", "", "a/b"}}}),
+        ElementsAre("\\a/b\\: renamed: a section can't be written under its name, \"a\\\\b\": \\a/b\\"));
+}
+
+TEST(DpiaLosses, InfoTextThatDoesNotComeBack) {
+    EXPECT_THAT(
+        losses("set \\[*]\\p long 2", {.type = dpia, .sections = {{"*", "text", "*"}}}),
+        ElementsAre("\\*\\: changed: the section's info text isn't kept: string \"text\" -> string \"\""));
+}
+
+// ---- any tree
+
+TEST(Prepare, OfAnyTreeTellsAllThatIsLost) {
+    RandomTree random(31);
+    for (int i = 0; i < 20; ++i) {
+        const Tree tree = random.make(25);
+        for (const auto type : {pia, dpia, doc}) {
+            const Prepared prepared = prepare(tree, {.type = type});
+            FileContent back;
+            bool readable = true;
+            try {
+                read_content_into(back, prepared.bytes, {.file = "x", .type = type, .keep_going = true});
+            } catch (const ZT_Exception&) {
+                readable = false;
+            }
+            const bool same =
+                readable && compare(tree, back.tree, {.order = false, .strictness = false}).empty();
+            EXPECT_EQ(same, prepared.losses.empty()) << to_utf8(u"") << format_name(type) << ' ' << i;
+        }
+    }
+}
+
+TEST(Prepare, DeepTreesAndLongTextsAreNoCrash) {
+    std::string deep;
+    for (int i = 0; i < 255; ++i) {
+        deep += "\\n";
+    }
+    const std::string text(5000, 'x');
+    const Tree tree = tree_of("set " + deep + "\\p long 1\nset \\t string \"" + text + "\"");
+    EXPECT_THAT(texts(prepare(tree, {}).losses), ElementsAre(::testing::StartsWith("\\t: cut: ")));
+    EXPECT_EQ(1U, prepare(tree, {.type = doc}).losses.size());
+}
+
+TEST(Prepare, RefusesWhatIsNotWritten) {
+    EXPECT_EQ("pc2 files are read only; pia, dpia and doc are written",
+              error_of([] { (void)prepare(Tree(), {.type = PM_Object::FILE_PC2}); }));
+    EXPECT_EQ("\\x: there is no such node", error_of([] { (void)prepare(Tree(), {.subtree = "\\x"}); }));
+}
+
+// ---- sources
+
+TEST(SourceLosses, AreReportsUnreadSectionsAndDiagnostics) {
+    const FileContent source =
+        read_content("PIAFILEVERSION_2.0,\r\na=\nb=truely\nc=yes\n", {.file = "x.pia"});
+    EXPECT_THAT(texts(source_losses(source)),
+                ElementsAre("source: The line isn't valid (57): 2, a=, ",
+                            "source: The value is of no known type (88): c=yes"));
+    FileContent with_unread;
+    with_unread.unread = {"a"};
+    const std::vector<Diagnostic> diagnostics{
+        {"repeated-name", Severity::warning, {"x", "", 3, 1}, "\\a", "The name is there twice.", 0},
+        {"trailing-data", Severity::warning, {}, "", "Something follows.", 0},
+        {"cut-text", Severity::note, {}, "", "A text is cut.", 0}};
+    EXPECT_THAT(texts(source_losses(with_unread, diagnostics)),
+                ElementsAre("source: another section named \"a\" stands in front of it",
+                            "\\a: source: line 3, The name is there twice."));
+}
+
+TEST(FormChanges, AreToldALineEach) {
+    const auto changes = [](const std::string& bytes, const WriteOptions& options) {
+        return form_changes(read_content(bytes, {.file = "x"}), options);
+    };
+    EXPECT_THAT(changes("PIAFILEVERSION_2.0,T\r\na=1\n", {.tag = "T"}), IsEmpty());
+    EXPECT_THAT(changes("PIAFILEVERSION_1.0,T\r\na=1\n", {.tag = "T"}),
+                ElementsAre("version 1.0 becomes 2.0"));
+    EXPECT_THAT(changes("PIAFILEVERSION_2.0,T\na = 01\n", {.tag = "T"}),
+                ElementsAre("numbers, blanks, comments or line ends are written in another form"));
+    EXPECT_THAT(changes("PIAFILEVERSION_2.0,T\r\na=1\n", {.tag = "U,compress"}),
+                ElementsAre("the body is compressed now", "the header's tag \"T\" becomes \"U\""));
+    EXPECT_THAT(changes("PIAFILEVERSION_2.0,T\r\na=1\n", {.type = doc}),
+                ElementsAre("the header's tag \"T\" isn't kept"));
+}
+
+} // namespace
+} // namespace pm::kit::test
