@@ -38,6 +38,11 @@ std::uint32_t number_of_system_error(int code) {
     return found != std::ranges::end(system_errors) ? found->number : PM_ERR_STREAM_FAILED;
 }
 
+Failure no_such_path(const std::string& file, const std::string& path) {
+    return Failure(fmt::format("{}: {}: there is no such property or node", file, printable(path)),
+                   exit_negative);
+}
+
 Failure system_failure(const std::string& file, int code) {
     return Failure(fmt::format("{}: {}", file, number_text(number_of_system_error(code))));
 }

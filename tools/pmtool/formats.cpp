@@ -1,9 +1,9 @@
 #include "formats.h"
 
 #include "failure.h"
+#include "file_name.h"
 #include "text.h"
 #include <algorithm>
-#include <filesystem>
 #include <fmt/format.h>
 #include <vector>
 
@@ -19,6 +19,7 @@ constexpr Format table[] = {
     {"pc2", "configuration of one plotter", ".pc2", PM_Object::FILE_PC2, false, true},
     {"cfg", "configuration of several plotters", ".cfg", PM_Object::FILE_CFG, false, true},
     {"pdt", "folder of driver tables", ".pdt", PM_Object::FILE_PDT, false, false},
+    {"json", "canonical JSON of a tree", ".json", std::nullopt, true, false},
 };
 
 const char* plural(std::size_t count) {
@@ -46,19 +47,9 @@ std::string evidence_text(const pm::FileIdentity& identity) {
     case pm::Evidence::string_keys:
         return "string file with DRFX_ keys";
     case pm::Evidence::string_file:
-        return fmt::format(
-            "folder with {}",
-            std::filesystem::path(pm::file_name_to_utf8(identity.string_file)).filename().string());
+        return fmt::format("folder with {}", base_name(pm::file_name_to_utf8(identity.string_file)));
     }
     return {};
-}
-
-const Format& format_of(PM_Object::FileType type) {
-    return *std::ranges::find(table, type, &Format::type);
-}
-
-std::string extension_of(const std::filesystem::path& path) {
-    return lower_case(path.extension().string());
 }
 
 // The file that a failure is about: the one that was asked for, or one in the folder that this is.
@@ -77,6 +68,12 @@ auto inspecting(const std::string& file, Inspect inspect) {
     }
 }
 
+Identity identity_of(const std::string& file, const std::optional<pm::FileIdentity>& identity) {
+    if (identity) return {&format_of(identity->type), evidence_text(*identity)};
+    throw Failure(fmt::format("{}: the content is of no known format; say which with --from ({})", file,
+                              format_names(false)));
+}
+
 } // namespace
 
 std::string format_names(bool written_only) {
@@ -93,26 +90,39 @@ const Format& format_named(const std::string& name) {
     throw Failure(fmt::format("{}: no such format; there are {}", name, format_names(false)));
 }
 
-const Format& format_of_output(const std::string& file) {
-    const std::string extension = extension_of(file);
-    const auto* found = std::ranges::find(table, extension, &Format::extension);
-    if (found != std::ranges::end(table) && found->is_written) return *found;
-    throw Failure(fmt::format("{}: the name doesn't tell a format to write; say it with --to ({})", file,
+const Format& format_of(PM_Object::FileType type) {
+    return *std::ranges::find(table, std::optional(type), &Format::type);
+}
+
+const Format& format_of_output(const std::string& file, const std::string& to) {
+    const auto* found = to.empty() ? std::ranges::find(table, extension_of(file), &Format::extension)
+                                   : &format_named(to);
+    if (found == std::ranges::end(table) || (to.empty() && !found->is_written)) {
+        throw Failure(fmt::format("{}: the name doesn't tell a format to write; say it with --to ({})", file,
+                                  format_names(true)));
+    }
+    if (found->is_written) return *found;
+    throw Failure(fmt::format("{}: {} files are read only; there are {} to write", file, found->name,
                               format_names(true)));
+}
+
+void require_extension(const std::string& file, const Format& format) {
+    const std::string extension = extension_of(file);
+    const auto* other = std::ranges::find(table, extension, &Format::extension);
+    if (extension.empty() || other == std::ranges::end(table) || other == &format) return;
+    throw Failure(fmt::format("{}: the name is that of a {} file, but a {} file would be written; give it "
+                              "another name, or say what is meant with --to",
+                              file, other->name, format.name));
 }
 
 Identity identify(const std::string& file) {
     const std::optional<pm::FileIdentity> identity =
         inspecting(file, [](const std::u16string& name) { return pm::identify(name); });
-    if (identity) return {&format_of(identity->type), evidence_text(*identity)};
-    throw Failure(fmt::format("{}: the content is of no known format; say which with --from ({})", file,
-                              format_names(false)));
+    return identity_of(file, identity);
 }
 
-std::optional<std::string> find_string_file(const std::string& folder) {
-    const std::optional<std::u16string> file =
-        inspecting(folder, [](const std::u16string& name) { return pm::find_string_file(name); });
-    return file ? std::optional(pm::file_name_to_utf8(*file)) : std::nullopt;
+Identity identify_content(const std::string& file, std::string_view content) {
+    return identity_of(file, pm::identify_content(content));
 }
 
 } // namespace pmtool

@@ -10,20 +10,28 @@ namespace pmtool {
 struct Format {
     std::string_view name; // as --from and --to take it
     std::string_view title;
-    std::string_view extension; // of an output, with its dot
-    PM_Object::FileType type;
-    bool is_written; // whether the library writes it
-    bool is_text;    // lines of text that can be found by their number
+    std::string_view extension;            // of an output, with its dot
+    std::optional<PM_Object::FileType> type; // nothing for JSON, which is the tool's own
+    bool is_written;                       // whether the tool writes it
+    bool is_text;                          // lines of text that can be found by their number
+
+    bool is(PM_Object::FileType other) const { return type == other; }
+    bool is_json() const { return !type; }
 };
 
-// "pia, dpia, doc": the names of all formats, or of those that are written.
+// "doc, dpia, pia": the names of all formats, or of those that are written.
 std::string format_names(bool written_only);
 
 // Failure if there is no such format.
 const Format& format_named(const std::string& name);
+const Format& format_of(PM_Object::FileType type);
 
-// By the extension of an output's name, without regard to case; Failure if that tells no written format.
-const Format& format_of_output(const std::string& file);
+// The format of an output: that of `to` if it isn't empty, else by the extension of the name, without regard
+// to case. Failure if neither tells a format that is written.
+const Format& format_of_output(const std::string& file, const std::string& to);
+
+// Failure if the name's extension is that of another format, which nobody would look for behind it.
+void require_extension(const std::string& file, const Format& format);
 
 struct Identity {
     const Format* format;
@@ -32,8 +40,7 @@ struct Identity {
 
 // By content. Failure if the file can't be read or is of no known format.
 Identity identify(const std::string& file);
-
-// The string file in a folder of driver tables, with its path; nothing if there is none.
-std::optional<std::string> find_string_file(const std::string& folder);
+// The same for content at hand.
+Identity identify_content(const std::string& file, std::string_view content);
 
 } // namespace pmtool

@@ -1,9 +1,9 @@
 #include "line_finder.h"
 
-#include "failure.h"
-#include "files.h"
+#include "system.h"
 #include "text.h"
 #include <algorithm>
+#include <system_error>
 
 namespace pmtool {
 
@@ -19,8 +19,8 @@ std::string ascii_part(std::string_view line) {
 
 std::string content_of(const std::string& path) {
     try {
-        return read_file(path);
-    } catch (const Failure&) {
+        return read_whole(path);
+    } catch (const std::system_error&) {
         return {};
     }
 }

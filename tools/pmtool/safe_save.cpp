@@ -1,98 +1,83 @@
 #include "safe_save.h"
 
 #include "failure.h"
-#include "files.h"
+#include "system.h"
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
-#include <optional>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <fmt/format.h>
+#include <pm/error_number.h>
+#include <system_error>
 
 namespace pmtool {
 
 namespace {
 
-constexpr mode_t new_file_mode = 0666;
-constexpr mode_t permission_bits = 07777;
+// The folder that the file lies in; of a link, where it points to.
+std::string folder_of(const std::string& path) {
+    const std::size_t end = path.find_last_of(folder_separators());
+    if (end == std::string::npos) return ".";
+    return end == 0 ? path.substr(0, 1) : path.substr(0, end);
+}
 
-// A new, empty file that is removed unless it was released.
-class ScratchFile {
-public:
-    // `shown` is the name that failures are told about.
-    ScratchFile(const std::filesystem::path& folder, const std::string& shown)
-        : m_name((folder / ".pmtool-XXXXXX").string()) {
-        const int file = mkstemp(m_name.data());
-        if (file < 0) throw system_failure(shown, errno);
-        close(file);
+void require_folder(const std::string& target, const std::string& path) {
+    const std::string folder = folder_of(path);
+    const FileKind kind = kind_of(folder);
+    if (kind == FileKind::folder) return;
+    throw Failure(fmt::format("{}: the folder {} {} (error {}); make it first", target, folder,
+                              kind == FileKind::missing ? "doesn't exist" : "is a file",
+                              PM_ERR_NO_SUCH_FILE));
+}
+
+Failure target_failure(const std::string& target, const std::string& path, int code) {
+    const bool file_may = kind_of(path) == FileKind::regular;
+    if (code == ENXIO) return Failure(fmt::format("{}: nobody reads from this pipe", target));
+    if (code == EACCES && file_may) {
+        return Failure(fmt::format("{}: a file can't be made beside it in the folder {}: {}", target,
+                                   folder_of(path), number_text(PM_ERR_ACCESS_DENIED)));
     }
-    ~ScratchFile() {
-        if (!m_name.empty()) unlink(m_name.c_str());
-    }
-    ScratchFile(const ScratchFile&) = delete;
-    ScratchFile& operator=(const ScratchFile&) = delete;
-
-    const std::string& name() const { return m_name; }
-    void release() { m_name.clear(); }
-
-private:
-    std::string m_name;
-};
-
-// The file at the end of a chain of links, even if it doesn't exist yet.
-std::filesystem::path follow_links(const std::string& target) {
-    constexpr int most_links = 40;
-    std::filesystem::path path = target;
-    std::error_code error;
-    for (int i = 0; i < most_links && std::filesystem::is_symlink(path, error); ++i) {
-        path = path.parent_path() / std::filesystem::read_symlink(path, error);
-    }
-    return path;
+    return system_failure(target, code);
 }
 
-std::optional<struct stat> attributes_of(const std::string& path) {
-    struct stat attributes {};
-    if (stat(path.c_str(), &attributes) != 0) return std::nullopt;
-    return attributes;
+void write_output(std::string_view bytes) {
+    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size();
+    if (!written || std::fflush(stdout) != 0) throw system_failure("standard output", errno);
 }
 
-mode_t mode_of_new_file() {
-    const mode_t mask = umask(0);
-    umask(mask);
-    return new_file_mode & ~mask;
-}
-
-void take_over(const std::string& scratch, const std::optional<struct stat>& old) {
-    // Only root may give a file away: a new owner is no failure.
-    if (old && chown(scratch.c_str(), old->st_uid, old->st_gid) != 0) errno = 0;
-    chmod(scratch.c_str(), old ? old->st_mode & permission_bits : mode_of_new_file());
-}
-
-void replace_file(const std::filesystem::path& path, const std::optional<struct stat>& old,
-                  const std::string& target, const std::function<void(const std::string&)>& write) {
-    if (old && access(path.c_str(), W_OK) != 0) throw system_failure(target, errno);
-    const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : ".";
-    ScratchFile scratch(folder, target);
-    write(scratch.name());
-    take_over(scratch.name(), old);
-    if (std::rename(scratch.name().c_str(), path.c_str()) != 0) throw system_failure(target, errno);
-    scratch.release();
-}
-
-void fill_special_file(const std::string& target, const std::function<void(const std::string&)>& write) {
-    const ScratchFile scratch(std::filesystem::temp_directory_path(), target);
-    write(scratch.name());
-    const std::string content = read_file(scratch.name());
-    write_file(target, content.data(), content.size());
+void replace_file(const std::string& path, std::string_view bytes,
+                  const std::optional<std::string>& backup_suffix) {
+    ScratchFile scratch(path);
+    scratch.write(bytes);
+    scratch.keep_attributes();
+    scratch.replace_target(backup_suffix);
 }
 
 } // namespace
 
-void save_safely(const std::string& target, const std::function<void(const std::string&)>& write) {
-    const std::optional<struct stat> old = attributes_of(target);
-    if (old && S_ISDIR(old->st_mode)) throw system_failure(target, EISDIR);
-    if (old && !S_ISREG(old->st_mode)) return fill_special_file(target, write);
-    replace_file(follow_links(target), old, target, write);
+void require_target(const std::string& target) {
+    if (target == "-") return;
+    try {
+        const std::string path = follow_links(target);
+        const FileKind kind = kind_of(path);
+        if (kind == FileKind::folder) throw system_failure(target, EISDIR);
+        if (kind == FileKind::missing) require_folder(target, path);
+        if (kind == FileKind::regular) require_writable(path);
+    } catch (const std::system_error& e) {
+        throw system_failure(target, e.code().value());
+    }
+}
+
+void save_safely(const std::string& target, std::string_view bytes,
+                 const std::optional<std::string>& backup_suffix) {
+    if (target == "-") return write_output(bytes);
+    require_target(target);
+    std::string path = target;
+    try {
+        path = follow_links(target);
+        if (kind_of(path) == FileKind::special) return write_special(path, bytes);
+        replace_file(path, bytes, backup_suffix);
+    } catch (const std::system_error& e) {
+        throw target_failure(target, path, e.code().value());
+    }
 }
 
 } // namespace pmtool

@@ -1,147 +1,227 @@
 #include "source.h"
 
 #include "failure.h"
-#include "files.h"
 #include "line_finder.h"
 #include "report_handler.h"
+#include "system.h"
 #include "text.h"
+#include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <fmt/format.h>
-#include <optional>
+#include <pm/kit/encoding.h>
+#include <pm/kit/error.h>
+#include <pm/kit/json.h>
+#include <sstream>
+#include <system_error>
 
 namespace pmtool {
 
 namespace {
 
-bool has_sections(const Format& format) {
-    return format.type == PM_Object::FILE_DPIA || format.type == PM_Object::FILE_CFG;
-}
+namespace kit = pm::kit;
 
-int plotter_number(const std::string& section) {
-    int number = 0;
-    const char* end = section.data() + section.size();
-    const auto result = std::from_chars(section.data(), end, number);
-    if (result.ec == std::errc() && result.ptr == end) return number;
-    throw Failure(fmt::format("{}: a section of a cfg file is told by its plotter's number", section));
-}
+constexpr unsigned utf8_code_page = 65001;
 
-std::vector<std::string> plotter_names(const Source& source) {
-    std::vector<std::string> names;
-    for (const pm::CfgPlotter& plotter : pm::cfg_plotters(pm::file_name_to_utf16(source.path))) {
-        names.push_back(fmt::format("{}", plotter.number));
+bool code_page_is_told = false;
+
+// The content where it can't be read twice: of standard input, a pipe, a device.
+std::optional<std::string> content_at_hand(const std::string& file) {
+    try {
+        if (file == "-") return read_standard_input();
+        if (kind_of(file) == FileKind::special) return read_whole(file);
+        return std::nullopt;
+    } catch (const std::system_error& e) {
+        throw system_failure(file == "-" ? "standard input" : file, e.code().value());
     }
-    return names;
 }
 
-// The plotter that a CFG file is read for when none was asked for.
-int only_plotter(const Source& source) {
-    const std::vector<std::string> names = plotter_names(source);
-    if (names.size() > 1) {
-        throw Failure(fmt::format("{}: the file holds several plotters; choose one with --section ({})",
-                                  source.file, fmt::join(names, ", ")));
-    }
-    return names.empty() ? 0 : plotter_number(names.front());
+std::string shown_name(const std::string& file) {
+    return file == "-" ? "standard input" : file;
 }
 
-void refuse_folder(const Source& source) {
-    if (is_folder(source.path)) throw system_failure(source.path, EISDIR);
+const Format& format_of_input(const SourceOptions& options, const std::optional<std::string>& content) {
+    if (!options.from.empty()) return format_named(options.from);
+    const std::string name = shown_name(options.file);
+    return *(content ? identify_content(name, *content) : identify(options.file)).format;
 }
 
-std::string failure_text(Report report, const Source& source) {
-    if (!is_bad_line(report)) return describe(report, source.file);
-    report.line = LineFinder::of_file(source.path, source.format->type).find(report);
-    return describe(report, source.file) + "; all bad lines are listed by: pmtool check";
-}
-
-} // namespace
-
-Source find_source(const SourceOptions& options) {
-    Source source{options.file, options.file, options.section, nullptr};
-    source.format = options.from.empty() ? identify(options.file).format : &format_named(options.from);
-    if (!source.section.empty() && !has_sections(*source.format)) {
-        throw Failure(fmt::format("{}: a {} file has no sections", source.file, source.format->name));
-    }
-    if (source.format->type == PM_Object::FILE_PDT && is_folder(source.file)) {
-        const std::optional<std::string> string_file = find_string_file(source.file);
-        if (!string_file) {
-            throw Failure(source.file + ": the folder holds no string file such as strings.pdt");
-        }
-        source.path = *string_file;
+Source read_json(const SourceOptions& options, const std::optional<std::string>& content) {
+    Source source{options.file};
+    source.is_json = true;
+    try {
+        source.content.tree = kit::from_json(content ? *content : read_whole(options.file));
+    } catch (const kit::Error& e) {
+        throw Failure(fmt::format("{}:{}:{}: {}", shown_name(options.file), e.line(), e.column(), e.what()));
+    } catch (const std::system_error& e) {
+        throw system_failure(options.file, e.code().value());
     }
     return source;
 }
 
-void load(PM_Object& object, const Source& source, const std::u16string& base) {
-    const PM_Object::FileType type = source.format->type;
-    const std::u16string path = pm::file_name_to_utf16(source.path);
-    if (type == PM_Object::FILE_CFG) {
-        const int number = source.section.empty() ? only_plotter(source) : plotter_number(source.section);
-        object.load_cfg_section(path.c_str(), type, base.c_str(), number);
-    } else if (!source.section.empty()) {
-        object.load_section(path.c_str(), type, base.c_str(), pm::to_utf16(source.section).c_str());
-    } else {
-        object.load(path.c_str(), type, base.c_str());
-    }
-}
+// One reading of a file: what came of it and what ended it.
+struct Reading {
+    kit::FileContent content = {};
+    std::optional<Report> end = {};
+};
 
-void load_strictly(PM_Object& object, const Source& source, const std::u16string& base) {
-    refuse_folder(source);
-    translating(source, [&] { load(object, source, base); });
-}
-
-void load_one_tree(PM_Object& object, const Source& source, const std::u16string& base) {
-    if (source.format->type == PM_Object::FILE_DPIA && source.section.empty()) {
-        throw Failure(
-            fmt::format("{}: a dpia file holds several trees; choose one with --section", source.file));
-    }
-    load_strictly(object, source, base);
-}
-
-void translating(const std::string& file, const std::string& path, const std::function<void()>& action) {
+Reading read_once(const kit::Input& input, const std::optional<std::string>& content) {
+    Reading reading;
     try {
-        action();
+        if (content) {
+            kit::read_content_into(reading.content, *content, input);
+        } else {
+            kit::read_into(reading.content, input);
+        }
+    } catch (const kit::Error& e) {
+        throw Failure(fmt::format("{}: {}", shown_name(input.file), e.what()));
     } catch (const ZT_Exception& e) {
-        throw Failure(describe(make_report(e, path), file));
+        reading.end = make_report(e, input.file);
     }
+    return reading;
 }
 
-void translating(const Source& source, const std::function<void()>& action) {
+bool may_hold_utf8(PM_Object::FileType type) {
+    return type == PM_Object::FILE_PIA || type == PM_Object::FILE_PC2 || type == PM_Object::FILE_CFG ||
+        type == PM_Object::FILE_PCP;
+}
+
+std::string part_name(const std::string& file, const std::string& section, const Format& format) {
+    if (section.empty() || format.is(PM_Object::FILE_CFG)) return shown_name(file);
+    return fmt::format("{}[{}]", shown_name(file), section);
+}
+
+// Tells reports with the lines of the file, where they can be found.
+class Teller {
+public:
+    Teller(const std::string& file, const Format& format, const std::optional<std::string>& content)
+        : m_file(file), m_format(format), m_finder(finder(content)) {}
+
+    std::string text(Report report, const std::string& section) {
+        if (is_bad_line(report) && section.empty()) report.line = m_finder.find(report);
+        return describe(report, part_name(m_file, section, m_format));
+    }
+
+private:
+    LineFinder finder(const std::optional<std::string>& content) const {
+        const PM_Object::FileType type = *m_format.type;
+        if (!m_format.is_text) return {"", type};
+        return content ? LineFinder(*content, type) : LineFinder::of_file(m_file, type);
+    }
+
+    const std::string& m_file;
+    const Format& m_format;
+    LineFinder m_finder;
+};
+
+std::vector<std::string> dropped_of(const Reading& reading, Teller& teller, const std::string& file) {
+    std::vector<std::string> dropped;
+    for (const kit::FileReport& report : reading.content.reports) {
+        const Report told =
+            make_report(report.number, pm::to_utf16(report.place), pm::to_utf16(report.detail), file);
+        std::string line = teller.text(told, report.section);
+        // A line that belongs to no plotter is bad in each of them.
+        if (std::ranges::find(dropped, line) == dropped.end()) dropped.push_back(std::move(line));
+    }
+    if (reading.end) dropped.push_back(teller.text(*reading.end, {}) + "; reading stops here");
+    return dropped;
+}
+
+[[noreturn]] void refuse(const Reading& reading, Teller& teller, const std::string& file) {
+    constexpr std::string_view hint = "; all bad lines are listed by: pmtool check";
+    if (reading.content.reports.empty()) {
+        throw Failure(teller.text(*reading.end, {}) + (is_bad_line(*reading.end) ? std::string(hint) : ""));
+    }
+    const kit::FileReport& first = reading.content.reports.front();
+    const Report told =
+        make_report(first.number, pm::to_utf16(first.place), pm::to_utf16(first.detail), file);
+    throw Failure(teller.text(told, first.section) + (is_bad_line(told) ? std::string(hint) : ""));
+}
+
+bool is_unreadable(const Reading& reading) {
+    return reading.end && reading.content.tree.root().children().empty() &&
+        reading.content.tree.root().properties().empty();
+}
+
+void refuse_folder(const std::string& file, const Format& format) {
+    if (!format.is(PM_Object::FILE_PDT) && kind_of(file) == FileKind::folder) throw system_failure(file, EISDIR);
+}
+
+} // namespace
+
+void set_code_page(unsigned code_page) {
     try {
-        action();
-    } catch (const ZT_Exception& e) {
-        throw Failure(failure_text(make_report(e, source.path), source));
+        pm_set_system_code_page(code_page);
+    } catch (const ZT_Exception&) {
+        throw Failure(fmt::format("{}: this machine has no such code page", code_page));
+    }
+    code_page_is_told = true;
+}
+
+Source read_source(const SourceOptions& options, Damage damage) {
+    const std::optional<std::string> content = content_at_hand(options.file);
+    const Format& format = format_of_input(options, content);
+    if (format.is_json()) return read_json(options, content);
+    refuse_folder(options.file, format);
+    kit::Input input{options.file, format.type, options.section};
+    Reading reading = read_once(input, content);
+    Source source{options.file};
+    if (!code_page_is_told && may_hold_utf8(*format.type) &&
+        kit::text_encoding(reading.content.tree) == kit::TextEncoding::utf8) {
+        input.code_page = source.code_page = utf8_code_page;
+        reading = read_once(input, content);
+    }
+    Teller teller(options.file, format, content);
+    const bool is_damaged = reading.end || !reading.content.reports.empty();
+    const bool refuses = damage == Damage::refuse && !options.keep_going;
+    if (is_damaged && (refuses || is_unreadable(reading))) refuse(reading, teller, options.file);
+    source.dropped = dropped_of(reading, teller, options.file);
+    source.content = std::move(reading.content);
+    return source;
+}
+
+Source read_one_tree(const SourceOptions& options, Damage damage) {
+    Source source = read_source(options, damage);
+    if (!source.content.by_section) return source;
+    const bool is_cfg = source.content.type == PM_Object::FILE_CFG;
+    std::vector<std::string> names;
+    for (const kit::Section& section : source.content.sections) {
+        names.push_back(section.name);
+    }
+    throw Failure(fmt::format("{}: {}; choose one with --section ({})", shown_name(options.file),
+                              is_cfg ? "the file holds several plotters" : "a dpia file holds several trees",
+                              fmt::join(names, ", ")));
+}
+
+void tell_dropped(const Source& source) {
+    for (const std::string& line : source.dropped) {
+        fmt::print(stderr, "pmtool: dropped: {}\n", line);
     }
 }
 
-std::vector<Section> sections_of(const Source& source) {
-    if (!has_sections(*source.format)) {
-        throw Failure(fmt::format("{}: a {} file has no sections", source.file, source.format->name));
-    }
-    refuse_folder(source);
-    std::vector<Section> sections;
-    translating(source, [&] {
-        if (source.format->type == PM_Object::FILE_CFG) {
-            for (std::string& name : plotter_names(source)) {
-                sections.push_back({std::move(name), {}});
+std::vector<kit::Section> sections_of(const SourceOptions& options) {
+    const std::optional<std::string> content = content_at_hand(options.file);
+    const Format& format = format_of_input(options, content);
+    refuse_folder(options.file, format);
+    std::vector<kit::Section> sections;
+    try {
+        std::stringstream stream(content.value_or(""));
+        const std::u16string name = pm::file_name_to_utf16(options.file);
+        if (format.is(PM_Object::FILE_CFG)) {
+            for (const pm::CfgPlotter& plotter : content ? pm::cfg_plotters(stream) : pm::cfg_plotters(name)) {
+                sections.push_back({fmt::format("{}", plotter.number), shown(plotter.name)});
             }
-            return;
+            return sections;
         }
-        for (const pm::DpiaSection& section : pm::dpia_sections(pm::file_name_to_utf16(source.path))) {
-            sections.push_back({shown(section.name), shown(section.info.value_or(u""))});
+        if (format.is(PM_Object::FILE_DPIA)) {
+            for (const pm::DpiaSection& section : content ? pm::dpia_sections(stream) : pm::dpia_sections(name)) {
+                sections.push_back({shown(section.name), shown(section.info.value_or(u""))});
+            }
+            return sections;
         }
-    });
-    return sections;
-}
-
-std::vector<Source> parts_of(const Source& source) {
-    if (!source.section.empty() || !has_sections(*source.format)) return {source};
-    std::vector<Source> parts;
-    if (source.format->type == PM_Object::FILE_DPIA) parts.push_back(source);
-    for (const Section& section : sections_of(source)) {
-        parts.push_back({source.file, source.path, section.name, source.format});
+    } catch (const ZT_Exception& e) {
+        throw Failure(describe(make_report(e, options.file), shown_name(options.file)));
     }
-    return parts.empty() ? std::vector<Source>{source} : parts;
+    throw Failure(fmt::format("{}: a {} file has no sections", shown_name(options.file), format.name));
 }
 
 } // namespace pmtool

@@ -1,57 +1,46 @@
 #pragma once
 
 #include "formats.h"
-#include <functional>
-#include <pm/pm.h>
+#include "options.h"
+#include <pm/kit/file.h>
 #include <string>
 #include <vector>
 
 namespace pmtool {
 
-// A file to read, as the command line tells it.
-struct SourceOptions {
-    std::string file;
-    std::string from;    // empty: by content
-    std::string section; // empty: none
-};
-
-// A file to read whose format is known.
+// What was read from a file.
 struct Source {
-    std::string file;    // as it was told
-    std::string path;    // what the library is given: the string file of a folder of driver tables
-    std::string section; // empty: none
-    const Format* format;
+    std::string file; // as it was told
+    pm::kit::FileContent content = {};
+    bool is_json = false;   // dumped by `dump`: there is a tree and nothing else
+    unsigned code_page = 0; // that the text turned out to be in, or was told; 0: the one that is set
+    // What couldn't be read, a line each, with the file and the line in front.
+    std::vector<std::string> dropped = {};
 };
 
-// Failure if the file can't be read, its format isn't told or it can't have the section that is named.
-Source find_source(const SourceOptions& options);
-
-// Loads a file, or its section, under the node `base`. A DPIA file without a section gives its directory, a
-// CFG file its only plotter. Exceptions of the library pass as they are.
-void load(PM_Object& object, const Source& source, const std::u16string& base);
-
-// As load(), but an exception of the library, a bad line too, becomes a Failure.
-void load_strictly(PM_Object& object, const Source& source, const std::u16string& base = u"\\");
-
-// As load_strictly(), but a DPIA file must have a section named: it holds several trees.
-void load_one_tree(PM_Object& object, const Source& source, const std::u16string& base = u"\\");
-
-// Runs `action`; an exception of the library becomes a Failure about `file`, which the library knows as
-// `path`.
-void translating(const std::string& file, const std::string& path, const std::function<void()>& action);
-// The same for reading a source, whose format tells how lines are counted.
-void translating(const Source& source, const std::function<void()>& action);
-
-struct Section {
-    std::string name;
-    std::string info;
+enum class Damage {
+    refuse, // a bad line, or anything else that can't be read, is a Failure
+    keep    // it is noted in Source::dropped
 };
 
-// The sections of a DPIA file, or the plotters of a CFG file. Failure for other formats.
-std::vector<Section> sections_of(const Source& source);
+// Reads a file of any format. Text outside ASCII that is UTF-8 throughout is read as UTF-8, unless a code page
+// was told.
+//
+// With `keep`, or with --keep-going, what can be read counts, even if reading ends early. Failure if nothing
+// can.
+Source read_source(const SourceOptions& options, Damage damage = Damage::refuse);
 
-// The parts that together hold all that is in a file: the sections of a DPIA file after its directory, the
-// plotters of a CFG file, else the file itself.
-std::vector<Source> parts_of(const Source& source);
+// A file that holds one tree, for an output that can't hold several: Failure for one of several sections.
+Source read_one_tree(const SourceOptions& options, Damage damage = Damage::refuse);
+
+// Tells on standard error what was dropped.
+void tell_dropped(const Source& source);
+
+// The sections of a DPIA file, or the plotters of a CFG file, with as little as possible of it read. Failure
+// for other formats.
+std::vector<pm::kit::Section> sections_of(const SourceOptions& options);
+
+// Set for the process by --code-page; without it the code page of a text may be found out.
+void set_code_page(unsigned code_page);
 
 } // namespace pmtool

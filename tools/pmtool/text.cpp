@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
+#include <pm/kit/stored.h>
 #include <pm/text.h>
 
 namespace pmtool {
@@ -60,7 +60,7 @@ std::string printable(std::string_view text) {
 }
 
 std::string in_quotes(std::string_view text) {
-    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    return pm::kit::quoted(text);
 }
 
 std::string lower_case(std::string_view text) {

@@ -1,29 +1,23 @@
 #pragma once
 
-#include <pm/pm.h>
+#include <pm/kit/stored.h>
 #include <string>
 #include <string_view>
 
 namespace pmtool {
 
-using pm::Value;
-
-// "long", "double", "string", "bool" or "raw".
-std::string_view type_name(const Value& value);
+// "long, double, string, bool, raw"
 std::string type_names();
 
-// As `get` prints it: text as it is, hexadecimal digits for raw bytes, the shortest form of a double that
-// reads back to the same bits.
-std::string plain_text(const Value& value);
-// As `tree` prints it: texts in quotes.
-std::string shown_text(const Value& value);
+// As `get` prints it: text as it is, hexadecimal digits for raw bytes and for what no value tells exactly.
+std::string plain_text(const pm::kit::Stored& value);
+// As `tree` prints it behind the type: texts in quotes.
+std::string shown_text(const pm::kit::Stored& value);
 
-// The value that `text` stands for. The first form takes the type's name; Failure if there is no such type
-// or the text doesn't fit it. The second takes the type from the text's form: whole number, number, true or
-// false, \hexadecimal digits\, anything else a string.
-Value parse_value(std::string_view text, std::string_view type);
-Value parse_value(std::string_view text);
-
-void set_property(PM_Object& object, const std::u16string& path, const Value& value);
+// The value that `text` stands for as a type, or by its form: whole number, number, true or false,
+// \hexadecimal digits\, anything else a string. Failure if there is no such type or the text doesn't fit it.
+pm::kit::Stored parse_value(std::string_view text, PropType type);
+pm::kit::Stored parse_value(std::string_view text);
+PropType parse_type(const std::string& name);
 
 } // namespace pmtool

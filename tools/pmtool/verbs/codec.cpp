@@ -1,13 +1,14 @@
-#include "commands.h"
 #include "failure.h"
-#include "files.h"
 #include "report_handler.h"
 #include "safe_save.h"
+#include "system.h"
+#include "verbs/verbs.h"
 #include <cstdint>
 #include <fmt/format.h>
 #include <limits>
 #include <memory>
 #include <string_view>
+#include <system_error>
 
 namespace pmtool {
 
@@ -106,6 +107,14 @@ Failure codec_failure(const CodecOptions& options, const CodecKind& kind, const 
     return Failure(fmt::format("{}: the block can't be decoded", options.input));
 }
 
+std::string read_input(const std::string& file) {
+    try {
+        return file == "-" ? read_standard_input() : read_whole(file);
+    } catch (const std::system_error& e) {
+        throw system_failure(file == "-" ? "standard input" : file, e.code().value());
+    }
+}
+
 int run(const CodecOptions& options) {
     const CodecKind& kind = codec_named(options.codec);
     const bool encodes = options.direction == "encode";
@@ -113,7 +122,7 @@ int run(const CodecOptions& options) {
         throw Failure(fmt::format("{}: this must be encode or decode", options.direction));
     }
     if (options.checked && !kind.has_checked_blocks) throw Failure("--crc is for zlib blocks only");
-    const std::string data = read_file(options.input);
+    const std::string data = read_input(options.input);
     if (data.size() > std::numeric_limits<std::uint32_t>::max()) {
         throw Failure(fmt::format("{}: a block holds less than 4 GiB", options.input));
     }
@@ -123,22 +132,27 @@ int run(const CodecOptions& options) {
     if (!kind.run(encodes, options.checked, data, handler, block)) {
         throw codec_failure(options, kind, handler);
     }
-    save_safely(options.output,
-                [&](const std::string& path) { write_file(path, block.bytes.get(), block.size); });
+    save_safely(options.output, {reinterpret_cast<const char*>(block.bytes.get()), block.size});
     return exit_ok;
 }
 
+constexpr Verb verb = {"codec", "convert", "encode a file as a bare block, or decode one",
+                       R"(Encodes a file as a compressed block, as pia and dpia files hold them, or decodes one. A block whose lengths don't fit the file is refused before it is decoded.
+
+A Huffman block gives back its data without the last byte: the format loses it. It needs data with at least two different byte values.)",
+                       R"(pmtool codec zlib encode text block
+pmtool codec zlib decode --crc plotter.pia body)"};
+
 } // namespace
 
-void add_codec_commands(Commands& commands) {
+void add_codec(Commands& commands) {
     const auto options = std::make_shared<CodecOptions>();
-    CLI::App& command = commands.add("codec", "Encode a file as a bare block, or decode one",
-                                     [options] { return run(*options); });
-    command.add_option("CODEC", options->codec, "zlib or huffman")->required();
-    command.add_option("DIRECTION", options->direction, "encode or decode")->required();
-    command.add_option("IN", options->input, "The file to read")->required();
-    command.add_option("OUT", options->output, "The file to write")->required();
-    command.add_flag("--crc", options->checked,
+    VerbLine line = commands.add(verb, [options] { return run(*options); });
+    line.argument("CODEC", options->codec, "zlib or huffman");
+    line.argument("DIRECTION", options->direction, "encode or decode");
+    line.argument("IN", options->input, "The file to read");
+    line.argument("OUT", options->output, "The file to write");
+    line.flag("--crc", options->checked,
                      "A checked block, as pia files of version 2.0 hold them (zlib)");
 }
 

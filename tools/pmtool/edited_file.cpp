@@ -1,0 +1,105 @@
+#include "edited_file.h"
+
+#include "failure.h"
+#include "text.h"
+#include <algorithm>
+#include <fmt/format.h>
+#include <pm/kit/difference.h>
+#include <pm/kit/error.h>
+#include <pm/kit/pattern.h>
+
+namespace pmtool {
+
+namespace {
+
+namespace kit = pm::kit;
+
+bool is_in_place(const SourceOptions& source, const TargetOptions& target) {
+    return target.file.empty() || target.file == source.file || is_same_file(target.file, source.file);
+}
+
+// The section is looked for in the file as a whole: all of it is written again.
+SourceOptions whole(const SourceOptions& options) {
+    SourceOptions all = options;
+    all.section.clear();
+    return all;
+}
+
+const kit::Section& section_named(const Source& source, const std::string& name) {
+    const auto& sections = source.content.sections;
+    const auto found = std::ranges::find(sections, name, &kit::Section::name);
+    if (found != sections.end()) return *found;
+    std::vector<std::string> names;
+    for (const kit::Section& section : sections) {
+        names.push_back(section.name);
+    }
+    throw Failure(fmt::format("{}: there is no section {}; there are {}", source.file, in_quotes(name),
+                              fmt::join(names, ", ")));
+}
+
+Failure edit_failure(const std::string& file, const kit::Error& e) {
+    if (e.line() == 0) return Failure(fmt::format("{}: {}", file, e.what()));
+    return Failure(fmt::format("{}: line {} of the script: {}", file, e.line(), e.what()));
+}
+
+} // namespace
+
+EditedFile::EditedFile(const SourceOptions& source, const TargetOptions& target) : m_target(target) {
+    const bool in_place = is_in_place(source, target);
+    if (m_target.file.empty()) m_target.file = source.file;
+    if (in_place && !m_target.dry_run) m_lock.emplace(follow_links(source.file));
+    m_source = read_source(whole(source), Damage::keep);
+    const Format& format = m_source.is_json ? format_named("json") : format_of(m_source.content.type);
+    if (!format.is_written) {
+        throw Failure(
+            fmt::format("{}: {} files can't be changed; convert it first", source.file, format.name));
+    }
+    if (!in_place && m_target.to.empty()) require_extension(m_target.file, format);
+    if (source.section.empty()) return;
+    if (!m_source.content.by_section) {
+        throw Failure(fmt::format("{}: a {} file has no sections", source.file, format.name));
+    }
+    m_base = '\\' + section_named(m_source, source.section).node;
+}
+
+pm::Node EditedFile::root() const {
+    return m_source.content.tree.node(m_base).value_or(m_source.content.tree.root());
+}
+
+std::string EditedFile::full(const std::string& path) const {
+    return kit::escaped(m_base) + kit::full_path(path);
+}
+
+std::vector<kit::Match> EditedFile::require(const std::string& path) const {
+    std::vector<kit::Match> found = kit::find_all(m_source.content.tree, kit::Pattern(full(path)));
+    if (found.empty()) throw no_such_path(m_source.file, path);
+    return found;
+}
+
+int EditedFile::change(std::span<const kit::Edit> edits) {
+    std::vector<kit::Edit> placed(edits.begin(), edits.end());
+    for (kit::Edit& edit : placed) {
+        edit.path = full(edit.path);
+        if (!edit.target.empty()) edit.target = full(edit.target);
+    }
+    try {
+        return write(kit::applied(m_source.content.tree, placed));
+    } catch (const kit::Error& e) {
+        throw edit_failure(m_source.file, e);
+    }
+}
+
+int EditedFile::replace(const pm::Tree& tree) {
+    return change(kit::edits_of(kit::compare(root(), tree.root())));
+}
+
+int EditedFile::write(const pm::Tree& changed) {
+    const Format& format = m_source.is_json ? format_named("json") : format_of(m_source.content.type);
+    const kit::WriteOptions form =
+        m_source.is_json ? form_of(format, m_target, m_source) : same_form(m_source, m_target);
+    Writing writing{changed, format, form, m_source.dropped, &m_source.content.tree};
+    if (!m_source.is_json) writing.rewritten = &m_source.content;
+    return write_by_rule(writing, m_target);
+}
+
+} // namespace pmtool

@@ -1,0 +1,96 @@
+#include "program.h"
+
+#include "failure.h"
+#include "help/help_text.h"
+#include "source.h"
+#include "system.h"
+#include "text.h"
+#include "verbs/verbs.h"
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <exception>
+#include <fmt/format.h>
+#include <functional>
+#include <new>
+#include <pm/kit/error.h>
+#include <pm/pm.h>
+
+namespace pmtool {
+
+namespace {
+
+// In the order of help.
+constexpr void (*all_verbs[])(Commands&) = {
+    add_identify, add_tree,  add_ls,      add_get,  add_set,   add_rm,       add_mv,      add_cp,
+    add_apply,    add_edit,  add_diff,    add_merge, add_check, add_convert,  add_dump,    add_codec,
+    add_sections, add_extract, add_bundle, add_help, add_completion};
+
+int trouble(const std::string& text, int status = exit_trouble) {
+    std::fflush(stdout);
+    fmt::print(stderr, "pmtool: {}\n", text);
+    return status;
+}
+
+void flush_output() {
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        std::clearerr(stdout);
+        throw system_failure("standard output", errno);
+    }
+}
+
+int guarded(const std::function<int()>& action) {
+    try {
+        const int status = action();
+        flush_output();
+        return status;
+    } catch (const Failure& e) {
+        return trouble(e.what(), e.exit_code());
+    } catch (const pm::kit::Error& e) {
+        return trouble(e.what());
+    } catch (const ZT_Exception& e) {
+        return trouble(number_text(e.m_number));
+    } catch (const std::bad_alloc&) {
+        return trouble("there is not enough memory");
+    } catch (const std::exception& e) {
+        return trouble(e.what());
+    }
+}
+
+int tell_usage(const Commands& commands, const UsageError& e, const std::vector<std::string>& words) {
+    const std::string verb = e.verb().empty() ? "" : e.verb() + ' ';
+    const auto word = std::find_if(words.begin() + 1, words.end(),
+                                   [](const std::string& each) { return !each.starts_with('-'); });
+    const bool is_unknown = e.verb().empty() && word != words.end() && commands.find(*word) == nullptr;
+    const std::string text = is_unknown ? *word + ": there is no such verb" : e.what();
+    return trouble(fmt::format("{}; see pmtool {}--help", text, verb));
+}
+
+int run(const Commands& commands, const Request& request) {
+    if (request.version) {
+        fmt::print("pmtool {}\n", PMTOOL_VERSION);
+    } else if (request.help) {
+        fmt::print("{}", request.entry == nullptr ? help_text(commands) : help_text(commands, *request.entry));
+    } else {
+        if (request.code_page) set_code_page(*request.code_page);
+        return request.entry->action();
+    }
+    return exit_ok;
+}
+
+} // namespace
+
+int run_program(const std::vector<std::string>& words) {
+    Commands commands;
+    for (const auto add : all_verbs) {
+        add(commands);
+    }
+    try {
+        const Request request = commands.parse(words);
+        return guarded([&] { return run(commands, request); });
+    } catch (const UsageError& e) {
+        return tell_usage(commands, e, words);
+    }
+}
+
+} // namespace pmtool

@@ -1,0 +1,166 @@
+#include "target.h"
+
+#include "failure.h"
+#include "report_handler.h"
+#include "safe_save.h"
+#include "system.h"
+#include "text.h"
+#include <algorithm>
+#include <fmt/format.h>
+#include <pm/error_number.h>
+#include <pm/kit/difference.h>
+#include <pm/kit/error.h>
+#include <pm/kit/json.h>
+
+namespace pmtool {
+
+namespace {
+
+namespace kit = pm::kit;
+
+constexpr std::string_view compression_mark = "compress";
+constexpr unsigned utf8_code_page = 65001;
+
+std::string with_compression(const std::string& tag) {
+    if (tag.find(compression_mark) != std::string::npos) return tag;
+    return tag + (tag.empty() ? "" : ",") + std::string(compression_mark);
+}
+
+kit::Prepared prepare(const Writing& writing, const TargetOptions& options) {
+    if (writing.format.is_json()) {
+        const std::optional<pm::Node> top = writing.tree.node(writing.form.subtree);
+        if (!top) throw Failure(fmt::format("{}: there is no such node", writing.form.subtree));
+        return {kit::to_json(*top), {}, {}};
+    }
+    try {
+        return kit::prepare(writing.tree, writing.form);
+    } catch (const kit::Error& e) {
+        throw Failure(fmt::format("{}: {}", options.file, e.what()));
+    } catch (const ZT_Exception& e) {
+        throw Failure(describe(make_report(e, options.file), options.file));
+    }
+}
+
+void tell(const std::string& file, std::string_view kind, const std::string& text) {
+    fmt::print(stderr, "pmtool: {}: {}{}\n", file, kind, text);
+}
+
+std::string plural(std::size_t count, std::string_view word) {
+    return fmt::format("{} {}{}", count, word, count == 1 ? "" : "es");
+}
+
+bool fits_utf8(const Writing& writing) {
+    return writing.format.is(PM_Object::FILE_PIA) && !writing.form.utf8;
+}
+
+// What to do about losses, behind the number of them.
+std::string advice(const Writing& writing, const kit::Prepared& prepared) {
+    std::string text;
+    const bool is_encoding = std::ranges::any_of(
+        prepared.losses, [](const kit::Loss& loss) { return loss.kind == kit::LossKind::re_encoded; });
+    if (!writing.dropped.empty()) text += "; pmtool check tells what is wrong with the input";
+    if (is_encoding && fits_utf8(writing)) text += "; --utf8 keeps all characters";
+    return text + "; --lossy writes nevertheless";
+}
+
+// Every loss, a line each. Whether there are any.
+bool tell_losses(const Writing& writing, const kit::Prepared& prepared, const TargetOptions& options) {
+    const std::string_view kind = options.lossy ? "warning: " : "";
+    for (const std::string& line : writing.dropped) {
+        tell(options.file, kind, "not read: " + line);
+    }
+    for (const kit::Loss& loss : prepared.losses) {
+        tell(options.file, kind, kit::loss_text(loss));
+    }
+    const std::size_t count = writing.dropped.size() + prepared.losses.size();
+    if (count != 0 && !options.lossy) {
+        tell(options.file, "", "not written: " + plural(count, "loss") + advice(writing, prepared));
+    }
+    return count != 0;
+}
+
+void tell_form(const Writing& writing, const kit::Prepared& prepared, const TargetOptions& options) {
+    std::vector<std::string> notes = prepared.notes;
+    if (writing.rewritten != nullptr) {
+        const std::vector<std::string> changes = kit::form_changes(*writing.rewritten, writing.form);
+        notes.insert(notes.end(), changes.begin(), changes.end());
+    }
+    if (notes.empty()) return;
+    tell(options.file, "note: ", fmt::format("{}", fmt::join(notes, "; ")));
+}
+
+// The tree of a target that is there; an empty one if it isn't or can't be read.
+pm::Tree tree_of(const std::string& file) {
+    if (kind_of(file) != FileKind::regular) return {};
+    try {
+        return read_source({file}, Damage::keep).content.tree;
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+void show_changes(const Writing& writing, const TargetOptions& options) {
+    const pm::Tree there = writing.before == nullptr ? tree_of(options.file) : pm::Tree();
+    const pm::Tree& before = writing.before == nullptr ? there : *writing.before;
+    const std::optional<pm::Node> top = writing.tree.node(writing.form.subtree);
+    if (!top) return;
+    for (const kit::Difference& difference : kit::compare(before.root(), *top, {.strictness = false})) {
+        fmt::print("{}\n", kit::difference_text(difference));
+    }
+}
+
+void require_pia(const Format& format, const TargetOptions& options) {
+    if (format.is(PM_Object::FILE_PIA) || !(options.compress || options.utf8 || options.tag)) return;
+    throw Failure(fmt::format("{}: --compress, --utf8 and --tag are for pia files only", options.file));
+}
+
+} // namespace
+
+std::string without_compression(const std::string& tag) {
+    std::string kept;
+    for (std::size_t at = 0; at <= tag.size();) {
+        const std::size_t end = std::min(tag.find(',', at), tag.size());
+        const std::string item = tag.substr(at, end - at);
+        if (item.find(compression_mark) == std::string::npos) kept += (kept.empty() ? "" : ",") + item;
+        at = end + 1;
+    }
+    return kept;
+}
+
+kit::WriteOptions form_of(const Format& format, const TargetOptions& options, const Source& source) {
+    require_pia(format, options);
+    kit::WriteOptions form;
+    form.type = format.type.value_or(PM_Object::FILE_PIA);
+    form.code_page = options.code_page != 0 ? options.code_page : source.code_page;
+    if (format.is(PM_Object::FILE_PIA)) {
+        form.tag = options.tag.value_or(without_compression(source.content.tag));
+        if (options.compress) form.tag = with_compression(form.tag);
+        const bool is_utf8 = form.code_page == utf8_code_page && source.content.type == PM_Object::FILE_PIA;
+        form.utf8 = options.utf8 || (is_utf8 && options.code_page == 0);
+    }
+    if (form.utf8) form.code_page = 0;
+    return form;
+}
+
+kit::WriteOptions same_form(const Source& source, const TargetOptions& options) {
+    const Format& format = format_of(source.content.type);
+    TargetOptions kept = options;
+    kept.compress = kept.compress || source.content.compressed;
+    if (!format.is(PM_Object::FILE_PIA)) kept.compress = options.compress;
+    kit::WriteOptions form = form_of(format, kept, source);
+    form.sections = source.content.sections;
+    return form;
+}
+
+int write_by_rule(const Writing& writing, const TargetOptions& options) {
+    if (!options.dry_run) require_target(options.file);
+    const kit::Prepared prepared = prepare(writing, options);
+    const bool is_lossy = tell_losses(writing, prepared, options);
+    if (options.dry_run) show_changes(writing, options);
+    if (is_lossy && !options.lossy) return exit_trouble;
+    tell_form(writing, prepared, options);
+    if (!options.dry_run) save_safely(options.file, prepared.bytes, options.backup);
+    return exit_ok;
+}
+
+} // namespace pmtool

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "formats.h"
+#include "options.h"
+#include "source.h"
+#include <pm/kit/loss.h>
+#include <string>
+#include <vector>
+
+// Writing by the rule: the bytes are made and read back, and what would be lost is told; without --lossy
+// nothing is written then.
+namespace pmtool {
+
+// What is to be written.
+struct Writing {
+    const pm::Tree& tree;        // the intended one
+    const Format& format;        // of the output
+    pm::kit::WriteOptions form;  // its type is that of the format
+    std::vector<std::string> dropped = {}; // what sources couldn't give: losses too
+    const pm::Tree* before = nullptr;      // what --dry-run compares with; null: the target as it is
+    // The file that is written anew, for what changes in form only.
+    const pm::kit::FileContent* rewritten = nullptr;
+};
+
+// Writes to the target, or shows with --dry-run what would change there. The exit code: 0, or 2 if something
+// would be lost. Failure if the target can't be written.
+int write_by_rule(const Writing& writing, const TargetOptions& options);
+
+// The form of an output as the options tell it; `source` gives what they don't. Failure for an option that is
+// only for PIA files.
+pm::kit::WriteOptions form_of(const Format& format, const TargetOptions& options, const Source& source);
+// The form that a file has already, with what the options change of it.
+pm::kit::WriteOptions same_form(const Source& source, const TargetOptions& options);
+
+// The free text in the header of a PIA file without the word that asks for compression.
+std::string without_compression(const std::string& tag);
+
+} // namespace pmtool

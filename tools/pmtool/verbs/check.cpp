@@ -1,0 +1,143 @@
+#include "failure.h"
+#include "json.h"
+#include "options.h"
+#include "source.h"
+#include "system.h"
+#include "text.h"
+#include "verbs/verbs.h"
+#include <algorithm>
+#include <fmt/format.h>
+#include <memory>
+#include <pm/kit/check.h>
+#include <system_error>
+
+namespace pmtool {
+
+namespace {
+
+namespace kit = pm::kit;
+
+struct CheckOptions {
+    std::vector<std::string> files;
+    std::string from;
+    kit::CheckOptions check;
+    bool strict = false;
+    bool json = false;
+    bool list_rules = false;
+};
+
+std::string place_text(const kit::Place& place) {
+    std::string text = place.file;
+    if (!place.section.empty()) text += fmt::format("[{}]", place.section);
+    if (place.line != 0) text += fmt::format(":{}", place.line);
+    if (place.column != 0) text += fmt::format(":{}", place.column);
+    return text;
+}
+
+void print_line(const kit::Diagnostic& diagnostic) {
+    fmt::print("{}: {}: {} [{}]", place_text(diagnostic.place), kit::severity_name(diagnostic.severity),
+               diagnostic.message, diagnostic.rule);
+    if (diagnostic.number != 0) fmt::print(" (error {})", diagnostic.number);
+    fmt::print("\n");
+}
+
+Json json_of(const kit::Diagnostic& diagnostic) {
+    Json place = Json::object();
+    place.text("file", diagnostic.place.file);
+    if (!diagnostic.place.section.empty()) place.text("section", diagnostic.place.section);
+    if (diagnostic.place.line != 0) place.number("line", diagnostic.place.line);
+    if (diagnostic.place.column != 0) place.number("column", diagnostic.place.column);
+    Json row = Json::object();
+    row.text("rule", diagnostic.rule).text("severity", kit::severity_name(diagnostic.severity));
+    row.member("place", std::move(place)).text("message", diagnostic.message);
+    if (!diagnostic.path.empty()) row.text("path", diagnostic.path);
+    if (diagnostic.number != 0) row.number("number", diagnostic.number);
+    return row;
+}
+
+std::vector<kit::Diagnostic> check_one(const std::string& file, const kit::CheckOptions& options) {
+    try {
+        if (file == "-") return kit::check_content(read_standard_input(), "standard input", options);
+        if (kind_of(file) == FileKind::special) return kit::check_content(read_whole(file), file, options);
+        return kit::check_file(file, options);
+    } catch (const std::system_error& e) {
+        throw system_failure(file, e.code().value());
+    }
+}
+
+void require_rules(const std::vector<std::string>& names) {
+    for (const std::string& name : names) {
+        if (kit::find_check_rule(name) == nullptr) {
+            throw Failure(fmt::format("{}: there is no such rule; see pmtool check --rules", name));
+        }
+    }
+}
+
+int list_rules() {
+    for (const kit::CheckRule& rule : kit::check_rules()) {
+        fmt::print("{:20} {:8} {}\n", rule.name, kit::severity_name(rule.severity), rule.meaning);
+    }
+    return exit_ok;
+}
+
+// What can't be read at all is trouble, and no answer.
+bool is_trouble(const kit::Diagnostic& diagnostic) {
+    return diagnostic.rule == "unreadable" || diagnostic.rule == "unknown-kind";
+}
+
+bool counts(const CheckOptions& options, const kit::Diagnostic& diagnostic) {
+    return options.strict || diagnostic.severity != kit::Severity::note;
+}
+
+int check(CheckOptions options) {
+    if (options.list_rules) return list_rules();
+    if (options.files.empty()) throw Failure("FILE is required; see pmtool check --help");
+    require_rules(options.check.rules);
+    require_rules(options.check.without);
+    if (!options.from.empty()) options.check.type = format_named(options.from).type;
+    int status = exit_ok;
+    Json list = Json::array();
+    for (const std::string& file : options.files) {
+        const std::vector<kit::Diagnostic> found = check_one(file, options.check);
+        for (const kit::Diagnostic& diagnostic : found) {
+            if (is_trouble(diagnostic)) status = exit_trouble;
+            if (status == exit_ok && counts(options, diagnostic)) status = exit_negative;
+            if (options.json) {
+                list.append(json_of(diagnostic));
+            } else if (is_trouble(diagnostic)) {
+                fmt::print(stderr, "pmtool: {}: {} (error {})\n", place_text(diagnostic.place),
+                           diagnostic.message, diagnostic.number);
+            } else {
+                print_line(diagnostic);
+            }
+        }
+        if (found.empty() && !options.json) fmt::print("{}: no bad lines\n", file);
+    }
+    if (options.json) fmt::print("{}", list.dump());
+    return status;
+}
+
+constexpr Verb verb = {"check", "compare", "list all that is wrong with files",
+                       R"(Lists what the library reports and what a linter of named rules finds, each with its place, severity and rule, and reads on behind what is wrong. Folders are walked. "pmtool check --rules" lists the rules.
+
+Exit code 0 if nothing is wrong, 1 if something is; notes count with --strict only. 2 if a file can't be read at all.)",
+                       R"(pmtool check plotter.pia
+pmtool check devices/ --without missing-translation --json)"};
+
+} // namespace
+
+void add_check(Commands& commands) {
+    const auto options = std::make_shared<CheckOptions>();
+    VerbLine line = commands.add(verb, [options] { return check(*options); });
+    line.optional_arguments("FILE", options->files, "Files and folders; \"-\" is standard input");
+    line.text("--from", options->from, "FORMAT", "Format of the files, if the content doesn't tell it");
+    line.text("--section", options->check.section, "NAME", "One section, by name or number");
+    line.texts("--rule", options->check.rules, "RULE", "This rule only; may be repeated");
+    line.texts("--without", options->check.without, "RULE", "Not this rule; may be repeated");
+    line.flag("--strict", options->strict, "Notes count too");
+    line.flag("--roundtrip", options->check.round_trip, "Load, save, load again and compare");
+    line.flag("--rules", options->list_rules, "List the rules");
+    line.flag("--json", options->json, "An array of diagnostics");
+}
+
+} // namespace pmtool

@@ -1,0 +1,82 @@
+#include "edited_file.h"
+#include "failure.h"
+#include "verbs/verbs.h"
+#include <algorithm>
+#include <array>
+#include <fmt/format.h>
+#include <memory>
+#include <pm/kit/merge.h>
+
+namespace pmtool {
+
+namespace {
+
+namespace kit = pm::kit;
+
+struct MergeOptions {
+    SourceOptions base;
+    SourceOptions first;
+    SourceOptions second;
+    TargetOptions target;
+};
+
+void require_one_input(const MergeOptions& options) {
+    const std::array files = {&options.base, &options.first, &options.second};
+    const auto inputs = std::ranges::count_if(files, [](const SourceOptions* file) { return file->file == "-"; });
+    if (inputs > 1) throw Failure("only one of the files can be standard input");
+}
+
+// Where the conflicts are told: the merged file may be on standard output.
+void print_conflicts(const MergeOptions& options, const std::vector<kit::Conflict>& conflicts) {
+    std::FILE* stream = options.target.file == "-" ? stderr : stdout;
+    for (const kit::Conflict& conflict : conflicts) {
+        fmt::print(stream, "conflict: {}\n", kit::conflict_text(conflict));
+    }
+}
+
+const Format& format_for(const MergeOptions& options, const Source& first) {
+    if (!options.target.to.empty()) return format_of_output(options.target.file, options.target.to);
+    const Format& format = first.is_json ? format_named("json") : format_of(first.content.type);
+    require_extension(options.target.file, format);
+    return format;
+}
+
+int merge(const MergeOptions& options) {
+    require_one_input(options);
+    const Source base = read_source(options.base);
+    const Source first = read_source(options.first);
+    const Source second = read_source(options.second);
+    kit::Merged merged = kit::merge(base.content.tree, first.content.tree, second.content.tree);
+    const Format& format = format_for(options, first);
+    const bool is_same = !first.is_json && format.is(first.content.type);
+    Writing writing{merged.tree, format,
+                    is_same ? same_form(first, options.target) : form_of(format, options.target, first)};
+    for (const kit::Section& section : second.content.sections) {
+        const auto same = [&](const kit::Section& each) { return each.node == section.node; };
+        if (std::ranges::none_of(writing.form.sections, same)) writing.form.sections.push_back(section);
+    }
+    const int status = write_by_rule(writing, options.target);
+    print_conflicts(options, merged.conflicts);
+    if (status != exit_ok) return status;
+    return merged.conflicts.empty() ? exit_ok : exit_negative;
+}
+
+constexpr Verb verb = {"merge", "compare", "merge the changes of two files",
+                       R"(Writes what A and B have made of BASE, in the form of A. What both changed, and not alike, is a conflict: each is listed with its path and its three values, the value of A is written, and the exit code is 1. Of files with several trees all sections are merged.)",
+                       R"(pmtool merge base.pia mine.pia yours.pia -o merged.pia
+pmtool merge %O %A %B -o %A    as a merge driver of git)"};
+
+} // namespace
+
+void add_merge(Commands& commands) {
+    const auto options = std::make_shared<MergeOptions>();
+    VerbLine line = commands.add(verb, [options] { return merge(*options); });
+    line.argument("BASE", options->base.file, "What both came from");
+    line.argument("A", options->first.file, "A file");
+    line.argument("B", options->second.file, "Another file");
+    line.required_text("-o,--output", options->target.file, "FILE", "The file to write");
+    add_form(line, options->target);
+    add_writing(line, options->target);
+}
+
+} // namespace pmtool
