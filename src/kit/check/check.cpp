@@ -1,0 +1,37 @@
+#include "check/code_page_scope.h"
+#include "check/content.h"
+#include "check/files.h"
+#include "check/folder.h"
+#include <filesystem>
+#include <istream>
+#include <iterator>
+
+namespace pm::kit {
+
+std::vector<Diagnostic> check_file(std::string_view file, const CheckOptions& options) {
+    const CodePageScope scope(options.code_page);
+    Findings findings(options);
+    std::error_code error;
+    if (std::filesystem::is_directory(path_of_name(file), error)) {
+        check_folder(file, options, findings);
+    } else {
+        check_named(file, options, findings);
+    }
+    return findings.take();
+}
+
+std::vector<Diagnostic> check_content(std::string_view content, std::string_view name,
+                                      const CheckOptions& options) {
+    const CodePageScope scope(options.code_page);
+    Findings findings(options);
+    check_content({content, std::string(name), {}}, options, findings);
+    return findings.take();
+}
+
+std::vector<Diagnostic> check_stream(std::istream& stream, std::string_view name,
+                                     const CheckOptions& options) {
+    const std::string content{std::istreambuf_iterator<char>(stream), {}};
+    return check_content(std::string_view(content), name, options);
+}
+
+} // namespace pm::kit

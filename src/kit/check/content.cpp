@@ -1,0 +1,91 @@
+#include "check/content.h"
+
+#include "check/description.h"
+#include "check/doc_check.h"
+#include "check/dpia_check.h"
+#include "check/files.h"
+#include "check/library_load.h"
+#include "check/pc2_check.h"
+#include "check/pcp_check.h"
+#include "check/pia_check.h"
+#include "check/round_trip.h"
+#include <pm/code_page.h>
+#include <pm/inspect.h>
+
+namespace pm::kit {
+
+namespace {
+
+std::optional<PM_Object::FileType> type_of(const FileContent& content, const CheckOptions& options) {
+    if (options.type) return options.type;
+    const std::optional<FileIdentity> identity = identify_content(content.bytes);
+    if (identity) return identity->type;
+    if (is_table_name(content.name)) return PM_Object::FILE_PDT;
+    return std::nullopt;
+}
+
+void check_as(PM_Object::FileType type, const FileContent& content, const CheckOptions& options,
+              Findings& findings) {
+    const NarrowText narrow(pm_system_code_page());
+    const Place where{.file = content.name, .section = {}};
+    switch (type) {
+    case PM_Object::FILE_PIA:
+        check_pia(content.bytes, narrow, where, findings);
+        break;
+    case PM_Object::FILE_DPIA:
+        check_dpia(content.bytes, options.section, where, findings);
+        break;
+    case PM_Object::FILE_PC2:
+        check_pc2(content.bytes, narrow, where, findings);
+        break;
+    case PM_Object::FILE_CFG:
+        check_cfg(content.bytes, narrow, options.section, where, findings);
+        break;
+    case PM_Object::FILE_PCP:
+        check_pcp(content.bytes, narrow, where, findings);
+        break;
+    case PM_Object::FILE_DOC:
+        check_doc(content, where, findings);
+        break;
+    case PM_Object::FILE_PDT:
+        check_table_file(content, narrow, findings);
+        break;
+    }
+    if (options.round_trip) check_round_trip(type, content, where, findings);
+}
+
+void say_unreadable(std::string_view file, std::uint32_t number, Findings& findings) {
+    findings.add({.rule = Rule::unreadable,
+                  .place = {.file = std::string(file), .section = {}},
+                  .message = sentence_of(number),
+                  .number = number});
+}
+
+void check_read(std::string_view file, bool known_only, const CheckOptions& options, Findings& findings) {
+    const FileBytes read = read_bytes(file);
+    if (read.failure != 0) return say_unreadable(file, read.failure, findings);
+    const FileContent content{read.bytes, std::string(file), std::string(file)};
+    if (known_only && !type_of(content, options)) return;
+    check_content(content, options, findings);
+}
+
+} // namespace
+
+void check_content(const FileContent& content, const CheckOptions& options, Findings& findings) {
+    const std::optional<PM_Object::FileType> type = type_of(content, options);
+    if (type) return check_as(*type, content, options, findings);
+    findings.add(
+        {.rule = Rule::unknown_kind,
+         .place = {.file = content.name, .section = {}},
+         .message = content.bytes.empty() ? "The file is empty." : "The content is of no known kind."});
+}
+
+void check_named(std::string_view file, const CheckOptions& options, Findings& findings) {
+    check_read(file, false, options, findings);
+}
+
+void check_if_known(std::string_view file, const CheckOptions& options, Findings& findings) {
+    check_read(file, true, options, findings);
+}
+
+} // namespace pm::kit
