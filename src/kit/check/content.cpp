@@ -1,12 +1,13 @@
 #include "check/content.h"
 
-#include "check/description.h"
 #include "check/doc_check.h"
 #include "check/dpia_check.h"
 #include "check/files.h"
 #include "check/library_load.h"
+#include "check/numbers.h"
 #include "check/pc2_check.h"
 #include "check/pcp_check.h"
+#include "check/pdt/description.h"
 #include "check/pia_check.h"
 #include "check/round_trip.h"
 #include <pm/code_page.h>
@@ -16,11 +17,29 @@ namespace pm::kit {
 
 namespace {
 
+constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
+
+// What a file's name says, where its content says nothing.
+struct Ending {
+    std::string_view text;
+    PM_Object::FileType type;
+};
+constexpr Ending endings[] = {{".dpia", PM_Object::FILE_DPIA},
+                              {".pia", PM_Object::FILE_PIA},
+                              {".pc2", PM_Object::FILE_PC2},
+                              {".pcp", PM_Object::FILE_PCP}};
+
 std::optional<PM_Object::FileType> type_of(const FileContent& content, const CheckOptions& options) {
     if (options.type) return options.type;
-    const std::optional<FileIdentity> identity = identify_content(content.bytes);
+    std::string_view bytes = content.bytes;
+    if (bytes.starts_with(byte_order_mark)) bytes.remove_prefix(byte_order_mark.size());
+    const std::optional<FileIdentity> identity = identify_content(bytes);
     if (identity) return identity->type;
     if (is_table_name(content.name)) return PM_Object::FILE_PDT;
+    const std::string name = lowered(content.name);
+    for (const Ending& ending : endings) {
+        if (name.ends_with(ending.text)) return ending.type;
+    }
     return std::nullopt;
 }
 

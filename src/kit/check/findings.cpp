@@ -34,6 +34,11 @@ std::vector<std::pair<std::uint32_t, std::uint64_t>> Findings::numbers_from(std:
     return all;
 }
 
+bool Findings::has_number(std::uint32_t number) const {
+    return std::any_of(m_numbers.begin(), m_numbers.end(),
+                       [=](const Told& told) { return told.number == number; });
+}
+
 void Findings::sort_from(std::size_t first) {
     const std::size_t from = first < m_numbers.size() ? m_numbers[first].found : m_found.size();
     std::stable_sort(m_found.begin() + static_cast<std::ptrdiff_t>(from), m_found.end(),

@@ -24,6 +24,7 @@ public:
 
     [[nodiscard]] bool wants(Rule rule) const { return m_wanted[static_cast<std::size_t>(rule)]; }
     void add(Finding finding);
+    [[nodiscard]] bool has_number(std::uint32_t number) const;
     // Everything since `first`, a former count(), in the order of lines and columns.
     void sort_from(std::size_t first);
     [[nodiscard]] std::size_t count() const { return m_numbers.size(); }

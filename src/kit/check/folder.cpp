@@ -1,9 +1,9 @@
 #include "check/folder.h"
 
 #include "check/content.h"
-#include "check/description.h"
 #include "check/files.h"
 #include "check/library_load.h"
+#include "check/pdt/description.h"
 #include <algorithm>
 #include <pm/inspect.h>
 #include <pm/text.h>

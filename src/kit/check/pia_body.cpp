@@ -151,12 +151,11 @@ void PiaBody::opening_line(std::string_view text) {
             PM_ERR_BAD_LINE);
         // What stands in such a block belongs to no other node.
         end_load("_{");
-        m_names.emplace_back("_");
         if (m_skipped > 0) {
             ++m_skipped;
             return;
         }
-        m_open.push_back({m_line, m_names.back()});
+        m_open.push_back({m_line, {}}); // told already
         m_path += m_path.ends_with('\\') ? "_" : "\\_";
         return find_node();
     }
@@ -203,12 +202,14 @@ void PiaBody::closing_line(std::string_view text) {
     const bool popped = pop();
     if (popped) find_node();
     if (!m_open.empty()) return m_open.pop_back();
-    say(Rule::unopened_node, text.data() + brace, "The \"}\" closes no node.", popped ? 0U : std::uint32_t{PM_ERR_BAD_LINE});
+    say(Rule::unopened_node, text.data() + brace, "The \"}\" closes no node.",
+        popped ? 0U : std::uint32_t{PM_ERR_BAD_LINE});
     if (!popped) end_load();
 }
 
 void PiaBody::check_unclosed() {
     for (const Opening& opening : m_open) {
+        if (opening.name.empty()) continue;
         m_findings.add({Rule::unclosed_node,
                         m_source.place(opening.line, opening.line.text.data() +
                                                          (opening.line.text.find_first_not_of(" \t\r\v\f"))),
