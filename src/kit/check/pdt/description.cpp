@@ -78,7 +78,7 @@ void Description::read_tables(const std::string& only) {
             if (!only.empty()) continue;
             m_findings.add({.rule = Rule::missing_table,
                             .place = {.file = name_of_path(path), .section = {}},
-                            .message = sentence_of(read.failure),
+                            .message = "The table isn't there, or can't be read.",
                             .number = read.failure});
             continue;
         }
@@ -86,7 +86,7 @@ void Description::read_tables(const std::string& only) {
         file.name = path.filename() == path_of_name(only).filename() ? only : name_of_path(path);
         file.content = std::move(read.bytes);
         file.table.emplace(&table, file.content, m_narrow, Place{.file = file.name, .section = {}});
-        m_names.emplace(table.name, names_of(*file.table));
+        if (!file.content.empty()) m_names.emplace(table.name, names_of(*file.table));
     }
 }
 
