@@ -65,8 +65,9 @@ private:
     [[nodiscard]] std::string quoted(std::string_view part) const { return m_source.quoted(part); }
     void say(Rule rule, std::string_view part, std::string message, std::uint32_t number = 0,
              std::optional<Severity> severity = {}) {
-        m_findings.add(
-            {rule, m_source.place(m_line, part.data()), std::move(message), m_path, number, severity});
+        Place place = m_source.place(m_line, part.data());
+        if (m_plotter) place.section = std::to_string(*m_plotter);
+        m_findings.add({rule, std::move(place), std::move(message), m_path, number, severity});
     }
 
     SourceText& m_source;
@@ -127,7 +128,7 @@ void KeyLines::section_line(std::string_view text) {
     if (m_plotter) m_plotters.insert(*m_plotter);
     m_written = std::move(section.section);
     m_section = Pc2Keys::all().find_section(m_written);
-    if (m_plotter) m_instead = '[' + m_written + ']';
+    if (m_plotter) m_instead = '[' + (m_written.empty() ? std::string("#") : m_written) + ']';
     if (m_section == nullptr) {
         say(Rule::unknown_section, name,
             fmt::format("{} is no section, and its keys aren't read.", quoted(name)));

@@ -96,6 +96,7 @@ private:
     SourceLine m_line;
     std::string m_path;
     bool m_marked = false;
+    bool m_lost = false; // nothing is left of the base
     std::vector<Block> m_open;
     std::map<std::string, std::uint64_t> m_set;
 };
@@ -137,9 +138,12 @@ void PcpLines::check_refused(std::string_view text, std::string_view name, const
     if (name.empty()) return say(Rule::bad_line, text, "The line has no keyword.", PM_ERR_BAD_LINE);
     if (keyword == nullptr) {
         return say(Rule::unknown_key, text, fmt::format("{} is no keyword and isn't read.", quoted(name)),
-                   PM_ERR_BAD_LINE);
+                   PM_ERR_BAD_LINE, Severity::error);
     }
     m_path = path_of(name);
+    if (m_lost)
+        return say(Rule::bad_line, text, "An END_COLOR in front closed nothing, and values have no place.",
+                   PM_ERR_BAD_LINE);
     say(Rule::bad_line, text, fmt::format("{} takes {}.", quoted(name), keyword->what), PM_ERR_BAD_LINE);
 }
 
@@ -152,6 +156,7 @@ void PcpLines::begin_block(std::string_view text) {
 }
 
 void PcpLines::end_block(std::string_view text) {
+    m_lost = m_lost || m_open.empty();
     if (m_open.empty()) return say(Rule::unopened_block, text, "The END_COLOR closes no block.");
     m_open.pop_back();
 }
