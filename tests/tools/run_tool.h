@@ -2,11 +2,20 @@
 
 #include "support/temp_folder.h"
 #include <gtest/gtest.h>
+#include <optional>
 #include <pm_test_paths.h>
 #include <string>
 #include <vector>
 
 namespace pm::test {
+
+// How to run the program, beside its arguments.
+struct ToolSetting {
+    bool privileged = true;                      // with root's right to open any file, if root runs it
+    std::optional<std::string> input = {};       // standard input; without one that of the test
+    std::vector<std::string> environment = {};   // "NAME=VALUE", added
+    std::string output = {};                     // a file for standard output; "closed" closes it
+};
 
 struct ToolRun {
     int status = -1; // exit code; -1 if the program ended otherwise
@@ -21,6 +30,10 @@ protected:
     // The same without root's right to open any file.
     ToolRun run_unprivileged(const std::vector<std::string>& arguments) const;
 
+    ToolRun run(const std::vector<std::string>& arguments, const ToolSetting& setting) const;
+    // With this on standard input.
+    ToolRun run_with_input(const std::vector<std::string>& arguments, const std::string& input) const;
+
     // Expect a run that ends well with this output, an answer of no, or trouble told in one line.
     void expect_output(const std::vector<std::string>& arguments, const std::string& out) const;
     void expect_no(const std::vector<std::string>& arguments, const std::string& out) const;
@@ -31,8 +44,11 @@ protected:
 
     TempFolder folder;
 
-private:
-    ToolRun run_as(const std::vector<std::string>& arguments, bool privileged) const;
+    // Expect trouble whose last line is this, the target of the same bytes as before.
+    void expect_refusal(const std::vector<std::string>& arguments, const std::string& target,
+                        const std::string& err) const;
+    // Expect code 1 with nothing on standard output and this line on standard error.
+    void expect_not_found(const std::vector<std::string>& arguments, const std::string& line) const;
 };
 
 inline const std::string sample_folder = PM_SAMPLES;

@@ -97,7 +97,7 @@ int EditedFile::write(const pm::Tree& changed) {
     const Format& format = m_source.is_json ? format_named("json") : format_of(m_source.content.type);
     const kit::WriteOptions form =
         m_source.is_json ? form_of(format, m_target, m_source) : same_form(m_source, m_target);
-    Writing writing{changed, format, form, m_source.dropped, &m_source.content.tree};
+    Writing writing{changed, format, form, losses_of_reading(m_source), &m_source.content.tree};
     if (!m_source.is_json) writing.rewritten = &m_source.content;
     return write_by_rule(writing, m_target);
 }

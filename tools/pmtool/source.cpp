@@ -8,9 +8,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <fmt/format.h>
+#include <pm/kit/check.h>
 #include <pm/kit/encoding.h>
 #include <pm/kit/error.h>
 #include <pm/kit/json.h>
+#include <pm/kit/loss.h>
 #include <sstream>
 #include <system_error>
 
@@ -68,12 +70,13 @@ Reading read_once(const kit::Input& input, const std::optional<std::string>& con
     Reading reading;
     try {
         if (content) {
+            const SignalDelay delay; // some content is read from a temporary file
             kit::read_content_into(reading.content, *content, input);
         } else {
             kit::read_into(reading.content, input);
         }
     } catch (const kit::Error& e) {
-        throw Failure(fmt::format("{}: {}", shown_name(input.file), e.what()));
+        throw Failure(e.what()); // names the file
     } catch (const ZT_Exception& e) {
         reading.end = make_report(e, input.file);
     }
@@ -122,7 +125,7 @@ std::vector<std::string> dropped_of(const Reading& reading, Teller& teller, cons
         // A line that belongs to no plotter is bad in each of them.
         if (std::ranges::find(dropped, line) == dropped.end()) dropped.push_back(std::move(line));
     }
-    if (reading.end) dropped.push_back(teller.text(*reading.end, {}) + "; reading stops here");
+    if (reading.end) dropped.push_back(teller.text(*reading.end, {}));
     return dropped;
 }
 
@@ -137,9 +140,12 @@ std::vector<std::string> dropped_of(const Reading& reading, Teller& teller, cons
     throw Failure(teller.text(told, first.section) + (is_bad_line(told) ? std::string(hint) : ""));
 }
 
-bool is_unreadable(const Reading& reading) {
-    return reading.end && reading.content.tree.root().children().empty() &&
-        reading.content.tree.root().properties().empty();
+bool is_damaged(const Reading& reading) {
+    return reading.end || !reading.content.reports.empty();
+}
+
+bool is_empty(const pm::Tree& tree) {
+    return tree.root().children().empty() && tree.root().properties().empty();
 }
 
 void refuse_folder(const std::string& file, const Format& format) {
@@ -162,7 +168,9 @@ Source read_source(const SourceOptions& options, Damage damage) {
     const Format& format = format_of_input(options, content);
     if (format.is_json()) return read_json(options, content);
     refuse_folder(options.file, format);
-    kit::Input input{options.file, format.type, options.section};
+    // What ends a load is a report like others: what was read before counts.
+    kit::Input input{
+        .file = shown_name(options.file), .type = format.type, .section = options.section, .keep_going = true};
     Reading reading = read_once(input, content);
     Source source{options.file};
     if (!code_page_is_told && may_hold_utf8(*format.type) &&
@@ -170,13 +178,35 @@ Source read_source(const SourceOptions& options, Damage damage) {
         input.code_page = source.code_page = utf8_code_page;
         reading = read_once(input, content);
     }
-    Teller teller(options.file, format, content);
-    const bool is_damaged = reading.end || !reading.content.reports.empty();
+    Teller teller(input.file, format, content);
     const bool refuses = damage == Damage::refuse && !options.keep_going;
-    if (is_damaged && (refuses || is_unreadable(reading))) refuse(reading, teller, options.file);
-    source.dropped = dropped_of(reading, teller, options.file);
+    if (is_damaged(reading) && (refuses || is_empty(reading.content.tree))) refuse(reading, teller, input.file);
+    source.dropped = dropped_of(reading, teller, input.file);
     source.content = std::move(reading.content);
+    source.section = options.section;
+    source.bytes = content;
     return source;
+}
+
+std::vector<std::string> losses_of_reading(const Source& source) {
+    std::vector<std::string> losses = source.dropped;
+    if (source.is_json) return losses;
+    kit::CheckOptions options{.type = source.content.type, .section = source.section};
+    options.code_page = source.code_page;
+    const std::string name = shown_name(source.file);
+    std::vector<kit::Diagnostic> found = source.bytes ? kit::check_content(*source.bytes, name, options)
+                                                      : kit::check_file(source.file, options);
+    // Those with a number are reports of the load, which were told.
+    if (!source.dropped.empty()) {
+        std::erase_if(found, [](const kit::Diagnostic& diagnostic) { return diagnostic.number != 0; });
+    }
+    kit::FileContent silent;
+    silent.unread = source.content.unread;
+    for (const kit::Loss& loss : kit::source_losses(silent, found)) {
+        losses.push_back(fmt::format("{}: {}{}{}", name, printable(loss.path), loss.path.empty() ? "" : ": ",
+                                     loss.reason));
+    }
+    return losses;
 }
 
 Source read_one_tree(const SourceOptions& options, Damage damage) {

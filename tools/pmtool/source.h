@@ -2,6 +2,7 @@
 
 #include "formats.h"
 #include "options.h"
+#include <optional>
 #include <pm/kit/file.h>
 #include <string>
 #include <vector>
@@ -12,10 +13,12 @@ namespace pmtool {
 struct Source {
     std::string file; // as it was told
     pm::kit::FileContent content = {};
+    std::string section = {}; // the one that was asked for
     bool is_json = false;   // dumped by `dump`: there is a tree and nothing else
     unsigned code_page = 0; // that the text turned out to be in, or was told; 0: the one that is set
     // What couldn't be read, a line each, with the file and the line in front.
     std::vector<std::string> dropped = {};
+    std::optional<std::string> bytes = {}; // of what can't be read twice
 };
 
 enum class Damage {
@@ -32,6 +35,10 @@ Source read_source(const SourceOptions& options, Damage damage = Damage::refuse)
 
 // A file that holds one tree, for an output that can't hold several: Failure for one of several sections.
 Source read_one_tree(const SourceOptions& options, Damage damage = Damage::refuse);
+
+// All that the file holds and the tree doesn't, a line each: what was dropped, and what the library passes
+// over without a word, such as a repeated name or the end of a text that is too long.
+std::vector<std::string> losses_of_reading(const Source& source);
 
 // Tells on standard error what was dropped.
 void tell_dropped(const Source& source);

@@ -18,6 +18,15 @@ namespace pmtool {
 // opened later, and carry bytes as they are; scratch files go when a signal ends the program.
 void prepare_process();
 
+// While one lives, signals that would end the program wait: for what leaves files behind if it is broken off.
+class SignalDelay {
+public:
+    SignalDelay();
+    ~SignalDelay();
+    SignalDelay(const SignalDelay&) = delete;
+    SignalDelay& operator=(const SignalDelay&) = delete;
+};
+
 // The words of the command line, the program's name first.
 std::vector<std::string> command_line(int argc, char** argv);
 

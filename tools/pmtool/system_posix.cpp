@@ -111,24 +111,9 @@ void forget_scratch_file() {
     scratch_is_there = false;
 }
 
-// While one lives, no signal ends the program.
-class SignalPause {
-public:
-    SignalPause() {
-        sigset_t signals;
-        sigemptyset(&signals);
-        for (const int number : ending_signals) {
-            sigaddset(&signals, number);
-        }
-        pthread_sigmask(SIG_BLOCK, &signals, &m_before);
-    }
-    ~SignalPause() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
-    SignalPause(const SignalPause&) = delete;
-    SignalPause& operator=(const SignalPause&) = delete;
-
-private:
-    sigset_t m_before{};
-};
+// How many delays there are, and what was blocked before the first.
+int delays = 0;
+sigset_t blocked_before;
 
 void handle_signals() {
     for (const int number : ending_signals) {
@@ -305,6 +290,20 @@ void prepare_process() {
     handle_signals();
 }
 
+SignalDelay::SignalDelay() {
+    if (delays++ != 0) return;
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int number : ending_signals) {
+        sigaddset(&signals, number);
+    }
+    pthread_sigmask(SIG_BLOCK, &signals, &blocked_before);
+}
+
+SignalDelay::~SignalDelay() {
+    if (--delays == 0) pthread_sigmask(SIG_SETMASK, &blocked_before, nullptr);
+}
+
 std::vector<std::string> command_line(int argc, char** argv) {
     return {argv, argv + argc};
 }
@@ -415,7 +414,7 @@ FileLock::~FileLock() {
 
 ScratchFile::ScratchFile(const std::string& target)
     : m_target(target), m_name(template_beside(target)), m_is_new(kind_of(target) == FileKind::missing) {
-    const SignalPause pause;
+    const SignalDelay delay;
     m_file = checked(mkostemp(m_name.data(), O_CLOEXEC));
     if (m_is_new) {
         // Made once more in the ordinary way, so that it has the rights that the folder gives new files.
@@ -427,7 +426,7 @@ ScratchFile::ScratchFile(const std::string& target)
 }
 
 ScratchFile::~ScratchFile() {
-    const SignalPause pause;
+    const SignalDelay delay;
     if (m_file >= 0) close(m_file);
     if (!m_name.empty()) remove_file(m_name);
     forget_scratch_file();
@@ -464,7 +463,7 @@ void ScratchFile::replace_target(const std::optional<std::string>& backup_suffix
         keep_old_file(m_target, m_target + *backup_suffix);
         note_scratch_file(m_name);
     }
-    const SignalPause pause;
+    const SignalDelay delay;
     checked(std::rename(m_name.c_str(), m_target.c_str()));
     m_name.clear();
     forget_scratch_file();

@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <io.h>
+#include <mutex>
 #include <pm/text.h>
 #include <system_error>
 // After this header alone.
@@ -89,7 +90,10 @@ UINT code_page_before = 0;
 std::wstring scratch_name;
 std::atomic<bool> scratch_is_there = false;
 
+std::recursive_mutex console_handling;
+
 BOOL WINAPI end_by_console(DWORD) {
+    const std::lock_guard lock(console_handling);
     if (scratch_is_there) DeleteFileW(scratch_name.c_str());
     return FALSE; // and the program ends
 }
@@ -122,6 +126,15 @@ void prepare_process() {
         std::fflush(stdout);
         SetConsoleOutputCP(code_page_before);
     });
+}
+
+// A console tells of its signals in a thread of its own.
+SignalDelay::SignalDelay() {
+    console_handling.lock();
+}
+
+SignalDelay::~SignalDelay() {
+    console_handling.unlock();
 }
 
 std::vector<std::string> command_line(int, char**) {

@@ -32,6 +32,7 @@ kit::Prepared prepare(const Writing& writing, const TargetOptions& options) {
         if (!top) throw Failure(fmt::format("{}: there is no such node", writing.form.subtree));
         return {kit::to_json(*top), {}, {}};
     }
+    const SignalDelay delay; // a compound file is made in a temporary one
     try {
         return kit::prepare(writing.tree, writing.form);
     } catch (const kit::Error& e) {

@@ -60,7 +60,7 @@ std::string printable(std::string_view text) {
 }
 
 std::string in_quotes(std::string_view text) {
-    return pm::kit::quoted(text);
+    return pm::kit::quoted_text(text);
 }
 
 std::string lower_case(std::string_view text) {

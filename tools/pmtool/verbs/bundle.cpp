@@ -6,6 +6,7 @@
 #include "verbs/verbs.h"
 #include <algorithm>
 #include <fmt/format.h>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <pm/kit/stored.h>
@@ -59,7 +60,8 @@ void require_ascii(const kit::Section& section) {
 // The sections that are being put together, and their trees below a node each.
 class Bundle {
 public:
-    explicit Bundle(Source source) : m_source(std::move(source)) {}
+    explicit Bundle(Source source, std::vector<std::string> losses = {})
+        : m_source(std::move(source)), m_losses(std::move(losses)) {}
 
     void add(const std::string& text) {
         const auto [name, file] = split_at_equals(text, "NAME=FILE");
@@ -97,6 +99,7 @@ public:
 
     std::vector<kit::Section>& sections() { return m_source.content.sections; }
     const Source& source() const { return m_source; }
+    const std::vector<std::string>& losses() const { return m_losses; }
 
 private:
     std::vector<kit::Section>::iterator find(const std::string& name) {
@@ -125,9 +128,11 @@ private:
     void fill(const kit::Section& section, const std::string& file) {
         const Source member = read_one_tree(member_of(file));
         kit::copy(member.content.tree.root(), m_source.content.tree, '\\' + section.node);
+        std::ranges::move(losses_of_reading(member), std::back_inserter(m_losses));
     }
 
     Source m_source;
+    std::vector<std::string> m_losses; // what the members couldn't give
 };
 
 int write(Bundle& bundle, const BundleOptions& options) {
@@ -136,7 +141,7 @@ int write(Bundle& bundle, const BundleOptions& options) {
     const Format& format = format_named("dpia");
     if (options.target.to.empty()) require_extension(options.target.file, format);
     Writing writing{bundle.source().content.tree, format, form_of(format, options.target, bundle.source()),
-                    bundle.source().dropped};
+                    bundle.losses()};
     writing.form.sections = bundle.sections();
     return write_by_rule(writing, options.target);
 }
@@ -163,7 +168,8 @@ int change(const BundleOptions& options) {
     if (source.is_json || source.content.type != PM_Object::FILE_DPIA) {
         throw Failure(fmt::format("{}: only a dpia file has sections to change", options.words.front()));
     }
-    Bundle bundle(std::move(source));
+    std::vector<std::string> losses = losses_of_reading(source);
+    Bundle bundle(std::move(source), std::move(losses));
     std::ranges::for_each(options.removed, [&](const std::string& name) { bundle.remove(name); });
     std::ranges::for_each(options.replaced, [&](const std::string& part) { bundle.replace(part); });
     std::ranges::for_each(options.added, [&](const std::string& part) { bundle.add(part); });

@@ -60,11 +60,21 @@ kit::Section section_of(const ConvertOptions& options, const Source& source) {
     return {found->name, found->info, node_name(found->name)};
 }
 
+// With --keep-going what couldn't be read was asked for: it is told and keeps nothing from being written.
+std::vector<std::string> losses_of(const ConvertOptions& options, const Source& source) {
+    if (!options.source.keep_going) return losses_of_reading(source);
+    for (const std::string& line : losses_of_reading(source)) {
+        fmt::print(stderr, "pmtool: dropped: {}\n", line);
+    }
+    return {};
+}
+
 // A DPIA file has a section for each of the input's, or one for all of it.
-int convert_to_dpia(const ConvertOptions& options, const Source& source, const Format& format) {
+int convert_to_dpia(const ConvertOptions& options, const Source& source, const Format& format,
+                    const std::vector<std::string>& losses) {
     const kit::WriteOptions form = form_of(format, options.target, source);
     if ((source.is_json || source.content.by_section) && is_whole(options)) {
-        Writing writing{source.content.tree, format, form};
+        Writing writing{source.content.tree, format, form, losses};
         writing.form.sections = source.content.sections;
         return write_by_rule(writing, options.target);
     }
@@ -72,7 +82,7 @@ int convert_to_dpia(const ConvertOptions& options, const Source& source, const F
     const pm::Tree content = placed(options, source);
     pm::Tree tree;
     kit::copy(content.root(), tree, '\\' + section.node);
-    Writing writing{tree, format, form};
+    Writing writing{tree, format, form, losses};
     writing.form.sections = {section};
     return write_by_rule(writing, options.target);
 }
@@ -82,11 +92,10 @@ int convert(const ConvertOptions& options) {
     const Format& format = format_of_output(options.target.file, options.target.to);
     const bool takes_all = format.is(PM_Object::FILE_DPIA) || format.is_json() || !is_whole(options);
     const Source source = takes_all ? read_source(options.source) : read_one_tree(options.source);
-    // With --keep-going this was asked for: it keeps nothing from being written.
-    tell_dropped(source);
-    if (format.is(PM_Object::FILE_DPIA)) return convert_to_dpia(options, source, format);
+    const std::vector<std::string> losses = losses_of(options, source);
+    if (format.is(PM_Object::FILE_DPIA)) return convert_to_dpia(options, source, format, losses);
     const pm::Tree tree = placed(options, source);
-    return write_by_rule({tree, format, form_of(format, options.target, source)}, options.target);
+    return write_by_rule({tree, format, form_of(format, options.target, source), losses}, options.target);
 }
 
 constexpr Verb verb = {"convert", "convert", "read a file and write its tree to another",

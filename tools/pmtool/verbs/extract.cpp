@@ -21,7 +21,10 @@ int extract(const ExtractOptions& options) {
     }
     const Source source = read_source(options.source);
     tell_dropped(source);
-    return write_by_rule({source.content.tree, format, form_of(format, options.target, source)}, options.target);
+    std::vector<std::string> losses;
+    if (!options.source.keep_going) losses = losses_of_reading(source);
+    return write_by_rule({source.content.tree, format, form_of(format, options.target, source), losses},
+                         options.target);
 }
 
 constexpr Verb verb = {"extract", "sections", "write one section of a dpia or cfg file to a file of its own",
