@@ -52,6 +52,17 @@ install(FILES ${PROJECT_BINARY_DIR}/cmake/pm9.pc
 if(PM_BUILD_TOOLS)
     install(TARGETS pmtool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
     pm_install_runpath(pmtool ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR} tools)
+    if(TARGET pmtool_pages)
+        set(made ${PROJECT_BINARY_DIR}/share/pmtool)
+        install(DIRECTORY ${made}/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools
+            FILES_MATCHING PATTERN "*.1.gz")
+        install(FILES ${made}/pmtool.bash RENAME pmtool COMPONENT tools
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+        install(FILES ${made}/pmtool.zsh RENAME _pmtool COMPONENT tools
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+        install(FILES ${made}/pmtool.fish COMPONENT tools
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+    endif()
 endif()
 
 install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)

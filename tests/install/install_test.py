@@ -18,6 +18,12 @@ from pathlib import Path
 ENVIRONMENT = {name: value for name, value in os.environ.items()
                if name not in ("LD_LIBRARY_PATH", "CMAKE_PREFIX_PATH", "PKG_CONFIG_PATH", "DESTDIR")}
 
+# What the tool makes of its own help.
+PAGES = {"share/bash-completion/completions/pmtool", "share/zsh/vendor-completions/_pmtool",
+         "share/fish/vendor_completions.d/pmtool.fish",
+         *(f"share/man/man1/pmtool{name}.1.gz"
+           for name in ("", "-look", "-change", "-compare", "-convert", "-sections", "-help"))}
+
 
 def run(*command, **environment):
     """What the command prints; an end other than well ends the test."""
@@ -53,7 +59,7 @@ def check_layout(shown, lib, version):
     build_type = {name for name in rest if re.fullmatch(rf"{lib}/cmake/pm9/pm9-targets-\w+\.cmake", name)}
     expect(len(build_type) == 1, f"targets of one build type: {build_type}")
     libraries = {f"{lib}/lib{name}.so{end}" for name in ("pm9", "pm9kit") for end in ("", ".9", f".{version}")}
-    expected = {"bin/pmtool", *libraries, f"{lib}/pm9/libpmres9.so", f"{lib}/pkgconfig/pm9.pc", *build_type,
+    expected = {"bin/pmtool", *PAGES, *libraries, f"{lib}/pm9/libpmres9.so", f"{lib}/pkgconfig/pm9.pc", *build_type,
                 *(f"{lib}/cmake/pm9/pm9-{name}.cmake" for name in ("config", "config-version", "targets"))}
     expect(rest == expected, f"unexpected {sorted(rest - expected)}, missing {sorted(expected - rest)}")
 
@@ -70,7 +76,7 @@ def check_components(cmake, build, folder, lib, version):
     libraries = {f"{lib}/lib{name}.so.{end}" for name in ("pm9", "pm9kit") for end in ("9", version)}
     expect(found["runtime"] == libraries | {f"{lib}/pm9/libpmres9.so"},
            f"runtime is {sorted(found['runtime'])}")
-    expect(found["tools"] == {"bin/pmtool"}, f"tools is {sorted(found['tools'])}")
+    expect(found["tools"] == {"bin/pmtool"} | PAGES, f"tools is {sorted(found['tools'])}")
     return whole
 
 

@@ -22,7 +22,7 @@ std::string quoted(const std::string& text) {
 // Everything that the command prints, and its exit code if it isn't 0.
 std::string run(const std::string& command, const std::filesystem::path& folder) {
     const std::string tool_folder = std::filesystem::path(PMTOOL).parent_path();
-    const std::string line = "cd " + quoted(folder) + " && PATH=" + quoted(tool_folder) +
+    const std::string line = "export LC_ALL=C.UTF-8; cd " + quoted(folder) + " && PATH=" + quoted(tool_folder) +
         ":$PATH && unset VISUAL EDITOR && { " + command + "\n} 2>&1";
     std::FILE* stream = popen(line.c_str(), "r");
     std::string output;

@@ -22,15 +22,22 @@ CLI::App& app_of(void* parser) {
     return *static_cast<CLI::App*>(parser);
 }
 
-bool looks_like_value(const std::string& word) {
-    return word.size() > 1 && word.front() == '-' && word != "--";
+bool is_option(const std::string& word, const std::vector<OptionWords>& options) {
+    const std::string name = word.substr(0, word.find('='));
+    return std::ranges::any_of(options, [&](const OptionWords& option) {
+        return std::ranges::find(option.names, name) != option.names.end();
+    });
 }
 
-// A value such as -5 was taken for an option.
-bool may_miss_the_mark(const CLI::ParseError& e, const std::vector<std::string>& words) {
-    return dynamic_cast<const CLI::ExtrasError*>(&e) != nullptr &&
-        std::ranges::find(words, "--") == words.end() &&
-        std::any_of(words.begin() + 1, words.end(), looks_like_value);
+// A value such as -x was taken for an option.
+bool may_miss_the_mark(const CLI::ParseError& e, const std::vector<std::string>& words, const VerbEntry& entry,
+                       const std::vector<OptionWords>& common) {
+    const bool is_such = dynamic_cast<const CLI::ExtrasError*>(&e) != nullptr ||
+        dynamic_cast<const CLI::RequiredError*>(&e) != nullptr;
+    if (!is_such || std::ranges::find(words, "--") != words.end()) return false;
+    return std::any_of(words.begin() + 1, words.end(), [&](const std::string& word) {
+        return word.size() > 1 && word.front() == '-' && !is_option(word, entry.options) && !is_option(word, common);
+    });
 }
 
 } // namespace
@@ -212,7 +219,7 @@ Request Commands::parse(const std::vector<std::string>& words) {
         note_verb();
         std::string text = e.what();
         const std::string name(request.entry == nullptr ? "" : request.entry->verb.name);
-        if (request.entry != nullptr && may_miss_the_mark(e, words)) {
+        if (request.entry != nullptr && may_miss_the_mark(e, words, *request.entry, m_common)) {
             text += fmt::format("; a value that begins with \"-\" stands behind \"--\": pmtool {} ... -- VALUE", name);
         }
         throw UsageError(text, name);

@@ -33,6 +33,7 @@ void add_source(VerbLine& line, SourceOptions& options) {
 }
 
 void add_writing(VerbLine& line, TargetOptions& options) {
+    line.flag("--utf8", options.utf8, "Write text outside ASCII as UTF-8 (pia)");
     line.flag("--lossy", options.lossy, "Write even if something is lost; the losses are listed");
     line.flag("--dry-run", options.dry_run, "Write nothing; show what would change");
     line.text_or("--backup", options.backup, usual_backup_suffix, "SUFFIX",
@@ -43,7 +44,6 @@ void add_form(VerbLine& line, TargetOptions& options) {
     line.text("--to", options.to, "FORMAT",
               "Format of the output, if its extension doesn't tell it: " + format_names(true));
     line.flag("--compress", options.compress, "Compress the body (pia)");
-    line.flag("--utf8", options.utf8, "Write text outside ASCII as UTF-8 (pia)");
     line.text("--tag", options.tag, "TEXT", "Free text for the header (pia)");
     line.number("--out-code-page", options.code_page,
                 "Code page of narrow text in the output; without it that of the input");

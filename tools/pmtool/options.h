@@ -36,9 +36,9 @@ void add_from(VerbLine& line, SourceOptions& options);
 void add_keep_going(VerbLine& line, SourceOptions& options);
 // FILE, --from, --section, --keep-going
 void add_source(VerbLine& line, SourceOptions& options);
-// --lossy, --dry-run, --backup
+// --utf8, --lossy, --dry-run, --backup
 void add_writing(VerbLine& line, TargetOptions& options);
-// --to, --compress, --utf8, --tag, --out-code-page
+// --to, --compress, --tag, --out-code-page
 void add_form(VerbLine& line, TargetOptions& options);
 // -o of a verb that else writes to FILE
 void add_other_output(VerbLine& line, TargetOptions& options);

@@ -31,7 +31,9 @@ struct Details {
 };
 
 std::string encoding_name(const Source& source) {
-    if (source.code_page != 0) return "UTF-8";
+    const PM_Object::FileType type = source.content.type;
+    if (type == PM_Object::FILE_DOC || type == PM_Object::FILE_PDT) return {};
+    if (source.code_page != 0 || type == PM_Object::FILE_DPIA) return "UTF-8";
     switch (kit::text_encoding(source.content.tree)) {
     case kit::TextEncoding::ascii:
         return "ASCII";

@@ -1,0 +1,308 @@
+#include "tools/run_tool.h"
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace pm::test {
+
+namespace {
+
+using namespace std::string_literals;
+
+// What is never lost, changed or invented without a word.
+class PmToolNeverLoses : public ToolTest {
+protected:
+    PmToolNeverLoses() { copy_sample("plotter.pia", "p.pia"); }
+
+    void write(const std::string& name, const std::string& body) const {
+        folder.write(name, "PIAFILEVERSION_2.0,\r\n" + body);
+    }
+
+    // Expect that a verb refuses to write, says so with these words, and leaves the file as it was.
+    void expect_kept(const std::vector<std::string>& arguments, const std::string& file,
+                     const std::vector<std::string>& words) const {
+        const std::string before = folder.read(file);
+        const std::vector<std::string> names = file_names();
+        const ToolRun result = run(arguments);
+        EXPECT_EQ(2, result.status);
+        for (const std::string& word : words) {
+            EXPECT_NE(std::string::npos, result.err.find(word)) << word << "\n" << result.err;
+        }
+        EXPECT_NE(std::string::npos, result.err.find("not written: ")) << result.err;
+        EXPECT_EQ(before, folder.read(file));
+        EXPECT_EQ(names, file_names());
+    }
+
+    // The same for `set`, which is then told to write nevertheless.
+    void expect_loss(const std::string& file, const std::string& path, const std::string& value,
+                     const std::vector<std::string>& words) const {
+        expect_kept({"set", file, path, value}, file, words);
+        EXPECT_EQ(0, run({"set", file, path, value, "--lossy"}).status);
+    }
+};
+
+TEST_F(PmToolNeverLoses, PlotterInAFileOfADashedNameStaysOneSection) {
+    copy_sample("office.pc2", "my-office.pc2");
+    EXPECT_EQ(0, run({"convert", "my-office.pc2", "x.dpia"}).status);
+    expect_output({"sections", "x.dpia"}, "my-office\n");
+    expect_output({"get", "x.dpia", "\\PlotDriver\\PlotterId", "--section", "my-office"}, "DX4200-OFFICE\n");
+    EXPECT_EQ(0, run({"extract", "x.dpia", "my-office", "-o", "back.pia"}).status);
+    EXPECT_EQ(0, run({"diff", "my-office.pc2", "back.pia"}).status);
+}
+
+TEST_F(PmToolNeverLoses, BundledPlotterOfADashedNameStaysOneSection) {
+    copy_sample("office.pc2", "a.pc2");
+    EXPECT_EQ(0, run({"bundle", "-o", "x.dpia", "my-office=a.pc2"}).status);
+    expect_output({"sections", "x.dpia"}, "my-office\n");
+}
+
+TEST_F(PmToolNeverLoses, PlotterOfACfgFileStaysOneSection) {
+    copy_sample("three-plotters.cfg", "three-plotters.cfg");
+    EXPECT_EQ(0, run({"convert", "three-plotters.cfg", "y.dpia", "--section", "2"}).status);
+    expect_output({"sections", "y.dpia"}, "three-plotters\n");
+    expect_output({"get", "y.dpia", "\\PlotDriver\\PlotterId", "--section", "three-plotters"}, "DX4200-2\n");
+}
+
+TEST_F(PmToolNeverLoses, AllPlottersOfACfgFileBecomeSections) {
+    copy_sample("three-plotters.cfg", "a.cfg");
+    EXPECT_EQ(0, run({"convert", "a.cfg", "y.dpia"}).status);
+    const std::string sections = run({"sections", "y.dpia"}).out;
+    EXPECT_TRUE(sections.starts_with("1")) << sections;
+    expect_output({"get", "y.dpia", "\\3\\PlotDriver\\PlotterId"}, "DX4200-3\n");
+}
+
+TEST_F(PmToolNeverLoses, PlotterThatIsNotThereIsNotInvented) {
+    const std::string file = sample_folder + "/three-plotters.cfg";
+    const ToolRun result = run({"tree", file, "--section", "9"});
+    EXPECT_EQ(2, result.status);
+    EXPECT_EQ("", result.out);
+    EXPECT_NE(std::string::npos, result.err.find("1, 2, 3")) << result.err;
+}
+
+TEST_F(PmToolNeverLoses, BadLinesOfTheInputAreLosses) {
+    write("a.pia", "a=1\nb=1.x\nfoo=yes\n");
+    expect_kept({"set", "a.pia", "a", "2"}, "a.pia",
+                {"a.pia:3: The line isn't valid (error 57): b=1.x", "foo=yes", "pmtool check", "--lossy"});
+}
+
+TEST_F(PmToolNeverLoses, RepeatedLinesOfTheInputAreLosses) {
+    write("a.pia", "a=1\na=2\n");
+    expect_kept({"set", "a.pia", "b", "2"}, "a.pia", {"\"a\" is set on line 2 already", "pmtool check"});
+    expect_kept({"convert", "a.pia", "p.pia"}, "p.pia", {"\"a\" is set on line 2 already"});
+}
+
+TEST_F(PmToolNeverLoses, TextsThatReadingCutsAreLosses) {
+    write("a.pia", "a=1\nt=\"" + std::string(5000, 'x') + "\n");
+    expect_kept({"set", "a.pia", "a", "2"}, "a.pia", {"\\t"});
+}
+
+TEST_F(PmToolNeverLoses, ValuesThatReadAsSomethingElseAreLosses) {
+    write("a.pia", "a=12 34\nb=truely\nc=1\n");
+    expect_kept({"set", "a.pia", "c", "2"}, "a.pia", {"\"12 34\" reads as 12", "truely"});
+}
+
+TEST_F(PmToolNeverLoses, ValueIsOfItsTypeAsAWhole) {
+    write("a.pia", "a=1\nb=TRUE\n");
+    expect_trouble({"set", "a.pia", "a", "12 34"},
+                   "\"12 34\" isn't a whole number of 32 bits, which type long asks for");
+    expect_trouble({"set", "a.pia", "b", "truely"}, "\"truely\" isn't true or false, which type bool asks for");
+}
+
+TEST_F(PmToolNeverLoses, CharacterThatTheCodePageLacksIsALoss) {
+    write("a.pia", "name=\"old\n");
+    expect_kept({"set", "a.pia", "name", "\xD0\x96"}, "a.pia", {"\\name: re-encoded", "--utf8", "--lossy"});
+    EXPECT_EQ(0, run({"set", "a.pia", "name", "\xD0\x96", "--utf8"}).status);
+    expect_output({"get", "a.pia", "name"}, "\xD0\x96\n");
+}
+
+TEST_F(PmToolNeverLoses, NamesThatAPiaFileCannotHoldAreLosses) {
+    write("a.pia", "a=1\n");
+    expect_loss("a.pia", ";x", "5", {"\\;x: lost"});
+    expect_kept({"set", "a.pia", "x{y\\z", "1"}, "a.pia", {"\\x{y\\z"});
+}
+
+TEST_F(PmToolNeverLoses, LineEndsInAValueMakeNoNodes) {
+    write("a.pia", "a=\"1\n");
+    expect_kept({"set", "a.pia", "a", "x\nnode{\nb=1\n}"}, "a.pia", {"\\a: "});
+}
+
+TEST_F(PmToolNeverLoses, NamesThatDifferInCaseAloneAreALossInADocFile) {
+    EXPECT_EQ(0, run({"convert", "p.pia", "p.doc", "--lossy"}).status);
+    expect_kept({"set", "p.doc", "media\\COPIES", "5"}, "p.doc", {"\\media\\"});
+    expect_output({"get", "p.doc", "media\\copies"}, "1\n");
+}
+
+TEST_F(PmToolNeverLoses, NegativeZeroIsNotMadeZero) {
+    write("a.pia", "a=1.5\n");
+    const ToolRun result = run({"set", "a.pia", "a", "--", "-0.0"});
+    if (result.status == 0) {
+        expect_output({"get", "a.pia", "a"}, "-0.0\n");
+    } else {
+        EXPECT_NE(std::string::npos, result.err.find("double -0.0 -> double 0.0")) << result.err;
+        expect_output({"get", "a.pia", "a"}, "1.5\n");
+    }
+}
+
+TEST_F(PmToolNeverLoses, TruthValuesThatADocFileRetypesAreLosses) {
+    const ToolRun result = run({"convert", sample_folder + "/dx4200", "dx.doc"});
+    EXPECT_EQ(2, result.status);
+    std::size_t retyped = 0;
+    for (std::size_t at = 0; (at = result.err.find(": retyped: ", at)) != std::string::npos; ++at) {
+        ++retyped;
+    }
+    EXPECT_EQ(117U, retyped);
+    EXPECT_EQ((std::vector<std::string>{"p.pia"}), file_names());
+}
+
+TEST_F(PmToolNeverLoses, Utf8WithoutAMarkIsReadAndWrittenAsUtf8) {
+    write("u.pia", "a=\"B\xC3\xBCro\nb=1\n");
+    expect_output({"get", "u.pia", "a"}, "B\xC3\xBCro\n");
+    EXPECT_EQ(0, run({"set", "u.pia", "c", "\xD0\x96"}).status);
+    EXPECT_NE(std::string::npos, folder.read("u.pia").find("a=\"B\xC3\xBCro\n"));
+    EXPECT_NE(std::string::npos, folder.read("u.pia").find("c=\"\xD0\x96\n"));
+}
+
+TEST_F(PmToolNeverLoses, MixedEncodingsAreToldByCheck) {
+    write("m.pia", "a=\"B\xC3\xBCro\nb=\"B\xFCro\n");
+    const ToolRun result = run({"check", "m.pia"});
+    EXPECT_EQ(1, result.status);
+    EXPECT_NE(std::string::npos, result.out.find("mixed-encoding")) << result.out;
+}
+
+TEST_F(PmToolNeverLoses, CutNodesAreMarked) {
+    write("t.pia", "a{\n b{\n  c=1\n }\n}\ne{\n f=1\n}\n");
+    expect_output({"tree", "t.pia", "--depth", "1"}, "a\\\n  \xE2\x80\xA6\ne\\\n  f: long = 1\n");
+}
+
+TEST_F(PmToolNeverLoses, PropertyIsJsonToo) {
+    expect_output({"tree", "p.pia", "media\\copies", "--json"},
+                  run({"get", "p.pia", "media\\copies", "--json"}).out);
+    EXPECT_NE(std::string::npos, run({"tree", "p.pia", "media\\copies", "--json"}).out.find("\"value\""));
+}
+
+TEST_F(PmToolNeverLoses, FlatLinesHaveTheFullPathOfAllSections) {
+    const std::string out = run({"tree", sample_folder + "/sections.dpia", "--flat"}).out;
+    EXPECT_NE(std::string::npos, out.find("\\Office\\media\\copies: long 1\n")) << out;
+    EXPECT_NE(std::string::npos, out.find("\\Archive\\stamp\\bits: raw 3C428181423C\n")) << out;
+}
+
+TEST_F(PmToolNeverLoses, StandardStreamsAreFiles) {
+    const ToolRun tree = run_with_input({"tree", "-", "media\\finishing"}, folder.read("p.pia"));
+    EXPECT_EQ(0, tree.status);
+    expect_output({"tree", "p.pia", "media\\finishing"}, tree.out);
+    const ToolRun converted = run_with_input({"convert", "-", "-", "--to", "doc", "--lossy"}, folder.read("p.pia"));
+    EXPECT_EQ(0, converted.status);
+    EXPECT_TRUE(converted.out.starts_with("\xD0\xCF\x11\xE0"));
+    const ToolRun back = run_with_input({"get", "-", "media\\copies"}, converted.out);
+    EXPECT_EQ("1\n", back.out) << back.err;
+}
+
+TEST_F(PmToolNeverLoses, PipeIsReadOnce) {
+    ASSERT_EQ(0, mkfifo((folder / "pipe").c_str(), 0600));
+    const std::string content = folder.read("p.pia");
+    std::thread writer([&] { folder.write("pipe", content); });
+    const ToolRun result = run({"get", "pipe", "media\\copies"});
+    writer.join();
+    EXPECT_EQ("1\n", result.out) << result.err;
+}
+
+TEST_F(PmToolNeverLoses, FileNamesNeedNotBeUtf8) {
+    const std::string name = "pl\xFCtter.pia";
+    copy_sample("plotter.pia", name);
+    expect_output({"get", name, "media\\copies"}, "1\n");
+    EXPECT_EQ(0, run({"set", name, "media\\copies", "2"}).status);
+    expect_output({"get", name, "media\\copies"}, "2\n");
+}
+
+TEST_F(PmToolNeverLoses, FullDiskIsSaidForADocFileToo) {
+    for (const std::string format : {"pia", "doc"}) {
+        const ToolRun result = run({"convert", "p.pia", "/dev/full", "--to", format, "--lossy"});
+        EXPECT_EQ(2, result.status);
+        EXPECT_NE(std::string::npos,
+                  result.err.find("/dev/full: There is no space left on the disk (error 65)\n"))
+            << result.err;
+    }
+}
+
+TEST_F(PmToolNeverLoses, FolderForTemporaryFilesThatIsMissingIsSaidInWords) {
+    const ToolRun result =
+        run({"convert", "p.pia", "p.doc", "--lossy"}, {.environment = {"TMPDIR=/none/such"}});
+    if (result.status == 0) return;
+    EXPECT_EQ(2, result.status);
+    EXPECT_NE(std::string::npos, result.err.find("temporary")) << result.err;
+    EXPECT_EQ(std::string::npos, result.err.find("filesystem")) << result.err;
+}
+
+TEST_F(PmToolNeverLoses, StandardOutputThatIsClosedOrFullIsTrouble) {
+    EXPECT_EQ(2, run({"tree", "p.pia"}, {.output = "closed"}).status);
+    const ToolRun full = run({"tree", "p.pia"}, {.output = "/dev/full"});
+    EXPECT_EQ(2, full.status);
+    EXPECT_EQ("pmtool: standard output: There is no space left on the disk (error 65)\n", full.err);
+    // Nothing that is opened takes its place.
+    EXPECT_EQ(2, run({"set", "p.pia", "x", "1", "--dry-run"}, {.output = "closed"}).status);
+    EXPECT_EQ(0, run({"set", "p.pia", "x", "1"}, {.output = "closed"}).status);
+    expect_output({"get", "p.pia", "x"}, "1\n");
+}
+
+TEST_F(PmToolNeverLoses, LocaleMakesNoDifference) {
+    write("u.pia", "a=\"B\xFCro\nd=1.5\n");
+    const ToolRun result = run({"tree", "u.pia"}, {.environment = {"LANG=C", "LC_ALL=C"}});
+    EXPECT_EQ("a: string = \"B\xC3\xBCro\"\nd: double = 1.5\n", result.out);
+}
+
+TEST_F(PmToolNeverLoses, TwentyEditsAtOnceAllSurvive) {
+    constexpr int edits = 20;
+    for (int i = 0; i < edits; ++i) {
+        if (fork() != 0) continue;
+        _exit(run({"set", "p.pia", "\\edits\\n" + std::to_string(i), std::to_string(i)}).status);
+    }
+    for (int i = 0; i < edits; ++i) {
+        int status = 0;
+        wait(&status);
+        EXPECT_EQ(0, status);
+    }
+    EXPECT_EQ("\n" + std::string(), "\n" + run({"get", "p.pia", "\\edits\\none"}).out);
+    for (int i = 0; i < edits; ++i) {
+        expect_output({"get", "p.pia", "\\edits\\n" + std::to_string(i)}, std::to_string(i) + "\n");
+    }
+    EXPECT_EQ((std::vector<std::string>{"p.pia"}), file_names());
+}
+
+TEST_F(PmToolNeverLoses, DryRunShowsTheDifferenceAndWritesNothing) {
+    const std::string before = folder.read("p.pia");
+    const ToolRun result = run({"set", "p.pia", "media\\copies", "2", "--dry-run"});
+    EXPECT_EQ(0, result.status);
+    EXPECT_EQ("~ \\media\\copies: long 1 -> long 2\n", result.out);
+    EXPECT_EQ(before, folder.read("p.pia"));
+}
+
+TEST_F(PmToolNeverLoses, BackupKeepsTheOldFile) {
+    const std::string before = folder.read("p.pia");
+    EXPECT_EQ(0, run({"set", "p.pia", "media\\copies", "2", "--backup"}).status);
+    EXPECT_EQ(before, folder.read("p.pia~"));
+    EXPECT_EQ(0, run({"set", "p.pia", "media\\copies", "3", "--backup=.old"}).status);
+    EXPECT_EQ((std::vector<std::string>{"p.pia", "p.pia.old", "p.pia~"}), file_names());
+}
+
+TEST_F(PmToolNeverLoses, NameOfAnotherFormatIsRefused) {
+    expect_trouble({"set", "p.pia", "media\\copies", "2", "-o", "q.doc"},
+                   "q.doc: the name is that of a doc file, but a pia file would be written; give it another "
+                   "name, or say what is meant with --to");
+}
+
+TEST_F(PmToolNeverLoses, SectionIsEditedInPlaceAndTheOthersStay) {
+    copy_sample("sections.dpia", "s.dpia");
+    const std::string archive = run({"tree", "s.dpia", "--section", "Archive"}).out;
+    EXPECT_EQ(0, run({"set", "s.dpia", "media\\copies", "7", "--section", "Office"}).status);
+    expect_output({"get", "s.dpia", "media\\copies", "--section", "Office"}, "7\n");
+    expect_output({"tree", "s.dpia", "--section", "Archive"}, archive);
+    expect_output({"sections", "s.dpia"}, "Office\tDrawing office, third floor\n"
+                                          "Workshop\tPlotter beside the paint shop\n"
+                                          "Archive\n");
+}
+
+} // namespace
+
+} // namespace pm::test
