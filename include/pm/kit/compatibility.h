@@ -80,7 +80,8 @@ enum class SettingForm {
     length,      // "length": millimetres, or inches where the setting `metric` says so
     yes_no,      // "yes-no": a truth value, a number that isn't 0, or a text that begins with "Y" or "N"
     orientation, // "orientation": a truth value, or a text that begins with "landscape" or "portrait"
-    colour       // "colour": a truth value, or a text that begins with "colo" or "mono"
+    colour,      // "colour": a truth value, or a text that begins with "colo" or "mono"
+    unit         // "unit": true or "M..." for millimetres, false or "I..." for inches
 };
 
 // Where a configuration keeps a setting. `path` is below the configuration's node; a "*" in a component
@@ -104,7 +105,7 @@ struct SettingPath {
 };
 
 // Paths that the rule `unspoken` passes over while they hold one of these values, or with whatever value if
-// there are none. Values are texts as findings have them.
+// there are none. Values are texts as findings have them. The first path that matches counts.
 struct QuietPath {
     std::string path;
     std::vector<std::string> values = {};

@@ -1,0 +1,171 @@
+#include "devices/checker.h"
+#include "devices/value_words.h"
+
+namespace pm::kit {
+
+namespace {
+
+constexpr int most_bits = 31;
+constexpr std::string_view nothing_speaks = "Nothing in the description speaks of it.";
+
+char lower(char c) noexcept {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+std::string range_text(const Range& range) {
+    if (!range.least) return "up to " + number_text(*range.most);
+    if (!range.most) return "from " + number_text(*range.least);
+    return number_text(*range.least) + " to " + number_text(*range.most);
+}
+
+} // namespace
+
+void Checker::look(Setting& setting, const std::string& description_path, std::string_view outcome) {
+    setting.was_looked_at = true;
+    looks.push_back(
+        {std::string(m_rule), setting.name, setting.path, description_path, std::string(outcome)});
+}
+
+void Checker::pass(Setting& setting, std::string description_path) {
+    look(setting, description_path, "passed");
+}
+
+void Checker::fail(Setting& setting, Fault fault) {
+    look(setting, fault.description_path, "found");
+    if (fault.offers.size() > most_offers) fault.offers.resize(most_offers);
+    findings.push_back({std::string(m_rule), fault.severity.value_or(m_severity), setting.path,
+                        std::move(fault.description_path), setting.text, std::move(fault.described),
+                        std::move(fault.text), std::move(fault.offers), std::move(fault.message)});
+}
+
+void Checker::silent(Setting& setting, std::string description_path, std::string_view what) {
+    look(setting, description_path, "unspoken");
+    unspoken.push_back({"unspoken",
+                        Severity::warning,
+                        setting.path,
+                        std::move(description_path),
+                        setting.text,
+                        {},
+                        {},
+                        {},
+                        "The description tells no " + std::string(what) + '.'});
+}
+
+void Checker::unreadable(Setting& setting, std::string_view wanted) {
+    look(setting, {}, "unspoken");
+    unspoken.push_back({"unspoken",
+                        Severity::warning,
+                        setting.path,
+                        {},
+                        setting.text,
+                        {},
+                        {},
+                        {},
+                        "The value is no " + std::string(wanted) + ", so that it can't be compared."});
+}
+
+void Checker::pass_over(Setting& setting) {
+    look(setting, {}, "unspoken");
+    findings.push_back({std::string(m_rule),
+                        m_severity,
+                        setting.path,
+                        {},
+                        setting.text,
+                        {},
+                        {},
+                        {},
+                        std::string(nothing_speaks)});
+}
+
+void Checker::pass_over(const UnknownProperty& property) {
+    looks.push_back({std::string(m_rule), {}, property.path, {}, "unspoken"});
+    findings.push_back({std::string(m_rule),
+                        m_severity,
+                        property.path,
+                        {},
+                        property.text,
+                        {},
+                        {},
+                        {},
+                        std::string(nothing_speaks)});
+}
+
+Setting* Checker::chosen(std::string_view name, std::string_view default_path) {
+    if (Setting* setting = settings.find(name, {})) return setting;
+    if (default_path.empty()) return nullptr;
+    auto known = m_defaults.find(std::string(name));
+    if (known != m_defaults.end()) return &known->second;
+    const auto value = device.value(default_path);
+    if (!value || value_text(*value).empty()) return nullptr;
+    return &m_defaults
+                .try_emplace(std::string(name), Setting{nullptr,
+                                                        std::string(name),
+                                                        {},
+                                                        device.path(default_path),
+                                                        *value,
+                                                        value_text(*value),
+                                                        number_of(*value),
+                                                        true})
+                .first->second;
+}
+
+std::string quoted(std::string_view text) {
+    return '"' + std::string(text) + '"';
+}
+
+std::string called(const Named& item) {
+    return item.text.empty() ? quoted(item.name) : quoted(item.name) + " (" + item.text + ')';
+}
+
+std::string by_default(const Setting& setting) {
+    return setting.is_default() ? ", the device's default," : "";
+}
+
+std::size_t common_begin(std::string_view left, std::string_view right) noexcept {
+    std::size_t count = 0;
+    while (count < left.size() && count < right.size() && lower(left[count]) == lower(right[count]))
+        ++count;
+    return count;
+}
+
+void check_range(Checker& check, Setting& setting, const Range& range, const std::string& least_path,
+                 const std::string& most_path, std::string_view what) {
+    if (!range.least && !range.most) return check.silent(setting, most_path, "limits of it");
+    if (!setting.number) return check.unreadable(setting, "number");
+    const double number = *setting.number;
+    const bool is_above_most = range.most && is_above(number, *range.most);
+    const bool is_below_least = range.least && is_above(*range.least, number);
+    const std::string path = is_below_least || !range.most ? least_path : most_path;
+    if (!is_above_most && !is_below_least && number == number) return check.pass(setting, path);
+    const double limit = is_below_least || !range.most ? *range.least : *range.most;
+    check.fail(setting, {.description_path = path,
+                         .described = number_text(limit),
+                         .offers = {{range_text(range), {}, path}},
+                         .message = std::string(what) + ", " + number_text(number) + ", is " +
+                                    (is_below_least ? "below the least, " : "above the most, ") +
+                                    number_text(limit) + '.'});
+}
+
+void check_bits(Checker& check, Setting& setting, std::string_view path, std::optional<double> offered,
+                std::string_view what, std::string (*words)(int)) {
+    const std::string whole = check.device.path(path);
+    const auto bits = integer_of(offered);
+    if (!bits) return check.silent(setting, whole, what);
+    const auto asked = integer_of(setting.number);
+    if (!asked) return check.unreadable(setting, "integer");
+    if ((*asked & ~*bits) == 0) return check.pass(setting, whole);
+    std::vector<Offer> offers;
+    for (int bit = 0; bit < most_bits; ++bit) {
+        const int value = 1 << bit;
+        if ((*bits & value) != 0) offers.push_back({std::to_string(value), words(value), whole});
+    }
+    check.fail(setting,
+               {.description_path = whole,
+                .described = std::to_string(*bits),
+                .offers = std::move(offers),
+                .message = "The device doesn't offer " + std::string(what) + ' ' + std::to_string(*asked) +
+                           (words(*asked).empty() ? "" : " (" + words(*asked) + ')') + '.',
+                .text = words(*asked)});
+}
+
+} // namespace pm::kit
