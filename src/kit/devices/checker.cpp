@@ -1,7 +1,7 @@
 #include "devices/checker.h"
 #include "devices/value_words.h"
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 namespace {
 
@@ -168,4 +168,4 @@ void check_bits(Checker& check, Setting& setting, std::string_view path, std::op
                 .text = words(*asked)});
 }
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

@@ -9,7 +9,7 @@
 #include <vector>
 
 // What a rule asks and answers.
-namespace pm::kit {
+namespace pm::kit::devices {
 
 // Why something isn't possible. Paths below the description's node are made whole by Device::path().
 struct Fault {
@@ -103,4 +103,4 @@ void check_range(Checker& check, Setting& setting, const Range& range, const std
 void check_bits(Checker& check, Setting& setting, std::string_view path, std::optional<double> offered,
                 std::string_view what, std::string (*words)(int));
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

@@ -1,7 +1,7 @@
 #include "devices/rules.h"
 #include "devices/value_words.h"
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 namespace {
 
@@ -393,4 +393,4 @@ void check_dithering(Checker& check) {
     }
 }
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

@@ -7,6 +7,8 @@ namespace pm::kit {
 
 namespace {
 
+using namespace devices;
+
 struct Start {
     Node node;
     std::string path; // empty for the root

@@ -5,7 +5,7 @@
 #include <pm/exception.h>
 #include <pm/inspect.h>
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 namespace {
 
@@ -314,4 +314,4 @@ std::optional<Node> find_description_node(const Tree& tree) {
     return std::nullopt;
 }
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

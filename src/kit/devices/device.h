@@ -10,7 +10,7 @@
 
 // A description as the rules ask it. All paths are whole ones, and what the tree doesn't hold, or holds as
 // another type, is nothing.
-namespace pm::kit {
+namespace pm::kit::devices {
 
 struct Named {
     std::string name;
@@ -203,4 +203,4 @@ private:
 // The description's node in a tree: the root or the first node that holds a group's text of abilities.
 [[nodiscard]] std::optional<Node> find_description_node(const Tree& tree);
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

@@ -3,7 +3,7 @@
 #include <array>
 #include <cmath>
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 namespace {
 
@@ -312,4 +312,4 @@ void check_rotation(Checker& check) {
         check_turn(check, setting);
 }
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

@@ -1,7 +1,7 @@
 #include "devices/rules.h"
 #include "devices/value_words.h"
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 namespace {
 
@@ -115,4 +115,4 @@ void check_stapling(Checker& check) {
     check_steps(check, Finishing::stapling);
 }
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

@@ -3,7 +3,7 @@
 #include "devices/value_words.h"
 #include <map>
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 namespace {
 
@@ -156,4 +156,4 @@ void check_unspoken(Checker& check) {
         check.pass_over(property);
 }
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

@@ -2,7 +2,7 @@
 #include "devices/rules.h"
 #include "devices/value_words.h"
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 namespace {
 
@@ -257,4 +257,4 @@ void check_start_strings(Checker& check) {
     }
 }
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

@@ -2,7 +2,7 @@
 #include <array>
 #include <span>
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 namespace {
 
@@ -97,4 +97,4 @@ std::string selection_words(int bits) {
     return words(selection_methods, bits);
 }
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 // The words that stand for a description's numbers; empty for a number that has none. Of bits the words of
 // all that are set, with " + " between.
@@ -15,4 +15,4 @@ namespace pm::kit {
 [[nodiscard]] std::string duplexing_words(int bits);
 [[nodiscard]] std::string selection_words(int bits);
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

@@ -1,4 +1,3 @@
-#include "devices/rules.h"
 #include <algorithm>
 #include <array>
 #include <limits>
@@ -15,7 +14,7 @@ using Json = nlohmann::ordered_json;
 constexpr std::array<std::string_view, 7> form_names{"as-is",       "name",   "length", "yes-no",
                                                      "orientation", "colour", "unit"};
 constexpr std::array<std::string_view, 5> test_names{"one-of", "at-most", "at-least", "equal", "bits-of"};
-constexpr std::array<std::string_view, 3> severity_names{"note", "warning", "error"};
+constexpr std::array<std::string_view, 3> severities{"note", "warning", "error"};
 constexpr int most_digit = 255;
 
 template<class Enum, std::size_t count>
@@ -148,7 +147,7 @@ ValueRule read_rule(const Json& json) {
         throw Error("There is a built-in rule \"" + rule.name + "\".");
     }
     const std::string severity = members.text("severity");
-    if (!severity.empty()) rule.severity = one_of_names<Severity>(severity_names, severity, "severity");
+    if (!severity.empty()) rule.severity = one_of_names<Severity>(severities, severity, "severity");
     rule.setting = members.text("setting", true);
     rule.test = one_of_names<ValueTest>(test_names, members.text("test", true), "test");
     rule.capability = members.text("capability", true);

@@ -2,7 +2,7 @@
 #include "devices/rules.h"
 #include "devices/value_words.h"
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 namespace {
 
@@ -225,4 +225,4 @@ void check_selection(Checker& check) {
     }
 }
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

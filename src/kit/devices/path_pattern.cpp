@@ -1,7 +1,7 @@
 #include "devices/path_pattern.h"
 #include <algorithm>
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 namespace {
 
@@ -57,4 +57,4 @@ std::optional<std::string> PathPattern::match(std::span<const std::string> compo
     return key;
 }
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 // "\media\size" as its components; empty ones don't count.
 [[nodiscard]] std::vector<std::string> split_path(std::string_view path);
@@ -25,4 +25,4 @@ private:
     bool m_any_case;
 };
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

@@ -2,7 +2,7 @@
 #include "devices/rules.h"
 #include "devices/value_words.h"
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 namespace {
 
@@ -176,4 +176,4 @@ void check_line_width(Checker& check) {
     }
 }
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

@@ -1,6 +1,6 @@
 #include "devices/rules.h"
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 std::span<const Rule> rules() {
     static const std::vector<Rule> table{
@@ -312,4 +312,4 @@ std::span<const Rule> rules() {
     return table;
 }
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

@@ -5,7 +5,7 @@
 
 // The rules, one unit a group. Each takes up its settings one by one and says of each that it passes, fails,
 // can't be compared, or is left to another rule.
-namespace pm::kit {
+namespace pm::kit::devices {
 
 struct Rule {
     CompatibilityRule info;
@@ -76,4 +76,4 @@ void check_custom(Checker& check);
 void check_owners(Checker& check);
 void check_unspoken(Checker& check);
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

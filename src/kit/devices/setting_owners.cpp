@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <array>
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 namespace {
 
@@ -78,4 +78,4 @@ std::pair<std::string_view, int> owner_of(const Setting& setting) noexcept {
     return found == owners.end() ? std::pair(std::string_view(), -1) : std::pair(found->text, found->digit);
 }
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <pm/exception.h>
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 namespace {
 
@@ -182,4 +182,4 @@ Setting* Settings::find(std::string_view name, std::string_view key) {
     return found == keys->second.end() ? nullptr : &all(name)[found->second];
 }
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

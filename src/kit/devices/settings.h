@@ -8,7 +8,7 @@
 #include <vector>
 
 // What a configuration says, setting by setting, as its map tells.
-namespace pm::kit {
+namespace pm::kit::devices {
 
 // One setting as a configuration has it.
 struct Setting {
@@ -62,4 +62,4 @@ private:
     std::vector<UnknownProperty> m_unknown;
 };
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

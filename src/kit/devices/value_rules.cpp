@@ -2,7 +2,7 @@
 #include "devices/path_pattern.h"
 #include "devices/value_words.h"
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 namespace {
 
@@ -86,4 +86,4 @@ void check_value_rules(Checker& check, const std::vector<ValueRule>& rules) {
     }
 }
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

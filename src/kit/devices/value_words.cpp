@@ -4,7 +4,7 @@
 #include <fmt/format.h>
 #include <limits>
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 namespace {
 
@@ -85,4 +85,4 @@ std::optional<int> integer_of(std::optional<double> number) noexcept {
     return static_cast<int>(*number);
 }
 
-} // namespace pm::kit
+} // namespace pm::kit::devices

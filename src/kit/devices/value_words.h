@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace pm::kit {
+namespace pm::kit::devices {
 
 // A value as findings have it: numbers by the shortest text that reads back, those that are rounded to 32
 // bits by the shortest of 32 bits, bytes in hexadecimal.
@@ -30,4 +30,4 @@ namespace pm::kit {
 // A double as an integer of 32 bits; nothing if it is none.
 [[nodiscard]] std::optional<int> integer_of(std::optional<double> number) noexcept;
 
-} // namespace pm::kit
+} // namespace pm::kit::devices
