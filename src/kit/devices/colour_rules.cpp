@@ -135,12 +135,7 @@ void check_colour(Checker& check, Setting& setting) {
                                       : (wanted ? " has colours." : " is without colours."))});
 }
 
-// Whether the resolution can do with what is installed; the fault if not.
-struct MemoryNeed {
-    const ChosenResolution& chosen;
-    std::vector<const MemoryArea*> areas; // that the resolution lists, or all
-};
-
+// The areas that a resolution lists or, if there are none, all.
 std::vector<const MemoryArea*> areas_of(const Device& device, const DeviceResolution* resolution) {
     std::vector<const MemoryArea*> areas;
     if (resolution != nullptr) {
@@ -368,7 +363,9 @@ void check_dithering(Checker& check) {
     const std::string list = check.device.path("\\res_color_mem\\dithering_list");
     for (Setting& setting : check.settings.all("dithering")) {
         const Named* method = check.device.dithering.find(setting.as_name());
-        const DeviceResolution* resolution = chosen_resolution(check).resolution;
+        // One with a key stands below its resolution.
+        const DeviceResolution* resolution =
+            setting.key.empty() ? chosen_resolution(check).resolution : nullptr;
         if (check.device.dithering.empty()) {
             check.silent(setting, list, "dithering methods");
         } else if (method == nullptr) {

@@ -133,7 +133,7 @@ void check_owners(Checker& check) {
             continue;
         }
         const std::string more =
-            found.more == 0 ? "" : ", and so has " + std::to_string(found.more) + " more like it";
+            found.more == 0 ? "" : ", and " + std::to_string(found.more) + " more like it";
         check.fail(*found.first,
                    {.description_path = path,
                     .described = std::to_string(owner),

@@ -1,0 +1,157 @@
+#include "kit/devices/small_device.h"
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <pm/kit/error.h>
+#include <sstream>
+
+namespace {
+
+using namespace pm::test;
+using namespace pm::kit;
+
+pm::Tree through_pia(const pm::Tree& tree, const char* base) {
+    std::stringstream stream;
+    tree.save(stream);
+    pm::Tree loaded;
+    loaded.load(stream, {.base = base});
+    return loaded;
+}
+
+const std::initializer_list<Item> copies{{"\\media\\copies", 10}};
+
+TEST(Compatibility, DescriptionThatWasSavedAndStandsUnderANodeIsFound) {
+    const pm::Tree device = through_pia(small_device(), "\\devices\\first");
+    EXPECT_EQ(find_description(device), "\\devices\\first");
+    EXPECT_EQ(answer_of("copies", tree_of(copies), device).findings,
+              Lines{"error \\media\\copies = 10 @ \\devices\\first\\media\\max_number_of_copies = 9: The "
+                    "number of copies, 10, is "
+                    "above the most, 9. (1 to 9)"});
+}
+
+TEST(Compatibility, BasesOfBothTreesCanBeTold) {
+    pm::Tree device = small_device();
+    device.set("\\b\\media\\max_number_of_copies", 20);
+    const auto configuration = tree_of({{"\\a\\media\\copies", 21}, {"\\media\\copies", 100}});
+    EXPECT_EQ(
+        answer_of("copies", configuration, device, {.description_base = "\\b\\", .configuration_base = "a"})
+            .findings,
+        Lines{"error \\a\\media\\copies = 21 @ \\b\\media\\max_number_of_copies = 20: The number of copies, "
+              "21, is above "
+              "the most, 20. (1 to 20)"});
+}
+
+TEST(Compatibility, NodeThatIsNotThereIsAnError) {
+    const auto error = [](const CompatibilityOptions& options) -> std::string {
+        try {
+            (void)check_compatibility(tree_of(copies), small_device(), options);
+        } catch (const Error& failure) {
+            return failure.what();
+        }
+        return "none";
+    };
+    EXPECT_EQ(error({.configuration_base = "\\x"}), "There is no node \\x in the configuration.");
+    EXPECT_EQ(error({.description_base = "\\x"}), "There is no node \\x in the description.");
+    EXPECT_EQ(error({}), "none");
+}
+
+TEST(Compatibility, TreeThatDescribesNoDeviceIsAnError) {
+    EXPECT_EQ(find_description(tree_of(copies)), std::nullopt);
+    EXPECT_THROW((void)check_compatibility(tree_of(copies), tree_of(copies)), Error);
+    EXPECT_THROW((void)check_description(tree_of({{"\\media\\abilities", 5}})), Error);
+}
+
+TEST(Compatibility, EmptyConfigurationHasNoFindings) {
+    EXPECT_EQ(check_compatibility(pm::Tree(), small_device()), std::vector<Finding>{});
+}
+
+TEST(Compatibility, FindingsStandInTheOrderOfTheRules) {
+    const auto findings = check_compatibility(tree_of({{"\\x", 1},
+                                                       {"\\io\\default_type", 5},
+                                                       {"\\media\\copies", 10},
+                                                       {"\\media\\default_size", text("A9")}}),
+                                              small_device());
+    std::vector<std::string> rules;
+    for (const Finding& finding : findings)
+        rules.push_back(finding.rule);
+    EXPECT_EQ(rules, (Lines{"media-size", "copies", "io-method", "unspoken"}));
+}
+
+TEST(Compatibility, OffersAreAtMost64) {
+    pm::Tree device = small_device();
+    for (int i = 0; i < 100; ++i)
+        device.set("\\media\\size\\" + std::to_string(i + 3) + "\\name", "B" + std::to_string(i));
+    const auto findings = check_compatibility(tree_of({{"\\media\\default_size", text("B100")}}), device);
+    ASSERT_EQ(findings.size(), 1U);
+    ASSERT_EQ(findings[0].offers.size(), 64U);
+    EXPECT_EQ(findings[0].offers[0].value, "B10");
+}
+
+TEST(Compatibility, ExplainsWhatIsNotSet) {
+    const auto looks = explain_compatibility(tree_of(copies), small_device()).looks;
+    const Look wanted{"copies", "copies", "\\media\\copies", "\\media\\max_number_of_copies", "found"};
+    EXPECT_EQ(std::ranges::count(looks, wanted), 1);
+    const Look unset{"pen-count", "pen_count",
+                     "\\physical_pen\\count, \\physical_pen\\default_npens, \\Plotter/Device\\Pens, "
+                     "\\Plotter/Device/PenTable\\Pens, \\Plotter/DriverCustom/pen\\count",
+                     "\\physical_pen\\max_npens", "not set"};
+    EXPECT_EQ(std::ranges::count(looks, unset), 1);
+}
+
+TEST(Compatibility, IsWrittenAsJson) {
+    const auto json =
+        nlohmann::json::parse(findings_to_json({check_compatibility(tree_of(copies), small_device()), {}}));
+    const auto wanted = nlohmann::json::parse(R"({"findings": [{"rule": "copies", "severity": "error",
+        "configuration_path": "\\media\\copies", "description_path": "\\media\\max_number_of_copies", "configured": "10",
+        "described": "9", "text": "", "offers": [{"value": "1 to 9", "text": "", "path": "\\media\\max_number_of_copies"}],
+        "message": "The number of copies, 10, is above the most, 9."}]})");
+    EXPECT_EQ(json, wanted);
+    EXPECT_EQ(nlohmann::json::parse(findings_to_json({{}, {{"r", "s", "\\c", "\\d", "passed"}}})),
+              nlohmann::json::parse(
+                  R"({"findings": [], "looks": [{"rule": "r", "setting": "s", "configuration_path": "\\c",
+                  "description_path": "\\d", "outcome": "passed"}]})"));
+}
+
+TEST(Compatibility, ValuesOfOtherTypesThanADescriptionHasAreNothing) {
+    pm::Tree device =
+        tree_of({{"\\media\\abilities", text("5")}, {"\\media\\max_number_of_copies", text("nine")}});
+    EXPECT_EQ(answer_of("unspoken", tree_of(copies), device).findings,
+              Lines{"warning \\media\\copies = 10 @ \\media\\max_number_of_copies = : The description tells "
+                    "no maximum of "
+                    "copies."});
+}
+
+TEST(Description, WhoseDefaultsArePossibleHasNoFindings) {
+    EXPECT_EQ(check_description(small_device()), std::vector<Finding>{});
+}
+
+TEST(Description, WhoseDefaultsAreNotPossibleIsFound) {
+    pm::Tree device = small_device();
+    add(device,
+        {{"\\media\\default_size", text("A9")},
+         {"\\media\\source\\Roll\\default_entry", text("Sheet")},
+         {"\\media\\source\\Tray\\entry\\Sheet\\default_size", text("A4")},
+         {"\\media\\destination\\Basket\\default_cutting", text("Sets")},
+         {"\\res_color_mem\\rcm_list\\Mono\\default_resolution", text("600_dpi")},
+         {"\\res_color_mem\\rcm_list\\Colour\\resolution_list\\1200_dpi\\default_mem_area", text("Small")},
+         {"\\physical_pen\\default_width", 2.0},
+         {"\\io\\default_type", 5},
+         {"\\io\\method\\4\\default_baud_rate", 300},
+         {"\\custom_name\\Fan_Speed\\default_value", 101}});
+    std::vector<std::string> found_at;
+    for (const Finding& finding : check_description(device)) {
+        found_at.push_back(finding.rule + ' ' + finding.configuration_path);
+        EXPECT_EQ(finding.severity, Severity::error);
+    }
+    EXPECT_EQ(found_at,
+              (Lines{"media-size \\media\\default_size", "media-loaded \\media\\source\\Roll\\default_entry",
+                     "media-size-source \\media\\source\\Tray\\entry\\Sheet\\default_size",
+                     "cutting \\media\\destination\\Basket\\default_cutting",
+                     "resolution \\res_color_mem\\rcm_list\\Mono\\default_resolution",
+                     "memory \\res_color_mem\\rcm_list\\Colour\\resolution_list\\1200_dpi\\default_mem_area",
+                     "pen-width \\physical_pen\\default_width", "io-method \\io\\default_type",
+                     "io-baud-rate \\io\\method\\4\\default_baud_rate",
+                     "custom \\custom_name\\Fan_Speed\\default_value"}));
+}
+
+} // namespace

@@ -1,0 +1,178 @@
+#include "kit/devices/small_device.h"
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace pm::test;
+
+TEST(MediaSize, OfTheDevicePasses) {
+    EXPECT_EQ(looked("media-size",
+                     {{"\\media\\default_size", text("A4")}, {"\\media\\size\\0\\name", text("Free")}}),
+              (Lines{"passed \\media\\default_size @ \\media\\size\\0",
+                     "passed \\media\\size\\0\\name @ \\media\\size\\2"}));
+}
+
+TEST(MediaSize, OfAnotherNameIsFoundWithTheNearestInFront) {
+    EXPECT_EQ(found("media-size", {{"\\media\\default_size", text("A4_tall")}}),
+              Lines{"error \\media\\default_size = A4_tall @ \\media\\size = : The device has no media size "
+                    "\"A4_tall\". "
+                    "(A4_wide, DIN A4 quer; A4, DIN A4; Free, Frei)"});
+}
+
+TEST(MediaSize, OfADeviceWithoutSizesIsUnspoken) {
+    pm::Tree device = tree_of({{"\\media\\abilities", text("0")}});
+    const auto answer = answer_of("unspoken", tree_of({{"\\media\\default_size", text("A4")}}), device);
+    EXPECT_EQ(
+        answer.findings,
+        Lines{
+            "warning \\media\\default_size = A4 @ \\media\\size = : The description tells no media sizes."});
+}
+
+TEST(MediaSource, OfTheDevicePasses) {
+    EXPECT_EQ(looked("media-source", {{"\\media\\default_source", text("Tray")}}),
+              Lines{"passed \\media\\default_source @ \\media\\source\\Tray"});
+}
+
+TEST(MediaSource, OfAnotherNameIsFoundOnceForAllThatIsToldOfIt) {
+    EXPECT_EQ(found("media-source",
+                    {{"\\media\\source\\Rolle\\loaded", text("Wide")}, {"\\media\\source\\Rolle\\feed", 3}}),
+              Lines{"error \\media\\source\\Rolle\\loaded = Wide @ \\media\\source = : The device has no "
+                    "media source "
+                    "\"Rolle\". (Roll, Rolle; Tray, Fach)"});
+}
+
+TEST(MediaLoaded, AsTheDescriptionTellsPasses) {
+    EXPECT_EQ(looked("media-loaded", {{"\\media\\source\\Roll\\loaded", text("Narrow")},
+                                      {"\\media\\source\\Roll\\feed", 3},
+                                      {"\\media\\source\\Roll\\width", 210.04}}),
+              (Lines{"passed \\media\\source\\Roll\\loaded @ \\media\\source\\Roll\\entry\\Narrow",
+                     "passed \\media\\source\\Roll\\feed @ \\media\\source\\Roll\\feed",
+                     "passed \\media\\source\\Roll\\width @ \\media\\source\\Roll\\entry\\Narrow\\width"}));
+}
+
+TEST(MediaLoaded, EntryThatTheSourceHasNotIsFound) {
+    EXPECT_EQ(found("media-loaded", {{"\\media\\source\\Roll\\loaded", text("Sheet")}}),
+              Lines{"error \\media\\source\\Roll\\loaded = Sheet @ \\media\\source\\Roll\\entry = : The "
+                    "source \"Roll\" "
+                    "(Rolle) can't be loaded with \"Sheet\". (Wide, breit; Narrow, schmal)"});
+}
+
+TEST(MediaLoaded, AnotherFeedIsFound) {
+    EXPECT_EQ(found("media-loaded", {{"\\media\\source\\Tray\\feed", 1}}),
+              Lines{"error \\media\\source\\Tray\\feed = 1 @ \\media\\source\\Tray\\feed = 2: The source "
+                    "\"Tray\" (Fach) "
+                    "has another feed. (2, SheetFeeder)"});
+}
+
+TEST(MediaLoaded, AnotherWidthThanThatOfTheDefaultEntryIsFound) {
+    EXPECT_EQ(
+        found("media-loaded", {{"\\media\\source\\Roll\\width", 210.0}}),
+        Lines{"error \\media\\source\\Roll\\width = 210 @ \\media\\source\\Roll\\entry\\Wide\\width = 300: "
+              "\"Wide\" (breit) is 300 wide. (300, breit)"});
+}
+
+TEST(SizeInSource, PassesIfAnyEntryTakesIt) {
+    EXPECT_EQ(looked("media-size-source", {{"\\media\\default_size", text("Free")}}),
+              Lines{"passed \\media\\default_size @ \\media\\source\\Roll\\entry\\Wide\\size_names\\1"});
+}
+
+TEST(SizeInSource, IsFoundIfWhatIsLoadedDoesNotTakeIt) {
+    EXPECT_EQ(found("media-size-source", {{"\\media\\default_size", text("Free")},
+                                          {"\\media\\source\\Roll\\loaded", text("Narrow")}}),
+              Lines{"error \\media\\default_size = Free @ \\media\\source\\Roll\\entry = Narrow: The media "
+                    "size \"Free\" "
+                    "(Frei) isn't one that the source \"Roll\" (Rolle), the device's default, takes with "
+                    "\"Narrow\" loaded. "
+                    "(Roll\\Wide, Rolle: breit)"});
+}
+
+TEST(SizeInSource, SourceThatDoesNotTakeTheDefaultSizeIsFound) {
+    EXPECT_EQ(found("media-size-source", {{"\\media\\default_source", text("Tray")}}),
+              Lines{"error \\media\\default_source = Tray @ \\media\\source\\Tray\\entry = : The media size "
+                    "\"A4\" (DIN A4), "
+                    "the device's default, isn't one that the source \"Tray\" (Fach) takes. (Roll\\Wide, "
+                    "Rolle: breit; "
+                    "Roll\\Narrow, Rolle: schmal)"});
+}
+
+TEST(Destination, OfTheDevicePasses) {
+    EXPECT_EQ(looked("media-destination", {{"\\media\\default_destination", text("Finisher")}}),
+              Lines{"passed \\media\\default_destination @ \\media\\destination\\Finisher"});
+}
+
+TEST(Destination, OfAnotherNameIsFound) {
+    EXPECT_EQ(
+        found("media-destination", {{"\\media\\default_destination", text("Bin")}}),
+        Lines{"error \\media\\default_destination = Bin @ \\media\\destination = : The device has no media "
+              "destination \"Bin\". (Basket, Korb; Finisher, Hefter)"});
+}
+
+TEST(MediaType, OfTheDevicePasses) {
+    EXPECT_EQ(looked("media-type", {{"\\media\\default_type", text("Photo")}}),
+              Lines{"passed \\media\\default_type @ \\media\\type\\1"});
+}
+
+TEST(MediaType, OfAnotherNameIsFound) {
+    EXPECT_EQ(
+        found("media-type", {{"\\media\\default_type", text("Film")}}),
+        Lines{"error \\media\\default_type = Film @ \\media\\type = : The device has no media type \"Film\". "
+              "(Plain; Photo, Fotopapier)"});
+}
+
+TEST(Copies, UpToTheMostPass) {
+    EXPECT_EQ(looked("copies", {{"\\media\\copies", 9}}),
+              Lines{"passed \\media\\copies @ \\media\\max_number_of_copies"});
+}
+
+TEST(Copies, AboveTheMostAreFound) {
+    EXPECT_EQ(found("copies", {{"\\media\\copies", 10}}),
+              Lines{"error \\media\\copies = 10 @ \\media\\max_number_of_copies = 9: The number of copies, "
+                    "10, is above the "
+                    "most, 9. (1 to 9)"});
+}
+
+TEST(Copies, NoneAreFound) {
+    EXPECT_EQ(found("copies", {{"\\media\\copies", 0}}),
+              Lines{"error \\media\\copies = 0 @ \\media\\max_number_of_copies = 1: The number of copies, 0, "
+                    "is below the "
+                    "least, 1. (1 to 9)"});
+}
+
+TEST(Copies, InWordsAreUnspoken) {
+    EXPECT_EQ(
+        found("unspoken", {{"\\media\\copies", text("two")}}),
+        Lines{"warning \\media\\copies = two @  = : The value is no number, so that it can't be compared."});
+}
+
+TEST(Duplex, ModeOfTheDevicePasses) {
+    EXPECT_EQ(looked("duplex", {{"\\media\\default_duplexing_mode", 2}}),
+              Lines{"passed \\media\\default_duplexing_mode @ \\media\\duplexing_modes"});
+}
+
+TEST(Duplex, AnotherModeIsFound) {
+    EXPECT_EQ(found("duplex", {{"\\media\\default_duplexing_mode", 4}}),
+              Lines{"error \\media\\default_duplexing_mode = 4 @ \\media\\duplexing_modes = 3: The device "
+                    "doesn't offer "
+                    "duplexing mode 4 (Short). (1, None; 2, Long)"});
+}
+
+TEST(Duplex, ModeOfAPc2FileHasItsOwnNumbers) {
+    EXPECT_EQ(found("duplex", {{"\\Plotter/DriverCustom\\dmDuplex", 3}}),
+              Lines{"error \\Plotter/DriverCustom\\dmDuplex = 3 @ \\media\\duplexing_modes = 3: The device "
+                    "doesn't offer "
+                    "duplexing mode 4 (Short). (1, None; 2, Long)"});
+}
+
+TEST(SelectionMethod, OfTheDevicePasses) {
+    EXPECT_EQ(looked("selection-method", {{"\\media\\default_selection_method", 1}}),
+              Lines{"passed \\media\\default_selection_method @ \\media\\selection_methods"});
+}
+
+TEST(SelectionMethod, AnotherIsFound) {
+    EXPECT_EQ(found("selection-method", {{"\\media\\default_selection_method", 2}}),
+              Lines{"error \\media\\default_selection_method = 2 @ \\media\\selection_methods = 1: The "
+                    "device doesn't offer "
+                    "selection method 2 (MediaSizeByMediaSize). (1, MediaSizeByMediaSource)"});
+}
+
+} // namespace
