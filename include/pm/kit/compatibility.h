@@ -44,8 +44,8 @@ struct Finding {
     std::string configured;         // the value in the configuration
     std::string described;          // the value in the description; empty if there is no single one
     std::string text;               // the description's text of the configured value, if it knows it
-    std::vector<Offer> offers;      // instead, the nearest first; empty if there is nothing to choose
-    std::string message;            // one sentence, without the paths
+    std::vector<Offer> offers; // instead, the nearest first, at most 64; none behind the first 1000 findings
+    std::string message;       // one sentence, without the paths
 
     bool operator==(const Finding&) const = default;
 };
@@ -169,9 +169,9 @@ struct CompatibilityOptions {
     const CompatibilityMap* map = nullptr; // borrowed; null for built_in_map()
 };
 
-// Findings in the order of the rules, and within a rule in that of the configuration. Throws kit::Error where
-// a base names no node, or where there is no description; and what reading a damaged tree throws,
-// std::bad_alloc included.
+// Findings in the order of the rules, and within a rule in that of the configuration, setting by setting.
+// Throws kit::Error where a base names no node, or where there is no description; and what reading a damaged
+// tree throws, std::bad_alloc included.
 [[nodiscard]] PM_KIT_API std::vector<Finding> check_compatibility(const Tree& configuration,
                                                                   const Tree& description,
                                                                   const CompatibilityOptions& options = {});

@@ -32,7 +32,8 @@ void Checker::pass(Setting& setting, std::string description_path) {
 
 void Checker::fail(Setting& setting, Fault fault) {
     look(setting, fault.description_path, "found");
-    if (fault.offers.size() > most_offers) fault.offers.resize(most_offers);
+    const std::size_t most = findings.size() < most_findings_with_offers ? most_offers : 0;
+    if (fault.offers.size() > most) fault.offers.resize(most);
     findings.push_back({std::string(m_rule), fault.severity.value_or(m_severity), setting.path,
                         std::move(fault.description_path), setting.text, std::move(fault.described),
                         std::move(fault.text), std::move(fault.offers), std::move(fault.message)});

@@ -72,6 +72,9 @@ private:
 
 // Offers are at most so many.
 inline constexpr std::size_t most_offers = 64;
+// Findings beyond so many have none: a large tree with one mistake everywhere takes no more memory than it
+// does.
+inline constexpr std::size_t most_findings_with_offers = 1000;
 
 // How many first characters agree, in any case.
 [[nodiscard]] std::size_t common_begin(std::string_view left, std::string_view right) noexcept;

@@ -87,6 +87,16 @@ TEST(Compatibility, OffersAreAtMost64) {
     EXPECT_EQ(findings[0].offers[0].value, "B10");
 }
 
+TEST(Compatibility, OffersAreGivenWithTheFirst1000Findings) {
+    pm::Tree configuration;
+    for (int i = 0; i < 1001; ++i)
+        configuration.set("\\" + std::to_string(i) + "\\HW_LINETYPE", 1);
+    const auto findings = check_compatibility(configuration, small_device());
+    ASSERT_EQ(findings.size(), 1001U);
+    EXPECT_EQ(findings[999].offers.size(), 2U);
+    EXPECT_EQ(findings[1000].offers.size(), 0U);
+}
+
 TEST(Compatibility, ExplainsWhatIsNotSet) {
     const auto looks = explain_compatibility(tree_of(copies), small_device()).looks;
     const Look wanted{"copies", "copies", "\\media\\copies", "\\media\\max_number_of_copies", "found"};
