@@ -4,6 +4,7 @@
 #include "source.h"
 #include "system.h"
 #include "text.h"
+#include "verbs/check_device.h"
 #include "verbs/verbs.h"
 #include <algorithm>
 #include <fmt/format.h>
@@ -24,6 +25,7 @@ struct CheckOptions {
     bool strict = false;
     bool json = false;
     bool list_rules = false;
+    DeviceCheck device = {}; // with a device: all else that it takes is filled in from here
 };
 
 std::string place_text(const kit::Place& place) {
@@ -67,7 +69,7 @@ std::vector<kit::Diagnostic> check_one(const std::string& file, const kit::Check
 
 void require_rules(const std::vector<std::string>& names) {
     for (const std::string& name : names) {
-        if (kit::find_check_rule(name) == nullptr) {
+        if (kit::find_check_rule(name) == nullptr && !is_device_rule(name)) {
             throw Failure(fmt::format("{}: there is no such rule; see pmtool check --rules", name));
         }
     }
@@ -75,6 +77,10 @@ void require_rules(const std::vector<std::string>& names) {
 
 int list_rules() {
     for (const kit::CheckRule& rule : kit::check_rules()) {
+        fmt::print("{:20} {:8} {}\n", rule.name, kit::severity_name(rule.severity), rule.meaning);
+    }
+    fmt::print("\nOf a device:\n");
+    for (const kit::CompatibilityRule& rule : kit::compatibility_rules()) {
         fmt::print("{:20} {:8} {}\n", rule.name, kit::severity_name(rule.severity), rule.meaning);
     }
     return exit_ok;
@@ -89,16 +95,54 @@ bool counts(const CheckOptions& options, const kit::Diagnostic& diagnostic) {
     return options.strict || diagnostic.severity != kit::Severity::note;
 }
 
+// Of a description: its own defaults, as the linter's diagnostics.
+std::vector<kit::Diagnostic> check_defaults(const std::string& file, const kit::CheckOptions& options) {
+    std::vector<kit::Diagnostic> diagnostics;
+    if (file == "-" || kind_of(file) == FileKind::special) return diagnostics; // it is read once
+    for (const kit::Finding& finding : findings_of_defaults({.file = file, .section = options.section})) {
+        const auto is_in = [&](const std::vector<std::string>& names) {
+            return std::ranges::find(names, finding.rule) != names.end();
+        };
+        if (is_in(options.without) || !(options.rules.empty() || is_in(options.rules))) continue;
+        diagnostics.push_back({finding.rule,
+                               finding.severity,
+                               {file, {}, 0, 0},
+                               finding.configuration_path,
+                               fmt::format("{} = {}: {}", finding.configuration_path, finding.configured,
+                                           finding_text(finding)),
+                               0});
+    }
+    return diagnostics;
+}
+
+int check_device(const CheckOptions& options) {
+    DeviceCheck device = options.device;
+    device.files = options.files;
+    device.from = options.from;
+    device.section = options.check.section;
+    device.rules = options.check.rules;
+    device.without = options.check.without;
+    device.strict = options.strict;
+    device.json = options.json;
+    return check_on_device(device);
+}
+
 int check(CheckOptions options) {
     if (options.list_rules) return list_rules();
     if (options.files.empty()) throw Failure("FILE is required; see pmtool check --help");
+    if (!options.device.device.empty()) return check_device(options);
+    if (options.device.explain || !options.device.map.empty() || !options.device.owner.empty()) {
+        throw Failure("--map, --owner and --explain go with --device");
+    }
     require_rules(options.check.rules);
     require_rules(options.check.without);
     if (!options.from.empty()) options.check.type = format_named(options.from).type;
     int status = exit_ok;
     Json list = Json::array();
     for (const std::string& file : options.files) {
-        const std::vector<kit::Diagnostic> found = check_one(file, options.check);
+        std::vector<kit::Diagnostic> found = check_one(file, options.check);
+        if (std::ranges::none_of(found, is_trouble))
+            std::ranges::move(check_defaults(file, options.check), std::back_inserter(found));
         for (const kit::Diagnostic& diagnostic : found) {
             if (is_trouble(diagnostic)) status = exit_trouble;
             if (status == exit_ok && counts(options, diagnostic)) status = exit_negative;
@@ -117,12 +161,16 @@ int check(CheckOptions options) {
     return status;
 }
 
-constexpr Verb verb = {"check", "compare", "list all that is wrong with files",
-                       R"(Lists what the library reports and what a linter of named rules finds, each with its place, severity and rule, and reads on behind what is wrong. Folders are walked. "pmtool check --rules" lists the rules.
+constexpr Verb verb = {
+    "check", "compare", "list all that is wrong with files",
+    R"(Lists what the library reports and what a linter of named rules finds, each with its place, severity and rule, and reads on behind what is wrong. Folders are walked. "pmtool check --rules" lists the rules. The defaults of a device description are checked too: whether the device can do them.
+
+With --device it lists what of a configuration isn't possible on a device, with what the device offers instead, and what its description doesn't speak of.
 
 Exit code 0 if nothing is wrong, 1 if something is; notes count with --strict only. 2 if a file can't be read at all.)",
-                       R"(pmtool check plotter.pia
-pmtool check devices/ --without missing-translation --json)"};
+    R"(pmtool check plotter.pia
+pmtool check devices/ --without missing-translation --json
+pmtool check office.pc2 --device dx4200/  tell what isn't possible on that device)"};
 
 } // namespace
 
@@ -137,7 +185,13 @@ void add_check(Commands& commands) {
     line.flag("--strict", options->strict, "Notes count too");
     line.flag("--roundtrip", options->check.round_trip, "Load, save, load again and compare");
     line.flag("--rules", options->list_rules, "List the rules");
-    line.flag("--json", options->json, "An array of diagnostics");
+    line.text("--device", options->device.device, "DESCRIPTION",
+              "Hold FILE against this description of a device");
+    line.text("--map", options->device.map, "MAP", "JSON that tells where a configuration keeps what");
+    line.text("--owner", options->device.owner, "NUMBER",
+              "Who made the configuration: what others own is a warning");
+    line.flag("--explain", options->device.explain, "Show which rule looked where");
+    line.flag("--json", options->json, "An array of diagnostics, or of findings by file");
 }
 
 } // namespace pmtool

@@ -1,0 +1,171 @@
+#include "tools/run_tool.h"
+#include "tools/transcript.h"
+#include <nlohmann/json.hpp>
+
+namespace pm::test {
+
+namespace {
+
+using PmToolDevice = ToolTest;
+
+const std::string device = sample_folder + "/dx4200";
+const std::vector<std::string> quiet{"--without", "unspoken", "--without", "owner"};
+
+std::vector<std::string> with(std::vector<std::string> words, const std::vector<std::string>& more) {
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
+}
+
+TEST_F(PmToolDevice, PossibleConfigurationIsTold) {
+    const std::string file = sample_folder + "/office.pc2";
+    expect_output(with({"check", file, "--device", device}, quiet), file + ": possible on the device\n");
+}
+
+TEST_F(PmToolDevice, NotesDoNotCountUnlessStrict) {
+    const std::string file = sample_folder + "/office.pc2";
+    EXPECT_EQ(run({"check", file, "--device", device}).status, 0);
+    EXPECT_EQ(run({"check", file, "--device", device, "--strict"}).status, 1);
+}
+
+TEST_F(PmToolDevice, FindingsTellWhatIsOfferedInstead) {
+    const std::string file = sample_folder + "/plotter.pia";
+    expect_no(
+        with({"check", file, "--device", device}, quiet),
+        file +
+            ": error: \\media\\printable_area = 0.9825: Only 0.9798 of the area \"ISO_A0_portrait_area\" can "
+            "be "
+            "printed. Instead: up to 0.9798. [media-printable]\n" +
+            file +
+            ": error: \\media\\finishing\\collate = true: The destination \"Catch_Basket\" (Catch basket), "
+            "the "
+            "device's default, doesn't collate. Instead: Stacker (Stacker), Folder (Folding unit), Finisher "
+            "(Finisher with stapler). [collating]\n" +
+            file +
+            ": error: \\media\\finishing\\folding = Z_Fold: The destination \"Catch_Basket\" (Catch basket), "
+            "the "
+            "device's default, doesn't fold by \"Z_Fold\". Instead: Folder (Folding unit). [folding]\n");
+}
+
+TEST_F(PmToolDevice, EachSectionIsAConfiguration) {
+    const std::string file = sample_folder + "/sections.dpia";
+    expect_no(
+        {"check", file, "--device", device, "--rule", "media-size-source"},
+        file + "[Office]: possible on the device\n" + file +
+            "[Workshop]: error: \\Workshop\\media\\default_size = ARCH_E1_landscape: The media size "
+            "\"ARCH_E1_landscape\" (ARCH E1 \xE2\x80\x93 landscape (1066.8 \xC3\x97 762 mm)) isn't one that "
+            "the source "
+            "\"Roll_2\" (Lower roll) takes. Instead: Roll_1\\Roll_42_in (Upper roll: Roll, 1067 mm (42 in)). "
+            "[media-size-source]\n" +
+            file + "[Archive]: possible on the device\n");
+    expect_no(
+        {"check", file, "--device", device, "--rule", "media-size-source", "--section", "Workshop"},
+        file +
+            "[Workshop]: error: \\media\\default_size = ARCH_E1_landscape: The media size "
+            "\"ARCH_E1_landscape\" (ARCH E1 \xE2\x80\x93 landscape (1066.8 \xC3\x97 762 mm)) isn't one that "
+            "the source "
+            "\"Roll_2\" (Lower roll) takes. Instead: Roll_1\\Roll_42_in (Upper roll: Roll, 1067 mm (42 in)). "
+            "[media-size-source]\n");
+}
+
+TEST_F(PmToolDevice, DescriptionMayBeSavedInAnotherFormat) {
+    ASSERT_EQ(run({"convert", device, "device.pia", "--utf8"}).status, 0);
+    const std::string file = sample_folder + "/pens.pcp";
+    expect_no({"check", file, "--device", "device.pia", "--rule", "line-width"},
+              file + ": error: \\8\\PEN_WEIGHT = 0.09: The line type 3 (Dash_Dot) needs a width of at least "
+                     "0.1. Instead: from "
+                     "0.1 (Dash_Dot). [line-width]\n");
+}
+
+TEST_F(PmToolDevice, ExplainsWhereARuleLooked) {
+    const std::string file = sample_folder + "/plotter.pia";
+    expect_output({"check", file, "--device", device, "--rule", "copies", "--explain"},
+                  file + ": possible on the device\n" + file +
+                      ": copies             copies            passed   \\media\\copies -> "
+                      "\\media\\max_number_of_copies\n");
+}
+
+TEST_F(PmToolDevice, MapTellsWhereAConfigurationKeepsWhat) {
+    folder.write("mine.pia", "PIAFILEVERSION_2.0,\npaper=\"A9\npens=7\n");
+    folder.write("map.json",
+                 R"({"settings": [{"setting": "size", "path": "\\paper"}, {"setting": "p", "path": "\\pens"}],
+        "rules": [{"rule": "few-pens", "severity": "warning", "setting": "p", "test": "at-most", "capability": "\\physical_pen\\default_npens"}]})");
+    expect_no(
+        {"check", "mine.pia", "--device", device, "--map", "map.json", "--rule", "media-size", "--rule",
+         "few-pens", "--explain"},
+        "mine.pia: error: \\paper = A9: The device has no media size \"A9\". Instead: ANSI_E_landscape (ANSI "
+        "E \xE2\x80\x93 "
+        "landscape (1117.6 \xC3\x97 863.6 mm)), ANSI_E_portrait (ANSI E \xE2\x80\x93 portrait (863.6 "
+        "\xC3\x97 1117.6 mm)), "
+        "ANSI_D_landscape (ANSI D \xE2\x80\x93 landscape (863.6 \xC3\x97 558.8 mm)), ANSI_D_portrait (ANSI D "
+        "\xE2\x80\x93 "
+        "portrait (558.8 \xC3\x97 863.6 mm)), ANSI_C_landscape (ANSI C \xE2\x80\x93 landscape (558.8 "
+        "\xC3\x97 431.8 mm)), "
+        "ANSI_C_portrait (ANSI C \xE2\x80\x93 portrait (431.8 \xC3\x97 558.8 mm)), ANSI_B_landscape (ANSI B "
+        "\xE2\x80\x93 "
+        "landscape (431.8 \xC3\x97 279.4 mm)), ANSI_B_portrait (ANSI B \xE2\x80\x93 portrait (279.4 \xC3\x97 "
+        "431.8 mm)), and "
+        "36 more. [media-size]\n"
+        "mine.pia: media-size         size              found    \\paper -> \\media\\size\n"
+        "mine.pia: media-size         size_entry        not set  \\media\\size\\*\\name -> "
+        "\\media\\size\\*\\name\n"
+        "mine.pia: few-pens           p                 passed   \\pens -> \\physical_pen\\default_npens\n");
+}
+
+TEST_F(PmToolDevice, OwnerTellsWhoMadeTheConfiguration) {
+    folder.write("mine.pia", "PIAFILEVERSION_2.0,\nmedia{\n copies=1\n}\n");
+    expect_no({"check", "mine.pia", "--device", device, "--owner", "1"},
+              "mine.pia: warning: \\media\\copies = 1: Owner 2 has this setting. [owner]\n");
+    expect_output({"check", "mine.pia", "--device", device, "--owner", "2"},
+                  "mine.pia: possible on the device\n");
+}
+
+TEST_F(PmToolDevice, FindingsAsJson) {
+    folder.write("mine.pia", "PIAFILEVERSION_2.0,\nmedia{\n copies=100\n}\n");
+    const ToolRun told =
+        run({"check", "mine.pia", "--device", device, "--rule", "copies", "--explain", "--json"});
+    EXPECT_EQ(told.status, 1);
+    EXPECT_EQ(nlohmann::json::parse(told.out),
+              nlohmann::json::parse(R"([{"file": "mine.pia", "findings": [{"rule": "copies",
+        "severity": "error", "configuration_path": "\\media\\copies", "description_path": "\\media\\max_number_of_copies",
+        "configured": "100", "described": "99", "text": "",
+        "offers": [{"value": "1 to 99", "text": "", "path": "\\media\\max_number_of_copies"}],
+        "message": "The number of copies, 100, is above the most, 99."}],
+        "looks": [{"rule": "copies", "setting": "copies", "outcome": "found", "configuration_path": "\\media\\copies",
+        "description_path": "\\media\\max_number_of_copies"}]}])"));
+}
+
+TEST_F(PmToolDevice, DefaultsOfADescriptionAreChecked) {
+    expect_output({"check", device, "--rule", "media-size"}, device + ": no bad lines\n");
+    ASSERT_EQ(run({"convert", device, "device.pia", "--utf8"}).status, 0);
+    ASSERT_EQ(run({"set", "device.pia", "\\media\\default_type", "Wallpaper"}).status, 0);
+    expect_no({"check", "device.pia", "--rule", "media-type"},
+              "device.pia: error: \\media\\default_type = Wallpaper: The device has no media type "
+              "\"Wallpaper\". Instead: Bond "
+              "(Bond 80 g/m\xC2\xB2), Heavy_Bond (Bond 120 g/m\xC2\xB2), Coated (Coated paper), Glossy_Photo "
+              "(Glossy photo "
+              "paper), Vellum (Vellum), Clear_Film (Clear film), Matte_Film (Matte film), Canvas (Canvas). "
+              "[media-type]\n");
+}
+
+TEST_F(PmToolDevice, TroubleIsToldInOneLine) {
+    const std::string file = sample_folder + "/plotter.pia";
+    folder.write("map.json", "{\n{");
+    expect_trouble({"check", file, "--device", device, "--map", "map.json"},
+                   "map.json:2: The map is no JSON.");
+    expect_trouble({"check", file, "--device", device, "--owner", "4"},
+                   "4: an owner is a number from 0 to 3");
+    expect_trouble({"check", file, "--device", device, "--rule", "nothing"},
+                   "nothing: there is no such rule for a device; see pmtool check --rules");
+    expect_trouble({"check", file, "--device", file},
+                   file +
+                       ": The tree describes no device: no group of capabilities has a text \"abilities\".");
+    expect_trouble({"check", file, "--explain"}, "--map, --owner and --explain go with --device");
+}
+
+TEST(DevicePage, IsAsTold) {
+    expect_page("compatibility");
+}
+
+} // namespace
+
+} // namespace pm::test

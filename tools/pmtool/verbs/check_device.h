@@ -1,0 +1,38 @@
+#pragma once
+
+#include "source.h"
+#include <optional>
+#include <pm/kit/compatibility.h>
+#include <string>
+#include <vector>
+
+// Configurations against the description of a device.
+namespace pmtool {
+
+struct DeviceCheck {
+    std::vector<std::string> files; // the configurations; of several trees in a file each is one
+    std::string from = {};
+    std::string section = {};
+    std::string device = {};               // a folder of tables, or a file saved from one
+    std::string map = {};                  // JSON; empty for the built-in map
+    std::string owner = {};                // 0 to 3; empty if nobody says
+    std::vector<std::string> rules = {};   // only these
+    std::vector<std::string> without = {}; // not these
+    bool explain = false;
+    bool strict = false; // notes count too
+    bool json = false;
+};
+
+// Prints the findings; the exit code, 1 if any counts.
+int check_on_device(const DeviceCheck& check);
+
+// What isn't possible of a description's own defaults; nothing for a file that isn't a description, or can't
+// be read.
+std::vector<pm::kit::Finding> findings_of_defaults(const SourceOptions& options);
+
+bool is_device_rule(std::string_view name);
+
+// A finding without its path: the message, and what the device offers instead.
+std::string finding_text(const pm::kit::Finding& finding);
+
+} // namespace pmtool
