@@ -212,10 +212,24 @@ void measure_sections(const Node& top, const FileContent& back, const WriteOptio
 void measure_tag(const FileContent& back, const WriteOptions& options, std::vector<Loss>& losses) {
     if (options.type != PM_Object::FILE_PIA || back.tag == options.tag) return;
     // The header comes first.
-    const Loss loss{
-        LossKind::changed,           "", "", "the header's tag isn't kept", make_stored(Value(options.tag)),
-        make_stored(Value(back.tag))};
-    losses.insert(losses.begin(), loss);
+    Loss loss;
+    loss.kind = LossKind::changed;
+    loss.reason = "the header's tag isn't kept";
+    loss.before = make_stored(Value(options.tag));
+    loss.after = make_stored(Value(back.tag));
+    losses.insert(losses.begin(), std::move(loss));
+}
+
+// What couldn't be written is told with its own reason.
+void give_reasons(std::vector<Loss>& losses, const std::vector<Loss>& unwritten) {
+    std::unordered_map<std::string_view, const Loss*> by_path;
+    for (const Loss& loss : unwritten) {
+        by_path.emplace(loss.path, &loss);
+    }
+    for (Loss& loss : losses) {
+        const auto found = by_path.find(loss.path);
+        if (loss.kind == LossKind::lost && found != by_path.end()) loss.reason = found->second->reason;
+    }
 }
 
 } // namespace
@@ -242,11 +256,7 @@ Prepared prepare(const Tree& intended, const WriteOptions& options) {
     Measured measured = measure(*top, read);
     prepared.notes = std::move(measured.notes);
     prepared.losses = std::move(measured.losses);
-    // What couldn't be written is told with its own reason.
-    for (const Loss& loss : unwritten) {
-        const auto found = std::ranges::find(prepared.losses, loss.path, &Loss::path);
-        if (found != prepared.losses.end() && found->kind == LossKind::lost) found->reason = loss.reason;
-    }
+    give_reasons(prepared.losses, unwritten);
     if (!back.failure.empty()) {
         for (Loss& loss : prepared.losses) {
             loss.reason = "nothing of the file can be read back: " + back.failure;

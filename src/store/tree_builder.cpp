@@ -103,7 +103,8 @@ bool TreeBuilder::erase_property(const PM_Node& node, std::u16string_view name) 
 }
 
 void TreeBuilder::erase(const PM_Node& node) const {
-    if (node.parent() == nullptr) refuse(PM_ERR_BAD_PATH, u"\\");
+    constexpr std::u16string_view root_path = u"\\";
+    if (node.parent() == nullptr) refuse(PM_ERR_BAD_PATH, root_path);
     changeable(*node.parent()).delete_child(node.entry());
 }
 

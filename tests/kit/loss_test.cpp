@@ -1,6 +1,7 @@
 #include "kit/errors.h"
 #include "kit/random_tree.h"
 #include "pm_test_paths.h"
+#include <algorithm>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <pm/code_page.h>
@@ -179,6 +180,18 @@ TEST(DocLosses, TruthValuesBecomeNumbers) {
     EXPECT_THAT(
         losses("set \\a bool true", {.type = doc}),
         ElementsAre("\\a: retyped: a compound file gives truth values back as numbers: bool true -> long 1"));
+}
+
+TEST(DocLosses, DeviceDescriptionRetypesEachOfItsTruthValues) {
+    const FileContent source = sample("dx4200");
+    const Prepared prepared = prepare(source.tree, {.type = doc});
+    const auto retyped = std::ranges::count(prepared.losses, LossKind::retyped, &Loss::kind);
+    std::ptrdiff_t bools = 0;
+    for (const auto& [node, depth] : source.tree.walk()) {
+        bools += std::ranges::count(node.properties(), PROP_BOOL, &Property::type);
+    }
+    EXPECT_EQ(117, bools);
+    EXPECT_EQ(117, retyped);
 }
 
 TEST(DocLosses, WhatCannotBeWrittenIsLeftOut) {
