@@ -14,6 +14,14 @@ void copy_properties(const Node& from, const TreeBuilder& builder, const PM_Node
     }
 }
 
+bool is_in(const PM_Node& node, const PM_Node& other) {
+    const PM_Node* at = &node;
+    while (at != nullptr && at != &other) {
+        at = pm_view(*at).parent;
+    }
+    return at != nullptr;
+}
+
 } // namespace
 
 void put_stored(const TreeBuilder& builder, const PM_Node& node, std::u16string_view name,
@@ -49,7 +57,16 @@ void put(Tree& tree, const TextView& path, const Stored& stored) {
 
 void copy(const Node& from, Tree& tree, const TextView& path) {
     const TreeBuilder builder(tree.object());
-    copy_node(from, builder, make_nodes(builder, wide_text(path)));
+    const PM_Node& to = make_nodes(builder, wide_text(path));
+    if (!is_in(*from.handle(), to) && !is_in(to, *from.handle())) {
+        copy_node(from, builder, to);
+        return;
+    }
+    // What is read may not change meanwhile.
+    Tree aside;
+    const TreeBuilder aside_builder(aside.object());
+    copy_node(from, aside_builder, aside_builder.root());
+    copy_node(aside.root(), builder, to);
 }
 
 Tree copy(const Tree& tree) {

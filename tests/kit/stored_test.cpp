@@ -121,6 +121,19 @@ TEST(Copy, NodeGoesBesideItselfInOneTree) {
     EXPECT_TRUE(identical(*tree.node("\\a"), *tree.node("\\c\\a")));
 }
 
+TEST(Copy, NodeGoesIntoItselfAsItWas) {
+    Tree tree;
+    tree.set("\\a\\a\\p", 1);
+    tree.set("\\a\\q", 2);
+    copy(*tree.node("\\a"), tree, "\\a\\a");
+    EXPECT_EQ(1, tree.get<int>("\\a\\a\\a\\p"));
+    EXPECT_EQ(2, tree.get<int>("\\a\\a\\q"));
+    EXPECT_FALSE(tree.node("\\a\\a\\a\\a"));
+    copy(*tree.node("\\a\\a"), tree, "\\a");
+    EXPECT_EQ(1, tree.get<int>("\\a\\a\\p"));
+    EXPECT_EQ(1, tree.get<int>("\\a\\p"));
+}
+
 TEST(Copy, WhatIsThereIsReplaced) {
     Tree tree;
     tree.set("\\a\\x", 1);

@@ -58,8 +58,8 @@ struct Stored {
 PM_KIT_API void put(Tree& tree, const TextView& path, const Stored& stored);
 // Copies all of a node, its properties and what is below, into the node of that path, which is made if
 // missing; order, strictness and bytes stay. What is there already is kept, a property of the same name
-// replaced. The node may be of the same tree unless one is in the other. Throws as put() and make_node(): 51
-// for what would lie deeper than 256 components.
+// replaced. The node may be of the same tree, one of them in the other too. Throws as put() and make_node():
+// 51 for what would lie deeper than 256 components.
 PM_KIT_API void copy(const Node& from, Tree& tree, const TextView& path);
 // An equal tree of its own.
 [[nodiscard]] PM_KIT_API Tree copy(const Tree& tree);
