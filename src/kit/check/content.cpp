@@ -3,7 +3,6 @@
 #include "check/doc_check.h"
 #include "check/dpia_check.h"
 #include "check/files.h"
-#include "check/library_load.h"
 #include "check/numbers.h"
 #include "check/pc2_check.h"
 #include "check/pcp_check.h"
@@ -11,6 +10,7 @@
 #include "check/pia_check.h"
 #include "check/round_trip.h"
 #include <pm/code_page.h>
+#include <pm/error_number.h>
 #include <pm/inspect.h>
 
 namespace pm::kit {
@@ -73,10 +73,22 @@ void check_as(PM_Object::FileType type, const FileContent& content, const CheckO
     if (options.round_trip) check_round_trip(type, content, where, findings);
 }
 
+// In words of what was tried; the library's own are for its programmers.
+std::string_view failure_words(std::uint32_t number) {
+    switch (number) {
+    case PM_ERR_NO_SUCH_FILE:
+        return "There is no such file.";
+    case PM_ERR_ACCESS_DENIED:
+        return "The file can't be opened.";
+    default:
+        return "The file can't be read.";
+    }
+}
+
 void say_unreadable(std::string_view file, std::uint32_t number, Findings& findings) {
     findings.add({.rule = Rule::unreadable,
                   .place = {.file = std::string(file), .section = {}},
-                  .message = sentence_of(number),
+                  .message = std::string(failure_words(number)),
                   .number = number});
 }
 

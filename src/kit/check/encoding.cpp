@@ -112,7 +112,7 @@ void check_bytes(SourceText& source, Findings& findings) {
         const bool one = bytes.size() == 1 && !narrow.has_double_bytes();
         findings.add(
             {.rule = Rule::undecodable_byte,
-             .place = source.place(line, first.data()),
+             .place = narrow.has_double_bytes() ? source.place(line) : source.place(line, first.data()),
              .message = lost ? fmt::format("{} {} no text in code page {} and {} as U+FFFD.", shown,
                                            one ? "is" : "are", narrow.code_page(), one ? "reads" : "read")
                              : fmt::format("{} {} no character in code page {}.", shown, one ? "has" : "have",

@@ -124,10 +124,8 @@ void PcpLines::keyword_line(std::string_view text) {
     if (keyword->takes == Takes::end) return end_block(text);
     m_path = path_of(name);
     if (!equals) {
-        return say(
-            Rule::missing_equals, text,
-            fmt::format("There is no \"=\" behind {}, and its value begins within it or another place.",
-                        quoted(name)));
+        return say(Rule::missing_equals, text,
+                   "The line has no \"=\", and its value is looked for within the keyword.");
     }
     if (keyword->takes == Takes::begin) return begin_block(text);
     check_repeated(name);

@@ -135,7 +135,7 @@ void Reading::read_raw() {
     const std::string_view digits = start.substr(0, start.find('\\'));
     const std::size_t units = m_source.units(digits);
     if (digits.empty()) return refuse("The raw data has no digits.");
-    if (units % 2 != 0) return refuse(fmt::format("The raw data has {} digits, an odd number.", units));
+    if (units % 2 != 0) return refuse(fmt::format("The raw data has an odd number of digits, {}.", units));
     if (digits.size() % 2 != 0 && !is_ascii(digits)) {
         m_result.ends_load = true;
         remark(Rule::bad_line, digits.data(),

@@ -1,0 +1,216 @@
+#include <chrono>
+#include <filesystem>
+#include <fmt/format.h>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <pm/code_page.h>
+#include <pm/exception.h>
+#include <pm/kit/check.h>
+#include <pm/tree.h>
+#include <pm_test_paths.h>
+#include <sstream>
+#include <string>
+
+namespace {
+
+namespace fs = std::filesystem;
+using pm::kit::check_content;
+using pm::kit::check_file;
+using pm::kit::CheckOptions;
+using pm::kit::Diagnostic;
+using pm::kit::Severity;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::string line_of(const Diagnostic& each) {
+    const std::string section = each.place.section.empty() ? std::string() : "[" + each.place.section + "]";
+    return fmt::format("{}{}:{}:{} {}", fs::path(each.place.file).filename().string(), section,
+                       each.place.line, each.place.column, each.rule);
+}
+
+std::vector<std::string> lines_of(const std::vector<Diagnostic>& all) {
+    std::vector<std::string> lines;
+    for (const Diagnostic& each : all) {
+        lines.push_back(line_of(each));
+    }
+    return lines;
+}
+
+class CheckFile : public testing::Test {
+protected:
+    void SetUp() override {
+        m_folder = fs::temp_directory_path() / fmt::format("pm_check_{}", static_cast<const void*>(this));
+        fs::create_directories(m_folder);
+    }
+    void TearDown() override { fs::remove_all(m_folder); }
+
+    std::string write(const std::string& name, const std::string& content) const {
+        const fs::path path = m_folder / name;
+        fs::create_directories(path.parent_path());
+        std::ofstream(path, std::ios::binary) << content;
+        return path.string();
+    }
+
+    fs::path m_folder;
+};
+
+TEST_F(CheckFile, SamplesAreClean) {
+    CheckOptions options;
+    options.round_trip = true;
+    EXPECT_THAT(lines_of(check_file(PM_SAMPLES, options)), IsEmpty());
+}
+
+TEST_F(CheckFile, DiagnosticHasAllThatIsKnown) {
+    const std::string name = write("a.pia", "PIAFILEVERSION_2.0\nn{\n  b=truely\n}\n");
+    const Diagnostic expected{
+        "odd-boolean", Severity::warning,           {.file = name, .section = "", .line = 3, .column = 5},
+        "\\n\\b",      "\"truely\" reads as TRUE.", 0};
+    EXPECT_THAT(check_file(name), ElementsAre(expected));
+}
+
+TEST_F(CheckFile, FolderIsWalkedInTheOrderOfNames) {
+    write("b.pia", "PIAFILEVERSION_2.0\na\n");
+    write("a/z.pia", "PIAFILEVERSION_2.0\n}\n");
+    write("a.pia", "PIAFILEVERSION_2.0\na=x\n");
+    write("readme.txt", "nothing to be checked");
+    EXPECT_THAT(lines_of(check_file(m_folder.string())),
+                ElementsAre("a.pia:2:3 unknown-type", "b.pia:2:1 bad-line", "z.pia:2:1 unopened-node"));
+}
+
+TEST_F(CheckFile, LinkToAFolderIsNotFollowed) {
+    write("a/a.pia", "PIAFILEVERSION_2.0\na\n");
+    fs::create_directory_symlink(m_folder, m_folder / "a" / "up");
+    EXPECT_THAT(lines_of(check_file(m_folder.string())), ElementsAre("a.pia:2:1 bad-line"));
+}
+
+TEST_F(CheckFile, FileOfNoKnownKindIsToldWhenItIsNamed) {
+    EXPECT_THAT(lines_of(check_file(write("readme.txt", "x"))), ElementsAre("readme.txt:0:0 unknown-kind"));
+}
+
+TEST_F(CheckFile, MissingFileIsUnreadable) {
+    const std::vector<Diagnostic> found = check_file((m_folder / "none.pia").string());
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0].rule, "unreadable");
+    EXPECT_EQ(found[0].number, 63U);
+    EXPECT_EQ(found[0].message, "There is no such file.");
+}
+
+TEST_F(CheckFile, DamagedHeaderIsKnownByTheEnding) {
+    EXPECT_THAT(lines_of(check_file(write("a.pia", "PIAFILEVERSIO\na=1\n"))),
+                ElementsAre("a.pia:1:0 bad-header"));
+}
+
+TEST_F(CheckFile, RuleAloneIsLookedFor) {
+    CheckOptions options;
+    options.rules = {"odd-boolean"};
+    EXPECT_THAT(lines_of(check_content("PIAFILEVERSION_2.0\na=truely\nb\n", "a", options)),
+                ElementsAre("a:2:3 odd-boolean"));
+}
+
+TEST_F(CheckFile, RuleIsLeftOut) {
+    CheckOptions options;
+    options.without = {"odd-boolean"};
+    EXPECT_THAT(lines_of(check_content("PIAFILEVERSION_2.0\na=truely\nb\n", "a", options)),
+                ElementsAre("a:3:1 bad-line"));
+}
+
+TEST_F(CheckFile, StreamIsReadToItsEnd) {
+    std::stringstream stream("PIAFILEVERSION_2.0\na=1\nb\n");
+    EXPECT_THAT(lines_of(pm::kit::check_stream(stream, "-")), ElementsAre("-:3:1 bad-line"));
+}
+
+TEST_F(CheckFile, CodePageIsSetForTheCheckAlone) {
+    CheckOptions options;
+    options.code_page = 65001;
+    EXPECT_THAT(lines_of(check_content("PIAFILEVERSION_2.0\na=\"\xC3\xBC\n", "a", options)), IsEmpty());
+    EXPECT_EQ(pm_system_code_page(), 1252U);
+}
+
+TEST_F(CheckFile, UnknownCodePageIsRefused) {
+    CheckOptions options;
+    options.code_page = 1;
+    EXPECT_THROW(static_cast<void>(check_content("PIAFILEVERSION_2.0\n", "a", options)), PM_Error);
+}
+
+TEST_F(CheckFile, SecondByteOfADoubleOneIsNoBrace) {
+    CheckOptions options;
+    options.code_page = 932;
+    EXPECT_THAT(lines_of(check_content("PIAFILEVERSION_2.0\na\x83{\x83}=\"\x83\x5C\n", "a", options)),
+                IsEmpty());
+}
+
+TEST_F(CheckFile, ColumnCountsCharactersOfUtf8) {
+    EXPECT_THAT(lines_of(check_content("PIAFILEVERSION_2.0\n\xC3\xA9\xE2\x82\xAC=x\n", "a")),
+                ElementsAre("a:2:1 mixed-encoding", "a:2:4 unknown-type"));
+}
+
+TEST_F(CheckFile, LinesBehindOnesThatEndALoadAreChecked) {
+    EXPECT_THAT(lines_of(check_content("PIAFILEVERSION_2.0\nb\nn m{\na=1\na=\"x\n}\na=1\nc\n", "a")),
+                ElementsAre("a:2:1 bad-line", "a:3:2 bad-line", "a:5:1 retyped-name", "a:8:1 bad-line"));
+}
+
+TEST_F(CheckFile, LineOfACompressedBodyGoesOnBehindTheHeader) {
+    pm::Tree tree;
+    tree.set("a", 1.5);
+    tree.set("n\\b", -0.0);
+    std::stringstream stream;
+    pm::save(tree, stream, {.tag = "x,compress"});
+    std::string content = "\n" + stream.str();
+    content.back() = static_cast<char>(content.back() ^ 1); // of the stream's own checksum
+    EXPECT_THAT(lines_of(check_content(content, "a")),
+                ElementsAre("a:3:0 damaged-compression", "a:3:0 damaged-compression"));
+}
+
+TEST_F(CheckFile, OneSectionIsChecked) {
+    std::ifstream stream(PM_SAMPLES "/sections.dpia", std::ios::binary);
+    const std::string content{std::istreambuf_iterator<char>(stream), {}};
+    CheckOptions options;
+    options.section = "Office";
+    EXPECT_THAT(lines_of(check_content(content, "a", options)), IsEmpty());
+    options.section = "office";
+    EXPECT_THAT(lines_of(check_content(content, "a", options)), ElementsAre("a[office]:0:0 unreadable"));
+}
+
+TEST_F(CheckFile, OnePlotterIsChecked) {
+    const std::string content = "[PlotDriver#1]\nType=x\n[PlotDriver#2]\nAlias=y\n[PlotDriver]\nExternal=z\n";
+    CheckOptions options;
+    options.section = "2";
+    EXPECT_THAT(lines_of(check_content(content, "a", options)),
+                ElementsAre("a[2]:4:7 bad-line", "a:6:10 bad-line"));
+    options.section = "9";
+    EXPECT_THAT(lines_of(check_content(content, "a", options)),
+                ElementsAre("a[9]:0:0 unreadable", "a:6:10 bad-line"));
+}
+
+TEST_F(CheckFile, TableIsCheckedBesideTheOthersOfItsDescription) {
+    fs::copy(PM_SAMPLES "/dx4200", m_folder / "dx");
+    std::ofstream(m_folder / "dx" / "Media Type.pdt", std::ios::binary | std::ios::app)
+        << "Foil\tFoil\t1x\t\t\r\n";
+    EXPECT_THAT(
+        lines_of(check_file((m_folder / "dx" / "Media Type.pdt").string())),
+        ElementsAre("Media Type.pdt:11:0 missing-translation", "Media Type.pdt:11:11 partial-number"));
+    EXPECT_THAT(lines_of(check_file((m_folder / "dx" / "Media Size.pdt").string())), IsEmpty());
+}
+
+TEST_F(CheckFile, DefaultBlockThatIsOpenDoesNotReachTheNextFile) {
+    CheckOptions options;
+    options.type = PM_Object::FILE_PCP;
+    static_cast<void>(check_content(";Created by Draftex\nBEGIN_COLOR=DEFAULT\n", "a", options));
+    std::stringstream stream(";Created by Draftex\nPEN_SPEED=1\n");
+    EXPECT_EQ(pm::load(stream, {.type = PM_Object::FILE_PCP}).tree.get<int>("PEN_SPEED"), 1);
+}
+
+// Takes twice as long for twice as much, whatever is wrong with each line.
+TEST_F(CheckFile, BadLinesTakeTimeInProportion) {
+    constexpr int lines = 100'000;
+    std::string content = "PIAFILEVERSION_2.0\n";
+    for (int line = 0; line < lines; ++line) {
+        content += line % 3 == 0 ? "bad\n" : line % 3 == 1 ? "n m{\n" : "}\n";
+    }
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(check_content(content, "a").size(), 2U * lines / 3 + 1);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+}
+
+} // namespace

@@ -1,1 +1,0 @@
-#include "check_support.h"
