@@ -143,41 +143,47 @@ void PiaBody::opening_line(std::string_view text) {
     const std::size_t brace = text.find('{');
     const std::string_view name = text.substr(0, brace);
     const std::size_t refused = name.find_first_of(refused_in_nodes);
-    if (name.empty() || refused != std::string_view::npos) {
-        say(Rule::bad_line, text.data() + (name.empty() ? 0 : refused),
-            name.empty()
-                ? std::string("The node has no name.")
-                : fmt::format("The name of a node can't hold {}.", m_source.quoted(name.substr(refused, 1))),
-            PM_ERR_BAD_LINE);
-        // What stands in such a block belongs to no other node.
-        end_load("_{");
-        if (m_skipped > 0) {
-            ++m_skipped;
-            return;
-        }
-        m_open.push_back({m_line, {}}); // told already
-        m_path += m_path.ends_with('\\') ? "_" : "\\_";
-        return find_node();
-    }
+    if (name.empty() || refused != std::string_view::npos) return refuse_node(text, name, refused);
     const std::string_view behind = skip(text.substr(brace + 1), " \t\r");
     if (!behind.empty()) {
         say(Rule::ignored_text, behind.data(),
             fmt::format("{} behind the \"{{\" isn't read.", m_source.quoted(behind)));
     }
-    if (m_skipped > 0 || m_source.is_longer(name, longest_name) || !has_room_for(name)) {
-        if (m_skipped++ == 0) {
-            say(Rule::bad_line, text.data(),
-                "The name or path of the node is too long, and all in it isn't read.", PM_ERR_BAD_LINE);
-        }
+    if (m_skipped == 0 && !m_source.is_longer(name, longest_name) && has_room_for(name))
+        return open_node(text, name);
+    if (m_skipped++ > 0) return;
+    say(Rule::bad_line, text.data(), "The name or path of the node is too long, and all in it isn't read.",
+        PM_ERR_BAD_LINE);
+}
+
+// What stands in such a block belongs to no other node.
+void PiaBody::refuse_node(std::string_view text, std::string_view name, std::size_t refused) {
+    if (name.empty()) {
+        say(Rule::bad_line, text.data(), "The node has no name.", PM_ERR_BAD_LINE);
+    } else {
+        say(Rule::bad_line, text.data() + refused,
+            fmt::format("The name of a node can't hold {}.", m_source.quoted(name.substr(refused, 1))),
+            PM_ERR_BAD_LINE);
+    }
+    end_load("_{");
+    if (m_skipped > 0) {
+        ++m_skipped;
         return;
     }
-    if (!is_plain(name)) check_name(name);
+    m_open.push_back({m_line, {}}); // told already
+    m_path += m_path.ends_with('\\') ? "_" : "\\_";
+    find_node();
+}
+
+void PiaBody::open_node(std::string_view text, std::string_view name) {
+    const bool plain = is_plain(name);
+    if (!plain) check_name(name);
     m_open.push_back({m_line, name});
     const std::size_t parent = m_node;
     push(name);
     find_node();
     const auto [block, is_new] = m_blocks.try_emplace({parent, name}, m_line.number);
-    if (is_new || !is_plain(name)) return;
+    if (is_new || !plain) return;
     m_findings.add({.rule = Rule::repeated_name,
                     .place = m_source.place(m_line, text.data()),
                     .message = fmt::format("The node {} is opened on line {} already; both are one node.",

@@ -53,6 +53,8 @@ private:
     void property_line(std::string_view text, std::size_t name_length);
     void property_value(std::string_view name, std::string_view text, const PiaValue& value);
     void opening_line(std::string_view text);
+    void refuse_node(std::string_view text, std::string_view name, std::size_t refused);
+    void open_node(std::string_view text, std::string_view name);
     void closing_line(std::string_view text);
     void check_name(std::string_view name);
     void check_tail(const SourceLine& line, std::string_view body);

@@ -45,28 +45,33 @@ void StringFile::take_line(const SourceLine& line, Findings& findings) {
                       "The line has a key and no text in double quotes, and isn't read."});
         return;
     }
-    const std::string_view shown = text.substr(quote + 1, end - quote - 1);
-    if (m_source.is_longer(shown, longest_text)) {
-        findings.add({Rule::cut_text, m_source.place(line, shown.data()),
-                      fmt::format("The text has {} characters, and {} are used.", m_source.units(shown),
+    check_text(line, text.substr(quote + 1, end - quote - 1), skip(text.substr(end + 1), " \t\r"), findings);
+    take_key(line, cut_end(text.substr(0, quote), " "), findings);
+}
+
+void StringFile::check_text(const SourceLine& line, std::string_view text, std::string_view behind,
+                            Findings& findings) {
+    if (m_source.is_longer(text, longest_text)) {
+        findings.add({Rule::cut_text, m_source.place(line, text.data()),
+                      fmt::format("The text has {} characters, and {} are used.", m_source.units(text),
                                   longest_text)});
     }
-    const std::string_view behind = skip(text.substr(end + 1), " \t\r");
-    if (!behind.empty()) {
-        findings.add({Rule::ignored_text, m_source.place(line, behind.data()),
-                      fmt::format("{} behind the text isn't read.", m_source.quoted(behind))});
-    }
-    const std::string_view stored = cut_end(text.substr(0, quote), " ");
-    const auto [known, is_new] =
-        m_texts.try_emplace(std::string(stored), Text{m_source.place(line, text.data())});
+    if (behind.empty()) return;
+    findings.add({Rule::ignored_text, m_source.place(line, behind.data()),
+                  fmt::format("{} behind the text isn't read.", m_source.quoted(behind))});
+}
+
+void StringFile::take_key(const SourceLine& line, std::string_view key, Findings& findings) {
+    const Place place = m_source.place(line, key.data());
+    const auto [known, is_new] = m_texts.try_emplace(std::string(key), Text{place});
     if (is_new) {
-        m_order.emplace_back(stored);
+        m_order.emplace_back(key);
         return;
     }
-    findings.add({Rule::repeated_name, m_source.place(line, text.data()),
-                  fmt::format("{} stands on line {} already, and that text is lost.", m_source.quoted(stored),
+    findings.add({Rule::repeated_name, place,
+                  fmt::format("{} stands on line {} already, and that text is lost.", m_source.quoted(key),
                               known->second.place.line)});
-    known->second.place = m_source.place(line, text.data());
+    known->second.place = place;
 }
 
 bool StringFile::use(const std::string& key) {

@@ -27,6 +27,9 @@ private:
         bool used = false;
     };
     void take_line(const SourceLine& line, Findings& findings);
+    void check_text(const SourceLine& line, std::string_view text, std::string_view behind,
+                    Findings& findings);
+    void take_key(const SourceLine& line, std::string_view key, Findings& findings);
     void check_form_texts(const TableFile& table, Findings& findings);
     bool use(const std::string& key);
 
