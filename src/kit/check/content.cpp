@@ -7,7 +7,7 @@
 #include "check/pc2_check.h"
 #include "check/pcp_check.h"
 #include "check/pdt/description.h"
-#include "check/pia_check.h"
+#include "check/pia/check.h"
 #include "check/round_trip.h"
 #include <pm/code_page.h>
 #include <pm/error_number.h>

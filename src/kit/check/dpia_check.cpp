@@ -2,7 +2,7 @@
 
 #include "check/code_page_scope.h"
 #include "check/narrow_text.h"
-#include "check/pia_check.h"
+#include "check/pia/check.h"
 #include <algorithm>
 #include <fmt/format.h>
 #include <pm/error_number.h>

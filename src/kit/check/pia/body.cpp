@@ -1,4 +1,4 @@
-#include "check/pia_body.h"
+#include "check/pia/body.h"
 
 #include "check/numbers.h"
 #include <algorithm>

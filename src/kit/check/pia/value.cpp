@@ -1,4 +1,4 @@
-#include "check/pia_value.h"
+#include "check/pia/value.h"
 
 #include "check/numbers.h"
 #include <algorithm>

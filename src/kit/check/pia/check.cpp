@@ -1,10 +1,10 @@
-#include "check/pia_check.h"
+#include "check/pia/check.h"
 
 #include "check/encoding.h"
 #include "check/library_load.h"
 #include "check/numbers.h"
-#include "check/pia_block.h"
-#include "check/pia_body.h"
+#include "check/pia/block.h"
+#include "check/pia/body.h"
 #include <fmt/format.h>
 #include <numeric>
 #include <pm/error_number.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "check/findings.h"
-#include "check/pia_value.h"
+#include "check/pia/value.h"
 #include "check/source_text.h"
 #include <deque>
 #include <string>

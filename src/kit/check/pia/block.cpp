@@ -1,4 +1,4 @@
-#include "check/pia_block.h"
+#include "check/pia/block.h"
 
 #include "check/numbers.h"
 #include <fmt/format.h>
