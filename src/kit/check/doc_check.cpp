@@ -197,7 +197,7 @@ void check_doc(const FileContent& content, const Place& where, Findings& finding
                       .message = file.failure(),
                       .number = PM_ERR_NOT_OPENED});
     }
-    std::optional<ScratchFile> copy;
+    std::optional<ContentFile> copy;
     if (content.file.empty()) copy.emplace(content.bytes);
     const std::u16string name = file_name_to_utf16(copy ? copy->name() : content.file);
     if (name.empty()) return;

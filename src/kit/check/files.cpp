@@ -44,7 +44,7 @@ FileBytes read_bytes(std::string_view name) {
     return file;
 }
 
-ScratchFile::ScratchFile(std::string_view content) {
+ContentFile::ContentFile(std::string_view content) {
     static std::atomic<unsigned> count = 0;
     std::error_code error;
     const fs::path folder = fs::temp_directory_path(error);
@@ -60,7 +60,7 @@ ScratchFile::ScratchFile(std::string_view content) {
     m_name.clear();
 }
 
-ScratchFile::~ScratchFile() {
+ContentFile::~ContentFile() {
     std::error_code error;
     if (!m_name.empty()) fs::remove(path_of_name(m_name), error);
 }

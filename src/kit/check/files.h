@@ -22,12 +22,12 @@ struct FileBytes {
 [[nodiscard]] FileBytes read_bytes(std::string_view name);
 
 // A file in the system's folder for such, for content that the library reads by name alone. Gone with this.
-class ScratchFile {
+class ContentFile {
 public:
-    explicit ScratchFile(std::string_view content);
-    ~ScratchFile();
-    ScratchFile(const ScratchFile&) = delete;
-    ScratchFile& operator=(const ScratchFile&) = delete;
+    explicit ContentFile(std::string_view content);
+    ~ContentFile();
+    ContentFile(const ContentFile&) = delete;
+    ContentFile& operator=(const ContentFile&) = delete;
 
     // Empty if it couldn't be written.
     [[nodiscard]] const std::string& name() const { return m_name; }

@@ -46,7 +46,7 @@ bool is_ascii(std::string_view bytes) noexcept {
                        [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-std::string printable(std::string_view utf8) {
+std::string readable(std::string_view utf8) {
     std::string out;
     std::size_t characters = 0;
     for (const char c : utf8) {
@@ -62,7 +62,7 @@ std::string printable(std::string_view utf8) {
 }
 
 std::string in_quotes(std::string_view utf8) {
-    return '"' + printable(utf8) + '"';
+    return '"' + readable(utf8) + '"';
 }
 
 NarrowText::NarrowText(unsigned code_page)

@@ -12,7 +12,7 @@ namespace pm::kit {
 [[nodiscard]] bool is_ascii(std::string_view bytes) noexcept;
 
 // What a person may see of a text: control characters as "\x09", at most some forty characters.
-[[nodiscard]] std::string printable(std::string_view utf8);
+[[nodiscard]] std::string readable(std::string_view utf8);
 // The same in double quotes.
 [[nodiscard]] std::string in_quotes(std::string_view utf8);
 

@@ -130,10 +130,10 @@ void round_trip_pia(std::string_view bytes, const Place& where, Findings& findin
 }
 
 void round_trip_doc(const FileContent& content, const Place& where, Findings& findings) {
-    std::optional<ScratchFile> copy;
+    std::optional<ContentFile> copy;
     if (content.file.empty()) copy.emplace(content.bytes);
     const std::u16string name = file_name_to_utf16(copy ? copy->name() : content.file);
-    const ScratchFile written("");
+    const ContentFile written("");
     const std::u16string written_name = file_name_to_utf16(written.name());
     if (name.empty() || written_name.empty()) return;
     const auto load = [&](Tree& tree) { tree.load(name, {.type = PM_Object::FILE_DOC}); };

@@ -165,7 +165,7 @@ void CellCheck::check_reference(std::string_view cell, std::string_view table, b
     } else if (raw && name != cell) {
         say(Rule::unknown_reference, cell,
             fmt::format("{} finds nothing in \"{}.pdt\", whose name is \"{}\".", shown(cell), table,
-                        printable(name)));
+                        readable(name)));
     }
 }
 
