@@ -1,0 +1,271 @@
+#include <algorithm>
+#include <charconv>
+#include <fmt/format.h>
+#include <report/configuration.h>
+
+namespace pm::kit::report {
+
+namespace {
+
+// Longer lists are folded.
+constexpr std::size_t most_rows = 24;
+
+std::optional<long> decimal(std::string_view text) {
+    long number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && end == text.data() + text.size() ? std::optional(number) : std::nullopt;
+}
+
+// "Color" of "Color17"; empty for a name without both parts.
+std::string_view stem(std::string_view name) {
+    const std::size_t end = name.find_last_not_of("0123456789");
+    return end == std::string_view::npos || end + 1 == name.size() ? std::string_view() : name.substr(0, end + 1);
+}
+
+bool is_leaf(const Node& node) {
+    const Children range = node.children();
+    return range.begin() == range.end();
+}
+
+std::vector<std::string> property_names(const Node& node) {
+    std::vector<std::string> names;
+    for (const Property& property : node.properties()) {
+        names.push_back(property.name());
+    }
+    return names;
+}
+
+// Several nodes side by side that hold the same properties: a table.
+struct Records {
+    std::vector<std::string> columns;
+    std::vector<Node> nodes;
+};
+
+Records records_of(const Node& node) {
+    Records records;
+    for (const Node& child : node.children()) {
+        if (!is_leaf(child)) {
+            continue;
+        }
+        std::vector<std::string> names = property_names(child);
+        if (records.nodes.empty() && !names.empty()) {
+            records.columns = std::move(names);
+            records.nodes.push_back(child);
+        } else if (names == records.columns && !names.empty()) {
+            records.nodes.push_back(child);
+        }
+    }
+    if (records.nodes.size() < 2) {
+        return {};
+    }
+    return records;
+}
+
+std::vector<std::string> spoken_columns(const Records& records) {
+    std::vector<std::string> names{"Entry"};
+    for (const std::string& column : records.columns) {
+        names.push_back(spoken(column));
+    }
+    return names;
+}
+
+std::vector<std::string> values_of(const Node& node) {
+    std::vector<std::string> values;
+    for (const Property& property : node.properties()) {
+        values.push_back(shown(property));
+    }
+    return values;
+}
+
+class Writer {
+public:
+    Writer(Page& page, const Settings& settings, Origin configuration)
+        : m_page(page), m_settings(settings), m_configuration(configuration) {}
+
+    void write_group(const Node& node, const std::string& title, bool with_children) {
+        m_page.html.element("h3", title);
+        write_rows(node, title, with_children);
+    }
+
+private:
+    void write_rows(const Node& node, const std::string& title, bool with_children) {
+        std::vector<std::pair<std::string, Records>> tables;
+        std::vector<std::pair<std::string, Node>> nodes{{"", node}};
+        Html& html = m_page.html;
+        const Element card(html, "div", {{"class", "card"}});
+        {
+            const Table table(html, title, {"Setting", "Value"});
+            const Element body(html, "tbody");
+            // Depth first, as the tree has it.
+            while (!nodes.empty()) {
+                const auto [label, at] = nodes.back();
+                nodes.pop_back();
+                write_properties(at, label);
+                Records records = with_children || at != node ? records_of(at) : Records();
+                std::vector<std::pair<std::string, Node>> rest;
+                std::size_t next = 0;
+                for (const Node& child : at.children()) {
+                    const bool in_table = next < records.nodes.size() && records.nodes[next] == child;
+                    next += in_table ? 1 : 0;
+                    if (!in_table && (with_children || at != node)) {
+                        rest.emplace_back(label + (label.empty() ? "" : " › ") + spoken(child.name()), child);
+                    }
+                }
+                nodes.insert(nodes.end(), rest.rbegin(), rest.rend());
+                if (!records.nodes.empty()) {
+                    tables.emplace_back(label, std::move(records));
+                }
+            }
+        }
+        for (const auto& [label, records] : tables) {
+            write_records(label.empty() ? title : label, records);
+        }
+    }
+
+    void write_properties(const Node& node, const std::string& label) {
+        std::vector<Property> properties;
+        for (const Property& property : node.properties()) {
+            properties.push_back(property);
+        }
+        for (std::size_t at = 0; at < properties.size();) {
+            const std::size_t end = end_of_series(properties, at);
+            constexpr std::size_t least = 8;
+            if (end - at >= least) {
+                write_series(node, label, {properties.data() + at, end - at});
+                at = end;
+            } else {
+                write_row(node, label, properties[at++]);
+            }
+        }
+    }
+
+    // "Color1", "Color2" and so on.
+    static std::size_t end_of_series(const std::vector<Property>& properties, std::size_t at) {
+        const std::string first = properties[at].name();
+        const std::string_view common = stem(first);
+        std::size_t end = at + 1;
+        while (!common.empty() && end < properties.size() && stem(properties[end].name()) == common) {
+            ++end;
+        }
+        return end;
+    }
+
+    void write_row(const Node& node, const std::string& label, const Property& property) {
+        Html& html = m_page.html;
+        const std::string name = property.name();
+        const std::string path = path_of(node, name);
+        const bool bad = m_settings.verdict(m_configuration, path) == Verdict::impossible;
+        const Element row(html, "tr", {{"class", bad ? "setting impossible" : "setting"}});
+        html.element("th", {{"scope", "row"}}, label + (label.empty() ? "" : " › ") + spoken(name));
+        const Element cell(html, "td");
+        m_settings.write(html, m_configuration, path, property);
+    }
+
+    // Equal neighbours in one: "9 to 255: 0".
+    void write_series(const Node& node, const std::string& label, std::span<const Property> series) {
+        Html& html = m_page.html;
+        const std::string first = series.front().name();
+        const std::string_view common = stem(first);
+        const Element row(html, "tr", {{"class", "setting"}});
+        html.element("th", {{"scope", "row"}},
+                     fmt::format("{}{}{} {} to {}", label, label.empty() ? "" : " › ", common,
+                                 first.substr(common.size()), series.back().name().substr(common.size())));
+        const Element cell(html, "td");
+        const Element list(html, "ul", {{"class", "chips"}});
+        for (std::size_t at = 0; at < series.size();) {
+            const std::string value = shown(series[at]);
+            const std::string from = series[at].name();
+            const Verdict verdict = m_settings.verdict(m_configuration, path_of(node, from));
+            std::size_t end = at + 1;
+            while (end < series.size() && shown(series[end]) == value &&
+                   m_settings.verdict(m_configuration, path_of(node, series[end].name())) == verdict) {
+                ++end;
+            }
+            const std::string numbers = end - at == 1
+                ? from.substr(common.size())
+                : fmt::format("{} to {}", from.substr(common.size()), series[end - 1].name().substr(common.size()));
+            html.element("li", {{"class", verdict == Verdict::impossible ? "chip impossible" : "chip"}},
+                         fmt::format("{}: {}", numbers, value.empty() ? "(empty)" : value));
+            at = end;
+        }
+    }
+
+    // The last of the records from `at` on that hold the same under numbers that follow each other.
+    [[nodiscard]] std::size_t end_of_run(const std::vector<Node>& nodes, std::size_t at) const {
+        const std::vector<std::string> values = values_of(nodes[at]);
+        auto number = decimal(nodes[at].name());
+        std::size_t end = at + 1;
+        while (number && end < nodes.size() && decimal(nodes[end].name()) == *number + 1 &&
+               values_of(nodes[end]) == values) {
+            ++*number;
+            ++end;
+        }
+        return end;
+    }
+
+    void write_records(const std::string& label, const Records& records) {
+        Html& html = m_page.html;
+        const bool folded = records.nodes.size() > most_rows;
+        if (folded) {
+            html.open("details");
+            html.element("summary", fmt::format("{}: {} entries", label, records.nodes.size()));
+        }
+        {
+            const Element card(html, "div", {{"class", "card"}});
+            const std::vector<std::string> names = spoken_columns(records);
+            const Table table(html, label, {names.begin(), names.end()});
+            const Element body(html, "tbody");
+            for (std::size_t at = 0; at < records.nodes.size();) {
+                const std::size_t end = end_of_run(records.nodes, at);
+                write_record(records.nodes[at], end - at == 1 ? std::string() : records.nodes[end - 1].name());
+                at = end;
+            }
+        }
+        if (folded) {
+            html.close();
+        }
+    }
+
+    void write_record(const Node& node, const std::string& last) {
+        Html& html = m_page.html;
+        const Element row(html, "tr");
+        html.element("th", {{"scope", "row"}}, node.name() + (last.empty() ? "" : " to " + last));
+        for (const Property& property : node.properties()) {
+            const std::string path = path_of(node, property.name());
+            const bool bad = m_settings.verdict(m_configuration, path) == Verdict::impossible;
+            const Element cell(html, "td", {{"class", bad ? "impossible" : ""}});
+            m_settings.write(html, m_configuration, path, property);
+        }
+    }
+
+    Page& m_page;
+    const Settings& m_settings;
+    Origin m_configuration;
+};
+
+bool has_properties(const Node& node) {
+    const Properties range = node.properties();
+    return range.begin() != range.end();
+}
+
+} // namespace
+
+void write_configuration(Page& page, const Settings& settings, Origin configuration) {
+    const ReportConfiguration& shown_one = page.input.configurations[configuration];
+    const Section section(page, "configuration", "Settings of " + shown_one.name);
+    Writer writer(page, settings, configuration);
+    const Node& root = shown_one.root;
+    const Records records = records_of(root);
+    const bool root_is_table = records.nodes.size() > most_rows;
+    if (has_properties(root) || root_is_table) {
+        writer.write_group(root, "General", root_is_table);
+    }
+    if (root_is_table) {
+        return;
+    }
+    for (const Node& node : root.children()) {
+        writer.write_group(node, spoken(node.name()), true);
+    }
+}
+
+} // namespace pm::kit::report

@@ -1,0 +1,142 @@
+#include <algorithm>
+#include <array>
+#include <report/settings.h>
+#include <report/words.h>
+
+namespace pm::kit::report {
+
+namespace {
+
+struct CodedName {
+    std::string_view name;
+    Code code;
+    bool is_mask;
+};
+
+// Settings that are kept as in a description.
+constexpr std::array<CodedName, 14> coded_names{{{"default_type", Code::io_type, false},
+                                                 {"feed", Code::feed, false},
+                                                 {"color_system", Code::color_system, false},
+                                                 {"media_group", Code::media_group, false},
+                                                 {"dithering_type", Code::dithering_type, false},
+                                                 {"max_optimization", Code::optimization, false},
+                                                 {"default_optimization", Code::optimization, false},
+                                                 {"handshakes", Code::handshake_bit, true},
+                                                 {"default_handshake", Code::handshake_bit, true},
+                                                 {"selection_methods", Code::selection_bit, true},
+                                                 {"default_selection_method", Code::selection_bit, true},
+                                                 {"duplexing_modes", Code::duplexing_bit, true},
+                                                 {"default_duplexing_mode", Code::duplexing_bit, true},
+                                                 {"bidi_flags", Code::status_bit, true}}};
+
+Verdict of(Severity severity) {
+    return severity == Severity::error   ? Verdict::impossible
+        : severity == Severity::warning ? Verdict::doubtful
+                                        : Verdict::noted;
+}
+
+struct VerdictWord {
+    std::string_view css_class;
+    std::string_view word;
+};
+
+VerdictWord word_of(Verdict verdict) {
+    static constexpr std::array<VerdictWord, 5> words{
+        {{"", ""}, {"good", "possible"}, {"note", "noted"}, {"warn", "doubtful"}, {"bad", "not possible"}}};
+    return words[static_cast<std::size_t>(verdict)];
+}
+
+std::string name_in_description(const Node& node) {
+    for (const std::string_view item : {"name", "canonical_name"}) {
+        if (std::string name = text(node, item); !name.empty()) {
+            return name;
+        }
+    }
+    return node.name();
+}
+
+} // namespace
+
+Settings::Settings(const ReportInput& input) {
+    for (const ReportConfiguration& configuration : input.configurations) {
+        auto& verdicts = m_verdicts.emplace_back();
+        for (const Look& look : configuration.check.looks) {
+            if (look.outcome == "passed") {
+                verdicts.emplace(look.configuration_path, Verdict::possible);
+            }
+        }
+        for (const Finding& finding : configuration.check.findings) {
+            Verdict& verdict = verdicts[finding.configuration_path];
+            verdict = std::max(verdict, of(finding.severity));
+        }
+    }
+    if (!input.description) {
+        return;
+    }
+    for (const auto& [node, depth] : input.description->root.walk()) {
+        if (const std::string translated = report::text(node, "localized_name"); !translated.empty()) {
+            m_texts.emplace(name_in_description(node), translated);
+        }
+    }
+}
+
+Verdict Settings::verdict(Origin configuration, const std::string& path) const {
+    const auto& verdicts = m_verdicts[configuration];
+    const auto found = verdicts.find(path);
+    return found == verdicts.end() ? Verdict::not_checked : found->second;
+}
+
+std::string Settings::meaning(const Property& property) const {
+    if (property.type() == PROP_LONG) {
+        const std::string name = property.name();
+        const auto coded = std::ranges::find(coded_names, name, &CodedName::name);
+        const auto number = integer(property);
+        if (coded == coded_names.end() || !number) {
+            return {};
+        }
+        return coded->is_mask ? joined(words(coded->code, *number)) : word(coded->code, *number);
+    }
+    if (property.type() != PROP_STRING) {
+        return {};
+    }
+    const auto found = m_texts.find(shown(property));
+    return found == m_texts.end() ? std::string() : found->second;
+}
+
+void Settings::write(Html& html, Origin configuration, const std::string& path, const Property& property) const {
+    const std::string value = shown(property);
+    if (value.empty()) {
+        html.element("span", {{"class", "muted"}}, "(empty)");
+    } else {
+        html.element("span", {{"class", "value"}}, value);
+    }
+    if (const std::string told = meaning(property); !told.empty() && told != value) {
+        html.text(" ");
+        html.element("span", {{"class", "meaning"}}, told);
+    }
+    const VerdictWord verdict_word = word_of(verdict(configuration, path));
+    if (!verdict_word.word.empty()) {
+        html.text(" ");
+        html.element("span", {{"class", "badge " + std::string(verdict_word.css_class)}}, verdict_word.word);
+    }
+}
+
+bool says_nothing(const Property& property) {
+    const auto bytes = property.bytes();
+    return property.type() != PROP_BOOL &&
+        std::ranges::all_of(bytes, [](std::byte byte) { return byte == std::byte(0); });
+}
+
+std::string spoken_path(std::string_view path) {
+    std::string words;
+    while (!path.empty()) {
+        const std::size_t end = std::min(path.size(), path.find('\\'));
+        if (end > 0) {
+            words += (words.empty() ? "" : " › ") + spoken(path.substr(0, end));
+        }
+        path.remove_prefix(std::min(path.size(), end + 1));
+    }
+    return words;
+}
+
+} // namespace pm::kit::report
