@@ -107,7 +107,7 @@ public:
                 const Element row(html, "tr", {{"class", "group"}});
                 html.element("th",
                              {{"scope", "rowgroup"}, {"colspan", fmt::to_string(m_columns.size())}},
-                             group.empty() ? "General" : spoken(group));
+                             group.empty() ? "General" : group_title(group));
             }
             for (; at < rows.size() && rows[at]->group == group; ++at) {
                 write_row(*rows[at]);
@@ -165,6 +165,7 @@ void write_comparison(Page& page, const Settings& settings) {
     html.element("p", fmt::format("{} of {} settings differ.", differing.size(), rows.all().size()));
     Writer writer(page, settings);
     if (!differing.empty()) {
+        html.element("h3", "What differs");
         writer.write("Settings that differ", differing);
     }
     if (!alike.empty()) {

@@ -83,6 +83,7 @@ public:
         : m_page(page), m_settings(settings), m_configuration(configuration) {}
 
     void write_group(const Node& node, const std::string& title, bool with_children) {
+        const Element card(m_page.html, "div", {{"class", "card"}});
         m_page.html.element("h3", title);
         write_rows(node, title, with_children);
     }
@@ -92,7 +93,6 @@ private:
         std::vector<std::pair<std::string, Records>> tables;
         std::vector<std::pair<std::string, Node>> nodes{{"", node}};
         Html& html = m_page.html;
-        const Element card(html, "div", {{"class", "card"}});
         {
             const Table table(html, title, {"Setting", "Value"});
             const Element body(html, "tbody");
@@ -209,9 +209,10 @@ private:
         if (folded) {
             html.open("details");
             html.element("summary", fmt::format("{}: {} entries", label, records.nodes.size()));
+        } else {
+            html.element("h4", label);
         }
         {
-            const Element card(html, "div", {{"class", "card"}});
             const std::vector<std::string> names = spoken_columns(records);
             const Table table(html, label, {names.begin(), names.end()});
             const Element body(html, "tbody");
@@ -253,6 +254,7 @@ bool has_properties(const Node& node) {
 void write_configuration(Page& page, const Settings& settings, Origin configuration) {
     const ReportConfiguration& shown_one = page.input.configurations[configuration];
     const Section section(page, "configuration", "Settings of " + shown_one.name);
+    const Element grid(page.html, "div", {{"class", "grid"}});
     Writer writer(page, settings, configuration);
     const Node& root = shown_one.root;
     const Records records = records_of(root);
@@ -264,7 +266,7 @@ void write_configuration(Page& page, const Settings& settings, Origin configurat
         return;
     }
     for (const Node& node : root.children()) {
-        writer.write_group(node, spoken(node.name()), true);
+        writer.write_group(node, group_title(node.name()), true);
     }
 }
 

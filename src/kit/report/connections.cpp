@@ -68,6 +68,7 @@ void write_protocols(Page& page, const Node& method) {
     }
     Html& html = page.html;
     const std::string by_default = text(method, "default_protocol");
+    html.element("h4", "Protocols");
     const Table table(html, fmt::format("Protocols: {}", method_title(method)),
                       {"Protocol", "Name", "Data bits", "Parity", "Stop bits"});
     const Element body(html, "tbody");
@@ -127,6 +128,9 @@ void write_method(Page& page, const Node& method, std::optional<long> default_ty
     write_bits(page, method, "handshakes", Code::handshake_bit, "Handshakes");
     write_bits(page, method, "default_handshake", Code::handshake_bit, "Handshake by default");
     write_bits(page, method, "bidi_flags", Code::status_bit, "Reports of the device");
+    if (!number(method, "default_output_timeout") && !below(method, {"protocol"}) && !below(method, {"baudrates"})) {
+        html.element("p", {{"class", "muted"}}, "Nothing more to set.");
+    }
 }
 
 } // namespace

@@ -62,14 +62,14 @@ constexpr std::array<Finishing, 4> finishing{{
     {"stapling", "Stapling", "default_stapling", write_staple_icon, stapling_text},
 }};
 
-void write_arrow(Html& html) {
-    const Element frame(html, "div", {{"class", "arrow"}, {"aria-hidden", "true"}});
+void write_arrow(Html& html, std::string_view css_class) {
+    const Element frame(html, "div", {{"class", std::string(css_class)}, {"aria-hidden", "true"}});
     const Element svg(html, "svg", {{"width", "36"}, {"height", "24"}, {"viewBox", "0 0 36 24"}});
     html.empty("path", {{"d", "M2 12h28M23 5l8 7-8 7"}, {"class", "arrow-line"}});
 }
 
-// A name with the marks and its translated text.
-void write_head(Page& page, std::string_view element, const Node& node, bool is_default) {
+// A translated text with the marks and, below it, the name and what else there is.
+void write_head(Page& page, std::string_view element, const Node& node, bool is_default, std::string_view more = {}) {
     Html& html = page.html;
     const std::string name = node.name();
     {
@@ -80,16 +80,17 @@ void write_head(Page& page, std::string_view element, const Node& node, bool is_
         }
         write_badges(page, node.path());
     }
-    if (title(node, name) != name) {
-        const Element line(html, "p", {{"class", "muted"}});
-        write_code(html, name);
+    const Element line(html, "p", {{"class", "muted"}});
+    write_code(html, name);
+    if (!more.empty()) {
+        html.text(" · ");
+        html.text(more);
     }
 }
 
 void write_entry(Page& page, const Node& entry, bool is_default) {
     Html& html = page.html;
     const Element item(html, "li", {{"class", marked_class(page, "entry", entry.path())}});
-    write_head(page, "p", entry, is_default);
     std::string facts = product(number(entry, "width"), number(entry, "frame_height"));
     if (!facts.empty()) {
         facts += " mm";
@@ -98,7 +99,7 @@ void write_entry(Page& page, const Node& entry, bool is_default) {
     if (!sizes.empty()) {
         facts += fmt::format("{}{} {}", facts.empty() ? "" : ", ", sizes.size(), sizes.size() == 1 ? "size" : "sizes");
     }
-    html.element("p", {{"class", "muted"}}, facts);
+    write_head(page, "p", entry, is_default, facts);
     if (const std::string size = text(entry, "default_size"); !size.empty()) {
         const Element line(html, "p", {{"class", "muted"}});
         html.text("by default ");
@@ -109,10 +110,8 @@ void write_entry(Page& page, const Node& entry, bool is_default) {
 void write_source(Page& page, const Node& source, const std::string& default_source) {
     Html& html = page.html;
     const Element card(html, "li", {{"class", marked_class(page, "card", source.path())}});
-    write_head(page, "h4", source, source.name() == default_source);
-    if (const auto feed = integer(source, "feed")) {
-        html.element("p", {{"class", "muted"}}, word(Code::feed, *feed));
-    }
+    const auto feed = integer(source, "feed");
+    write_head(page, "h4", source, source.name() == default_source, feed ? word(Code::feed, *feed) : std::string());
     const std::string default_entry = text(source, "default_entry");
     const std::vector<Node> entries = children(source, {"entry"});
     if (entries.empty()) {
@@ -159,7 +158,7 @@ void write_finishing(Page& page, const Node& output) {
                 write_step(page, kind, step, step.name() == by_default);
             }
         }
-        write_arrow(html);
+        write_arrow(html, "arrow");
     }
     const Element box(html, "div", {{"class", "tray"}});
     html.element("p", {{"class", "name"}}, title(output, output.name()));
@@ -194,22 +193,19 @@ void write_flow(Page& page, const Node& description) {
     if (!media) {
         return;
     }
-    const Element flow(html, "div", {{"class", "flow"}});
     {
-        const Element column(html, "div", {{"class", "sources"}});
         html.element("h3", "Sources");
-        const Element list(html, "ul", {{"class", "cards"}});
+        const Element list(html, "ul", {{"class", "cards sources"}});
         for (const Node& source : children(*media, {"source"})) {
             write_source(page, source, text(*media, "default_source"));
         }
     }
-    write_arrow(html);
+    write_arrow(html, "arrow down");
     {
         const Element box(html, "div", {{"class", "device"}});
         html.element("p", {{"class", "name"}}, device_name(page, description));
     }
-    write_arrow(html);
-    const Element column(html, "div", {{"class", "outputs"}});
+    write_arrow(html, "arrow down");
     html.element("h3", "Outputs");
     const Element list(html, "ul", {{"class", "cards"}});
     for (const Node& output : children(*media, {"destination"})) {

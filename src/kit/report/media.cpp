@@ -90,6 +90,13 @@ std::string dimensions(const Size& size) {
     return text.empty() ? "no bounds given" : text + " mm";
 }
 
+// The title without the dimensions, which some descriptions repeat in it.
+std::string short_title(const Size& size) {
+    const std::string repeated = fmt::format(" ({})", dimensions(size));
+    const bool repeats = size.title.size() > repeated.size() && size.title.ends_with(repeated);
+    return repeats ? size.title.substr(0, size.title.size() - repeated.size()) : size.title;
+}
+
 void write_size_picture(Page& page, const Size& size, double pixels_a_mm) {
     const double width = *size.width * pixels_a_mm;
     const double height = *size.height * pixels_a_mm;
@@ -118,22 +125,19 @@ void write_size(Page& page, const Size& size, double pixels_a_mm, const std::str
             html.element("span", {{"class", "muted"}}, "not drawn");
         }
     }
-    {
-        const Element line(html, "p", {{"class", "name"}});
-        html.text(size.title);
+    html.element("p", {{"class", "name"}}, short_title(size));
+    html.element("p", {{"class", "muted"}}, dimensions(size));
+    if (size.part) {
+        html.element("p", {{"class", "muted"}}, shown(std::round(*size.part * 1000) / 10) + " % printable");
     }
-    {
-        const Element line(html, "p", {{"class", "muted"}});
-        html.text(dimensions(size));
-        if (size.part) {
-            html.text(fmt::format(", {} % printable", shown(std::round(*size.part * 1000) / 10)));
+    const bool is_default = !size.name.empty() && size.name == default_size;
+    if (is_default || !page.marks.at(size.path).chosen.empty() || !page.marks.at(size.path).impossible.empty()) {
+        const Element line(html, "p", {{"class", "marks"}});
+        if (is_default) {
+            write_tag(html, "default");
         }
+        write_badges(page, size.path);
     }
-    const Element line(html, "p", {{"class", "marks"}});
-    if (!size.name.empty() && size.name == default_size) {
-        write_tag(html, "default");
-    }
-    write_badges(page, size.path);
 }
 
 // A round length that takes some 40 to 100 pixels.
@@ -161,7 +165,7 @@ void write_scale(Page& page, double pixels_a_mm) {
 // Sizes of one group, all to one scale.
 void write_group(Page& page, const std::string& name, std::vector<const Size*>& sizes,
                  const std::string& default_size) {
-    constexpr double longest = 116;
+    constexpr double longest = 100;
     double length = 0;
     for (const Size* size : sizes) {
         length = is_drawable(*size) ? std::max({length, *size->width, *size->height}) : length;
@@ -179,6 +183,20 @@ void write_group(Page& page, const std::string& name, std::vector<const Size*>& 
     for (const Size* size : sizes) {
         write_size(page, *size, pixels_a_mm, default_size);
     }
+}
+
+void write_legend(Html& html) {
+    const Element line(html, "p", {{"class", "muted legend"}});
+    {
+        Picture picture(html, "Legend: the medium", {22, 16});
+        picture.rectangle(1, 1, 20, 14, "paper");
+    }
+    html.text("medium");
+    {
+        Picture picture(html, "Legend: its printable area", {22, 16});
+        picture.rectangle(1, 1, 20, 14, "printable");
+    }
+    html.text("printable area; each group has its own scale");
 }
 
 void write_groups(Page& page, const std::vector<Size>& sizes, const std::string& default_size) {
@@ -292,6 +310,7 @@ void write_media(Page& page, const Node& description) {
     write_facts(page, *media);
     const std::vector<Size> sizes = read_sizes(*media);
     if (!sizes.empty()) {
+        write_legend(page.html);
         write_groups(page, sizes, text(*media, "default_size"));
         write_size_table(page, sizes);
     }

@@ -17,23 +17,24 @@ std::string flag_name(std::span<const std::string_view> names, std::size_t at) {
     return at < names.size() && !names[at].empty() ? std::string(names[at]) : fmt::format("(no. {})", at);
 }
 
-void write_owner_rows(Html& html, const Area& area, const std::string& digits) {
+// The settings of one owner. A place without a name belongs to nobody as long as it is 0.
+std::vector<std::string> settings_of(const Area& area, const std::string& digits, int owner) {
+    std::vector<std::string> found;
     for (std::size_t at = 0; at < digits.size(); ++at) {
-        // A place without a name belongs to nobody as long as it is 0.
         const bool named = at < area.settings.size() && !area.settings[at].empty();
-        if (!named && digits[at] == '0') {
-            continue;
+        if (digit_value(digits[at]) == owner && (named || owner != 0)) {
+            found.push_back(flag_name(area.settings, at));
         }
-        const Element row(html, "tr");
-        html.element("th", {{"scope", "row"}}, flag_name(area.settings, at));
-        const int owner = digit_value(digits[at]);
-        for (int column = 0; column < owners; ++column) {
-            const Element cell(html, "td", {{"class", "owner"}});
-            if (owner == column) {
-                html.element("span", {{"class", fmt::format("dot owner-{}", column)}},
-                             fmt::format("owner {}", column));
-            }
-        }
+    }
+    return found;
+}
+
+void write_list_cell(Html& html, std::span<const std::string> list) {
+    const Element cell(html, "td");
+    if (list.empty()) {
+        html.text("–");
+    } else {
+        write_chips(html, list);
     }
 }
 
@@ -43,18 +44,19 @@ void write_owners(Page& page, const Node& description) {
     html.element("p", {{"class", "muted"}},
                  "Each setting belongs to one of four parties, which descriptions know by number. What nobody claims "
                  "is owner 0's.");
-    const Element columns(html, "div", {{"class", "grid"}});
+    const Table table(html, "Owners of settings", {"Settings of", "Owner 0", "Owner 1", "Owner 2", "Owner 3"});
+    const Element body(html, "tbody");
     for (const Area& area : areas()) {
         const auto node = below(description, {area.node});
         const std::string digits = node ? text(*node, "ui_owner") : std::string();
         if (digits.empty()) {
             continue;
         }
-        const Element card(html, "div", {{"class", marked_class(page, "card", path_of(*node, "ui_owner"))}});
-        const Table table(html, fmt::format("Owners: {}", area.title),
-                          {"Setting", "Owner 0", "Owner 1", "Owner 2", "Owner 3"});
-        const Element body(html, "tbody");
-        write_owner_rows(html, area, digits);
+        const Element row(html, "tr");
+        html.element("th", {{"scope", "row"}}, area.title);
+        for (int owner = 0; owner < owners; ++owner) {
+            write_list_cell(html, settings_of(area, digits, owner));
+        }
     }
 }
 
@@ -90,13 +92,7 @@ void write_ability_row(Html& html, std::string_view title, std::span<const std::
     const Element row(html, "tr");
     html.element("th", {{"scope", "row"}}, title);
     for (const bool marked : {true, false}) {
-        const Element cell(html, "td");
-        const std::vector<std::string> list = flags(names, digits, marked);
-        if (list.empty()) {
-            html.text("–");
-        } else {
-            write_chips(html, list);
-        }
+        write_list_cell(html, flags(names, digits, marked));
     }
 }
 

@@ -46,6 +46,17 @@ VerdictWord word_of(Verdict verdict) {
     return words[static_cast<std::size_t>(verdict)];
 }
 
+// The word for a number that a setting of this name keeps; empty without one.
+std::string coded_word(const Property& property) {
+    const std::string name = property.name();
+    const auto coded = std::ranges::find(coded_names, name, &CodedName::name);
+    const auto number = integer(property);
+    if (coded == coded_names.end() || !number) {
+        return {};
+    }
+    return coded->is_mask ? joined(words(coded->code, *number)) : word(coded->code, *number);
+}
+
 std::string name_in_description(const Node& node) {
     for (const std::string_view item : {"name", "canonical_name"}) {
         if (std::string name = text(node, item); !name.empty()) {
@@ -86,39 +97,33 @@ Verdict Settings::verdict(Origin configuration, const std::string& path) const {
     return found == verdicts.end() ? Verdict::not_checked : found->second;
 }
 
-std::string Settings::meaning(const Property& property) const {
-    if (property.type() == PROP_LONG) {
-        const std::string name = property.name();
-        const auto coded = std::ranges::find(coded_names, name, &CodedName::name);
-        const auto number = integer(property);
-        if (coded == coded_names.end() || !number) {
-            return {};
-        }
-        return coded->is_mask ? joined(words(coded->code, *number)) : word(coded->code, *number);
-    }
-    if (property.type() != PROP_STRING) {
-        return {};
-    }
-    const auto found = m_texts.find(shown(property));
+std::string Settings::translated(const Property& property) const {
+    const auto found = property.type() == PROP_STRING ? m_texts.find(shown(property)) : m_texts.end();
     return found == m_texts.end() ? std::string() : found->second;
 }
 
 void Settings::write(Html& html, Origin configuration, const std::string& path, const Property& property) const {
+    const std::string word = coded_word(property);
     const std::string value = shown(property);
     if (value.empty()) {
         html.element("span", {{"class", "muted"}}, "(empty)");
     } else {
-        html.element("span", {{"class", "value"}}, value);
+        html.element("span", {{"class", "value"}}, word.empty() ? value : word);
     }
-    if (const std::string told = meaning(property); !told.empty() && told != value) {
+    if (const std::string beside = word.empty() ? translated(property) : value; !beside.empty() && beside != value) {
         html.text(" ");
-        html.element("span", {{"class", "meaning"}}, told);
+        html.element("span", {{"class", "meaning"}}, beside);
     }
-    const VerdictWord verdict_word = word_of(verdict(configuration, path));
-    if (!verdict_word.word.empty()) {
+    const VerdictWord told = word_of(verdict(configuration, path));
+    if (!told.word.empty()) {
         html.text(" ");
-        html.element("span", {{"class", "badge " + std::string(verdict_word.css_class)}}, verdict_word.word);
+        html.element("span", {{"class", "badge " + std::string(told.css_class)}}, told.word);
     }
+}
+
+std::string group_title(std::string_view node) {
+    const auto found = std::ranges::find(areas(), node, &Area::node);
+    return found == areas().end() ? spoken(node) : std::string(found->title);
 }
 
 bool says_nothing(const Property& property) {

@@ -15,8 +15,8 @@ public:
     explicit Settings(const ReportInput& input);
 
     [[nodiscard]] Verdict verdict(Origin configuration, const std::string& path) const;
-    // What the value stands for: a word for a number that has one, the description's text for one of its names.
-    [[nodiscard]] std::string meaning(const Property& property) const;
+    // The description's text for one of its names.
+    [[nodiscard]] std::string translated(const Property& property) const;
     // The value with its meaning and its verdict.
     void write(Html& html, Origin configuration, const std::string& path, const Property& property) const;
 
@@ -27,6 +27,8 @@ private:
 
 // Whether a value says nothing: 0, an empty text, no value, bytes that are all 0.
 [[nodiscard]] bool says_nothing(const Property& property);
+// What a group of settings is called, by the name of its node.
+[[nodiscard]] std::string group_title(std::string_view node);
 // "Serial › Baud rate" for "\serial\baud_rate".
 [[nodiscard]] std::string spoken_path(std::string_view path);
 

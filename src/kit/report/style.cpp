@@ -38,7 +38,7 @@ h3 { font-size: 1.05rem; margin: 1.6rem 0 .7rem; }
 h4 { font-size: 1rem; }
 h5 { font-size: .74rem; text-transform: uppercase; letter-spacing: .06em; color: var(--muted); margin-bottom: .35rem; }
 .card > h3, .group-head > h3 { margin: 0; }
-.card > h4 { margin-top: .9rem; font-size: .9rem; }
+.card > h4 { margin: .9rem 0 .2rem; font-size: .9rem; }
 .card > h4:first-child { margin-top: 0; font-size: 1rem; }
 p { margin: 0; overflow-wrap: anywhere; }
 section { margin: 2.6rem 0; }
@@ -49,7 +49,8 @@ code {
   overflow-wrap: anywhere; unicode-bidi: isolate;
 }
 .muted, .where, .meaning { color: var(--muted); font-size: .88rem; }
-.value, .meaning, .name, td, th, dd { unicode-bidi: isolate; overflow-wrap: anywhere; }
+.value, .meaning, .name, dd { unicode-bidi: isolate; overflow-wrap: anywhere; }
+td, th { unicode-bidi: isolate; overflow-wrap: break-word; }
 .tagline { font-size: 1.05rem; color: var(--muted); margin-top: .2rem; }
 nav ul { display: flex; flex-wrap: wrap; gap: .4rem; margin-top: 1.2rem; }
 nav a {
@@ -70,8 +71,8 @@ nav a:hover { border-color: var(--accent); }
   background: var(--card); border: 1px solid var(--line); border-radius: 10px; padding: .9rem 1rem; min-width: 0;
 }
 div.card { margin-bottom: 1rem; }
-.grid { display: grid; grid-template-columns: repeat(auto-fit, minmax(min(100%, 420px), 1fr)); gap: 1rem; align-items: start; }
-.grid > .card { margin: 0; }
+.grid { columns: 2 420px; column-gap: 1rem; }
+.grid > .card { break-inside: avoid; }
 .cards { display: grid; gap: .8rem; }
 .name { font-weight: 600; }
 .card.chosen, .entry.chosen, .step.chosen { border-color: var(--accent); box-shadow: 0 0 0 1px var(--accent); }
@@ -112,9 +113,9 @@ details { margin: 1rem 0; }
 summary { cursor: pointer; color: var(--accent); font-weight: 600; padding: .2rem 0; }
 details.notes .findings { margin-top: .6rem; }
 
-.scroll { overflow-x: auto; max-width: 100%; }
+.scroll { overflow-x: auto; max-width: 100%; position: relative; }
 table { border-collapse: collapse; width: 100%; font-size: .9rem; }
-caption { text-align: left; font-size: .82rem; color: var(--muted); padding: .2rem 0 .3rem; }
+caption { position: absolute; width: 1px; height: 1px; overflow: hidden; clip-path: inset(50%); white-space: nowrap; }
 section > .scroll, details > .scroll {
   background: var(--card); border: 1px solid var(--line); border-radius: 10px; padding: .3rem 1rem .6rem;
 }
@@ -138,31 +139,32 @@ svg { display: inline-block; max-width: 100%; height: auto; vertical-align: midd
 svg text { fill: var(--text); font: 11px/1 system-ui, "Segoe UI", Roboto, "Noto Sans", "DejaVu Sans", sans-serif; }
 .group-head { display: flex; flex-wrap: wrap; align-items: center; gap: .3rem 1rem; margin: 1.6rem 0 .7rem; }
 .card > .group-head { margin: 0 0 .2rem; }
-.sizes { grid-template-columns: repeat(auto-fill, minmax(142px, 1fr)); }
+.sizes { grid-template-columns: repeat(auto-fill, minmax(134px, 1fr)); gap: .6rem; }
 .size { padding: .7rem .6rem; text-align: center; display: flex; flex-direction: column; }
-.size .drawing { height: 122px; display: flex; align-items: flex-end; justify-content: center; margin-bottom: .5rem; }
-.size .name { font-size: .86rem; line-height: 1.3; }
+.size .drawing { min-height: 46px; flex: 1; display: flex; align-items: flex-end; justify-content: center; margin-bottom: .5rem; }
+.size .name { font-size: .86rem; line-height: 1.3; text-wrap: balance; }
 .size .muted { font-size: .8rem; }
-.size .marks { margin-top: auto; padding-top: .25rem; min-height: 1.4rem; }
+.size .marks { padding-top: .2rem; }
 .medium { flex: none; }
 .paper { fill: var(--paper); stroke: var(--strong-line); stroke-width: 1; }
 .printable { fill: var(--printable); stroke: #2f67b8; stroke-width: .8; stroke-dasharray: 3 2; }
 .scale { stroke: var(--strong-line); stroke-width: 1.5; fill: none; }
-.legend { display: inline-flex; gap: .4rem; align-items: center; }
+.legend { display: flex; flex-wrap: wrap; gap: .2rem .5rem; align-items: center; }
 
-.flow { display: grid; grid-template-columns: minmax(210px, 3fr) auto minmax(96px, 1fr) auto minmax(0, 10fr); gap: .8rem; align-items: center; }
-.flow h3 { margin: 0 0 .7rem; }
-.sources, .outputs { align-self: start; min-width: 0; }
-.device { background: var(--accent-ground); border: 2px solid var(--accent); border-radius: 10px; padding: 1.4rem .6rem; text-align: center; color: var(--accent); }
+.sources { grid-template-columns: repeat(auto-fit, minmax(min(100%, 230px), 1fr)); }
+.device { background: var(--accent-ground); border: 2px solid var(--accent); border-radius: 10px; padding: .9rem; text-align: center; color: var(--accent); font-size: 1.1rem; }
 .arrow { color: var(--strong-line); text-align: center; line-height: 0; }
+.arrow.down { padding: .7rem 0; }
+.arrow.down svg { transform: rotate(90deg); }
 .arrow-line { fill: none; stroke: currentColor; stroke-width: 2; stroke-linecap: round; stroke-linejoin: round; }
 .entries { display: grid; gap: .4rem; margin-top: .6rem; }
 .entry { border: 1px solid var(--line); border-radius: 8px; padding: .4rem .6rem; }
 .entry .name { font-size: .9rem; }
 .way { display: flex; flex-wrap: wrap; align-items: center; gap: .5rem; margin-top: .7rem; }
+.way > .arrow { flex: none; }
 .finishing { border: 1px dashed var(--line); border-radius: 8px; padding: .5rem .6rem; align-self: stretch; max-width: 100%; }
 .finishing ul { display: grid; gap: .3rem; }
-.step { display: flex; gap: .5rem; align-items: flex-start; border: 1px solid transparent; border-radius: 6px; padding: .2rem .35rem; font-size: .88rem; max-width: 240px; }
+.step { display: flex; gap: .5rem; align-items: flex-start; border: 1px solid transparent; border-radius: 6px; padding: .2rem .35rem; font-size: .88rem; max-width: 250px; }
 .step .muted { font-size: .8rem; line-height: 1.3; }
 .step svg { flex: none; margin-top: .15rem; }
 .way .arrow svg { width: 24px; }
@@ -197,19 +199,8 @@ figcaption { font-size: .86rem; color: var(--muted); margin-top: .3rem; overflow
 .line-types { grid-template-columns: repeat(auto-fill, minmax(190px, 1fr)); }
 .pen-line { stroke: var(--text); }
 .line-type { padding: .5rem .8rem; }
-.owner { text-align: center; }
-.dot { display: inline-block; font-size: .74rem; padding: 0 .5em; border-radius: 999px; white-space: nowrap; border: 1px solid var(--line); background: var(--chip); }
-.owner-1 { background: var(--accent-ground); color: var(--accent); border-color: var(--accent); }
-.owner-2 { background: var(--second-ground); color: var(--second); border-color: var(--second); }
-.owner-3 { background: var(--good-ground); color: var(--good); border-color: var(--good); }
 footer { color: var(--muted); font-size: .85rem; padding-top: 1rem; padding-bottom: 2.5rem; }
 
-@media (max-width: 1000px) {
-  .flow { grid-template-columns: minmax(0, 1fr); }
-  .flow > .arrow svg { transform: rotate(90deg); }
-  .flow > .arrow { padding: .4rem 0; }
-  .device { padding: .8rem; }
-}
 @media (max-width: 600px) {
   header, main, footer { padding-left: 1rem; padding-right: 1rem; }
   h1 { font-size: 1.5rem; }
@@ -234,8 +225,6 @@ footer { color: var(--muted); font-size: .85rem; padding-top: 1rem; padding-bott
   h2, h3, h4, .group-head, caption { break-after: avoid; }
   .size, .step, .entry, tr, figure, .finding, .line-type, .pen { break-inside: avoid; }
   .sizes { grid-template-columns: repeat(6, 1fr); }
-  .flow { grid-template-columns: minmax(0, 1fr); }
-  .flow > .arrow svg { transform: rotate(90deg); }
   .scroll { overflow: visible; }
   summary { list-style: none; color: inherit; }
   details::details-content { content-visibility: visible; block-size: auto; display: block; }
