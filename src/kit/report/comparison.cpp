@@ -13,7 +13,7 @@ struct Row {
     std::vector<std::optional<Property>> values;
     std::vector<std::string> full_paths;
     bool differs = false;
-    bool is_silent = false; // nothing is told by any of them
+    bool is_silent = false; // missing, 0 or empty in all of them
 };
 
 std::string group_of(std::string_view path) {
@@ -70,7 +70,8 @@ private:
         row.differs = std::ranges::any_of(row.values, [&](const std::optional<Property>& value) {
             return value.has_value() != first.has_value() || (value && !are_equal(*value, *first));
         });
-        row.is_silent = !row.differs && (!first || says_nothing(*first));
+        row.is_silent = std::ranges::all_of(
+            row.values, [](const std::optional<Property>& value) { return !value || says_nothing(*value); });
     }
 
     void gather_groups() {
@@ -153,16 +154,19 @@ void write_comparison(Page& page, const Settings& settings) {
     std::vector<const Row*> alike;
     std::size_t silent = 0;
     for (const Row& row : rows.all()) {
-        if (row.differs) {
-            differing.push_back(&row);
-        } else if (row.is_silent) {
+        if (row.is_silent) {
             ++silent;
+        } else if (row.differs) {
+            differing.push_back(&row);
         } else {
             alike.push_back(&row);
         }
     }
     Html& html = page.html;
-    html.element("p", fmt::format("{} of {} settings differ.", differing.size(), rows.all().size()));
+    html.element("p", fmt::format("{} settings differ, {} are alike.", differing.size(), alike.size()));
+    if (page.input.description) {
+        write_legend(html);
+    }
     Writer writer(page, settings);
     if (!differing.empty()) {
         html.element("h3", "What differs");
@@ -175,7 +179,7 @@ void write_comparison(Page& page, const Settings& settings) {
     }
     if (silent > 0) {
         html.element("p", {{"class", "muted"}},
-                     fmt::format("Not shown: {} settings that are 0 or empty in all of them.", silent));
+                     fmt::format("Not shown: {} settings that are missing, 0 or empty in all of them.", silent));
     }
 }
 

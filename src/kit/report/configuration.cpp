@@ -254,6 +254,9 @@ bool has_properties(const Node& node) {
 void write_configuration(Page& page, const Settings& settings, Origin configuration) {
     const ReportConfiguration& shown_one = page.input.configurations[configuration];
     const Section section(page, "configuration", "Settings of " + shown_one.name);
+    if (page.input.description) {
+        write_legend(page.html);
+    }
     const Element grid(page.html, "div", {{"class", "grid"}});
     Writer writer(page, settings, configuration);
     const Node& root = shown_one.root;

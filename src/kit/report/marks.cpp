@@ -39,6 +39,48 @@ void insert(std::vector<Origin>& origins, Origin origin) {
     }
 }
 
+// What a configuration chooses by a rule: where that passes, the path is that of the thing chosen.
+struct Choice {
+    std::string_view rule;
+    std::string_view setting;
+};
+constexpr std::array<Choice, 18> choices{{{"media-size", "size"},
+                                          {"media-source", "source"},
+                                          {"media-loaded", "loaded"},
+                                          {"media-type", "type"},
+                                          {"media-destination", "destination"},
+                                          {"collating", "collating"},
+                                          {"collating", "collate"},
+                                          {"cutting", "cutting"},
+                                          {"folding", "folding"},
+                                          {"stapling", "stapling"},
+                                          {"colour-mode", "mode"},
+                                          {"resolution", "resolution_x"},
+                                          {"resolution", "resolution"},
+                                          {"memory", "memory"},
+                                          {"dithering", "dithering"},
+                                          {"io-method", "io_type"},
+                                          {"io-protocol", "protocol"},
+                                          {"io-baud-rate", "baud_rate"}}};
+
+bool is_choice(const Look& look) {
+    return (look.outcome == "passed" || look.outcome == "found") &&
+        (look.setting == "custom" || look.setting == "line_type" ||
+         std::ranges::any_of(choices, [&](const Choice& choice) {
+             return choice.rule == look.rule && choice.setting == look.setting;
+         }));
+}
+
+// The thing itself where the path is that of the property that names it.
+std::string chosen_thing(const std::string& path) {
+    for (const std::string_view property : {"\\name", "\\canonical_name", "\\rate", "\\value", "\\width"}) {
+        if (path.ends_with(property)) {
+            return path.substr(0, path.size() - property.size());
+        }
+    }
+    return path;
+}
+
 // Calls for the path and for all above it, "\media\size\0", "\media\size" and "\media".
 template<class Function>
 void with_outer_paths(std::string path, Function function) {
@@ -76,10 +118,8 @@ Marks::Marks(const ReportInput& input) {
 
 void Marks::add(const ExplainedFindings& check, Origin origin, std::size_t base) {
     for (const Look& look : check.looks) {
-        if (origin != defaults && (look.outcome == "passed" || look.outcome == "found")) {
-            with_outer_paths(look.description_path, [&](const std::string& path) {
-                insert(m_marks[path].chosen, origin);
-            });
+        if (origin != defaults && is_choice(look)) {
+            insert(m_marks[chosen_thing(look.description_path)].chosen, origin);
         }
     }
     for (const Finding& finding : check.findings) {

@@ -19,7 +19,7 @@ inline constexpr Origin defaults = static_cast<Origin>(-1);
 
 struct Mark {
     std::vector<Origin> chosen;     // configurations whose choice stands there, rising
-    std::vector<Origin> impossible; // of any origin, those with an error there
+    std::vector<Origin> impossible; // of any origin, those with an error there or below
 };
 
 struct PlacedFinding {
@@ -32,7 +32,7 @@ class Marks {
 public:
     explicit Marks(const ReportInput& input);
 
-    // Of the node or property of that path and of what is below it.
+    // Of the node or property of that path.
     [[nodiscard]] const Mark& at(const std::string& path) const;
     // In the order of the configurations, the defaults first. Of the empty section are those that concern none.
     [[nodiscard]] const std::vector<PlacedFinding>& of_section(const std::string& section) const;

@@ -77,10 +77,10 @@ void write_list(Html& html, std::span<const PlacedFinding> findings, const Repor
     if (those.empty()) {
         return;
     }
-    const bool folded = severity == Severity::note && those.size() > 3;
+    const bool folded = severity != Severity::error && those.size() > 3;
     if (folded) {
         html.open("details", {{"class", "notes"}});
-        html.element("summary", fmt::format("{} notes", those.size()));
+        html.element("summary", fmt::format("{} {}", those.size(), severity == Severity::note ? "notes" : "doubtful"));
     }
     {
         const Element list(html, "ul", {{"class", "findings"}});

@@ -29,21 +29,46 @@ constexpr std::array<CodedName, 14> coded_names{{{"default_type", Code::io_type,
                                                  {"default_duplexing_mode", Code::duplexing_bit, true},
                                                  {"bidi_flags", Code::status_bit, true}}};
 
-Verdict of(Severity severity) {
-    return severity == Severity::error   ? Verdict::impossible
-        : severity == Severity::warning ? Verdict::doubtful
-                                        : Verdict::noted;
+// Notes are about a setting's owner, but for those of what the description doesn't speak of.
+Verdict of(const Finding& finding) {
+    switch (finding.severity) {
+    case Severity::error: return Verdict::impossible;
+    case Severity::warning: return Verdict::doubtful;
+    default: return finding.rule == "unspoken" ? Verdict::unspoken : Verdict::not_checked;
+    }
 }
 
-struct VerdictWord {
+struct VerdictMark {
     std::string_view css_class;
-    std::string_view word;
+    std::string_view text;
+    std::string_view meaning; // of a sign
 };
 
-VerdictWord word_of(Verdict verdict) {
-    static constexpr std::array<VerdictWord, 5> words{
-        {{"", ""}, {"good", "possible"}, {"note", "noted"}, {"warn", "doubtful"}, {"bad", "not possible"}}};
-    return words[static_cast<std::size_t>(verdict)];
+VerdictMark mark_of(Verdict verdict) {
+    static constexpr std::array<VerdictMark, 5> marks{{{"", "", ""},
+                                                       {"sign unspoken", "?", "the device tells nothing of it"},
+                                                       {"sign possible", "✓", "possible"},
+                                                       {"badge warn", "doubtful", ""},
+                                                       {"badge bad", "not possible", ""}}};
+    return marks[static_cast<std::size_t>(verdict)];
+}
+
+void write_mark(Html& html, Verdict verdict) {
+    const VerdictMark mark = mark_of(verdict);
+    if (mark.text.empty()) {
+        return;
+    }
+    html.text(" ");
+    if (mark.meaning.empty()) {
+        html.element("span", {{"class", std::string(mark.css_class)}}, mark.text);
+    } else {
+        html.element("span",
+                     {{"class", std::string(mark.css_class)},
+                      {"role", "img"},
+                      {"aria-label", std::string(mark.meaning)},
+                      {"title", std::string(mark.meaning)}},
+                     mark.text);
+    }
 }
 
 // The word for a number that a setting of this name keeps; empty without one.
@@ -72,13 +97,13 @@ Settings::Settings(const ReportInput& input) {
     for (const ReportConfiguration& configuration : input.configurations) {
         auto& verdicts = m_verdicts.emplace_back();
         for (const Look& look : configuration.check.looks) {
-            if (look.outcome == "passed") {
+            if (look.outcome == "passed" && look.rule != "owner") {
                 verdicts.emplace(look.configuration_path, Verdict::possible);
             }
         }
         for (const Finding& finding : configuration.check.findings) {
             Verdict& verdict = verdicts[finding.configuration_path];
-            verdict = std::max(verdict, of(finding.severity));
+            verdict = std::max(verdict, of(finding));
         }
     }
     if (!input.description) {
@@ -114,11 +139,18 @@ void Settings::write(Html& html, Origin configuration, const std::string& path, 
         html.text(" ");
         html.element("span", {{"class", "meaning"}}, beside);
     }
-    const VerdictWord told = word_of(verdict(configuration, path));
-    if (!told.word.empty()) {
+    write_mark(html, verdict(configuration, path));
+}
+
+void write_legend(Html& html) {
+    const Element line(html, "p", {{"class", "muted"}});
+    for (const Verdict verdict : {Verdict::possible, Verdict::unspoken}) {
+        html.text(verdict == Verdict::possible ? "" : ";");
+        write_mark(html, verdict);
         html.text(" ");
-        html.element("span", {{"class", "badge " + std::string(told.css_class)}}, told.word);
+        html.text(mark_of(verdict).meaning);
     }
+    html.text(".");
 }
 
 std::string group_title(std::string_view node) {

@@ -8,7 +8,7 @@
 namespace pm::kit::report {
 
 // How a value is taken by the checks of its configuration.
-enum class Verdict { not_checked, possible, noted, doubtful, impossible };
+enum class Verdict { not_checked, unspoken, possible, doubtful, impossible };
 
 class Settings {
 public:
@@ -25,6 +25,8 @@ private:
     std::unordered_map<std::string, std::string> m_texts;             // of the description, by name
 };
 
+// What the signs behind values mean.
+void write_legend(Html& html);
 // Whether a value says nothing: 0, an empty text, no value, bytes that are all 0.
 [[nodiscard]] bool says_nothing(const Property& property);
 // What a group of settings is called, by the name of its node.

@@ -51,6 +51,8 @@ code {
 .muted, .where, .meaning { color: var(--muted); font-size: .88rem; }
 .value, .meaning, .name, dd { unicode-bidi: isolate; overflow-wrap: anywhere; }
 td, th { unicode-bidi: isolate; overflow-wrap: break-word; }
+td .value, td .meaning { overflow-wrap: break-word; }
+tr.setting td .value { overflow-wrap: anywhere; }
 .tagline { font-size: 1.05rem; color: var(--muted); margin-top: .2rem; }
 nav ul { display: flex; flex-wrap: wrap; gap: .4rem; margin-top: 1.2rem; }
 nav a {
@@ -92,6 +94,9 @@ tr.impossible > th, tr.impossible .value, td.impossible .value { color: var(--ba
 .badge.warn { background: var(--warn-ground); color: var(--warn); border: 1px solid var(--warn); }
 .badge.good { background: var(--good-ground); color: var(--good); border: 1px solid var(--good); }
 .badge.note { background: var(--chip); color: var(--text); border: 1px solid var(--line); }
+.sign { font-weight: 700; }
+.sign.possible { color: var(--good); }
+.sign.unspoken { color: var(--muted); font-weight: 400; }
 .chips { display: flex; flex-wrap: wrap; gap: .3rem; }
 .chips > li {
   background: var(--chip); border: 1px solid transparent; border-radius: 6px; padding: .05rem .5rem; font-size: .86rem;
@@ -140,10 +145,10 @@ svg text { fill: var(--text); font: 11px/1 system-ui, "Segoe UI", Roboto, "Noto 
 .group-head { display: flex; flex-wrap: wrap; align-items: center; gap: .3rem 1rem; margin: 1.6rem 0 .7rem; }
 .card > .group-head { margin: 0 0 .2rem; }
 .sizes { grid-template-columns: repeat(auto-fill, minmax(134px, 1fr)); gap: .6rem; }
-.size { padding: .7rem .6rem; text-align: center; display: flex; flex-direction: column; }
+.size { padding: .7rem .3rem; text-align: center; display: flex; flex-direction: column; }
 .size .drawing { min-height: 46px; flex: 1; display: flex; align-items: flex-end; justify-content: center; margin-bottom: .5rem; }
 .size .name { font-size: .86rem; line-height: 1.3; text-wrap: balance; }
-.size .muted { font-size: .8rem; }
+.size .muted { font-size: .78rem; }
 .size .marks { padding-top: .2rem; }
 .medium { flex: none; }
 .paper { fill: var(--paper); stroke: var(--strong-line); stroke-width: 1; }
@@ -160,11 +165,11 @@ svg text { fill: var(--text); font: 11px/1 system-ui, "Segoe UI", Roboto, "Noto 
 .entries { display: grid; gap: .4rem; margin-top: .6rem; }
 .entry { border: 1px solid var(--line); border-radius: 8px; padding: .4rem .6rem; }
 .entry .name { font-size: .9rem; }
-.way { display: flex; flex-wrap: wrap; align-items: center; gap: .5rem; margin-top: .7rem; }
+.way { display: flex; align-items: center; gap: .5rem; margin-top: .7rem; }
 .way > .arrow { flex: none; }
-.finishing { border: 1px dashed var(--line); border-radius: 8px; padding: .5rem .6rem; align-self: stretch; max-width: 100%; }
+.finishing { border: 1px dashed var(--line); border-radius: 8px; padding: .5rem .6rem; align-self: stretch; min-width: 0; }
 .finishing ul { display: grid; gap: .3rem; }
-.step { display: flex; gap: .5rem; align-items: flex-start; border: 1px solid transparent; border-radius: 6px; padding: .2rem .35rem; font-size: .88rem; max-width: 250px; }
+.step { display: flex; gap: .5rem; align-items: flex-start; border: 1px solid transparent; border-radius: 6px; padding: .2rem .35rem; font-size: .88rem; max-width: 240px; min-width: 0; }
 .step .muted { font-size: .8rem; line-height: 1.3; }
 .step svg { flex: none; margin-top: .15rem; }
 .way .arrow svg { width: 24px; }
@@ -201,13 +206,16 @@ figcaption { font-size: .86rem; color: var(--muted); margin-top: .3rem; overflow
 .line-type { padding: .5rem .8rem; }
 footer { color: var(--muted); font-size: .85rem; padding-top: 1rem; padding-bottom: 2.5rem; }
 
+@media (max-width: 1000px) {
+  .way { flex-direction: column; align-items: stretch; }
+  .way .arrow svg { transform: rotate(90deg); }
+  .step { max-width: none; }
+  .finishing ul { grid-template-columns: repeat(auto-fill, minmax(min(100%, 210px), 1fr)); }
+}
 @media (max-width: 600px) {
   header, main, footer { padding-left: 1rem; padding-right: 1rem; }
   h1 { font-size: 1.5rem; }
   .sizes { grid-template-columns: repeat(auto-fill, minmax(132px, 1fr)); gap: .5rem; }
-  .way { flex-direction: column; align-items: stretch; }
-  .way .arrow svg { transform: rotate(90deg); }
-  .step { max-width: none; }
 }
 @media print {
   :root {
