@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <charconv>
 #include <fmt/format.h>
+#include <map>
 #include <report/configuration.h>
 
 namespace pm::kit::report {
@@ -27,6 +28,11 @@ bool is_leaf(const Node& node) {
     return range.begin() == range.end();
 }
 
+bool has_properties(const Node& node) {
+    const Properties range = node.properties();
+    return range.begin() != range.end();
+}
+
 std::vector<std::string> property_names(const Node& node) {
     std::vector<std::string> names;
     for (const Property& property : node.properties()) {
@@ -41,24 +47,16 @@ struct Records {
     std::vector<Node> nodes;
 };
 
+// The most numerous ones; of equally many the first.
 Records records_of(const Node& node) {
-    Records records;
+    std::map<std::vector<std::string>, std::vector<Node>> kinds;
     for (const Node& child : node.children()) {
-        if (!is_leaf(child)) {
-            continue;
-        }
-        std::vector<std::string> names = property_names(child);
-        if (records.nodes.empty() && !names.empty()) {
-            records.columns = std::move(names);
-            records.nodes.push_back(child);
-        } else if (names == records.columns && !names.empty()) {
-            records.nodes.push_back(child);
+        if (std::vector<std::string> names = property_names(child); is_leaf(child) && !names.empty()) {
+            kinds[std::move(names)].push_back(child);
         }
     }
-    if (records.nodes.size() < 2) {
-        return {};
-    }
-    return records;
+    const auto most = std::ranges::max_element(kinds, {}, [](const auto& kind) { return kind.second.size(); });
+    return most == kinds.end() || most->second.size() < 2 ? Records() : Records{most->first, most->second};
 }
 
 std::vector<std::string> spoken_columns(const Records& records) {
@@ -89,35 +87,54 @@ public:
     }
 
 private:
-    void write_rows(const Node& node, const std::string& title, bool with_children) {
+    using Labelled = std::pair<std::string, Node>;
+
+    // What stands below a node: nodes whose properties are rows, and tables.
+    struct Contents {
+        std::vector<Labelled> nodes;
         std::vector<std::pair<std::string, Records>> tables;
-        std::vector<std::pair<std::string, Node>> nodes{{"", node}};
-        Html& html = m_page.html;
-        {
-            const Table table(html, title, {"Setting", "Value"});
-            const Element body(html, "tbody");
-            // Depth first, as the tree has it.
-            while (!nodes.empty()) {
-                const auto [label, at] = nodes.back();
-                nodes.pop_back();
-                write_properties(at, label);
-                Records records = with_children || at != node ? records_of(at) : Records();
-                std::vector<std::pair<std::string, Node>> rest;
-                std::size_t next = 0;
-                for (const Node& child : at.children()) {
-                    const bool in_table = next < records.nodes.size() && records.nodes[next] == child;
-                    next += in_table ? 1 : 0;
-                    if (!in_table && (with_children || at != node)) {
-                        rest.emplace_back(label + (label.empty() ? "" : " › ") + spoken(child.name()), child);
-                    }
-                }
-                nodes.insert(nodes.end(), rest.rbegin(), rest.rend());
-                if (!records.nodes.empty()) {
-                    tables.emplace_back(label, std::move(records));
+    };
+
+    // Depth first, as the tree has it.
+    static Contents contents_of(const Node& node, bool with_children) {
+        Contents contents;
+        std::vector<Labelled> open{{"", node}};
+        while (!open.empty()) {
+            const auto [label, at] = open.back();
+            open.pop_back();
+            contents.nodes.emplace_back(label, at);
+            if (!with_children) {
+                break;
+            }
+            Records records = records_of(at);
+            std::vector<Labelled> rest;
+            std::size_t next = 0;
+            for (const Node& child : at.children()) {
+                if (next < records.nodes.size() && records.nodes[next] == child) {
+                    ++next;
+                } else {
+                    rest.emplace_back(label + (label.empty() ? "" : " › ") + spoken(child.name()), child);
                 }
             }
+            open.insert(open.end(), rest.rbegin(), rest.rend());
+            if (!records.nodes.empty()) {
+                contents.tables.emplace_back(label, std::move(records));
+            }
         }
-        for (const auto& [label, records] : tables) {
+        return contents;
+    }
+
+    void write_rows(const Node& node, const std::string& title, bool with_children) {
+        const Contents contents = contents_of(node, with_children);
+        Html& html = m_page.html;
+        if (std::ranges::any_of(contents.nodes, [](const Labelled& one) { return has_properties(one.second); })) {
+            const Table table(html, title, {"Setting", "Value"});
+            const Element body(html, "tbody");
+            for (const auto& [label, at] : contents.nodes) {
+                write_properties(at, label);
+            }
+        }
+        for (const auto& [label, records] : contents.tables) {
             write_records(label.empty() ? title : label, records);
         }
     }
@@ -243,11 +260,6 @@ private:
     const Settings& m_settings;
     Origin m_configuration;
 };
-
-bool has_properties(const Node& node) {
-    const Properties range = node.properties();
-    return range.begin() != range.end();
-}
 
 } // namespace
 

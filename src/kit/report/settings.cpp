@@ -135,7 +135,7 @@ void Settings::write(Html& html, Origin configuration, const std::string& path, 
     } else {
         html.element("span", {{"class", "value"}}, word.empty() ? value : word);
     }
-    if (const std::string beside = word.empty() ? translated(property) : value; !beside.empty() && beside != value) {
+    if (const std::string beside = word.empty() ? translated(property) : value; !beside.empty() && (!word.empty() || beside != value)) {
         html.text(" ");
         html.element("span", {{"class", "meaning"}}, beside);
     }

@@ -226,16 +226,18 @@ footer { color: var(--muted); font-size: .85rem; padding-top: 1rem; padding-bott
     --paper: #fff; --printable: #dbe8fb;
   }
   @page { margin: 15mm 12mm; }
-  body { font-size: 10pt; print-color-adjust: exact; -webkit-print-color-adjust: exact; }
+  body { font-size: 9.5pt; print-color-adjust: exact; -webkit-print-color-adjust: exact; }
   header, main, footer { max-width: none; padding: 0; }
   nav, .skip { display: none; }
   section { margin: 1.4rem 0; }
   h2, h3, h4, .group-head, caption { break-after: avoid; }
   .size, .step, .entry, tr, figure, .finding, .line-type, .pen { break-inside: avoid; }
-  .sizes { grid-template-columns: repeat(6, 1fr); }
+  .sizes { grid-template-columns: repeat(5, 1fr); }
   .scroll { overflow: visible; }
-  summary { list-style: none; color: inherit; }
-  details::details-content { content-visibility: visible; block-size: auto; display: block; }
+  details:not([open]) { display: none; }
+  .grid { columns: 1; }
+  .grid > .card { break-inside: auto; }
+  .bar { width: 70px; }
 }
 )css";
 }

@@ -1,0 +1,278 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <kit/report/pages.h>
+
+namespace {
+
+using pm::Tree;
+using pm_test::Markup;
+using pm_test::MarkupElement;
+using pm_test::page_of;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+// A sheet of 200 by 100 whose edge of 10 all round can't be printed on.
+Tree one_size() {
+    Tree tree;
+    tree.set("\\media\\size\\0\\name", "Card");
+    tree.set("\\media\\size\\0\\localized_name", "A card (200 × 100 mm)");
+    tree.set("\\media\\size\\0\\media_group", 4);
+    tree.set("\\media\\size\\0\\media_description_name", "Card_area");
+    tree.set("\\media\\description\\0\\name", "Card_area");
+    tree.set("\\media\\description\\0\\printable_area", 0.72);
+    tree.set("\\media\\description\\0\\media_bounds_urx", 200.0);
+    tree.set("\\media\\description\\0\\media_bounds_ury", 100.0);
+    tree.set("\\media\\description\\0\\printable_bounds_llx", 10.0);
+    tree.set("\\media\\description\\0\\printable_bounds_lly", 10.0);
+    tree.set("\\media\\description\\0\\printable_bounds_urx", 190.0);
+    tree.set("\\media\\description\\0\\printable_bounds_ury", 90.0);
+    return tree;
+}
+
+TEST(MediaSection, DrawsASizeToScaleWithItsPrintableArea) {
+    const Markup page = page_of(one_size());
+    ASSERT_EQ(page.find("svg", "medium").size(), 1U);
+    const MarkupElement paper = page.find("rect", "paper")[1]; // the first is the legend's
+    const MarkupElement printable = page.find("rect", "printable")[1];
+    EXPECT_EQ(paper.attribute("width"), "100");
+    EXPECT_EQ(paper.attribute("height"), "50");
+    EXPECT_EQ(printable.attribute("x"), "6");
+    EXPECT_EQ(printable.attribute("y"), "6");
+    EXPECT_EQ(printable.attribute("width"), "90");
+    EXPECT_EQ(printable.attribute("height"), "40");
+    EXPECT_THAT(page.texts("title"),
+                testing::Contains("A card (200 × 100 mm): 200 × 100 mm, printable 180 × 80 mm"));
+}
+
+TEST(MediaSection, TellsTheBoundsOnceAndThePartThatIsPrintable) {
+    const Markup page = page_of(one_size());
+    EXPECT_THAT(page.texts("p", "name"), ElementsAre("A card"));
+    EXPECT_THAT(page.section("media"), HasSubstr("200 × 100 mm"));
+    EXPECT_THAT(page.section("media"), HasSubstr("72 % printable"));
+    EXPECT_THAT(page.texts("td"), testing::Contains("left 10, right 10, top 10, bottom 10 mm"));
+}
+
+TEST(MediaSection, GroupsSizesUnderTheNamesOfTheirGroups) {
+    Tree tree = one_size();
+    tree.set("\\media\\size\\1\\name", "Odd");
+    const Markup page = page_of(tree);
+    EXPECT_THAT(page.texts("h3"), testing::IsSupersetOf({"ISO", "Of no group"}));
+    EXPECT_THAT(page.section("media"), HasSubstr("not drawn"));
+}
+
+TEST(MediaSection, TellsTheSourcesOfASize) {
+    Tree tree = one_size();
+    tree.set("\\media\\source\\Tray\\localized_name", "Upper tray");
+    tree.set("\\media\\source\\Tray\\entry\\Cards\\size_names\\0\\name", "Card");
+    EXPECT_THAT(page_of(tree).texts("td"), testing::Contains("Upper tray"));
+}
+
+TEST(MediaSection, ListsTypesAndMarksTheDefaultOne) {
+    Tree tree;
+    tree.set("\\media\\default_type", "Bond");
+    tree.set("\\media\\type\\0\\name", "Bond");
+    tree.set("\\media\\type\\0\\localized_name", "Plain paper");
+    tree.set("\\media\\type\\0\\drying_time", 15);
+    tree.set("\\media\\type\\0\\max_resolution_x", 600.0);
+    tree.set("\\media\\type\\0\\max_resolution_y", 300.0);
+    const Markup page = page_of(tree);
+    EXPECT_EQ(page.texts("tr", "type-row").at(0), "Plain paper defaultBond600 × 300 dpi15 s");
+}
+
+TEST(FlowSection, ShowsSourcesWithWhatTheyAreLoadedWith) {
+    Tree tree;
+    tree.set("\\media\\source\\Roll_1\\feed", 3);
+    tree.set("\\media\\source\\Roll_1\\default_entry", "Wide");
+    tree.set("\\media\\source\\Roll_1\\entry\\Wide\\width", 914.4000244140625);
+    tree.set("\\media\\source\\Roll_1\\entry\\Wide\\frame_height", 2500.0);
+    tree.set("\\media\\source\\Roll_1\\entry\\Wide\\size_names\\0\\name", "A0");
+    const Markup page = page_of(tree);
+    EXPECT_THAT(page.section("flow"), HasSubstr("Roll feeder"));
+    EXPECT_THAT(page.texts("li", "entry"), ElementsAre("Wide default Wide · 914.4 × 2500 mm, 1 size"));
+}
+
+TEST(FlowSection, DrawsTheFinishingOfAnOutputInTheOrderOfTheWork) {
+    Tree tree;
+    tree.set("\\media\\destination\\Bin\\default_stapling", "Corner");
+    tree.set("\\media\\destination\\Bin\\stapling\\Corner\\location", 1);
+    tree.set("\\media\\destination\\Bin\\stapling\\Corner\\when", 2);
+    tree.set("\\media\\destination\\Bin\\stapling\\Corner\\orientation", 45);
+    tree.set("\\media\\destination\\Bin\\folding\\Z\\folding_type", 1);
+    tree.set("\\media\\destination\\Bin\\folding\\Z\\when", 3);
+    tree.set("\\media\\destination\\Bin\\cutting\\Cut\\when", 1);
+    tree.set("\\media\\destination\\Bin\\collating\\Sets\\collating_type", 1);
+    const Markup page = page_of(tree);
+    EXPECT_THAT(page.texts("h5"), ElementsAre("Cutting", "Collating", "Folding", "Stapling"));
+    EXPECT_EQ(page.find("line", "crease").size(), 3U);
+    EXPECT_EQ(page.find("line", "staple").at(0).attribute("transform"), "rotate(-45 11 7)");
+    EXPECT_THAT(page.texts("li", "step"),
+                testing::Contains(HasSubstr("Corner default portrait, upper left, 45°, after each set")));
+}
+
+TEST(ResolutionSection, ShowsModesWithTheirResolutionsAndMemory) {
+    Tree tree;
+    tree.set("\\res_color_mem\\default_name", "Grays");
+    tree.set("\\res_color_mem\\mem_area_list\\Small\\localized_name", "Small memory");
+    tree.set("\\res_color_mem\\mem_area_list\\Small\\device_memory", 128);
+    tree.set("\\res_color_mem\\mem_area_list\\Big\\device_memory", 512);
+    tree.set("\\res_color_mem\\dithering_list\\Fine\\localized_name", "Fine dots");
+    tree.set("\\res_color_mem\\rcm_list\\Grays\\number_of_colors", 256);
+    tree.set("\\res_color_mem\\rcm_list\\Grays\\color_depth", 8);
+    tree.set("\\res_color_mem\\rcm_list\\Grays\\color_system", 3);
+    const std::string resolution = "\\res_color_mem\\rcm_list\\Grays\\resolution_list\\600_dpi\\";
+    tree.set(resolution + "physical_resolution_x", 600.0);
+    tree.set(resolution + "physical_resolution_y", 300.0);
+    tree.set(resolution + "res_color_mem\\dithering_list", "Fine");
+    tree.set(resolution + "default_mem_area", "Small");
+    tree.set(resolution + "mem_area\\0\\name", "Small");
+    const Markup page = page_of(tree);
+    EXPECT_THAT(page.texts("tr", "resolution"),
+                ElementsAre("600_dpi600_dpi600 × 300––Fine dots Small memory default"));
+    EXPECT_THAT(page.section("resolution"), HasSubstr("256 colours, 8 bit"));
+    EXPECT_THAT(page.section("resolution"), HasSubstr("Grey scale"));
+    EXPECT_EQ(page.find("rect", "fill").at(0).attribute("width"), "30"); // a quarter of 120
+    EXPECT_EQ(page.find("rect", "fill").at(1).attribute("width"), "120");
+}
+
+TEST(DitheringSection, DrawsAMatrixByItsThresholds) {
+    Tree tree;
+    const std::string method = "\\res_color_mem\\dithering_list\\Two\\";
+    tree.set(method + "matrix_size_x", 2);
+    tree.set(method + "matrix_size_y", 2);
+    tree.set(method + "matrix_list\\M\\0\\data", 0);
+    tree.set(method + "matrix_list\\M\\1\\data", 2);
+    tree.set(method + "matrix_list\\M\\3\\data", 4);
+    const Markup page = page_of(tree);
+    std::vector<std::string> fills;
+    for (const MarkupElement& cell : page.find("rect")) {
+        if (!cell.attribute("fill").empty()) {
+            fills.push_back(cell.attribute("fill"));
+        }
+    }
+    EXPECT_THAT(fills, ElementsAre("rgb(0,0,0)", "rgb(128,128,128)", "rgb(255,255,255)"));
+    EXPECT_EQ(page.find("rect", "gap").size(), 1U);
+    EXPECT_THAT(page.texts("figcaption"), ElementsAre("Matrix M, 2 × 2"));
+    EXPECT_EQ(page.find("path", "ink").size(), 1U);
+}
+
+TEST(DitheringSection, DoesNotDrawAMatrixThatIsTooLarge) {
+    Tree tree;
+    const std::string method = "\\res_color_mem\\dithering_list\\Huge\\";
+    tree.set(method + "matrix_size_x", 2147483647);
+    tree.set(method + "matrix_size_y", 2147483647);
+    tree.set(method + "matrix_list\\M\\0\\data", 1);
+    EXPECT_THAT(page_of(tree).texts("figcaption"), ElementsAre("Matrix M, 2147483647 × 2147483647 (not drawn)"));
+}
+
+TEST(ConnectionsSection, TellsMethodsInWords) {
+    Tree tree;
+    tree.set("\\io\\default_type", 4);
+    const std::string method = "\\io\\method\\4\\";
+    tree.set(method + "min_output_timeout", 5);
+    tree.set(method + "max_output_timeout", 105);
+    tree.set(method + "default_output_timeout", 30);
+    tree.set(method + "default_baud_rate", 9600);
+    tree.set(method + "baudrates\\0\\rate", 1200);
+    tree.set(method + "baudrates\\1\\rate", 9600);
+    tree.set(method + "default_protocol", "8N1");
+    tree.set(method + "protocol\\0\\canonical_name", "8N1");
+    tree.set(method + "protocol\\0\\data_bits", 3);
+    tree.set(method + "protocol\\0\\parity", 0);
+    tree.set(method + "protocol\\0\\stop_bits", 0);
+    tree.set(method + "handshakes", 6);
+    const Markup page = page_of(tree);
+    EXPECT_THAT(page.texts("h3"), ElementsAre("Serial port (RS-232) default"));
+    EXPECT_THAT(page.texts("tr", "protocol"), ElementsAre("8N1 default8N18none1"));
+    EXPECT_THAT(page.texts("li"), testing::IsSupersetOf({"1,200", "9,600 default", "XON/XOFF out", "CTS"}));
+    EXPECT_THAT(page.texts("figcaption"), ElementsAre("Output timeout: 30 s by default, 5 to 105 s"));
+    EXPECT_EQ(page.find("circle", "knob").at(0).attribute("cx"), "54"); // a quarter of the way
+}
+
+TEST(PensSection, DrawsPensAsWideAsTheyAre) {
+    Tree tree;
+    tree.set("\\physical_pen\\max_npens", 8);
+    tree.set("\\physical_pen\\max_width", 2.54);
+    tree.set("\\physical_pen\\max_optimization", 2);
+    const Markup page = page_of(tree);
+    EXPECT_EQ(page.find("line", "pen-line").at(0).attribute("stroke-width"), "9.6");
+    EXPECT_THAT(page.section("pens"), HasSubstr("sorts by pen"));
+}
+
+TEST(PensSection, DrawsTheLineTypesThatTheDeviceHas) {
+    Tree tree;
+    tree.set("\\linetype\\capabilities", "10001");
+    tree.set("\\linetype\\font\\0\\width", 0.05);
+    tree.set("\\linetype\\font\\16\\width", 0.15);
+    const Markup page = page_of(tree);
+    EXPECT_THAT(page.texts("li", "line-type"),
+                ElementsAre(HasSubstr("from 0.05 mm"), HasSubstr("from 0.15 mm")));
+    EXPECT_THAT(page.texts("title"), testing::IsSupersetOf({"Solid", "Sparse dot"}));
+    EXPECT_EQ(page.find("line", "pen-line").at(1).attribute("stroke-dasharray"), "1.5 14");
+}
+
+TEST(CustomSection, ShowsRangesAndLists) {
+    Tree tree;
+    tree.set("\\custom_name\\Fan\\localized_name", "Fan speed");
+    tree.set("\\custom_name\\Fan\\data_type", 1);
+    tree.set("\\custom_name\\Fan\\default_value", 60);
+    tree.set("\\custom_name\\Fan\\range_type", true);
+    tree.set("\\custom_name\\Fan\\range_min", 0.0);
+    tree.set("\\custom_name\\Fan\\range_max", 100.0);
+    tree.set("\\custom_name\\Ink\\range_type", false);
+    tree.set("\\custom_name\\Ink\\default_value", "Off");
+    tree.set("\\custom_name\\Ink\\value_list\\0\\value", "Off");
+    tree.set("\\custom_name\\Ink\\value_list\\1\\value", "On");
+    const Markup page = page_of(tree);
+    EXPECT_THAT(page.texts("tr", "custom"), ElementsAre("Fan speedFaninteger600 to 100", HasSubstr("Off default On")));
+}
+
+TEST(OwnershipSection, NamesSettingsUnderTheirOwners) {
+    Tree tree;
+    tree.set("\\init_term\\ui_owner", "021");
+    tree.set("\\init_term\\abilities", "505");
+    const Markup page = page_of(tree);
+    EXPECT_THAT(page.texts("tr"),
+                testing::IsSupersetOf(
+                    {"Start and end strings Before initialization At the end After initialization–",
+                     "Start and end strings Before initialization At the end After initialization"}));
+}
+
+TEST(OwnershipSection, HasNoDigitsButThoseOfOwnersAndUnknownPlaces) {
+    Tree tree;
+    tree.set("\\media\\ui_owner", "11111111111111111111113");
+    EXPECT_THAT(page_of(tree).section("ownership"), HasSubstr("(no. 22)"));
+}
+
+TEST(DescriptionPage, HasOnlyTheSectionsThatTheDescriptionFills) {
+    Tree tree;
+    tree.set("\\meta\\localized_model_name", "Plotter 9");
+    tree.set("\\linetype\\font\\0\\width", 1.0);
+    const Markup page = page_of(tree);
+    EXPECT_THAT(page.texts("h1"), ElementsAre("Plotter 9"));
+    EXPECT_THAT(page.texts("h2"), ElementsAre("Pens and line types"));
+    EXPECT_THAT(page.texts("a"), ElementsAre("To the content", "Pens and line types"));
+}
+
+TEST(DescriptionPage, OfATreeWithoutADescriptionHasNoSection) {
+    const Markup page = page_of(Tree());
+    EXPECT_THAT(page.texts("h1"), ElementsAre("device"));
+    EXPECT_THAT(page.find("section"), IsEmpty());
+}
+
+TEST(DescriptionPage, TakesValuesOfOtherTypesAsMissing) {
+    Tree tree;
+    tree.set("\\media\\size\\0\\name", 7);
+    tree.set("\\media\\size\\0\\media_group", "ISO");
+    tree.set("\\media\\default_size", true);
+    tree.set("\\physical_pen\\max_npens", "many");
+    tree.set("\\io\\method\\4\\handshakes", 1.5);
+    tree.set("\\media\\ui_owner", 5);
+    const Markup page = page_of(tree);
+    EXPECT_THAT(page.section("media"), HasSubstr("(no name)"));
+    EXPECT_THAT(page.section("media"), HasSubstr("Of no group"));
+    EXPECT_THAT(page.section("io"), Not(HasSubstr("Handshakes")));
+}
+
+} // namespace
