@@ -19,8 +19,8 @@ namespace pm::kit {
 
 // A description as FILE_PDT makes it, or one that was saved from it: its node, and the check of its defaults.
 struct ReportDescription {
-    std::string name; // as the page shows it, such as a file name; UTF-8
-    Node root;        // not read after the call
+    std::string name;             // as the page shows it, such as a file name; UTF-8
+    Node root;                    // not read after the call
     ExplainedFindings check = {}; // of explain_description()
 };
 

@@ -92,7 +92,8 @@ public:
     Writer(Page& page, const Settings& settings) : m_page(page), m_settings(settings) {
         m_columns.emplace_back("Setting");
         for (Origin origin = 0; origin < page.input.configurations.size(); ++origin) {
-            m_columns.push_back(fmt::format("{}: {}", letter(origin), page.input.configurations[origin].name));
+            m_columns.push_back(
+                fmt::format("{}: {}", letter(origin), page.input.configurations[origin].name));
         }
     }
 
@@ -106,8 +107,7 @@ public:
             const std::string& group = rows[at]->group;
             {
                 const Element row(html, "tr", {{"class", "group"}});
-                html.element("th",
-                             {{"scope", "rowgroup"}, {"colspan", fmt::to_string(m_columns.size())}},
+                html.element("th", {{"scope", "rowgroup"}, {"colspan", fmt::to_string(m_columns.size())}},
                              group.empty() ? "General" : group_title(group));
             }
             for (; at < rows.size() && rows[at]->group == group; ++at) {
@@ -129,8 +129,7 @@ private:
             html.text(spoken_path(below_group(row)));
         }
         for (Origin origin = 0; origin < row.values.size(); ++origin) {
-            const bool bad =
-                m_settings.verdict(origin, row.full_paths[origin]) == Verdict::impossible;
+            const bool bad = m_settings.verdict(origin, row.full_paths[origin]) == Verdict::impossible;
             const Element cell(html, "td", {{"class", bad ? "impossible" : ""}});
             if (row.values[origin]) {
                 m_settings.write(html, origin, row.full_paths[origin], *row.values[origin]);
@@ -178,8 +177,9 @@ void write_comparison(Page& page, const Settings& settings) {
         writer.write("Settings that are alike", alike);
     }
     if (silent > 0) {
-        html.element("p", {{"class", "muted"}},
-                     fmt::format("Not shown: {} settings that are missing, 0 or empty in all of them.", silent));
+        html.element(
+            "p", {{"class", "muted"}},
+            fmt::format("Not shown: {} settings that are missing, 0 or empty in all of them.", silent));
     }
 }
 

@@ -20,7 +20,8 @@ std::optional<long> decimal(std::string_view text) {
 // "Color" of "Color17"; empty for a name without both parts.
 std::string_view stem(std::string_view name) {
     const std::size_t end = name.find_last_not_of("0123456789");
-    return end == std::string_view::npos || end + 1 == name.size() ? std::string_view() : name.substr(0, end + 1);
+    return end == std::string_view::npos || end + 1 == name.size() ? std::string_view()
+                                                                   : name.substr(0, end + 1);
 }
 
 bool is_leaf(const Node& node) {
@@ -55,7 +56,8 @@ Records records_of(const Node& node) {
             kinds[std::move(names)].push_back(child);
         }
     }
-    const auto most = std::ranges::max_element(kinds, {}, [](const auto& kind) { return kind.second.size(); });
+    const auto most =
+        std::ranges::max_element(kinds, {}, [](const auto& kind) { return kind.second.size(); });
     return most == kinds.end() || most->second.size() < 2 ? Records() : Records{most->first, most->second};
 }
 
@@ -127,7 +129,8 @@ private:
     void write_rows(const Node& node, const std::string& title, bool with_children) {
         const Contents contents = contents_of(node, with_children);
         Html& html = m_page.html;
-        if (std::ranges::any_of(contents.nodes, [](const Labelled& one) { return has_properties(one.second); })) {
+        if (std::ranges::any_of(contents.nodes,
+                                [](const Labelled& one) { return has_properties(one.second); })) {
             const Table table(html, title, {"Setting", "Value"});
             const Element body(html, "tbody");
             for (const auto& [label, at] : contents.nodes) {
@@ -199,8 +202,9 @@ private:
                 ++end;
             }
             const std::string numbers = end - at == 1
-                ? from.substr(common.size())
-                : fmt::format("{} to {}", from.substr(common.size()), series[end - 1].name().substr(common.size()));
+                                            ? from.substr(common.size())
+                                            : fmt::format("{} to {}", from.substr(common.size()),
+                                                          series[end - 1].name().substr(common.size()));
             html.element("li", {{"class", verdict == Verdict::impossible ? "chip impossible" : "chip"}},
                          fmt::format("{}: {}", numbers, value.empty() ? "(empty)" : value));
             at = end;
@@ -235,7 +239,8 @@ private:
             const Element body(html, "tbody");
             for (std::size_t at = 0; at < records.nodes.size();) {
                 const std::size_t end = end_of_run(records.nodes, at);
-                write_record(records.nodes[at], end - at == 1 ? std::string() : records.nodes[end - 1].name());
+                write_record(records.nodes[at],
+                             end - at == 1 ? std::string() : records.nodes[end - 1].name());
                 at = end;
             }
         }

@@ -33,7 +33,8 @@ void write_timeout(Page& page, const Node& method, std::string_view title, const
     const Element figure(html, "figure", {{"class", "range-figure"}});
     {
         const Element caption(html, "figcaption");
-        html.text(fmt::format("{}: {} s by default, {} to {} s", title, shown(*by_default), shown(*low), shown(*high)));
+        html.text(fmt::format("{}: {} s by default, {} to {} s", title, shown(*by_default), shown(*low),
+                              shown(*high)));
         for (const std::string_view bound : {"min_", "max_"}) {
             write_badges(page, path_of(method, std::string(bound) + kind));
         }
@@ -128,7 +129,8 @@ void write_method(Page& page, const Node& method, std::optional<long> default_ty
     write_bits(page, method, "handshakes", Code::handshake_bit, "Handshakes");
     write_bits(page, method, "default_handshake", Code::handshake_bit, "Handshake by default");
     write_bits(page, method, "bidi_flags", Code::status_bit, "Reports of the device");
-    if (!number(method, "default_output_timeout") && !below(method, {"protocol"}) && !below(method, {"baudrates"})) {
+    if (!number(method, "default_output_timeout") && !below(method, {"protocol"}) &&
+        !below(method, {"baudrates"})) {
         html.element("p", {{"class", "muted"}}, "Nothing more to set.");
     }
 }

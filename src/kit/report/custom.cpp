@@ -35,7 +35,8 @@ bool has_custom(const Node& description) {
 void write_custom(Page& page, const Node& description) {
     const Section section(page, "custom", "Settings of this device alone");
     Html& html = page.html;
-    const Table table(html, "Settings of this device alone", {"Setting", "Name", "Kind", "By default", "Values"});
+    const Table table(html, "Settings of this device alone",
+                      {"Setting", "Name", "Kind", "By default", "Values"});
     const Element body(html, "tbody");
     for (const Node& setting : children(description, {"custom_name"})) {
         const std::string path = setting.path();

@@ -51,14 +51,16 @@ std::optional<Matrix> read_matrix(const Node& method, const Node& list) {
 // 0 for the lowest value, 1 for the highest.
 double level(const Matrix& matrix, long value) {
     return matrix.high == matrix.low
-        ? 0.5
-        : static_cast<double>(value - matrix.low) / static_cast<double>(matrix.high - matrix.low);
+               ? 0.5
+               : static_cast<double>(value - matrix.low) / static_cast<double>(matrix.high - matrix.low);
 }
 
 void write_cells(Html& html, const Matrix& matrix, const std::string& title) {
-    const double side = std::clamp(160.0 / static_cast<double>(std::max(matrix.width, matrix.height)), 3.0, 26.0);
+    const double side =
+        std::clamp(160.0 / static_cast<double>(std::max(matrix.width, matrix.height)), 3.0, 26.0);
     const bool with_numbers = side >= 18;
-    Picture picture(html, title, {side * static_cast<double>(matrix.width), side * static_cast<double>(matrix.height)},
+    Picture picture(html, title,
+                    {side * static_cast<double>(matrix.width), side * static_cast<double>(matrix.height)},
                     "matrix");
     for (std::size_t at = 0; at < matrix.values.size(); ++at) {
         const double x = side * static_cast<double>(at % static_cast<std::size_t>(matrix.width));
@@ -76,10 +78,11 @@ void write_cells(Html& html, const Matrix& matrix, const std::string& title) {
                             {"height", coordinate(side)},
                             {"fill", fmt::format("rgb({0},{0},{0})", shade)}});
         if (with_numbers) {
-            html.element("text", {{"x", coordinate(x + side / 2)},
-                                  {"y", coordinate(y + side / 2 + 4)},
-                                  {"text-anchor", "middle"},
-                                  {"class", grey < 0.5 ? "on-dark" : "on-light"}},
+            html.element("text",
+                         {{"x", coordinate(x + side / 2)},
+                          {"y", coordinate(y + side / 2 + 4)},
+                          {"text-anchor", "middle"},
+                          {"class", grey < 0.5 ? "on-dark" : "on-light"}},
                          fmt::to_string(*value));
         }
     }
@@ -97,7 +100,8 @@ void write_ramp(Html& html, const Matrix& matrix) {
     for (long y = 0; y < rows; ++y) {
         for (long x = 0; x < columns; ++x) {
             const auto& value =
-                matrix.values[static_cast<std::size_t>((y % matrix.height) * matrix.width + x % matrix.width)];
+                matrix
+                    .values[static_cast<std::size_t>((y % matrix.height) * matrix.width + x % matrix.width)];
             const double lightness = (static_cast<double>(x) + 0.5) / columns;
             const double threshold = value ? (static_cast<double>(*value - matrix.low) + 0.5) / steps : 0.5;
             if (lightness < threshold) {
@@ -118,8 +122,9 @@ void write_matrix(Page& page, const Node& method, const Node& list) {
     const std::string title = fmt::format("Matrix {}, {} × {}", name, width, height);
     if (matrix) {
         const Element drawings(html, "div", {{"class", "matrix-drawings"}});
-        write_cells(html, *matrix,
-                    fmt::format("{}: thresholds from {} (black) to {} (white)", title, matrix->low, matrix->high));
+        write_cells(
+            html, *matrix,
+            fmt::format("{}: thresholds from {} (black) to {} (white)", title, matrix->low, matrix->high));
         write_ramp(html, *matrix);
     }
     html.element("figcaption", matrix ? title : title + " (not drawn)");

@@ -69,7 +69,8 @@ void write_arrow(Html& html, std::string_view css_class) {
 }
 
 // A translated text with the marks and, below it, the name and what else there is.
-void write_head(Page& page, std::string_view element, const Node& node, bool is_default, std::string_view more = {}) {
+void write_head(Page& page, std::string_view element, const Node& node, bool is_default,
+                std::string_view more = {}) {
     Html& html = page.html;
     const std::string name = node.name();
     {
@@ -97,7 +98,8 @@ void write_entry(Page& page, const Node& entry, bool is_default) {
     }
     const std::vector<Node> sizes = children(entry, {"size_names"});
     if (!sizes.empty()) {
-        facts += fmt::format("{}{} {}", facts.empty() ? "" : ", ", sizes.size(), sizes.size() == 1 ? "size" : "sizes");
+        facts += fmt::format("{}{} {}", facts.empty() ? "" : ", ", sizes.size(),
+                             sizes.size() == 1 ? "size" : "sizes");
     }
     write_head(page, "p", entry, is_default, facts);
     if (const std::string size = text(entry, "default_size"); !size.empty()) {
@@ -111,7 +113,8 @@ void write_source(Page& page, const Node& source, const std::string& default_sou
     Html& html = page.html;
     const Element card(html, "li", {{"class", marked_class(page, "card", source.path())}});
     const auto feed = integer(source, "feed");
-    write_head(page, "h4", source, source.name() == default_source, feed ? word(Code::feed, *feed) : std::string());
+    write_head(page, "h4", source, source.name() == default_source,
+               feed ? word(Code::feed, *feed) : std::string());
     const std::string default_entry = text(source, "default_entry");
     const std::vector<Node> entries = children(source, {"entry"});
     if (entries.empty()) {

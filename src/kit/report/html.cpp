@@ -55,13 +55,26 @@ bool is_surrogate(std::string_view text) {
 
 void append_ascii(std::string& out, char character) {
     switch (character) {
-    case '&': out += "&amp;"; return;
-    case '<': out += "&lt;"; return;
-    case '>': out += "&gt;"; return;
-    case '"': out += "&quot;"; return;
-    case '\'': out += "&#39;"; return;
-    case '\n': out += character; return;
-    default: break;
+    case '&':
+        out += "&amp;";
+        return;
+    case '<':
+        out += "&lt;";
+        return;
+    case '>':
+        out += "&gt;";
+        return;
+    case '"':
+        out += "&quot;";
+        return;
+    case '\'':
+        out += "&#39;";
+        return;
+    case '\n':
+        out += character;
+        return;
+    default:
+        break;
     }
     const auto code = static_cast<unsigned char>(character);
     if (code < 0x20) {

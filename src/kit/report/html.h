@@ -8,8 +8,8 @@
 // Writing HTML with inline SVG: what is opened gets closed, and no text gets out unescaped.
 namespace pm::kit::report {
 
-// A text as content or attribute value, in UTF-8 whatever comes: `& < > " '` as references, control characters
-// as their pictures (U+2400 and on), each byte that is no UTF-8 and each surrogate as U+FFFD.
+// A text as content or attribute value, in UTF-8 whatever comes: `& < > " '` as references, control
+// characters as their pictures (U+2400 and on), each byte that is no UTF-8 and each surrogate as U+FFFD.
 [[nodiscard]] std::string escaped(std::string_view text);
 
 struct Attribute {

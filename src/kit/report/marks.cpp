@@ -65,10 +65,10 @@ constexpr std::array<Choice, 18> choices{{{"media-size", "size"},
 
 bool is_choice(const Look& look) {
     return (look.outcome == "passed" || look.outcome == "found") &&
-        (look.setting == "custom" || look.setting == "line_type" ||
-         std::ranges::any_of(choices, [&](const Choice& choice) {
-             return choice.rule == look.rule && choice.setting == look.setting;
-         }));
+           (look.setting == "custom" || look.setting == "line_type" ||
+            std::ranges::any_of(choices, [&](const Choice& choice) {
+                return choice.rule == look.rule && choice.setting == look.setting;
+            }));
 }
 
 // The thing itself where the path is that of the property that names it.
@@ -100,7 +100,8 @@ std::string_view section_of(std::string_view path) {
     if (path.ends_with("\\ui_owner")) {
         return "ownership";
     }
-    const auto found = std::ranges::find_if(places, [&](const Place& place) { return is_within(path, place.path); });
+    const auto found =
+        std::ranges::find_if(places, [&](const Place& place) { return is_within(path, place.path); });
     return found == places.end() ? std::string_view() : found->section;
 }
 
@@ -124,10 +125,11 @@ void Marks::add(const ExplainedFindings& check, Origin origin, std::size_t base)
     }
     for (const Finding& finding : check.findings) {
         const std::string& path = finding.description_path;
-        m_sections[std::string(section_of(std::string_view(path).substr(std::min(base, path.size()))))].push_back(
-            {origin, &finding});
+        m_sections[std::string(section_of(std::string_view(path).substr(std::min(base, path.size()))))]
+            .push_back({origin, &finding});
         if (finding.severity == Severity::error) {
-            with_outer_paths(path, [&](const std::string& outer) { insert(m_marks[outer].impossible, origin); });
+            with_outer_paths(path,
+                             [&](const std::string& outer) { insert(m_marks[outer].impossible, origin); });
         }
     }
 }

@@ -34,7 +34,8 @@ public:
 
     // Of the node or property of that path.
     [[nodiscard]] const Mark& at(const std::string& path) const;
-    // In the order of the configurations, the defaults first. Of the empty section are those that concern none.
+    // In the order of the configurations, the defaults first. Of the empty section are those that concern
+    // none.
     [[nodiscard]] const std::vector<PlacedFinding>& of_section(const std::string& section) const;
 
 private:
@@ -44,7 +45,8 @@ private:
     std::map<std::string, std::vector<PlacedFinding>, std::less<>> m_sections;
 };
 
-// The section of the page that shows a path below the description's node: "media", "flow"; empty if none does.
+// The section of the page that shows a path below the description's node: "media", "flow"; empty if none
+// does.
 [[nodiscard]] std::string_view section_of(std::string_view path);
 
 } // namespace pm::kit::report

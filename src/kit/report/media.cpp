@@ -31,7 +31,8 @@ std::optional<Bounds> printable_bounds(const Node& area) {
     const auto bottom = number(area, "printable_bounds_lly");
     const auto right = number(area, "printable_bounds_urx");
     const auto top = number(area, "printable_bounds_ury");
-    return left && bottom && right && top ? std::optional(Bounds{*left, *bottom, *right, *top}) : std::nullopt;
+    return left && bottom && right && top ? std::optional(Bounds{*left, *bottom, *right, *top})
+                                          : std::nullopt;
 }
 
 // The titles of the sources that can be loaded with a size, by its name.
@@ -56,7 +57,8 @@ std::vector<Size> read_sizes(const Node& media) {
     const auto sources = sources_of_sizes(media);
     std::vector<Size> sizes;
     for (const Node& node : children(media, {"size"})) {
-        Size size{node, node.path(), text(node, "name"), {}, number(node, "width"), number(node, "height"), {}, {}};
+        Size size{node, node.path(), text(node, "name"), {}, number(node, "width"), number(node, "height"),
+                  {},   {}};
         size.title = title(node, size.name.empty() ? "(no name)" : size.name);
         if (const auto area = areas.find(text(node, "media_description_name"))) {
             size.width = number(*area, "media_bounds_urx");
@@ -73,7 +75,9 @@ std::vector<Size> read_sizes(const Node& media) {
 }
 
 bool is_drawable(const Size& size) {
-    const auto in_range = [](const std::optional<double>& length) { return length && *length >= 0.1 && *length < 1e6; };
+    const auto in_range = [](const std::optional<double>& length) {
+        return length && *length >= 0.1 && *length < 1e6;
+    };
     return in_range(size.width) && in_range(size.height);
 }
 
@@ -109,8 +113,8 @@ void write_size_picture(Page& page, const Size& size, double pixels_a_mm) {
     if (size.printable) {
         const Bounds& bounds = *size.printable;
         picture.rectangle(1 + bounds.left * pixels_a_mm, 1 + (*size.height - bounds.top) * pixels_a_mm,
-                          (bounds.right - bounds.left) * pixels_a_mm, (bounds.top - bounds.bottom) * pixels_a_mm,
-                          "printable");
+                          (bounds.right - bounds.left) * pixels_a_mm,
+                          (bounds.top - bounds.bottom) * pixels_a_mm, "printable");
     }
 }
 
@@ -131,7 +135,8 @@ void write_size(Page& page, const Size& size, double pixels_a_mm, const std::str
         html.element("p", {{"class", "muted"}}, shown(std::round(*size.part * 1000) / 10) + " % printable");
     }
     const bool is_default = !size.name.empty() && size.name == default_size;
-    if (is_default || !page.marks.at(size.path).chosen.empty() || !page.marks.at(size.path).impossible.empty()) {
+    if (is_default || !page.marks.at(size.path).chosen.empty() ||
+        !page.marks.at(size.path).impossible.empty()) {
         const Element line(html, "p", {{"class", "marks"}});
         if (is_default) {
             write_tag(html, "default");
@@ -206,7 +211,8 @@ void write_groups(Page& page, const std::vector<Size>& sizes, const std::string&
         groups[integer(size.node, "media_group").value_or(no_group)].push_back(&size);
     }
     for (auto& [group, members] : groups) {
-        write_group(page, group == no_group ? "Of no group" : word(Code::media_group, group), members, default_size);
+        write_group(page, group == no_group ? "Of no group" : word(Code::media_group, group), members,
+                    default_size);
     }
 }
 
@@ -214,7 +220,8 @@ void write_size_table(Page& page, const std::vector<Size>& sizes) {
     Html& html = page.html;
     const Element details(html, "details");
     html.element("summary", fmt::format("All {} sizes as a table", sizes.size()));
-    const Table table(html, "Media sizes", {"Size", "Name", "Width × height", "Printable area", "Margins", "Sources"});
+    const Table table(html, "Media sizes",
+                      {"Size", "Name", "Width × height", "Printable area", "Margins", "Sources"});
     const Element body(html, "tbody");
     for (const Size& size : sizes) {
         const Element row(html, "tr", {{"class", marked_class(page, "size-row", size.path)}});
@@ -232,8 +239,8 @@ void write_size_table(Page& page, const std::vector<Size>& sizes) {
         if (size.printable && size.width && size.height) {
             const Bounds& bounds = *size.printable;
             html.element("td", fmt::format("left {}, right {}, top {}, bottom {} mm", shown(bounds.left),
-                                           shown(*size.width - bounds.right), shown(*size.height - bounds.top),
-                                           shown(bounds.bottom)));
+                                           shown(*size.width - bounds.right),
+                                           shown(*size.height - bounds.top), shown(bounds.bottom)));
         } else {
             html.element("td", "–");
         }
@@ -267,7 +274,8 @@ void write_types(Page& page, const Node& media) {
             const Element cell(html, "td");
             write_code(html, name);
         }
-        const std::string resolution = product(number(type, "max_resolution_x"), number(type, "max_resolution_y"));
+        const std::string resolution =
+            product(number(type, "max_resolution_x"), number(type, "max_resolution_y"));
         html.element("td", resolution.empty() ? "–" : resolution + " dpi");
         const auto drying = number(type, "drying_time");
         html.element("td", drying ? shown(*drying) + " s" : "–");
@@ -277,7 +285,7 @@ void write_types(Page& page, const Node& media) {
 void write_facts(Page& page, const Node& media) {
     Facts facts(page);
     facts.add("Largest size", product(number(media, "size_max_x"), number(media, "size_max_y")) +
-                  (number(media, "size_max_x") && number(media, "size_max_y") ? " mm" : ""));
+                                  (number(media, "size_max_x") && number(media, "size_max_y") ? " mm" : ""));
     facts.add_property("Longest piece of a roll", media, "max_roll_height", " mm");
     facts.add_property("Most copies", media, "max_number_of_copies");
     facts.add_property("Copies made by the device", media, "mediacopies");
@@ -287,7 +295,8 @@ void write_facts(Page& page, const Node& media) {
                   path_of(media, "selection_methods"));
     }
     if (const auto bits = integer(media, "default_selection_method")) {
-        facts.add("By default", joined(words(Code::selection_bit, *bits)), path_of(media, "default_selection_method"));
+        facts.add("By default", joined(words(Code::selection_bit, *bits)),
+                  path_of(media, "default_selection_method"));
     }
     if (const auto bits = integer(media, "duplexing_modes")) {
         facts.add("Prints on", joined(words(Code::duplexing_bit, *bits)), path_of(media, "duplexing_modes"));

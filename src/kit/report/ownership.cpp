@@ -41,10 +41,12 @@ void write_list_cell(Html& html, std::span<const std::string> list) {
 void write_owners(Page& page, const Node& description) {
     Html& html = page.html;
     html.element("h3", "Owners of settings");
-    html.element("p", {{"class", "muted"}},
-                 "Each setting belongs to one of four parties, which descriptions know by number. What nobody claims "
-                 "is owner 0's.");
-    const Table table(html, "Owners of settings", {"Settings of", "Owner 0", "Owner 1", "Owner 2", "Owner 3"});
+    html.element(
+        "p", {{"class", "muted"}},
+        "Each setting belongs to one of four parties, which descriptions know by number. What nobody claims "
+        "is owner 0's.");
+    const Table table(html, "Owners of settings",
+                      {"Settings of", "Owner 0", "Owner 1", "Owner 2", "Owner 3"});
     const Element body(html, "tbody");
     for (const Area& area : areas()) {
         const auto node = below(description, {area.node});
@@ -62,7 +64,8 @@ void write_owners(Page& page, const Node& description) {
 
 // The names of the flags that are marked, or of those that aren't, each once, in order. A name that two flags
 // share is marked if one of them is.
-std::vector<std::string> flags(std::span<const std::string_view> names, const std::string& digits, bool marked) {
+std::vector<std::string> flags(std::span<const std::string_view> names, const std::string& digits,
+                               bool marked) {
     std::vector<std::string> found;
     std::vector<std::string> others;
     for (std::size_t at = 0; at < digits.size(); ++at) {
@@ -83,7 +86,8 @@ std::vector<std::string> flags(std::span<const std::string_view> names, const st
     };
     drop_repeated(found);
     drop_repeated(others);
-    std::erase_if(others, [&](const std::string& name) { return std::ranges::find(found, name) != found.end(); });
+    std::erase_if(others,
+                  [&](const std::string& name) { return std::ranges::find(found, name) != found.end(); });
     return marked ? found : others;
 }
 
@@ -103,14 +107,16 @@ void write_abilities(Page& page, const Node& description) {
     const Element body(html, "tbody");
     for (const Area& area : areas()) {
         const auto node = below(description, {area.node});
-        if (const std::string digits = node ? text(*node, area.abilities_item) : std::string(); !digits.empty()) {
+        if (const std::string digits = node ? text(*node, area.abilities_item) : std::string();
+            !digits.empty()) {
             write_ability_row(html, area.title, area.abilities, digits);
         }
     }
     for (const Node& method : children(description, {"io", "method"})) {
         if (const std::string digits = text(method, "abilities"); !digits.empty()) {
             const std::string name = method.name();
-            const bool is_number = !name.empty() && name.size() < 6 &&
+            const bool is_number =
+                !name.empty() && name.size() < 6 &&
                 std::ranges::all_of(name, [](char digit) { return digit >= '0' && digit <= '9'; });
             const std::string title = is_number ? word(Code::io_type, std::stol(name)) : name;
             write_ability_row(html, title, method_abilities(), digits);

@@ -67,7 +67,8 @@ void write_finding(Html& html, const PlacedFinding& placed, const ReportInput& i
     write_offers(html, finding);
 }
 
-void write_list(Html& html, std::span<const PlacedFinding> findings, const ReportInput& input, Severity severity) {
+void write_list(Html& html, std::span<const PlacedFinding> findings, const ReportInput& input,
+                Severity severity) {
     std::vector<PlacedFinding> those;
     for (const PlacedFinding& placed : findings) {
         if (placed.finding->severity == severity) {
@@ -80,7 +81,8 @@ void write_list(Html& html, std::span<const PlacedFinding> findings, const Repor
     const bool folded = severity != Severity::error && those.size() > 3;
     if (folded) {
         html.open("details", {{"class", "notes"}});
-        html.element("summary", fmt::format("{} {}", those.size(), severity == Severity::note ? "notes" : "doubtful"));
+        html.element("summary",
+                     fmt::format("{} {}", those.size(), severity == Severity::note ? "notes" : "doubtful"));
     }
     {
         const Element list(html, "ul", {{"class", "findings"}});
@@ -96,7 +98,8 @@ void write_list(Html& html, std::span<const PlacedFinding> findings, const Repor
 } // namespace
 
 Section::Section(Page& page, std::string_view id, std::string_view title)
-    : m_section(page.html, "section", {{"id", std::string(id)}, {"aria-labelledby", fmt::format("{}-title", id)}}) {
+    : m_section(page.html, "section",
+                {{"id", std::string(id)}, {"aria-labelledby", fmt::format("{}-title", id)}}) {
     page.html.element("h2", {{"id", fmt::format("{}-title", id)}}, title);
     write_findings(page.html, page.marks.of_section(std::string(id)), page.input);
 }
@@ -121,8 +124,9 @@ void Facts::add_property(std::string_view name, const Node& node, std::string_vi
 }
 
 Table::Table(Html& html, std::string_view caption, const std::vector<std::string_view>& columns)
-    : m_frame(html, "div",
-              {{"class", "scroll"}, {"role", "region"}, {"tabindex", "0"}, {"aria-label", std::string(caption)}}),
+    : m_frame(
+          html, "div",
+          {{"class", "scroll"}, {"role", "region"}, {"tabindex", "0"}, {"aria-label", std::string(caption)}}),
       m_table(html, "table") {
     html.element("caption", caption);
     const Element head(html, "thead");
@@ -143,8 +147,8 @@ void write_badges(Page& page, const std::string& path) {
     const bool alone = page.input.configurations.size() == 1;
     const auto write = [&](Origin origin, std::string_view kind, std::string_view word) {
         const std::string text = origin == defaults ? fmt::format("default {}", word)
-            : alone                                 ? std::string(word)
-            : kind == "chosen"                      ? letter(origin)
+                                 : alone            ? std::string(word)
+                                 : kind == "chosen" ? letter(origin)
                                                     : fmt::format("{} {}", letter(origin), word);
         page.html.text(" ");
         page.html.element("span",

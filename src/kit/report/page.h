@@ -33,7 +33,8 @@ public:
     // Nothing for an empty value.
     void add(std::string_view name, std::string_view value, const std::string& path = {});
     // The value of a property of that node with a unit, " mm"; nothing without it.
-    void add_property(std::string_view name, const Node& node, std::string_view property, std::string_view unit = {});
+    void add_property(std::string_view name, const Node& node, std::string_view property,
+                      std::string_view unit = {});
 
 private:
     Page& m_page;

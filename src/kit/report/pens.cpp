@@ -19,8 +19,9 @@ struct PenWidth {
 void write_widths(Page& page, const Node& pens) {
     Html& html = page.html;
     const Element list(html, "ul", {{"class", "cards pens"}});
-    for (const auto& [title, item] : {PenWidth{"Narrowest", "min_width"}, PenWidth{"By default", "default_width"},
-                                      PenWidth{"Widest", "max_width"}}) {
+    for (const auto& [title, item] :
+         {PenWidth{"Narrowest", "min_width"}, PenWidth{"By default", "default_width"},
+          PenWidth{"Widest", "max_width"}}) {
         const auto width = number(pens, item);
         if (!width) {
             continue;
@@ -83,7 +84,9 @@ bool is_offered(const std::string& digits, long line_type) {
         return false;
     }
     const char digit = digits[at];
-    const int value = digit >= '0' && digit <= '9' ? digit - '0' : digit >= 'A' && digit <= 'F' ? digit - 'A' + 10 : 0;
+    const int value = digit >= '0' && digit <= '9'   ? digit - '0'
+                      : digit >= 'A' && digit <= 'F' ? digit - 'A' + 10
+                                                     : 0;
     return (value >> (line_type % 4) & 1) != 0;
 }
 
@@ -100,7 +103,8 @@ void write_line_type(Page& page, const Node& lines, long line_type) {
         write_badges(page, path);
     }
     write_line_sample(html, line_type, 2, name);
-    html.element("p", {{"class", "muted"}}, width ? fmt::format("from {} mm", shown(*width)) : "no width given");
+    html.element("p", {{"class", "muted"}},
+                 width ? fmt::format("from {} mm", shown(*width)) : "no width given");
 }
 
 void write_line_types(Page& page, const Node& lines) {
@@ -124,7 +128,7 @@ void write_line_types(Page& page, const Node& lines) {
 bool has_pens(const Node& description) {
     const auto pens = below(description, {"physical_pen"});
     return (pens && (number(*pens, "max_npens") || number(*pens, "max_width"))) ||
-        below(description, {"linetype", "font"});
+           below(description, {"linetype", "font"});
 }
 
 void write_pens(Page& page, const Node& description) {

@@ -12,10 +12,15 @@ namespace pm::kit::report {
 namespace {
 
 // Dashes and gaps of each line type, in pixels.
-constexpr std::array<std::string_view, 18> dashes{
-    "", "12 6", "1.5 5", "12 5 1.5 5", "6 6", "12 8", "20 8", "6 6 6 12", "12 8 12 16", "20 8 20 16",
-    "12 8 20 8", "12 5 5 5 5 5", "20 6 6 6", "20 5 1.5 5 1.5 5", "20 5 1.5 5", "12 5 1.5 5 5 5 1.5 5", "1.5 14",
-    "3 3 9 3"};
+constexpr std::array<std::string_view, 18> dashes{"",           "12 6",
+                                                  "1.5 5",      "12 5 1.5 5",
+                                                  "6 6",        "12 8",
+                                                  "20 8",       "6 6 6 12",
+                                                  "12 8 12 16", "20 8 20 16",
+                                                  "12 8 20 8",  "12 5 5 5 5 5",
+                                                  "20 6 6 6",   "20 5 1.5 5 1.5 5",
+                                                  "20 5 1.5 5", "12 5 1.5 5 5 5 1.5 5",
+                                                  "1.5 14",     "3 3 9 3"};
 
 struct Line {
     double x1, y1, x2, y2;
@@ -25,14 +30,22 @@ struct Line {
 std::vector<Line> folds(long folding_type) {
     const auto upright = [](double x) { return Line{x, 4, x, 24}; };
     switch (folding_type) {
-    case 0: return {upright(11), upright(20)};              // letter
-    case 1: return {upright(9), upright(16), upright(23)};  // Z
-    case 2: return {upright(9), upright(16), upright(23.5)}; // double gate
-    case 3: return {upright(9)};
-    case 4: return {upright(23)};
-    case 5: return {upright(16)};
-    case 6: return {upright(16), {2, 14, 30, 14}};
-    default: return {};
+    case 0:
+        return {upright(11), upright(20)}; // letter
+    case 1:
+        return {upright(9), upright(16), upright(23)}; // Z
+    case 2:
+        return {upright(9), upright(16), upright(23.5)}; // double gate
+    case 3:
+        return {upright(9)};
+    case 4:
+        return {upright(23)};
+    case 5:
+        return {upright(16)};
+    case 6:
+        return {upright(16), {2, 14, 30, 14}};
+    default:
+        return {};
     }
 }
 
@@ -90,7 +103,8 @@ void Picture::path(std::string_view commands, std::string_view css_class) {
 }
 
 void Picture::text(double x, double y, std::string_view anchor, std::string_view text) {
-    m_html.element("text", {{"x", coordinate(x)}, {"y", coordinate(y)}, {"text-anchor", std::string(anchor)}}, text);
+    m_html.element("text", {{"x", coordinate(x)}, {"y", coordinate(y)}, {"text-anchor", std::string(anchor)}},
+                   text);
 }
 
 void write_line_sample(Html& html, long line_type, double width, std::string_view title) {
@@ -98,13 +112,14 @@ void write_line_sample(Html& html, long line_type, double width, std::string_vie
     const double height = std::max(12.0, thickness + 4);
     const Picture picture(html, title, {150, height}, "sample");
     const bool known = line_type >= 0 && line_type < static_cast<long>(dashes.size());
-    html.empty("line", {{"x1", "0"},
-                        {"y1", coordinate(height / 2)},
-                        {"x2", "150"},
-                        {"y2", coordinate(height / 2)},
-                        {"class", "pen-line"},
-                        {"stroke-width", coordinate(thickness)},
-                        {"stroke-dasharray", std::string(known ? dashes[static_cast<std::size_t>(line_type)] : "")}});
+    html.empty("line",
+               {{"x1", "0"},
+                {"y1", coordinate(height / 2)},
+                {"x2", "150"},
+                {"y2", coordinate(height / 2)},
+                {"class", "pen-line"},
+                {"stroke-width", coordinate(thickness)},
+                {"stroke-dasharray", std::string(known ? dashes[static_cast<std::size_t>(line_type)] : "")}});
 }
 
 void write_range(Html& html, const Range& range, std::string_view title, std::string_view unit) {
@@ -114,8 +129,8 @@ void write_range(Html& html, const Range& range, std::string_view title, std::st
     constexpr double length = 184;
     const double x = left + at * length;
     Picture picture(html,
-                    fmt::format("{}: from {} to {}{}, by default {}{}", title, shown(range.low), shown(range.high), unit,
-                                shown(range.by_default), unit),
+                    fmt::format("{}: from {} to {}{}, by default {}{}", title, shown(range.low),
+                                shown(range.high), unit, shown(range.by_default), unit),
                     {200, 42}, "range");
     picture.line(left, 14, left + length, 14, "scale");
     picture.line(left, 9, left, 19, "scale");
@@ -138,7 +153,8 @@ void write_fold(Html& html, long folding_type) {
 
 void write_staple(Html& html, long location, double orientation) {
     const bool landscape = location >= 4;
-    Picture picture(html, fmt::format("Staple: {}", word(Code::stapling_location, location)), {32, 32}, "icon");
+    Picture picture(html, fmt::format("Staple: {}", word(Code::stapling_location, location)), {32, 32},
+                    "icon");
     const Point size = landscape ? Point{28, 20} : Point{20, 28};
     const Point corner{16 - size.x / 2, 16 - size.y / 2};
     picture.rectangle(corner.x, corner.y, size.x, size.y, "sheet");
@@ -148,20 +164,25 @@ void write_staple(Html& html, long location, double orientation) {
                             {"x2", coordinate(at.x + 3)},
                             {"y2", coordinate(at.y)},
                             {"class", "staple"},
-                            {"transform", fmt::format("rotate({} {} {})", coordinate(-orientation), coordinate(at.x),
-                                                      coordinate(at.y))}});
+                            {"transform", fmt::format("rotate({} {} {})", coordinate(-orientation),
+                                                      coordinate(at.x), coordinate(at.y))}});
     };
     switch (location) {
     case 1:
-    case 4: staple({corner.x + 5, corner.y + 5}); break;
+    case 4:
+        staple({corner.x + 5, corner.y + 5});
+        break;
     case 2:
-    case 5: staple({corner.x + size.x - 5, corner.y + 5}); break;
+    case 5:
+        staple({corner.x + size.x - 5, corner.y + 5});
+        break;
     case 3:
         picture.line(16, corner.y, 16, corner.y + size.y, "crease");
         staple({16, corner.y + 8});
         staple({16, corner.y + size.y - 8});
         break;
-    default: break;
+    default:
+        break;
     }
 }
 
@@ -174,7 +195,8 @@ void write_cut(Html& html, long when) {
 }
 
 void write_collation(Html& html, long collating_type) {
-    Picture picture(html, fmt::format("Collating: {}", word(Code::collating_type, collating_type)), {32, 28}, "icon");
+    Picture picture(html, fmt::format("Collating: {}", word(Code::collating_type, collating_type)), {32, 28},
+                    "icon");
     const double shift = collating_type == 2 ? 4 : 0;
     for (int sheet = 0; sheet < 4; ++sheet) {
         const bool second_set = collating_type == 0 ? false : sheet >= 2;

@@ -39,8 +39,8 @@ std::string shown_bytes(const Bytes& bytes) {
     for (std::size_t at = 0; at < std::min(bytes.size(), most); ++at) {
         digits += fmt::format("{:02X}", std::to_integer<unsigned>(bytes[at]));
     }
-    return fmt::format("{}{} ({} {})", digits, bytes.size() > most ? "…" : "", grouped(static_cast<long>(bytes.size())),
-                       bytes.size() == 1 ? "byte" : "bytes");
+    return fmt::format("{}{} ({} {})", digits, bytes.size() > most ? "…" : "",
+                       grouped(static_cast<long>(bytes.size())), bytes.size() == 1 ? "byte" : "bytes");
 }
 
 struct Shown {
@@ -92,13 +92,15 @@ std::optional<double> number(const Node& node, std::string_view name) {
     if (value && std::holds_alternative<std::int32_t>(*value)) {
         return std::get<std::int32_t>(*value);
     }
-    return value && std::holds_alternative<double>(*value) ? std::optional(std::get<double>(*value)) : std::nullopt;
+    return value && std::holds_alternative<double>(*value) ? std::optional(std::get<double>(*value))
+                                                           : std::nullopt;
 }
 
 std::optional<long> integer(const Property& property) {
     const auto value = value_of(property);
-    return value && std::holds_alternative<std::int32_t>(*value) ? std::optional<long>(std::get<std::int32_t>(*value))
-                                                                 : std::nullopt;
+    return value && std::holds_alternative<std::int32_t>(*value)
+               ? std::optional<long>(std::get<std::int32_t>(*value))
+               : std::nullopt;
 }
 
 std::optional<long> integer(const Node& node, std::string_view name) {
@@ -108,12 +110,14 @@ std::optional<long> integer(const Node& node, std::string_view name) {
 
 std::optional<bool> truth(const Node& node, std::string_view name) {
     const auto value = value_of(node, name);
-    return value && std::holds_alternative<bool>(*value) ? std::optional(std::get<bool>(*value)) : std::nullopt;
+    return value && std::holds_alternative<bool>(*value) ? std::optional(std::get<bool>(*value))
+                                                         : std::nullopt;
 }
 
 std::string text(const Node& node, std::string_view name) {
     const auto value = value_of(node, name);
-    return value && std::holds_alternative<std::string>(*value) ? std::get<std::string>(*value) : std::string();
+    return value && std::holds_alternative<std::string>(*value) ? std::get<std::string>(*value)
+                                                                : std::string();
 }
 
 std::string title(const Node& node, std::string_view otherwise) {
@@ -161,7 +165,8 @@ std::string grouped(long value) {
 
 std::string spoken(std::string_view name) {
     const auto of_a_name = [](char character) {
-        return (character >= 'a' && character <= 'z') || (character >= '0' && character <= '9') || character == '_';
+        return (character >= 'a' && character <= 'z') || (character >= '0' && character <= '9') ||
+               character == '_';
     };
     std::string words(name);
     if (name.empty() || name.front() < 'a' || name.front() > 'z' || !std::ranges::all_of(name, of_a_name)) {

@@ -14,7 +14,8 @@ namespace pm::kit::report {
 // The node some levels below, by names in UTF-8.
 [[nodiscard]] std::optional<Node> below(const Node& node, std::initializer_list<std::string_view> names);
 // The nodes directly below the one that below() finds; none without it.
-[[nodiscard]] std::vector<Node> children(const Node& node, std::initializer_list<std::string_view> names = {});
+[[nodiscard]] std::vector<Node> children(const Node& node,
+                                         std::initializer_list<std::string_view> names = {});
 [[nodiscard]] std::optional<Property> property(const Node& node, std::string_view name);
 
 // A value of the type asked for; a number is an integer or a double.

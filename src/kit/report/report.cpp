@@ -40,8 +40,8 @@ constexpr std::array<Part, 8> parts{{
 
 // A section whose part of the description is missing stands there all the same if it has findings.
 bool is_shown(const Page& page, const Part& part) {
-    return page.input.description &&
-        (part.is_there(page.input.description->root) || !page.marks.of_section(std::string(part.id)).empty());
+    return page.input.description && (part.is_there(page.input.description->root) ||
+                                      !page.marks.of_section(std::string(part.id)).empty());
 }
 
 std::string names(const ReportInput& input) {
@@ -74,7 +74,8 @@ void write_head(Page& page) {
     html.raw("<!DOCTYPE html>\n");
     html.open("html", {{"lang", "en"}});
     const Element head(html, "head");
-    html.raw("<meta charset=\"utf-8\"><meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">");
+    html.raw(
+        "<meta charset=\"utf-8\"><meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">");
     html.raw("<meta name=\"color-scheme\" content=\"light dark\">");
     std::string title = page_title(page.input);
     if (page.input.description && !page.input.configurations.empty()) {
@@ -136,9 +137,10 @@ struct Count {
 };
 
 std::string verdicts(const ExplainedFindings& check) {
-    static constexpr std::array<Count, 3> counts{{{"thing not possible", "things not possible", Severity::error},
-                                                  {"doubtful", "doubtful", Severity::warning},
-                                                  {"note", "notes", Severity::note}}};
+    static constexpr std::array<Count, 3> counts{
+        {{"thing not possible", "things not possible", Severity::error},
+         {"doubtful", "doubtful", Severity::warning},
+         {"note", "notes", Severity::note}}};
     std::vector<std::string> told;
     for (const Count& count : counts) {
         const auto found = std::ranges::count(check.findings, count.severity, &Finding::severity);

@@ -74,7 +74,8 @@ std::string dithering_title(const Node& colors, const Node& resolution) {
     return name.empty() ? "–" : method ? title(*method, name) : name;
 }
 
-void write_resolution(Page& page, const Node& colors, const Node& resolution, const Areas& areas, bool is_default) {
+void write_resolution(Page& page, const Node& colors, const Node& resolution, const Areas& areas,
+                      bool is_default) {
     Html& html = page.html;
     const std::string path = resolution.path();
     const Element row(html, "tr", {{"class", marked_class(page, "resolution", path)}});
@@ -140,8 +141,9 @@ void write_mode(Page& page, const Node& colors, const Node& mode, const Areas& a
         return;
     }
     const std::string by_default = text(mode, "default_resolution");
-    const Table table(html, "Resolutions of " + mode_title,
-                      {"Resolution", "Physical (dpi)", "Addressable (dpi)", "Effective (dpi)", "Dithering", "Memory"});
+    const Table table(
+        html, "Resolutions of " + mode_title,
+        {"Resolution", "Physical (dpi)", "Addressable (dpi)", "Effective (dpi)", "Dithering", "Memory"});
     const Element body(html, "tbody");
     for (const Node& resolution : resolutions) {
         write_resolution(page, colors, resolution, areas, resolution.name() == by_default);
@@ -201,7 +203,8 @@ void write_memory(Page& page, const Node& colors) {
 } // namespace
 
 bool has_resolutions(const Node& description) {
-    return below(description, {"res_color_mem", "rcm_list"}) || below(description, {"res_color_mem", "mem_area_list"});
+    return below(description, {"res_color_mem", "rcm_list"}) ||
+           below(description, {"res_color_mem", "mem_area_list"});
 }
 
 void write_resolutions(Page& page, const Node& description) {

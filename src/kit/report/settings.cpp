@@ -32,9 +32,12 @@ constexpr std::array<CodedName, 14> coded_names{{{"default_type", Code::io_type,
 // Notes are about a setting's owner, but for those of what the description doesn't speak of.
 Verdict of(const Finding& finding) {
     switch (finding.severity) {
-    case Severity::error: return Verdict::impossible;
-    case Severity::warning: return Verdict::doubtful;
-    default: return finding.rule == "unspoken" ? Verdict::unspoken : Verdict::not_checked;
+    case Severity::error:
+        return Verdict::impossible;
+    case Severity::warning:
+        return Verdict::doubtful;
+    default:
+        return finding.rule == "unspoken" ? Verdict::unspoken : Verdict::not_checked;
     }
 }
 
@@ -45,11 +48,12 @@ struct VerdictMark {
 };
 
 VerdictMark mark_of(Verdict verdict) {
-    static constexpr std::array<VerdictMark, 5> marks{{{"", "", ""},
-                                                       {"sign unspoken", "?", "the device tells nothing of it"},
-                                                       {"sign possible", "✓", "possible"},
-                                                       {"badge warn", "doubtful", ""},
-                                                       {"badge bad", "not possible", ""}}};
+    static constexpr std::array<VerdictMark, 5> marks{
+        {{"", "", ""},
+         {"sign unspoken", "?", "the device tells nothing of it"},
+         {"sign possible", "✓", "possible"},
+         {"badge warn", "doubtful", ""},
+         {"badge bad", "not possible", ""}}};
     return marks[static_cast<std::size_t>(verdict)];
 }
 
@@ -127,7 +131,8 @@ std::string Settings::translated(const Property& property) const {
     return found == m_texts.end() ? std::string() : found->second;
 }
 
-void Settings::write(Html& html, Origin configuration, const std::string& path, const Property& property) const {
+void Settings::write(Html& html, Origin configuration, const std::string& path,
+                     const Property& property) const {
     const std::string word = coded_word(property);
     const std::string value = shown(property);
     if (value.empty()) {
@@ -135,7 +140,8 @@ void Settings::write(Html& html, Origin configuration, const std::string& path, 
     } else {
         html.element("span", {{"class", "value"}}, word.empty() ? value : word);
     }
-    if (const std::string beside = word.empty() ? translated(property) : value; !beside.empty() && (!word.empty() || beside != value)) {
+    if (const std::string beside = word.empty() ? translated(property) : value;
+        !beside.empty() && (!word.empty() || beside != value)) {
         html.text(" ");
         html.element("span", {{"class", "meaning"}}, beside);
     }
@@ -161,7 +167,7 @@ std::string group_title(std::string_view node) {
 bool says_nothing(const Property& property) {
     const auto bytes = property.bytes();
     return property.type() != PROP_BOOL &&
-        std::ranges::all_of(bytes, [](std::byte byte) { return byte == std::byte(0); });
+           std::ranges::all_of(bytes, [](std::byte byte) { return byte == std::byte(0); });
 }
 
 std::string spoken_path(std::string_view path) {

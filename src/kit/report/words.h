@@ -37,7 +37,8 @@ enum class Code {
 
 // "Network"; "unknown (9)" for a number that stands for nothing.
 [[nodiscard]] std::string word(Code code, long number);
-// A word for each bit that is set, one "unknown (0x...)" for those that stand for nothing; the word of 0 for 0.
+// A word for each bit that is set, one "unknown (0x...)" for those that stand for nothing; the word of 0 for
+// 0.
 [[nodiscard]] std::vector<std::string> words(Code code, long bits);
 // The numbers that stand for something, rising.
 [[nodiscard]] std::vector<long> numbers(Code code);
@@ -48,9 +49,10 @@ enum class Code {
 struct Area {
     std::string_view node;
     std::string_view title;
-    std::string_view abilities_item;             // a digit each, 0 or marked
-    std::span<const std::string_view> abilities; // what the digits tell, in order; empty where nothing is known
-    std::span<const std::string_view> settings;  // of `ui_owner`, a digit each
+    std::string_view abilities_item; // a digit each, 0 or marked
+    std::span<const std::string_view>
+        abilities; // what the digits tell, in order; empty where nothing is known
+    std::span<const std::string_view> settings; // of `ui_owner`, a digit each
 };
 [[nodiscard]] std::span<const Area> areas();
 

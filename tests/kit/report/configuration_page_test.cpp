@@ -53,7 +53,8 @@ TEST(ConfigurationPage, ShowsAnImpossibleChoiceInItsPlace) {
     const Tree device = two_types();
     const Tree office = wants("Bond", 9);
     ReportInput input{ReportDescription{"device", device.root()}, {bond(office, "office.pia")}};
-    auto copies = finding(Severity::error, "copies", "\\media\\copies", "\\media\\max_number_of_copies", "Too many.");
+    auto copies =
+        finding(Severity::error, "copies", "\\media\\copies", "\\media\\max_number_of_copies", "Too many.");
     copies.configured = "9";
     copies.offers.push_back({"1 to 5", "", "\\media\\max_number_of_copies"});
     input.configurations[0].check.findings.push_back(copies);

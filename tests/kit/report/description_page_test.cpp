@@ -163,7 +163,8 @@ TEST(DitheringSection, DoesNotDrawAMatrixThatIsTooLarge) {
     tree.set(method + "matrix_size_x", 2147483647);
     tree.set(method + "matrix_size_y", 2147483647);
     tree.set(method + "matrix_list\\M\\0\\data", 1);
-    EXPECT_THAT(page_of(tree).texts("figcaption"), ElementsAre("Matrix M, 2147483647 × 2147483647 (not drawn)"));
+    EXPECT_THAT(page_of(tree).texts("figcaption"),
+                ElementsAre("Matrix M, 2147483647 × 2147483647 (not drawn)"));
 }
 
 TEST(ConnectionsSection, TellsMethodsInWords) {
@@ -225,7 +226,8 @@ TEST(CustomSection, ShowsRangesAndLists) {
     tree.set("\\custom_name\\Ink\\value_list\\0\\value", "Off");
     tree.set("\\custom_name\\Ink\\value_list\\1\\value", "On");
     const Markup page = page_of(tree);
-    EXPECT_THAT(page.texts("tr", "custom"), ElementsAre("Fan speedFaninteger600 to 100", HasSubstr("Off default On")));
+    EXPECT_THAT(page.texts("tr", "custom"),
+                ElementsAre("Fan speedFaninteger600 to 100", HasSubstr("Off default On")));
 }
 
 TEST(OwnershipSection, NamesSettingsUnderTheirOwners) {

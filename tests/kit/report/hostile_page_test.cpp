@@ -18,8 +18,8 @@ constexpr std::string_view script = "\"><script>alert('x')</script>&<b onload='y
 Tree hostile_description() {
     Tree tree;
     const std::string name(script);
-    for (const std::string item : {"localized_model_name", "localized_family_name", "driver_tag_line", "driver_version",
-                                   "canonical_model_name"}) {
+    for (const std::string item : {"localized_model_name", "localized_family_name", "driver_tag_line",
+                                   "driver_version", "canonical_model_name"}) {
         tree.set("\\meta\\" + item, name);
     }
     tree.set("\\media\\size\\0\\name", name);
@@ -80,27 +80,29 @@ TEST(HostileTexts, OfBrokenUtf16AreReplaced) {
 
 TEST(HostileNumbers, LeaveDrawingsWithinBounds) {
     Tree tree;
-    for (const double value : {std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN(),
-                               -1e300, 1e300, 0.0}) {
+    for (const double value : {std::numeric_limits<double>::infinity(),
+                               std::numeric_limits<double>::quiet_NaN(), -1e300, 1e300, 0.0}) {
         tree.set("\\media\\size\\0\\name", "S");
         tree.set("\\media\\size\\0\\media_description_name", "D");
         tree.set("\\media\\description\\0\\name", "D");
-        for (const std::string item : {"media_bounds_urx", "media_bounds_ury", "printable_bounds_llx",
-                                       "printable_bounds_lly", "printable_bounds_urx", "printable_bounds_ury",
-                                       "printable_area"}) {
+        for (const std::string item :
+             {"media_bounds_urx", "media_bounds_ury", "printable_bounds_llx", "printable_bounds_lly",
+              "printable_bounds_urx", "printable_bounds_ury", "printable_area"}) {
             tree.set("\\media\\description\\0\\" + item, value);
         }
-        for (const std::string item : {"min_width", "max_width", "default_width", "min_speed", "max_speed",
-                                       "default_speed"}) {
+        for (const std::string item :
+             {"min_width", "max_width", "default_width", "min_speed", "max_speed", "default_speed"}) {
             tree.set("\\physical_pen\\" + item, value);
         }
         tree.set("\\res_color_mem\\mem_area_list\\A\\device_memory", 5);
         tree.set("\\res_color_mem\\mem_area_list\\A\\printable_area", value);
-        const std::string page = pm::kit::report_page({pm::kit::ReportDescription{"device", tree.root()}, {}});
+        const std::string page =
+            pm::kit::report_page({pm::kit::ReportDescription{"device", tree.root()}, {}});
         const Markup markup(page);
         for (const auto& element : markup.all()) {
             for (const std::string name : {"x", "y", "width", "height", "cx", "stroke-width"}) {
-                EXPECT_THAT(element.attribute(name), Not(testing::ContainsRegex("nan|inf|e"))) << element.name;
+                EXPECT_THAT(element.attribute(name), Not(testing::ContainsRegex("nan|inf|e")))
+                    << element.name;
             }
         }
     }
@@ -124,7 +126,8 @@ TEST(Pages, LoadNothingAndRunNothing) {
     const std::string page = pm::kit::report_page({pm::kit::ReportDescription{"device", tree.root()}, {}});
     const Markup markup(page);
     for (const auto& element : markup.all()) {
-        EXPECT_THAT(element.name, Not(testing::AnyOf("script", "link", "img", "iframe", "object", "base", "form")));
+        EXPECT_THAT(element.name,
+                    Not(testing::AnyOf("script", "link", "img", "iframe", "object", "base", "form")));
         EXPECT_EQ(element.attribute("src"), "");
         EXPECT_EQ(element.attribute("style"), "");
         if (const std::string target = element.attribute("href"); !target.empty()) {

@@ -26,7 +26,7 @@ TEST(Escaping, ReplacesEachByteThatIsNoUtf8) {
     EXPECT_EQ(escaped("a\xFFz"), "a\uFFFDz");
     EXPECT_EQ(escaped("\xC3<"), "\uFFFD&lt;");
     EXPECT_EQ(escaped("\xE2\x82"), "\uFFFD\uFFFD");
-    EXPECT_EQ(escaped("\xC0\xBC"), "\uFFFD\uFFFD");         // an overlong <
+    EXPECT_EQ(escaped("\xC0\xBC"), "\uFFFD\uFFFD"); // an overlong <
     EXPECT_EQ(escaped("\xF4\x90\x80\x80"), "\uFFFD\uFFFD\uFFFD\uFFFD");
 }
 

@@ -100,7 +100,8 @@ void Markup::read(std::string_view page) {
         const bool is_empty = inside.ends_with('/') || inside.starts_with("meta ");
         inside.remove_suffix(inside.ends_with('/') ? 1 : 0);
         const std::size_t name_end = std::min(inside.size(), inside.find(' '));
-        MarkupElement element{std::string(inside.substr(0, name_end)), read_attributes(inside.substr(name_end)), {}, {}};
+        MarkupElement element{
+            std::string(inside.substr(0, name_end)), read_attributes(inside.substr(name_end)), {}, {}};
         for (const std::size_t outer : open) {
             element.outer.push_back(m_elements[outer].name);
         }

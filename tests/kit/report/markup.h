@@ -11,8 +11,8 @@ namespace pm_test {
 struct MarkupElement {
     std::string name;
     std::map<std::string, std::string> attributes;
-    std::string text;                 // of it and all below it, references resolved
-    std::vector<std::string> outer;   // names of the elements around it, the outermost first
+    std::string text;               // of it and all below it, references resolved
+    std::vector<std::string> outer; // names of the elements around it, the outermost first
 
     [[nodiscard]] std::string attribute(const std::string& attribute_name) const;
     // Whether `class` holds each of these, in any order.

@@ -18,8 +18,8 @@ pm::kit::Look passed(std::string rule, std::string setting, std::string path, st
     return {std::move(rule), std::move(setting), std::move(path), std::move(capability), "passed"};
 }
 
-pm::kit::Finding finding(pm::kit::Severity severity, std::string rule, std::string path, std::string capability,
-                         std::string message) {
+pm::kit::Finding finding(pm::kit::Severity severity, std::string rule, std::string path,
+                         std::string capability, std::string message) {
     pm::kit::Finding made;
     made.rule = std::move(rule);
     made.severity = severity;

@@ -15,7 +15,7 @@ Markup settings_of(const pm::Tree& configuration);
 // A look of a rule that passed.
 pm::kit::Look passed(std::string rule, std::string setting, std::string path, std::string capability);
 // A finding that names no values.
-pm::kit::Finding finding(pm::kit::Severity severity, std::string rule, std::string path, std::string capability,
-                         std::string message);
+pm::kit::Finding finding(pm::kit::Severity severity, std::string rule, std::string path,
+                         std::string capability, std::string message);
 
 } // namespace pm_test

@@ -25,9 +25,9 @@ TEST(PageOfTheSample, HasAllSections) {
     const Markup page(device_page());
     EXPECT_THAT(page.texts("h1"), ElementsAre("Draftex DX-4200"));
     EXPECT_THAT(page.texts("h2"),
-                ElementsAre("Media", "Sources, outputs and finishing", "Colours, resolutions and memory", "Dithering",
-                            "Connections", "Pens and line types", "Settings of this device alone",
-                            "Ownership and abilities"));
+                ElementsAre("Media", "Sources, outputs and finishing", "Colours, resolutions and memory",
+                            "Dithering", "Connections", "Pens and line types",
+                            "Settings of this device alone", "Ownership and abilities"));
     EXPECT_EQ(page.find("svg", "medium").size(), 44U);
     EXPECT_EQ(page.find("svg", "matrix").size(), 2U);
     EXPECT_EQ(page.find("li", "card line-type").size(), 15U);
@@ -72,14 +72,16 @@ TEST(PageOfTheSample, IsAccessible) {
     const auto named = std::ranges::count_if(
         drawings, [](const MarkupElement& drawing) { return drawing.attribute("role") == "img"; });
     const auto titles = page.find("title");
-    EXPECT_EQ(std::ranges::count_if(titles, [](const MarkupElement& title) { return title.outer.back() == "svg"; }),
-              named);
+    EXPECT_EQ(
+        std::ranges::count_if(titles, [](const MarkupElement& title) { return title.outer.back() == "svg"; }),
+        named);
 }
 
 TEST(PageOfTheSample, HasHeadingsThatLeaveOutNoLevel) {
     int level = 0;
     for (const MarkupElement& element : Markup(device_page()).all()) {
-        if (element.name.size() == 2 && element.name[0] == 'h' && element.name[1] >= '1' && element.name[1] <= '6') {
+        if (element.name.size() == 2 && element.name[0] == 'h' && element.name[1] >= '1' &&
+            element.name[1] <= '6') {
             const int next = element.name[1] - '0';
             EXPECT_LE(next, level + 1) << element.text;
             level = next;
@@ -92,8 +94,8 @@ TEST(PageOfConfigurations, ShowsEachSample) {
     const Tree office = sample("office.pc2", PM_Object::FILE_PC2);
     const Tree pens = sample("pens.pcp", PM_Object::FILE_PCP);
     EXPECT_THAT(pm_test::settings_of(plotter).texts("h3"),
-                ElementsAre("General", "Model", "Media", "Colour, resolution and memory", "Connections", "Pens",
-                            "Start and end strings", "Calibration"));
+                ElementsAre("General", "Model", "Media", "Colour, resolution and memory", "Connections",
+                            "Pens", "Start and end strings", "Calibration"));
     EXPECT_THAT(pm_test::settings_of(office).texts("tr", "setting"),
                 testing::Contains(HasSubstr("Color 1 to 255 1: 1 2: 2 3: 3")));
     EXPECT_THAT(pm_test::settings_of(pens).section("configuration"), HasSubstr("General: 255 entries"));
