@@ -22,9 +22,9 @@ namespace {
 
 // In the order of help.
 constexpr void (*all_verbs[])(Commands&) = {
-    add_identify, add_tree,  add_ls,      add_get,  add_set,   add_rm,       add_mv,      add_cp,
-    add_apply,    add_edit,  add_diff,    add_merge, add_check, add_convert,  add_dump,    add_codec,
-    add_sections, add_extract, add_bundle, add_help, add_completion};
+    add_identify, add_tree,     add_ls,      add_get,    add_set,   add_rm,        add_mv,   add_cp,
+    add_apply,    add_edit,     add_diff,    add_merge,  add_check, add_convert,   add_dump, add_codec,
+    add_report,   add_sections, add_extract, add_bundle, add_help,  add_completion};
 
 int trouble(const std::string& text, int status = exit_trouble) {
     std::fflush(stdout);
@@ -70,7 +70,8 @@ int run(const Commands& commands, const Request& request) {
     if (request.version) {
         fmt::print("pmtool {}\n", PMTOOL_VERSION);
     } else if (request.help) {
-        fmt::print("{}", request.entry == nullptr ? help_text(commands) : help_text(commands, *request.entry));
+        fmt::print("{}",
+                   request.entry == nullptr ? help_text(commands) : help_text(commands, *request.entry));
     } else {
         if (request.code_page) set_code_page(*request.code_page);
         return request.entry->action();

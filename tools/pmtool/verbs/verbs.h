@@ -24,6 +24,7 @@ void add_check(Commands& commands);
 void add_convert(Commands& commands);
 void add_dump(Commands& commands);
 void add_codec(Commands& commands);
+void add_report(Commands& commands);
 
 void add_sections(Commands& commands);
 void add_extract(Commands& commands);
