@@ -2,8 +2,9 @@
 
 namespace pm::kit::report {
 
-std::string_view style_sheet() {
-    return R"css(
+namespace {
+
+constexpr std::string_view sheet = R"css(
 :root {
   color-scheme: light dark;
   --ground: #f4f6f8; --card: #ffffff; --text: #1b2129; --muted: #55606d; --line: #d5dbe2; --strong-line: #7b8794;
@@ -240,6 +241,11 @@ footer { color: var(--muted); font-size: .85rem; padding-top: 1rem; padding-bott
   .bar { width: 70px; }
 }
 )css";
+
+} // namespace
+
+std::string_view style_sheet() {
+    return sheet;
 }
 
 } // namespace pm::kit::report
