@@ -1,0 +1,15 @@
+#ifndef PM_C_EXPORT_H
+#define PM_C_EXPORT_H
+
+// Marks what leaves the C interface's shared library.
+#if defined(_WIN32) && defined(PM_C_BUILD)
+#define PM9_API __declspec(dllexport)
+#elif defined(_WIN32) && !defined(PM_STATIC)
+#define PM9_API __declspec(dllimport)
+#elif defined(_WIN32)
+#define PM9_API
+#else
+#define PM9_API __attribute__((visibility("default")))
+#endif
+
+#endif

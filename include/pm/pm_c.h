@@ -1,0 +1,378 @@
+#ifndef PM_PM_C_H
+#define PM_PM_C_H
+
+#include <pm/c/export.h>
+#include <stddef.h>
+#include <stdint.h>
+
+// The property manager for programs in C, and for languages that call C. Link libpm9c.
+//
+//     pm9_tree* tree = NULL;
+//     pm9_error error = {sizeof error};
+//     if (pm9_tree_new(&tree, &error) != PM9_OK ||
+//         pm9_tree_set_long(tree, "\\media\\copies", PM9_Z, 2, &error) != PM9_OK) {
+//         fprintf(stderr, "%d: %s\n", error.number, error.detail);
+//     }
+//     pm9_tree_delete(tree);
+//
+// Failures. Every function that can fail gives a pm9_status: PM9_OK or a number, and fills the pm9_error that
+// its last argument points to; that may be NULL. Beside what each function tells, all of them give
+// PM9_ERR_INVALID_ARGUMENT for a handle or a result that is NULL, for a struct or an item size that is too
+// small, and for a number that names no type; the detail is the argument's name. Without memory it is
+// PM9_ERR_NO_MEMORY. No C++ exception leaves the library. What a failed call was to give is left alone; a
+// tree is as a failed call of the library leaves it: usable, with what was made or read before.
+//
+// Texts are UTF-8. One that goes in is a pointer and a length in bytes, or PM9_Z for "up to its zero"; it is
+// read during the call only, NULL is an empty text. What isn't UTF-8 becomes U+FFFD. An unpaired surrogate is
+// the three bytes that its number gives, so that every text of a tree comes out and goes in as it is. Names
+// of files are the system's bytes.
+//
+// What comes out is the caller's. Every text, block of bytes or array that a function gives through a pointer
+// is one block, which the caller releases by pm9_free(). Behind a text or block stands a zero that its length
+// doesn't count. The texts that the structs of an array point to lie in the array's own block.
+//
+// Stability. Every struct begins with its size: the caller sets it to sizeof (of an array, it tells the size
+// of an item as an argument), and the library reads and writes no more than that. Structs grow at their end
+// only, and what isn't told counts as 0; functions and numbers never change or go as long as the number in
+// the library's file name stays. So a program runs with every library of that number whose
+// pm9_abi_version() isn't below the PM9_ABI_VERSION that it was compiled with, if it uses all; struct members
+// beyond what an older library knows are ignored by it.
+//
+// Threads: as with the library, a tree belongs to one thread at a time; different trees may belong to
+// different ones. There is no state but the system's code page.
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#define PM9_ABI_VERSION 1
+
+// As a length: the text ends at its first zero.
+#define PM9_Z SIZE_MAX
+
+// ---------------------------------------------------------------- failures
+
+typedef int32_t pm9_status;
+
+// The numbers of failures. Up to 99 they are the library's; docs/errors.md tells each.
+enum {
+    PM9_OK = 0,
+    PM9_ERR_NO_ROOT = 50,       // the object has no tree
+    PM9_ERR_BAD_PATH = 51,      // a path that is empty, too long, too deep, or holds a name that nothing has
+    PM9_ERR_NOTHING_THERE = 52, // nothing to delete at the path
+    PM9_ERR_BAD_RAW_DATA = 53,  // raw data that doesn't convert to or from hexadecimal digits
+    PM9_ERR_WRONG_TYPE = 54,    // a strictly typed property is accessed with another type
+    PM9_ERR_NO_MEMORY = 55,     // no memory; the detail says for what
+    PM9_ERR_NOT_OPENED = 56,    // a file that can't be opened, or isn't of the expected kind
+    PM9_ERR_BAD_LINE = 57,      // a line that isn't valid; the detail holds the line, its number and the file
+    PM9_ERR_VALUE_TOO_LARGE = 58,    // a value larger than the space provided for it
+    PM9_ERR_NO_VALUE = 59,           // a property that was never given a value
+    PM9_ERR_NOT_WRITTEN = 60,        // a part of a compound file that can't be written
+    PM9_ERR_ACCESS_DENIED = 61,      // access to a file is denied
+    PM9_ERR_TOO_MANY_FILES = 62,     // too many files are open
+    PM9_ERR_NO_SUCH_FILE = 63,       // a file that doesn't exist
+    PM9_ERR_NO_MEMORY_FOR_FILE = 64, // no memory to read or write a file
+    PM9_ERR_DISK_FULL = 65,          // no space left on the disk
+    PM9_ERR_NOT_READ = 66,           // a file that can't be read, or whose content is damaged
+    PM9_ERR_TYPE_REFUSED = 67,       // an operation that isn't available for this type of file
+    PM9_ERR_IS_A_FOLDER = 68,        // a folder where a file is expected
+    PM9_ERR_UNKNOWN_VERSION = 69,    // a file of an unknown version, or not of the expected type
+    PM9_ERR_COPY_INTO_ITSELF = 70,   // a part of the tree that would be copied into itself
+    PM9_ERR_ARGUMENTS_TOO_LONG = 71, // an argument list that the system refuses as too long
+    PM9_ERR_TRY_AGAIN = 72,          // a file that is in use for the moment
+    PM9_ERR_FILE_NOT_OPEN = 73,      // a file that isn't open any more
+    PM9_ERR_NO_CHILD_PROCESS = 74,   // the system waits for a process that doesn't exist
+    PM9_ERR_DEADLOCK = 75,           // a lock that would be waited for without end
+    PM9_ERR_OUT_OF_DOMAIN = 76,      // a number outside the range that the system works with
+    PM9_ERR_FILE_EXISTS = 77,        // a file of that name that exists already
+    PM9_ERR_INVALID_ARGUMENT = 78,   // an argument that isn't valid
+    PM9_ERR_NOT_EXECUTABLE = 79,     // a file whose format the system can't run
+    PM9_ERR_RESULT_TOO_LARGE = 80,   // a result that is too large for the system
+    PM9_ERR_OTHER_DRIVE = 81,        // a file that can't be moved to another drive
+    PM9_ERR_STREAM_FAILED = 82,    // reading or writing failed for another reason, or the file ends too early
+    PM9_ERR_NO_SUCH_SECTION = 83,  // a section that the file doesn't have
+    PM9_ERR_NOT_DECODED = 84,      // a compressed content that is damaged
+    PM9_ERR_NOT_ENCODED = 85,      // a content that can't be compressed
+    PM9_ERR_NO_SUCH_NODE = 86,     // a node of the path that doesn't exist
+    PM9_ERR_NO_SUCH_PROPERTY = 87, // a property that the node doesn't have
+    PM9_ERR_UNKNOWN_VALUE = 88,    // a value of no known type
+    PM9_ERR_NOT_A_HEADER = 89,     // a file that doesn't begin like a PIA file
+    PM9_ERR_NO_HUFFMAN_SYMBOL = 90,    // Huffman data with a code that isn't in its table
+    PM9_ERR_HUFFMAN_SYMBOL_TAKEN = 91, // a Huffman table that gives two codes to one byte
+    PM9_ERR_NO_BLOCK = 92,             // data without a compressed block
+    PM9_ERR_DEFLATE_START = 93,        // compression that can't be started
+    PM9_ERR_DEFLATE = 94,              // compression that failed: the result doesn't fit
+    PM9_ERR_DEFLATE_END = 95,          // compression that can't be ended
+    PM9_ERR_INFLATE_START = 96,        // decompression that can't be started
+    PM9_ERR_INFLATE = 97,              // decompression that failed: data damaged or larger than announced
+    PM9_ERR_INFLATE_END = 98,          // decompression that can't be ended
+    PM9_ERR_NOT_HEXADECIMAL = 99,      // a dmFields value that isn't a hexadecimal number
+    PM9_BAD_INPUT = 200,               // a JSON text, a script or another input of the kit that isn't valid
+    PM9_UNEXPECTED = 201               // anything else; the detail has the words of who raised it
+};
+
+// What a failed call tells. Texts are cut to what there is room for, at the end of a character.
+typedef struct pm9_error {
+    size_t size;         // sizeof(pm9_error), set by the caller
+    pm9_status number;   // what the call gave
+    int32_t kind;        // 1 warning, 2 error, 4 severe, 6 ended by the caller's own on_report; 0 for 200 on
+    uint64_t line;       // of PM9_BAD_INPUT, from 1; 0 if there is none
+    size_t place_length; // in bytes
+    size_t detail_length;
+    char place[512];   // the operation that met it, such as "PM_Object::SetData()"
+    char detail[1024]; // what it concerns: a path, a file, a line of a file, an argument
+} pm9_error;
+
+// The text of a number, one line of English; empty without the message library or for an unknown number.
+PM9_API pm9_status pm9_error_text(pm9_status number, char** text, size_t* length, pm9_error* error);
+
+// Releases what a function gave; NULL is nothing.
+PM9_API void pm9_free(const void* block);
+
+// PM_VERSION of the library that the program runs with: 90000 for 9.0.0.
+PM9_API int32_t pm9_version(void);
+// Grows with every function, number or struct member that is added.
+PM9_API int32_t pm9_abi_version(void);
+
+// The process's narrow code page, see <pm/code_page.h>: 1252 until it is set, 0 sets that of the locale.
+// PM9_ERR_INVALID_ARGUMENT for one that the machine can't convert.
+PM9_API pm9_status pm9_set_code_page(uint32_t code_page, pm9_error* error);
+PM9_API uint32_t pm9_code_page(void);
+
+// ---------------------------------------------------------------- values
+
+enum { // type of a value
+    PM9_NONE = 0,
+    PM9_LONG = 1,   // signed, 32 bits
+    PM9_DOUBLE = 2, // 64 bits
+    PM9_STRING = 3,
+    PM9_BOOL = 4,
+    PM9_RAW = 5 // bytes
+};
+
+// A value of any type. On the way in `size`, `type` and the member of that type count.
+typedef struct pm9_value {
+    size_t size; // sizeof(pm9_value), set by the caller on both ways
+    int32_t type;
+    int32_t number; // of PM9_LONG; of PM9_BOOL 0 or 1
+    double real;    // of PM9_DOUBLE
+    // Of PM9_STRING in UTF-8, of PM9_RAW; on the way out the caller's, NULL for the others.
+    const char* data;
+    size_t length; // of data in bytes; on the way in PM9_Z is allowed for a text
+} pm9_value;
+
+// How a property is found and written; NULL counts as {sizeof(pm9_access), -1, 0}.
+typedef struct pm9_access {
+    size_t size;
+    int32_t
+        index; // takes the place of the first "*" of the path or, without one, is one more level; -1: none
+    int32_t loose; // not 0: the property takes values of other types later
+} pm9_access;
+
+// ---------------------------------------------------------------- trees
+
+// A tree of named nodes and typed properties. Paths name nodes and, last, a property: "\media\copies".
+typedef struct pm9_tree pm9_tree;
+
+PM9_API pm9_status pm9_tree_new(pm9_tree** tree, pm9_error* error);
+// With all that is in it; NULL is nothing.
+PM9_API void pm9_tree_delete(pm9_tree* tree);
+
+// Set a value, making the nodes and the property where they are missing. PM9_ERR_WRONG_TYPE if the property
+// is there with another type and isn't loose; PM9_ERR_VALUE_TOO_LARGE for a text of more than 4096 units;
+// PM9_ERR_INVALID_ARGUMENT for a text that holds a zero; PM9_ERR_BAD_PATH for a path without components, of
+// more than 256 or of more than 1023 units; PM9_ERR_NO_VALUE for PM9_NONE.
+PM9_API pm9_status pm9_tree_set(pm9_tree* tree, const char* path, size_t path_length,
+                                const pm9_access* access, const pm9_value* value, pm9_error* error);
+PM9_API pm9_status pm9_tree_set_long(pm9_tree* tree, const char* path, size_t path_length, int32_t value,
+                                     pm9_error* error);
+PM9_API pm9_status pm9_tree_set_double(pm9_tree* tree, const char* path, size_t path_length, double value,
+                                       pm9_error* error);
+PM9_API pm9_status pm9_tree_set_bool(pm9_tree* tree, const char* path, size_t path_length, int32_t value,
+                                     pm9_error* error);
+PM9_API pm9_status pm9_tree_set_string(pm9_tree* tree, const char* path, size_t path_length,
+                                       const char* value, size_t value_length, pm9_error* error);
+PM9_API pm9_status pm9_tree_set_raw(pm9_tree* tree, const char* path, size_t path_length, const void* value,
+                                    size_t value_length, pm9_error* error);
+
+// Get a value; pm9_tree_get() as its own type, the others PM9_ERR_WRONG_TYPE for one of another type. Where
+// there is no property: PM9_ERR_BAD_PATH for a name that nothing in the tree has, PM9_ERR_NO_SUCH_NODE,
+// PM9_ERR_NO_SUCH_PROPERTY. pm9_tree_contains() asks without a failure.
+PM9_API pm9_status pm9_tree_get(const pm9_tree* tree, const char* path, size_t path_length,
+                                const pm9_access* access, pm9_value* value, pm9_error* error);
+PM9_API pm9_status pm9_tree_get_long(const pm9_tree* tree, const char* path, size_t path_length,
+                                     int32_t* value, pm9_error* error);
+PM9_API pm9_status pm9_tree_get_double(const pm9_tree* tree, const char* path, size_t path_length,
+                                       double* value, pm9_error* error);
+// 0 or 1.
+PM9_API pm9_status pm9_tree_get_bool(const pm9_tree* tree, const char* path, size_t path_length,
+                                     int32_t* value, pm9_error* error);
+PM9_API pm9_status pm9_tree_get_string(const pm9_tree* tree, const char* path, size_t path_length,
+                                       char** value, size_t* value_length, pm9_error* error);
+PM9_API pm9_status pm9_tree_get_raw(const pm9_tree* tree, const char* path, size_t path_length, char** value,
+                                    size_t* value_length, pm9_error* error);
+
+enum { // what stands at a path, and what an item of a list is
+    PM9_NOTHING = 0,
+    PM9_PROPERTY = 1,
+    PM9_NODE = 2
+};
+
+// PM9_PROPERTY if there is a property of that path, else PM9_NODE or PM9_NOTHING.
+PM9_API pm9_status pm9_tree_contains(const pm9_tree* tree, const char* path, size_t path_length,
+                                     int32_t* what, pm9_error* error);
+// Removes the property of that path or, if there is none, the node with all below it; `what`, which may be
+// NULL, tells which. PM9_ERR_BAD_PATH for the root.
+PM9_API pm9_status pm9_tree_erase(pm9_tree* tree, const char* path, size_t path_length, int32_t* what,
+                                  pm9_error* error);
+// Makes an empty node, and those above it, where they are missing.
+PM9_API pm9_status pm9_tree_make_node(pm9_tree* tree, const char* path, size_t path_length, pm9_error* error);
+// Copies what is in the node `source` into the node `target`, which is made if it is missing; properties that
+// are there already stay. PM9_ERR_COPY_INTO_ITSELF if `target` lies within `source`.
+PM9_API pm9_status pm9_tree_copy_node(pm9_tree* tree, const char* source, size_t source_length,
+                                      const char* target, size_t target_length, pm9_error* error);
+
+// A node or a property, with its value.
+typedef struct pm9_item {
+    size_t size;    // of what the library filled in
+    int32_t what;   // PM9_PROPERTY or PM9_NODE
+    int32_t depth;  // below the node that was listed, which has 0
+    int32_t type;   // of a property, as the members below
+    int32_t strict; // of a property: whether it takes only this type
+    int32_t number;
+    int32_t problem; // 0, or the number for which a damaged value isn't given; data then has its bytes
+    double real;
+    const char* name; // "Root" for the root
+    size_t name_length;
+    const char* data; // NULL but for PM9_STRING, PM9_RAW and a damaged value
+    size_t length;
+} pm9_item;
+
+typedef struct pm9_list_options {
+    size_t size;
+    int32_t levels;  // items down to this depth; 0: all
+    int32_t omitted; // PM9_PROPERTY or PM9_NODE: only the others are listed; 0: both
+} pm9_list_options;
+
+// The node of that path and what is below it, in the order of the tree: a node comes before its properties,
+// those before its children. `item_size` is sizeof(pm9_item), `options` may be NULL. PM9_ERR_NO_SUCH_NODE.
+PM9_API pm9_status pm9_tree_list(const pm9_tree* tree, const char* path, size_t path_length,
+                                 const pm9_list_options* options, size_t item_size, pm9_item** items,
+                                 size_t* count, pm9_error* error);
+
+// ---------------------------------------------------------------- files
+
+enum { // type of a file
+    PM9_FILE_PIA = 0,
+    PM9_FILE_PCP = 1,
+    PM9_FILE_PC2 = 2,
+    PM9_FILE_DOC = 3,
+    PM9_FILE_PDT = 4,
+    PM9_FILE_DPIA = 5,
+    PM9_FILE_CFG = 6,
+    PM9_FILE_ANY = -1 // in a load: what the content is; PM9_ERR_NOT_OPENED if it is of no known kind
+};
+
+// Something that a load passed over.
+typedef struct pm9_report {
+    size_t size;
+    int32_t kind;   // 1 warning, 2 error, 4 severe
+    int32_t number; // as that of a failure
+    const char* place;
+    size_t place_length;
+    const char* detail; // of a bad line its number, the line and the file
+    size_t detail_length;
+} pm9_report;
+
+// Asked at each report, before the load goes on: 0 ends it, with the report's number and kind 6. The report
+// is valid during the call only. The tree that is being loaded may not be used, and nothing may leave the
+// function but its answer.
+typedef int32_t (*pm9_on_report)(void* context, const pm9_report* report);
+
+// How to read; NULL counts as {sizeof(pm9_load_options), PM9_FILE_ANY}.
+typedef struct pm9_load_options {
+    size_t size;
+    int32_t type;
+    int32_t plotter;  // of a CFG file
+    const char* base; // the node to load into; NULL for the root
+    size_t base_length;
+    const char* section; // of a DPIA file, the only one to load; NULL for its directory
+    size_t section_length;
+    pm9_on_report on_report; // NULL: every load goes on
+    void* context;
+} pm9_load_options;
+
+// Read a file into the tree. What was read before a failure stays, and pm9_tree_reports() gives what was
+// reported by then. A folder is a device description. PM9_ERR_TYPE_REFUSED for a section or another plotter
+// than 0 that is asked of bytes in memory, and for a device description there.
+PM9_API pm9_status pm9_tree_load(pm9_tree* tree, const char* file, size_t file_length,
+                                 const pm9_load_options* options, pm9_error* error);
+PM9_API pm9_status pm9_tree_load_memory(pm9_tree* tree, const void* data, size_t length,
+                                        const pm9_load_options* options, pm9_error* error);
+// Of the last load of this tree, whatever its end. `item_size` is sizeof(pm9_report).
+PM9_API pm9_status pm9_tree_reports(const pm9_tree* tree, size_t item_size, pm9_report** reports,
+                                    size_t* count, pm9_error* error);
+
+// How to write; NULL counts as {sizeof(pm9_save_options)}: the whole tree as a PIA file.
+typedef struct pm9_save_options {
+    size_t size;
+    int32_t type;    // PM9_FILE_PIA, PM9_FILE_DPIA or PM9_FILE_DOC; PM9_ERR_TYPE_REFUSED for others
+    int32_t utf8;    // of a PIA file: not 0 for UTF-8 in place of the code page
+    const char* tag; // stands in the header of a PIA file; "compress" in it compresses
+    size_t tag_length;
+    const char* subtree; // the node to save; NULL for the root
+    size_t subtree_length;
+} pm9_save_options;
+
+// Write the tree. What the format can't hold is left out or changed without a word. In memory a DOC file is
+// PM9_ERR_TYPE_REFUSED.
+PM9_API pm9_status pm9_tree_save(const pm9_tree* tree, const char* file, size_t file_length,
+                                 const pm9_save_options* options, pm9_error* error);
+PM9_API pm9_status pm9_tree_save_memory(const pm9_tree* tree, const pm9_save_options* options, char** data,
+                                        size_t* length, pm9_error* error);
+
+// What a file is, by its content.
+typedef struct pm9_identity {
+    size_t size;            // sizeof(pm9_identity), set by the caller
+    int32_t type;           // PM9_FILE_ANY: of no known kind
+    int32_t version;        // of a DPIA file: 1 or 2
+    uint32_t section_count; // of a DPIA file
+    uint32_t plotter_count; // of a CFG file
+} pm9_identity;
+
+PM9_API pm9_status pm9_identify(const char* file, size_t file_length, pm9_identity* identity,
+                                pm9_error* error);
+PM9_API pm9_status pm9_identify_memory(const void* data, size_t length, pm9_identity* identity,
+                                       pm9_error* error);
+
+// An entry in the directory of a DPIA file.
+typedef struct pm9_section {
+    size_t size;
+    const char* name; // what pm9_load_options takes
+    size_t name_length;
+    const char* info; // NULL in a file of version 1
+    size_t info_length;
+    uint64_t offset; // from the start of the file, in bytes; may lie outside of it
+    uint64_t bytes;
+} pm9_section;
+
+PM9_API pm9_status pm9_sections(const char* file, size_t file_length, size_t item_size,
+                                pm9_section** sections, size_t* count, pm9_error* error);
+
+// A plotter that a CFG file describes.
+typedef struct pm9_plotter {
+    size_t size;
+    int32_t number; // what pm9_load_options takes
+    int32_t reserved;
+    const char* name; // its MenuName, or empty
+    size_t name_length;
+} pm9_plotter;
+
+PM9_API pm9_status pm9_plotters(const char* file, size_t file_length, size_t item_size,
+                                pm9_plotter** plotters, size_t* count, pm9_error* error);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

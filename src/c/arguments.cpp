@@ -1,0 +1,30 @@
+#include "arguments.h"
+
+#include <pm/text.h>
+
+namespace pm::c {
+
+std::string_view text(const char* data, std::size_t length) noexcept {
+    if (data == nullptr) return {};
+    return length == PM9_Z ? std::string_view(data) : std::string_view(data, length);
+}
+
+std::u16string wide_text(const char* data, std::size_t length) {
+    std::u16string wide = to_utf16(text(data, length));
+    if (wide.find(u'\0') != std::u16string::npos) refuse(PM_ERR_BAD_PATH, wide.c_str());
+    return wide;
+}
+
+std::u16string file_name(const char* data, std::size_t length) {
+    std::u16string wide = file_name_to_utf16(text(data, length));
+    if (wide.find(u'\0') != std::u16string::npos) refuse(PM_ERR_BAD_PATH, wide.c_str());
+    return wide;
+}
+
+std::optional<PM_Object::FileType> file_type(std::int32_t type) {
+    if (type == PM9_FILE_ANY) return std::nullopt;
+    if (type < PM9_FILE_PIA || type > PM9_FILE_CFG) refuse(PM_ERR_INVALID_ARGUMENT, u"type");
+    return static_cast<PM_Object::FileType>(type);
+}
+
+} // namespace pm::c

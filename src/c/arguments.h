@@ -1,0 +1,55 @@
+#pragma once
+
+#include "failure.h"
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <optional>
+#include <pm/error_number.h>
+#include <pm/object.h>
+#include <pm/pm_c.h>
+#include <pm/tree.h>
+#include <string>
+#include <string_view>
+
+struct pm9_tree {
+    pm::Tree tree;
+};
+
+// What callers in C give. Everything here refuses with PM_ERR_INVALID_ARGUMENT and the argument's name.
+namespace pm::c {
+
+// A text by its length or its zero; null is empty.
+std::string_view text(const char* data, std::size_t length) noexcept;
+// The same for PM_Object: number 51 for a text that holds a zero.
+std::u16string wide_text(const char* data, std::size_t length);
+// A file's name as <pm/inspect.h> takes it.
+std::u16string file_name(const char* data, std::size_t length);
+
+// A handle or a place for a result.
+template<class T>
+T& required(T* pointer, const char16_t* name) {
+    if (pointer == nullptr) refuse(PM_ERR_INVALID_ARGUMENT, name);
+    return *pointer;
+}
+
+// A struct as this library knows it. One of a newer header is cut, one smaller than the first version
+// refused.
+template<class Struct>
+Struct options(const Struct* given, const Struct& in_place_of_null, const char16_t* name) {
+    if (given == nullptr) return in_place_of_null;
+    if (given->size < sizeof(Struct)) refuse(PM_ERR_INVALID_ARGUMENT, name);
+    return *given;
+}
+
+// A struct for a result.
+template<class Struct>
+Struct& result(Struct* given, const char16_t* name) {
+    if (required(given, name).size < sizeof(Struct)) refuse(PM_ERR_INVALID_ARGUMENT, name);
+    return *given;
+}
+
+// The type of a file; nothing for PM9_FILE_ANY.
+std::optional<PM_Object::FileType> file_type(std::int32_t type);
+
+} // namespace pm::c

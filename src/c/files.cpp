@@ -1,0 +1,151 @@
+#include "arguments.h"
+#include "block.h"
+#include "failure.h"
+#include "memory_stream.h"
+#include <istream>
+#include <pm/inspect.h>
+#include <pm/pm_c.h>
+#include <pm/text.h>
+#include <pm/tree.h>
+
+using namespace pm::c;
+
+namespace {
+
+constexpr pm9_load_options default_load{
+    sizeof(pm9_load_options), PM9_FILE_ANY, 0, nullptr, 0, nullptr, 0, nullptr, nullptr};
+
+pm9_report report_of(const pm::Report& report) {
+    pm9_report told{};
+    told.size = sizeof told;
+    told.kind = report.kind;
+    told.number = static_cast<std::int32_t>(report.number);
+    told.place = report.place.c_str();
+    told.place_length = report.place.size();
+    told.detail = report.detail.c_str();
+    told.detail_length = report.detail.size();
+    return told;
+}
+
+pm::OnReport asking(const pm9_load_options& how) {
+    if (how.on_report == nullptr) return {};
+    return [ask = how.on_report, context = how.context](const pm::Report& report) {
+        const pm9_report told = report_of(report);
+        return ask(context, &told) != 0 ? pm::Answer::go_on : pm::Answer::stop;
+    };
+}
+
+pm::LoadOptions load_options(const pm9_load_options& how, PM_Object::FileType type) {
+    pm::LoadOptions result;
+    result.type = type;
+    if (how.base != nullptr) result.base = text(how.base, how.base_length);
+    if (how.section != nullptr) result.section = text(how.section, how.section_length);
+    result.plotter = how.plotter;
+    result.on_report = asking(how);
+    return result;
+}
+
+// A file to load: a folder stands for its string file.
+struct Source {
+    std::u16string name;
+    PM_Object::FileType type;
+};
+
+Source source_of(std::u16string file, std::optional<PM_Object::FileType> type) {
+    if (type && *type != PM_Object::FILE_PDT) return {std::move(file), *type};
+    const std::optional<pm::FileIdentity> identity = pm::identify(file);
+    if (identity && !identity->string_file.empty()) return {identity->string_file, PM_Object::FILE_PDT};
+    if (!type && !identity) refuse(PM_ERR_NOT_OPENED, file.c_str());
+    return {std::move(file), type ? *type : identity->type};
+}
+
+PM_Object::FileType type_of_bytes(std::string_view bytes, std::optional<PM_Object::FileType> type) {
+    if (!type) {
+        const std::optional<pm::FileIdentity> identity = pm::identify_content(bytes);
+        if (!identity) refuse(PM_ERR_NOT_OPENED, u"");
+        type = identity->type;
+    }
+    return *type;
+}
+
+pm::SaveOptions save_options(const pm9_save_options* given) {
+    const pm9_save_options how = options(given, pm9_save_options(), u"options");
+    const std::optional<PM_Object::FileType> type = file_type(how.type);
+    if (!type) refuse(PM_ERR_INVALID_ARGUMENT, u"type");
+    pm::SaveOptions result;
+    result.type = *type;
+    result.tag = text(how.tag, how.tag_length);
+    if (how.subtree != nullptr) result.subtree = text(how.subtree, how.subtree_length);
+    result.utf8 = how.utf8 != 0;
+    return result;
+}
+
+void save_to(const pm::Tree& tree, GrowingBuffer& buffer, const pm::SaveOptions& how) {
+    std::iostream stream(&buffer);
+    stream.put('\0'); // so that there is a start to go to
+    try {
+        tree.save(stream, how);
+    } catch (const ZT_Exception&) {
+        if (buffer.is_out_of_memory()) throw std::bad_alloc();
+        throw;
+    }
+}
+
+} // namespace
+
+pm9_status pm9_tree_load(pm9_tree* tree, const char* file, size_t file_length, const pm9_load_options* given,
+                         pm9_error* error) {
+    return guarded(error, [&] {
+        const pm9_load_options how = options(given, default_load, u"options");
+        pm::Tree& target = required(tree, u"tree").tree;
+        const Source source = source_of(file_name(file, file_length), file_type(how.type));
+        target.load(source.name, load_options(how, source.type));
+    });
+}
+
+pm9_status pm9_tree_load_memory(pm9_tree* tree, const void* data, size_t length,
+                                const pm9_load_options* given, pm9_error* error) {
+    return guarded(error, [&] {
+        const pm9_load_options how = options(given, default_load, u"options");
+        pm::Tree& target = required(tree, u"tree").tree;
+        const std::string_view bytes(static_cast<const char*>(data), data != nullptr ? length : 0);
+        const PM_Object::FileType type = type_of_bytes(bytes, file_type(how.type));
+        if (type == PM_Object::FILE_PDT || how.section != nullptr || how.plotter != 0) {
+            refuse(PM_ERR_TYPE_REFUSED, u"");
+        }
+        BytesBuffer buffer(bytes);
+        std::iostream stream(&buffer);
+        target.load(stream, load_options(how, type));
+    });
+}
+
+pm9_status pm9_tree_reports(const pm9_tree* tree, size_t item_size, pm9_report** reports, size_t* count,
+                            pm9_error* error) {
+    return guarded(error, [&] {
+        ArrayBlock<pm9_report> block;
+        for (const pm::Report& report : required(tree, u"tree").tree.reports()) {
+            block.add(report_of(report));
+            block.add_text(&pm9_report::place, &pm9_report::place_length, report.place);
+            block.add_text(&pm9_report::detail, &pm9_report::detail_length, report.detail);
+        }
+        block.hand_out(item_size, reports, count);
+    });
+}
+
+pm9_status pm9_tree_save(const pm9_tree* tree, const char* file, size_t file_length,
+                         const pm9_save_options* given, pm9_error* error) {
+    return guarded(error, [&] {
+        const pm::SaveOptions how = save_options(given);
+        required(tree, u"tree").tree.save(file_name(file, file_length), how);
+    });
+}
+
+pm9_status pm9_tree_save_memory(const pm9_tree* tree, const pm9_save_options* given, char** data,
+                                size_t* length, pm9_error* error) {
+    return guarded(error, [&] {
+        const pm::SaveOptions how = save_options(given);
+        GrowingBuffer buffer;
+        save_to(required(tree, u"tree").tree, buffer, how);
+        hand_out(buffer.view(), data, length);
+    });
+}
