@@ -161,11 +161,15 @@ typedef struct pm9_value {
     size_t length; // of data in bytes; on the way in PM9_Z is allowed for a text
 } pm9_value;
 
-// How a property is found and written; NULL counts as {sizeof(pm9_access), -1, 0}.
+// As an index: a "*" in the path is an ordinary character, and nothing but the path is looked for.
+#define PM9_EXACT INT32_MIN
+
+// How a property is found and written; NULL counts as {sizeof(pm9_access), -1, 0}, which makes the first "*"
+// of a path "-1".
 typedef struct pm9_access {
     size_t size;
-    int32_t
-        index; // takes the place of the first "*" of the path or, without one, is one more level; -1: none
+    int32_t index; // takes the place of the first "*" of the path or, without one, is one more level; or
+                   // PM9_EXACT
     int32_t loose; // not 0: the property takes values of other types later
 } pm9_access;
 
@@ -220,11 +224,11 @@ enum { // what stands at a path, and what an item of a list is
 
 // PM9_PROPERTY if there is a property of that path, else PM9_NODE or PM9_NOTHING.
 PM9_API pm9_status pm9_tree_contains(const pm9_tree* tree, const char* path, size_t path_length,
-                                     int32_t* what, pm9_error* error);
+                                     const pm9_access* access, int32_t* what, pm9_error* error);
 // Removes the property of that path or, if there is none, the node with all below it; `what`, which may be
 // NULL, tells which. PM9_ERR_BAD_PATH for the root.
-PM9_API pm9_status pm9_tree_erase(pm9_tree* tree, const char* path, size_t path_length, int32_t* what,
-                                  pm9_error* error);
+PM9_API pm9_status pm9_tree_erase(pm9_tree* tree, const char* path, size_t path_length,
+                                  const pm9_access* access, int32_t* what, pm9_error* error);
 // Makes an empty node, and those above it, where they are missing.
 PM9_API pm9_status pm9_tree_make_node(pm9_tree* tree, const char* path, size_t path_length, pm9_error* error);
 // Copies what is in the node `source` into the node `target`, which is made if it is missing; properties that

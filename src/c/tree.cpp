@@ -1,5 +1,6 @@
 #include "arguments.h"
 #include "block.h"
+#include "exact.h"
 #include "failure.h"
 #include "values.h"
 #include <memory>
@@ -28,9 +29,16 @@ std::string_view bytes_of(const pm::Bytes& bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-std::int32_t what_is_at(const pm::Tree& tree, std::string_view path) {
-    if (tree.property(path)) return PM9_PROPERTY;
-    return tree.node(path) ? PM9_NODE : PM9_NOTHING;
+std::int32_t kind_at(const pm::Tree& tree, std::string_view path, std::int32_t index) {
+    if (index == PM9_EXACT) return kind_at_exact(tree, path);
+    if (tree.property(path, index)) return PM9_PROPERTY;
+    return tree.contains(path, index) ? PM9_NODE : PM9_NOTHING;
+}
+
+std::int32_t erase_at(pm::Tree& tree, std::string_view path, std::int32_t index) {
+    if (index == PM9_EXACT) return erase_exact(tree, path);
+    const std::int32_t kind = tree.property(path, index) ? PM9_PROPERTY : PM9_NODE;
+    return tree.erase(path, index) ? kind : PM9_NOTHING;
 }
 
 } // namespace
@@ -52,7 +60,9 @@ pm9_status pm9_tree_set(pm9_tree* tree, const char* path, size_t path_length, co
         const pm9_access how = options(access, default_access, u"access");
         const pm9_value given = options(&required(value, u"value"), pm9_value(), u"value");
         pm::Tree& target = required(tree, u"tree").tree;
-        target.set(text(path, path_length), value_of(given), how.index, how.loose == 0);
+        const std::string_view where = text(path, path_length);
+        if (how.index == PM9_EXACT) return set_exact(target, where, value_of(given), how.loose == 0);
+        target.set(where, value_of(given), how.index, how.loose == 0);
     });
 }
 
@@ -89,7 +99,10 @@ pm9_status pm9_tree_get(const pm9_tree* tree, const char* path, size_t path_leng
         const pm9_access how = options(access, default_access, u"access");
         pm9_value& out = result(value, u"value");
         const pm::Tree& source = required(tree, u"tree").tree;
-        hand_out_value(source.at<pm::Value>(text(path, path_length), how.index), out);
+        const std::string_view where = text(path, path_length);
+        hand_out_value(how.index == PM9_EXACT ? exact_value(source, where)
+                                              : source.at<pm::Value>(where, how.index),
+                       out);
     });
 }
 
@@ -124,21 +137,21 @@ pm9_status pm9_tree_get_raw(const pm9_tree* tree, const char* path, size_t path_
     });
 }
 
-pm9_status pm9_tree_contains(const pm9_tree* tree, const char* path, size_t path_length, int32_t* what,
-                             pm9_error* error) {
+pm9_status pm9_tree_contains(const pm9_tree* tree, const char* path, size_t path_length,
+                             const pm9_access* access, int32_t* what, pm9_error* error) {
     return guarded(error, [&] {
-        required(what, u"what") = what_is_at(required(tree, u"tree").tree, text(path, path_length));
+        const pm9_access how = options(access, default_access, u"access");
+        std::int32_t& kind = required(what, u"what");
+        kind = kind_at(required(tree, u"tree").tree, text(path, path_length), how.index);
     });
 }
 
-pm9_status pm9_tree_erase(pm9_tree* tree, const char* path, size_t path_length, int32_t* what,
-                          pm9_error* error) {
+pm9_status pm9_tree_erase(pm9_tree* tree, const char* path, size_t path_length, const pm9_access* access,
+                          int32_t* what, pm9_error* error) {
     return guarded(error, [&] {
-        pm::Tree& target = required(tree, u"tree").tree;
-        const std::string_view where = text(path, path_length);
-        const std::int32_t kind = target.property(where) ? PM9_PROPERTY : PM9_NODE;
-        const bool erased = target.erase(where);
-        if (what != nullptr) *what = erased ? kind : PM9_NOTHING;
+        const pm9_access how = options(access, default_access, u"access");
+        const std::int32_t kind = erase_at(required(tree, u"tree").tree, text(path, path_length), how.index);
+        if (what != nullptr) *what = kind;
     });
 }
 

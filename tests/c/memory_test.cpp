@@ -178,7 +178,7 @@ TEST_F(CMemory, OfWhatIsRead) {
 
 TEST_F(CMemory, OfWhatIsErased) {
     const auto erase = [](pm9_tree* tree, pm9_error* error) {
-        return pm9_tree_erase(tree, long_path, PM9_Z, nullptr, error);
+        return pm9_tree_erase(tree, long_path, PM9_Z, nullptr, nullptr, error);
     };
     EXPECT_GT(fail_each(full_tree, erase), 0);
 }

@@ -138,7 +138,7 @@ TEST(CTree, TellsWhatIsAtAPath) {
                                                     {"\\never", PM9_NOTHING}};
     for (const auto& [path, kind] : expected) {
         std::int32_t what = -1;
-        EXPECT_EQ(pm9_tree_contains(tree.get(), path, PM9_Z, &what, nullptr), PM9_OK);
+        EXPECT_EQ(pm9_tree_contains(tree.get(), path, PM9_Z, nullptr, &what, nullptr), PM9_OK);
         EXPECT_EQ(what, kind) << path;
     }
 }
@@ -146,13 +146,13 @@ TEST(CTree, TellsWhatIsAtAPath) {
 TEST(CTree, ErasesAndTellsWhat) {
     const CTree tree = small_tree();
     std::int32_t what = -1;
-    EXPECT_EQ(pm9_tree_erase(tree.get(), "\\media\\copies", PM9_Z, &what, nullptr), PM9_OK);
+    EXPECT_EQ(pm9_tree_erase(tree.get(), "\\media\\copies", PM9_Z, nullptr, &what, nullptr), PM9_OK);
     EXPECT_EQ(what, PM9_PROPERTY);
-    EXPECT_EQ(pm9_tree_erase(tree.get(), "\\media\\copies", PM9_Z, &what, nullptr), PM9_OK);
+    EXPECT_EQ(pm9_tree_erase(tree.get(), "\\media\\copies", PM9_Z, nullptr, &what, nullptr), PM9_OK);
     EXPECT_EQ(what, PM9_NOTHING);
-    EXPECT_EQ(pm9_tree_erase(tree.get(), "\\media", PM9_Z, &what, nullptr), PM9_OK);
+    EXPECT_EQ(pm9_tree_erase(tree.get(), "\\media", PM9_Z, nullptr, &what, nullptr), PM9_OK);
     EXPECT_EQ(what, PM9_NODE);
-    EXPECT_EQ(pm9_tree_erase(tree.get(), "\\", PM9_Z, nullptr, nullptr), PM9_ERR_BAD_PATH);
+    EXPECT_EQ(pm9_tree_erase(tree.get(), "\\", PM9_Z, nullptr, nullptr, nullptr), PM9_ERR_BAD_PATH);
     EXPECT_THAT(listed(tree.get()), ElementsAre("Root"));
 }
 
@@ -163,6 +163,94 @@ TEST(CTree, CopiesANode) {
                 ElementsAre("Root", " media", "  copies=2", " other", "  place", "   copies=2"));
     EXPECT_EQ(pm9_tree_copy_node(tree.get(), "\\media", PM9_Z, "\\media\\in", PM9_Z, nullptr),
               PM9_ERR_COPY_INTO_ITSELF);
+}
+
+// A tree whose names hold what an index would replace.
+class CExactPath : public testing::Test {
+protected:
+    pm9_status set(const char* path, std::int32_t number) {
+        const pm9_value value{sizeof value, PM9_LONG, number, 0, nullptr, 0};
+        return pm9_tree_set(tree.get(), path, PM9_Z, &exact, &value, nullptr);
+    }
+    std::int32_t kind(const char* path) {
+        std::int32_t what = -1;
+        EXPECT_EQ(pm9_tree_contains(tree.get(), path, PM9_Z, &exact, &what, nullptr), PM9_OK);
+        return what;
+    }
+    std::int32_t erase(const char* path) {
+        std::int32_t what = -1;
+        EXPECT_EQ(pm9_tree_erase(tree.get(), path, PM9_Z, &exact, &what, nullptr), PM9_OK);
+        return what;
+    }
+    pm9_status get(const char* path) {
+        pm9_value value{};
+        value.size = sizeof value;
+        const pm9_status status = pm9_tree_get(tree.get(), path, PM9_Z, &exact, &value, nullptr);
+        pm9_free(value.data);
+        return status;
+    }
+
+    const pm9_access exact{sizeof exact, PM9_EXACT, 0};
+    CTree tree = c_tree();
+};
+
+TEST_F(CExactPath, TakesAStarAsItIs) {
+    ASSERT_EQ(set("\\n*\\*", 1), PM9_OK);
+    ASSERT_EQ(set("top", 2), PM9_OK);
+    EXPECT_THAT(listed(tree.get()), ElementsAre("Root", " top=2", " n*", "  *=1"));
+    EXPECT_EQ(value_at(tree.get(), "\\n*\\*", &exact).number, 1);
+    EXPECT_EQ(value_at(tree.get(), "\\top\\", &exact).number, 2);
+    EXPECT_EQ(kind("\\n*\\*"), PM9_PROPERTY);
+    EXPECT_EQ(kind("\\n*"), PM9_NODE);
+    EXPECT_EQ(kind("\\"), PM9_NODE);
+    EXPECT_EQ(kind("\\n"), PM9_NOTHING);
+}
+
+TEST_F(CExactPath, HasEveryTypeOfValue) {
+    const pm9_value values[] = {{sizeof(pm9_value), PM9_DOUBLE, 0, 0.1, nullptr, 0},
+                                {sizeof(pm9_value), PM9_STRING, 0, 0, "text", PM9_Z},
+                                {sizeof(pm9_value), PM9_BOOL, 1, 0, nullptr, 0},
+                                {sizeof(pm9_value), PM9_RAW, 0, 0, nullptr, 0},
+                                {sizeof(pm9_value), PM9_RAW, 0, 0, "ab", 2}};
+    for (const pm9_value& value : values) {
+        const CTree other = c_tree();
+        ASSERT_EQ(pm9_tree_set(other.get(), "a", PM9_Z, &exact, &value, nullptr), PM9_OK);
+        const pm9_value got = value_at(other.get(), "a", &exact);
+        EXPECT_EQ(got.type, value.type);
+        EXPECT_EQ(got.number, value.number);
+        EXPECT_EQ(got.real, value.real);
+        EXPECT_EQ(got.data == nullptr ? "" : taken(got.data, got.length),
+                  value.data == nullptr ? "" : value.data);
+    }
+}
+
+TEST_F(CExactPath, GuardsWhatAPathWithAnIndexGuards) {
+    ASSERT_EQ(set("a", 1), PM9_OK);
+    const std::string long_text(4097, 'x');
+    const pm9_value text{sizeof text, PM9_STRING, 0, 0, long_text.data(), long_text.size()};
+    const pm9_value zero{sizeof zero, PM9_STRING, 0, 0, "x\0y", 3};
+    const pm9_value none{sizeof none, PM9_NONE, 0, 0, nullptr, 0};
+    const auto put = [&](const char* path, const pm9_value& value) {
+        return pm9_tree_set(tree.get(), path, PM9_Z, &exact, &value, nullptr);
+    };
+    EXPECT_EQ(put("a", pm9_value{sizeof text, PM9_DOUBLE, 0, 1, nullptr, 0}), PM9_ERR_WRONG_TYPE);
+    EXPECT_EQ(put("b", text), PM9_ERR_VALUE_TOO_LARGE);
+    EXPECT_EQ(put("b", zero), PM9_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(put("b", none), PM9_ERR_NO_VALUE);
+    EXPECT_EQ(set("\\", 1), PM9_ERR_BAD_PATH);
+    EXPECT_EQ(get("\\b"), PM9_ERR_NO_SUCH_PROPERTY);
+    EXPECT_EQ(get("\\b\\c"), PM9_ERR_NO_SUCH_NODE);
+    EXPECT_EQ(get(""), PM9_ERR_NO_SUCH_PROPERTY);
+}
+
+TEST_F(CExactPath, ErasesThePropertyBeforeTheNode) {
+    ASSERT_EQ(set("*", 1), PM9_OK);
+    ASSERT_EQ(set("*\\a", 1), PM9_OK);
+    EXPECT_EQ(erase("*"), PM9_PROPERTY);
+    EXPECT_EQ(erase("*"), PM9_NODE);
+    EXPECT_EQ(erase("*"), PM9_NOTHING);
+    EXPECT_EQ(erase("no\\a"), PM9_NOTHING);
+    EXPECT_EQ(pm9_tree_erase(tree.get(), "\\", PM9_Z, &exact, nullptr, nullptr), PM9_ERR_BAD_PATH);
 }
 
 } // namespace
