@@ -30,6 +30,13 @@ if(TARGET pm9kit)
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
     pm_install_runpath(pm9kit ${CMAKE_INSTALL_LIBDIR} ${CMAKE_INSTALL_LIBDIR} runtime)
 endif()
+if(TARGET pm9c)
+    install(TARGETS pm9c EXPORT pm9-targets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+    pm_install_runpath(pm9c ${CMAKE_INSTALL_LIBDIR} ${CMAKE_INSTALL_LIBDIR} runtime)
+endif()
 # In a folder of the library's own number, where only that library looks.
 install(TARGETS pmres9
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/pm9 COMPONENT runtime
