@@ -375,6 +375,143 @@ typedef struct pm9_plotter {
 PM9_API pm9_status pm9_plotters(const char* file, size_t file_length, size_t item_size,
                                 pm9_plotter** plotters, size_t* count, pm9_error* error);
 
+// ---------------------------------------------------------------- the kit
+
+// Values in the kit's structs are one line of text, TYPE VALUE: long 2, double 0.1, bool true, string "A0"
+// (as JSON quotes), raw 0A0B; string bytes 4100 for stored bytes that no value tells exactly; long none for
+// no value. Paths are patterns where it says so: "*" stands for any characters of a name, "**" for any names.
+
+// How to read a whole file; NULL counts as {sizeof(pm9_read_options), PM9_FILE_ANY}.
+typedef struct pm9_read_options {
+    size_t size;
+    int32_t type;
+    uint32_t code_page;  // of narrow text while the file is read, for the whole process; 0: as it is set
+    const char* section; // of a DPIA file by name, or a plotter of a CFG file by number; NULL: all of them
+    size_t section_length;
+    pm9_on_report on_report;
+    void* context;
+} pm9_read_options;
+
+// Reads a file of any kind whole, in place of what was in the tree: several sections or plotters are a node
+// each. pm9_tree_reports() gives what was reported, pm9_prepare() knows the sections' names and info texts.
+// PM9_BAD_INPUT for a file of no known kind and a section that isn't there. When it fails, the tree stays.
+PM9_API pm9_status pm9_tree_read(pm9_tree* tree, const char* file, size_t file_length,
+                                 const pm9_read_options* options, pm9_error* error);
+
+typedef struct pm9_json_options {
+    size_t size;
+    int32_t one_line; // not 0: no line ends and blanks within
+    int32_t levels;   // nodes so deep below the first; 0: all
+    int32_t plain;    // not 0: nested objects for other programs, without types; not read back
+    int32_t reserved;
+} pm9_json_options;
+
+// The node of that path as JSON, exact; <pm/kit/json.h> tells the form. `options` may be NULL.
+PM9_API pm9_status pm9_tree_to_json(const pm9_tree* tree, const char* path, size_t path_length,
+                                    const pm9_json_options* options, char** text, size_t* length,
+                                    pm9_error* error);
+// Reads that form, in place of what was in the tree. PM9_BAD_INPUT with the line of a mistake; the tree then
+// stays.
+PM9_API pm9_status pm9_tree_from_json(pm9_tree* tree, const char* text, size_t length, pm9_error* error);
+
+enum { // kind of a difference
+    PM9_ADDED = 0,
+    PM9_REMOVED = 1,
+    PM9_OTHER_TYPE = 2,
+    PM9_OTHER_VALUE = 3,
+    PM9_OTHER_STRICTNESS = 4,
+    PM9_OTHER_ORDER = 5
+};
+
+typedef struct pm9_difference {
+    size_t size;
+    int32_t kind;
+    int32_t reserved;
+    const char* path; // a node's ends in a backslash
+    size_t path_length;
+    const char* before; // a value; NULL for nodes and where there is none
+    size_t before_length;
+    const char* after;
+    size_t after_length;
+} pm9_difference;
+
+typedef struct pm9_compare_options {
+    size_t size;
+    double tolerance;    // doubles that differ by no more are the same; 0: their bits count
+    const char* exclude; // patterns, one a line: what matches doesn't count
+    size_t exclude_length;
+    int32_t any_order;      // not 0: order doesn't count
+    int32_t any_strictness; // not 0: strictness doesn't count
+} pm9_compare_options;
+
+// What turns `first` into `second`, in the order of `second`; none: they are the same. `options` may be NULL.
+PM9_API pm9_status pm9_compare(const pm9_tree* first, const pm9_tree* second,
+                               const pm9_compare_options* options, size_t item_size,
+                               pm9_difference** differences, size_t* count, pm9_error* error);
+// The same as a script for pm9_tree_apply(); <pm/kit/edit.h> tells the form.
+PM9_API pm9_status pm9_script(const pm9_tree* first, const pm9_tree* second,
+                              const pm9_compare_options* options, char** text, size_t* length,
+                              pm9_error* error);
+// Changes the tree by a script, all or nothing. PM9_BAD_INPUT, with the line, for one that can't be applied.
+PM9_API pm9_status pm9_tree_apply(pm9_tree* tree, const char* script, size_t length, pm9_error* error);
+
+// Two sides changed the same, and not alike. Values as above; NULL where there is none.
+typedef struct pm9_conflict {
+    size_t size;
+    const char* path;
+    size_t path_length;
+    const char* base;
+    size_t base_length;
+    const char* first;
+    size_t first_length;
+    const char* second;
+    size_t second_length;
+} pm9_conflict;
+
+// Puts into `merged`, in place of what is there, what both sides made of `base`; a conflict comes out as the
+// first side has it, or the second if `prefer_second` isn't 0. `merged` may be one of the others.
+PM9_API pm9_status pm9_merge(pm9_tree* merged, const pm9_tree* base, const pm9_tree* first,
+                             const pm9_tree* second, int32_t prefer_second, size_t item_size,
+                             pm9_conflict** conflicts, size_t* count, pm9_error* error);
+
+enum { PM9_NOTE = 0, PM9_WARNING = 1, PM9_ERROR = 2 }; // how bad
+
+// What a check says of a file.
+typedef struct pm9_diagnostic {
+    size_t size;
+    int32_t severity;
+    pm9_status number; // if the library said it; else 0
+    uint64_t line;     // as an editor counts; 0: none
+    uint64_t column;
+    const char* rule; // small letters and hyphens
+    size_t rule_length;
+    const char* file;
+    size_t file_length;
+    const char* section; // empty if there is none, as the path
+    size_t section_length;
+    const char* path; // of the node or property
+    size_t path_length;
+    const char* message;
+    size_t message_length;
+} pm9_diagnostic;
+
+typedef struct pm9_check_options {
+    size_t size;
+    int32_t type; // PM9_FILE_ANY: by content
+    uint32_t code_page;
+    const char* rules; // the only rules, one a line; NULL: all
+    size_t rules_length;
+    const char* without; // rules that are left out, one a line
+    size_t without_length;
+    int32_t round_trip; // not 0: also save, load again and compare
+    int32_t reserved;
+} pm9_check_options;
+
+// What there is to say of a file, or of each file in a folder. What can't be read is a diagnostic, too.
+// `options` may be NULL.
+PM9_API pm9_status pm9_check(const char* file, size_t file_length, const pm9_check_options* options,
+                             size_t item_size, pm9_diagnostic** diagnostics, size_t* count, pm9_error* error);
+
 #ifdef __cplusplus
 }
 #endif

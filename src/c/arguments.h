@@ -6,14 +6,33 @@
 #include <cstring>
 #include <optional>
 #include <pm/error_number.h>
+#include <pm/kit/file.h>
 #include <pm/object.h>
 #include <pm/pm_c.h>
 #include <pm/tree.h>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
+// A tree, and what is known of the file that it was read from whole.
 struct pm9_tree {
     pm::Tree tree;
+    std::optional<std::vector<pm::Report>> read_reports; // nothing: those of the tree's own load count
+    std::vector<pm::kit::Section> sections;
+
+    // Puts other content in place of the old.
+    void take(pm::Tree&& content, std::vector<pm::Report>&& reports = {},
+              std::vector<pm::kit::Section>&& sections_of_file = {}) {
+        tree = std::move(content);
+        read_reports = std::move(reports);
+        sections = std::move(sections_of_file);
+    }
+    pm::Tree& to_load() {
+        read_reports.reset();
+        return tree;
+    }
+    const std::vector<pm::Report>& reports() const { return read_reports ? *read_reports : tree.reports(); }
 };
 
 // What callers in C give. Everything here refuses with PM_ERR_INVALID_ARGUMENT and the argument's name.

@@ -5,6 +5,7 @@
 #include <exception>
 #include <new>
 #include <pm/exception.h>
+#include <pm/kit/error.h>
 #include <pm/text.h>
 #include <stdexcept>
 #include <string_view>
@@ -58,9 +59,13 @@ std::size_t put_text(std::string_view text, char* out, std::size_t capacity) noe
     return room.finish();
 }
 
+bool is_filled(const pm9_error* error) noexcept {
+    return error != nullptr && error->size >= sizeof(pm9_error);
+}
+
 template<class Place, class Detail>
 pm9_status tell(pm9_error* error, pm9_status number, int kind, Place place, Detail detail) noexcept {
-    if (error == nullptr || error->size < sizeof(pm9_error)) return number;
+    if (!is_filled(error)) return number;
     error->number = number;
     error->kind = kind;
     error->line = 0;
@@ -82,6 +87,11 @@ pm9_status tell_failure(pm9_error* error) noexcept {
         throw;
     } catch (const ZT_Exception& e) {
         return tell(error, static_cast<pm9_status>(e.m_number), e.kind(), view(e.m_place), view(e.m_detail));
+    } catch (const kit::Error& e) {
+        const pm9_status status =
+            tell(error, PM9_BAD_INPUT, 0, std::string_view("pm9kit"), std::string_view(e.what()));
+        if (is_filled(error)) error->line = e.line();
+        return status;
     } catch (const std::bad_alloc&) {
         return tell(error, PM9_ERR_NO_MEMORY, severe, std::string_view("pm9c"), std::string_view());
     } catch (const std::length_error&) {

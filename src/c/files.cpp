@@ -2,6 +2,7 @@
 #include "block.h"
 #include "failure.h"
 #include "memory_stream.h"
+#include "reports.h"
 #include <istream>
 #include <pm/inspect.h>
 #include <pm/pm_c.h>
@@ -15,33 +16,13 @@ namespace {
 constexpr pm9_load_options default_load{
     sizeof(pm9_load_options), PM9_FILE_ANY, 0, nullptr, 0, nullptr, 0, nullptr, nullptr};
 
-pm9_report report_of(const pm::Report& report) {
-    pm9_report told{};
-    told.size = sizeof told;
-    told.kind = report.kind;
-    told.number = static_cast<std::int32_t>(report.number);
-    told.place = report.place.c_str();
-    told.place_length = report.place.size();
-    told.detail = report.detail.c_str();
-    told.detail_length = report.detail.size();
-    return told;
-}
-
-pm::OnReport asking(const pm9_load_options& how) {
-    if (how.on_report == nullptr) return {};
-    return [ask = how.on_report, context = how.context](const pm::Report& report) {
-        const pm9_report told = report_of(report);
-        return ask(context, &told) != 0 ? pm::Answer::go_on : pm::Answer::stop;
-    };
-}
-
 pm::LoadOptions load_options(const pm9_load_options& how, PM_Object::FileType type) {
     pm::LoadOptions result;
     result.type = type;
     if (how.base != nullptr) result.base = text(how.base, how.base_length);
     if (how.section != nullptr) result.section = text(how.section, how.section_length);
     result.plotter = how.plotter;
-    result.on_report = asking(how);
+    result.on_report = asking(how.on_report, how.context);
     return result;
 }
 
@@ -97,7 +78,7 @@ pm9_status pm9_tree_load(pm9_tree* tree, const char* file, size_t file_length, c
                          pm9_error* error) {
     return guarded(error, [&] {
         const pm9_load_options how = options(given, default_load, u"options");
-        pm::Tree& target = required(tree, u"tree").tree;
+        pm::Tree& target = required(tree, u"tree").to_load();
         const Source source = source_of(file_name(file, file_length), file_type(how.type));
         target.load(source.name, load_options(how, source.type));
     });
@@ -107,7 +88,7 @@ pm9_status pm9_tree_load_memory(pm9_tree* tree, const void* data, size_t length,
                                 const pm9_load_options* given, pm9_error* error) {
     return guarded(error, [&] {
         const pm9_load_options how = options(given, default_load, u"options");
-        pm::Tree& target = required(tree, u"tree").tree;
+        pm::Tree& target = required(tree, u"tree").to_load();
         const std::string_view bytes(static_cast<const char*>(data), data != nullptr ? length : 0);
         const PM_Object::FileType type = type_of_bytes(bytes, file_type(how.type));
         if (type == PM_Object::FILE_PDT || how.section != nullptr || how.plotter != 0) {
@@ -116,19 +97,6 @@ pm9_status pm9_tree_load_memory(pm9_tree* tree, const void* data, size_t length,
         BytesBuffer buffer(bytes);
         std::iostream stream(&buffer);
         target.load(stream, load_options(how, type));
-    });
-}
-
-pm9_status pm9_tree_reports(const pm9_tree* tree, size_t item_size, pm9_report** reports, size_t* count,
-                            pm9_error* error) {
-    return guarded(error, [&] {
-        ArrayBlock<pm9_report> block;
-        for (const pm::Report& report : required(tree, u"tree").tree.reports()) {
-            block.add(report_of(report));
-            block.add_text(&pm9_report::place, &pm9_report::place_length, report.place);
-            block.add_text(&pm9_report::detail, &pm9_report::detail_length, report.detail);
-        }
-        block.hand_out(item_size, reports, count);
     });
 }
 
