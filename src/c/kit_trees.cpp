@@ -52,7 +52,7 @@ pm9_status pm9_script(const pm9_tree* first, const pm9_tree* second, const pm9_c
 
 pm9_status pm9_tree_apply(pm9_tree* tree, const char* script, size_t length, pm9_error* error) {
     return guarded(error, [&] {
-        pm::kit::apply(required(tree, u"tree").tree, pm::kit::parse_script(text(script, length)));
+        pm::kit::apply_edits(required(tree, u"tree").tree, pm::kit::parse_script(text(script, length)));
     });
 }
 

@@ -5,6 +5,7 @@ from __future__ import annotations
 import os
 import threading
 from collections.abc import Callable, Iterator, Mapping, MutableMapping
+from contextlib import contextmanager
 from dataclasses import dataclass
 from enum import IntEnum
 from typing import Any, Optional, Union
@@ -75,15 +76,24 @@ class _Handle:
         self._lock = threading.Lock()
         self._user = 0
 
-    def call(self, function: Any, *arguments: Any) -> None:
+    @property
+    def pointer(self) -> Any:
+        return self._tree
+
+    @contextmanager
+    def in_use(self) -> Iterator[None]:
         if self._user == threading.get_ident():
             raise RuntimeError("a tree can't be used by what its load asks")
         with self._lock:
             self._user = threading.get_ident()
             try:
-                call(function, self._tree, *arguments)
+                yield
             finally:
                 self._user = 0
+
+    def call(self, function: Any, *arguments: Any) -> None:
+        with self.in_use():
+            call(function, self._tree, *arguments)
 
     def text(self, function: Any, *arguments: Any) -> bytes:
         """What a function gives as text or bytes."""
@@ -379,6 +389,37 @@ class Tree(Node):
         with _LoadOptions(type, base, None, 0, on_report) as options:
             self._handle.call(lib.pm9_tree_load_memory, ffi.from_buffer(data), len(data), options)
         return self.reports
+
+    def read(self, file: File, *, type: Optional[FileType] = None, section: Optional[str] = None, code_page: int = 0,
+             on_report: Optional[OnReport] = None) -> list[Report]:
+        """Reads a whole file in place of what is in the tree: several sections or plotters are a node each.
+
+        Without a type the content tells it. `section` is the one of a DPIA file, or the plotter of a CFG file, to
+        read alone. When it fails, the tree stays as it was.
+        """
+        name = os.fsencode(file)
+        with _LoadOptions(type, "", section, 0, on_report) as load:
+            options = struct("pm9_read_options", type=load.type, code_page=code_page, section=load.section,
+                             section_length=load.section_length, on_report=load.on_report)
+            self._handle.call(lib.pm9_tree_read, name, len(name), options)
+        return self.reports
+
+    def to_json(self, *, one_line: bool = False, plain: bool = False) -> str:
+        """The tree as JSON, exact; `plain` is nested objects for other programs, without types."""
+        options = struct("pm9_json_options", one_line=one_line, plain=plain)
+        return self._handle.text(lib.pm9_tree_to_json, b"", 0, options).decode("utf-8", "surrogatepass")
+
+    @classmethod
+    def from_json(cls, text: str) -> Tree:
+        """The tree that `to_json` told; InputError, with the line, for a text that isn't valid."""
+        tree, encoded = cls(), text_in(text)
+        tree._handle.call(lib.pm9_tree_from_json, encoded, len(encoded))
+        return tree
+
+    def apply(self, script: str) -> None:
+        """Changes the tree by a script, such as diff's `script()` makes, all or nothing; InputError if it can't be."""
+        encoded = text_in(script)
+        self._handle.call(lib.pm9_tree_apply, encoded, len(encoded))
 
     def save(self, file: File, *, type: FileType = FileType.PIA, tag: str = "", utf8: bool = False,
              subtree: str = "\\") -> None:

@@ -1,0 +1,242 @@
+"""What programs do with trees and files: comparison, scripts, merging, checks."""
+
+from __future__ import annotations
+
+import json
+import os
+import tempfile
+from collections.abc import Iterable, Iterator, Sequence
+from contextlib import ExitStack, contextmanager
+from dataclasses import dataclass
+from enum import IntEnum
+from typing import Any, Optional
+
+from pm9._errors import call
+from pm9._library import NULL, ffi, lib, struct, text_in, text_out
+from pm9._tree import File, FileType, Tree
+from pm9._values import Value
+
+
+class Change(IntEnum):
+    """How two trees differ at a path."""
+
+    ADDED = 0
+    REMOVED = 1
+    TYPE = 2
+    VALUE = 3
+    STRICTNESS = 4
+    ORDER = 5
+
+
+@dataclass(frozen=True)
+class Difference:
+    """One difference. The path of a node ends in a backslash; values are None for nodes and where there is none."""
+
+    change: Change
+    path: str
+    before: Value = None
+    after: Value = None
+
+
+@dataclass(frozen=True)
+class Conflict:
+    """What both sides of a merge changed, and not alike; None where a side has no such property."""
+
+    path: str
+    base: Value
+    first: Value
+    second: Value
+
+
+class Severity(IntEnum):
+    """How bad."""
+
+    NOTE = 0
+    WARNING = 1
+    ERROR = 2
+
+
+@dataclass(frozen=True)
+class Diagnostic:
+    """What a check says. What isn't known is 0 or empty; number is the library's, if it said it."""
+
+    rule: str
+    severity: Severity
+    file: str
+    section: str
+    line: int
+    column: int
+    path: str
+    message: str
+    number: int
+
+    def __str__(self) -> str:
+        place = f"{self.file}:{self.line}" if self.line else self.file
+        return f"{place}: {self.severity.name.lower()}: {self.message} [{self.rule}]"
+
+
+def _optional(data: Any, length: int) -> Optional[str]:
+    return None if data == NULL else text_out(data, length)
+
+
+def _value(told: Optional[str]) -> Value:
+    """The value of a line as the kit tells it, such as `long 2`; the stored bytes where no value tells it exactly."""
+    if told is None:
+        return None
+    kind, _, text = told.partition(" ")
+    if text == "none":
+        return None
+    if kind == "raw" or text.startswith("bytes"):
+        return bytes.fromhex(text[len("bytes"):] if text.startswith("bytes") else text)
+    readers: dict[str, Any] = {"long": int, "double": float, "bool": lambda word: word == "true", "string": json.loads}
+    return readers[kind](text) if kind in readers else None
+
+
+def _difference(found: Any) -> Difference:
+    return Difference(Change(found.kind), text_out(found.path, found.path_length),
+                      _value(_optional(found.before, found.before_length)),
+                      _value(_optional(found.after, found.after_length)))
+
+
+def _conflict(found: Any) -> Conflict:
+    return Conflict(text_out(found.path, found.path_length), _value(_optional(found.base, found.base_length)),
+                    _value(_optional(found.first, found.first_length)),
+                    _value(_optional(found.second, found.second_length)))
+
+
+def _diagnostic(found: Any) -> Diagnostic:
+    return Diagnostic(text_out(found.rule, found.rule_length), Severity(found.severity),
+                      text_out(found.file, found.file_length), text_out(found.section, found.section_length),
+                      found.line, found.column, text_out(found.path, found.path_length),
+                      text_out(found.message, found.message_length), found.number)
+
+
+def _lines(texts: Iterable[str]) -> Any:
+    if isinstance(texts, str):
+        raise TypeError("several texts are expected, not one")
+    return ffi.from_buffer(text_in("\n".join(texts)))
+
+
+def _compare_options(exclude: Any, tolerance: float, order: bool, strictness: bool) -> Any:
+    return struct("pm9_compare_options", tolerance=tolerance, exclude=exclude, exclude_length=len(exclude),
+                  any_order=not order, any_strictness=not strictness)
+
+
+@contextmanager
+def _in_use(*trees: Tree) -> Iterator[None]:
+    """Each once, and always in the same order, so that two threads don't wait for each other."""
+    handles = {id(tree._handle): tree._handle for tree in trees}
+    with ExitStack() as stack:
+        for key in sorted(handles):
+            stack.enter_context(handles[key].in_use())
+        yield
+
+
+def _trees(*trees: object) -> None:
+    for tree in trees:
+        if not isinstance(tree, Tree):
+            raise TypeError(f"a Tree is expected, not {type(tree).__name__}")
+
+
+def diff(first: Tree, second: Tree, *, exclude: Sequence[str] = (), tolerance: float = 0.0, order: bool = True,
+         strictness: bool = True) -> list[Difference]:
+    r"""What turns the first tree into the second, in the order of the second; empty if they are the same.
+
+    What matches a pattern of `exclude`, such as r"\media\*", doesn't count; doubles that differ by no more than
+    `tolerance` are the same, with 0 if their bits are. InputError for a pattern that isn't one.
+    """
+    _trees(first, second)
+    patterns = _lines(exclude)
+    options = _compare_options(patterns, tolerance, order, strictness)
+    with _in_use(first, second):
+        return _array(lib.pm9_compare, "pm9_difference", _difference, first._handle.pointer, second._handle.pointer,
+                      options)
+
+
+def script(first: Tree, second: Tree, *, exclude: Sequence[str] = (), tolerance: float = 0.0, order: bool = True,
+           strictness: bool = True) -> str:
+    """The same as a script that `Tree.apply()` and the tool take."""
+    _trees(first, second)
+    patterns = _lines(exclude)
+    options = _compare_options(patterns, tolerance, order, strictness)
+    data, length = ffi.new("char **"), ffi.new("size_t *")
+    with _in_use(first, second):
+        call(lib.pm9_script, first._handle.pointer, second._handle.pointer, options, data, length)
+    try:
+        return text_out(data[0], length[0])
+    finally:
+        lib.pm9_free(data[0])
+
+
+def merge(base: Tree, first: Tree, second: Tree, *, prefer_second: bool = False) -> tuple[Tree, list[Conflict]]:
+    """A new tree with what both sides made of `base`, and where they disagree: there it has what the first says."""
+    _trees(base, first, second)
+    merged = Tree()
+    with _in_use(base, first, second):
+        conflicts = _array(lib.pm9_merge, "pm9_conflict", _conflict, merged._handle.pointer, base._handle.pointer,
+                           first._handle.pointer, second._handle.pointer, prefer_second)
+    return merged, conflicts
+
+
+class LossError(Exception):
+    """A conversion that would lose something; `losses` are the differences of what was read and what was written."""
+
+    def __init__(self, losses: list[Difference]) -> None:
+        self.losses = losses
+        more = f" and {len(losses) - 1} more" if len(losses) > 1 else ""
+        super().__init__(f"the format doesn't hold {losses[0].path}{more}")
+
+
+def convert(source: File, target: File, *, type: FileType = FileType.PIA, from_type: Optional[FileType] = None,
+            section: Optional[str] = None, code_page: int = 0, tag: str = "", utf8: bool = False,
+            lossy: bool = False) -> list[Difference]:
+    """Reads a file whole and writes it as another format, PIA or DOC; gives what was lost on the way.
+
+    `code_page` is that of the source's narrow text; `utf8` writes a PIA file as UTF-8.
+    What was written is read back and compared with what was read. LossError, with no file written, if they differ
+    and `lossy` is False.
+    """
+    tree, again = Tree(), Tree()
+    tree.read(source, type=from_type, section=section, code_page=code_page)
+    folder, name = os.path.split(os.fsdecode(target))
+    handle, made = tempfile.mkstemp(prefix=f".{name}.", dir=folder or ".")
+    os.close(handle)
+    try:
+        tree.save(made, type=type, tag=tag, utf8=utf8)
+        again.read(made, type=type, code_page=65001 if utf8 else 0)
+        losses = diff(tree, again, strictness=False, order=type is FileType.PIA)
+        if losses and not lossy:
+            raise LossError(losses)
+        os.chmod(made, 0o666 & ~_file_mask())
+        os.replace(made, target)
+    except BaseException:
+        os.unlink(made)
+        raise
+    return losses
+
+
+def _file_mask() -> int:
+    mask = os.umask(0)
+    os.umask(mask)
+    return mask
+
+
+def check(file: File, *, type: Optional[FileType] = None, rules: Sequence[str] = (), without: Sequence[str] = (),
+          round_trip: bool = False, code_page: int = 0) -> list[Diagnostic]:
+    """What there is to say of a file, or of each file in a folder; what can't be read is a diagnostic, too.
+
+    `rules` are the only ones, if there are any, `without` are left out; `round_trip` also saves, loads and compares.
+    """
+    name, only, others = os.fsencode(file), _lines(rules), _lines(without)
+    options = struct("pm9_check_options", type=-1 if type is None else int(type), code_page=code_page, rules=only,
+                     rules_length=len(only), without=others, without_length=len(others), round_trip=round_trip)
+    return _array(lib.pm9_check, "pm9_diagnostic", _diagnostic, name, len(name), options)
+
+
+def _array(function: Any, item: str, read: Any, *arguments: Any) -> list[Any]:
+    items, count = ffi.new(f"{item} **"), ffi.new("size_t *")
+    call(function, *arguments, ffi.sizeof(item), items, count)
+    try:
+        return [read(items[0][at]) for at in range(count[0])]
+    finally:
+        lib.pm9_free(items[0])

@@ -1,0 +1,192 @@
+#include "c/c_support.h"
+
+#include "pm_test_paths.h"
+#include "support/temp_folder.h"
+#include <gmock/gmock.h>
+
+namespace {
+
+using namespace pm::test;
+using testing::ElementsAre;
+
+std::string json_of(const pm9_tree* tree, const pm9_json_options* options = nullptr,
+                    const char* path = "\\") {
+    char* text = nullptr;
+    std::size_t length = 0;
+    EXPECT_EQ(pm9_tree_to_json(tree, path, PM9_Z, options, &text, &length, nullptr), PM9_OK);
+    return taken(text, length);
+}
+
+TEST(CJson, IsReadBack) {
+    const CTree tree = small_tree();
+    const pm9_json_options one_line{sizeof one_line, 1, 0, 0, 0};
+    const std::string json = json_of(tree.get(), &one_line);
+    EXPECT_EQ(json.find('\n'), json.size() - 1);
+    EXPECT_NE(json.find("\"copies\""), std::string::npos);
+    const CTree again = c_tree();
+    ASSERT_EQ(pm9_tree_from_json(again.get(), json.data(), json.size(), nullptr), PM9_OK);
+    EXPECT_EQ(listed(again.get()), listed(tree.get()));
+}
+
+TEST(CJson, OfANodeMayBePlain) {
+    const CTree tree = small_tree();
+    const pm9_json_options plain{sizeof plain, 1, 0, 1, 0};
+    std::string json = json_of(tree.get(), &plain, "\\media");
+    std::erase(json, ' ');
+    EXPECT_EQ(json, "{\"copies\":2}\n");
+    char* text = nullptr;
+    std::size_t length = 0;
+    EXPECT_EQ(pm9_tree_to_json(tree.get(), "\\no", PM9_Z, nullptr, &text, &length, nullptr),
+              PM9_ERR_NO_SUCH_NODE);
+}
+
+TEST(CJson, WithAMistakeTellsItsLineAndLeavesTheTree) {
+    const CTree tree = small_tree();
+    pm9_error error = c_error();
+    EXPECT_EQ(pm9_tree_from_json(tree.get(), "{\"pm9\": 1,\n\"nodes\": 5}", PM9_Z, &error), PM9_BAD_INPUT);
+    EXPECT_EQ(error.number, PM9_BAD_INPUT);
+    EXPECT_EQ(error.line, 2U);
+    EXPECT_EQ(std::string(error.place), "pm9kit");
+    EXPECT_NE(error.detail_length, 0U);
+    EXPECT_THAT(listed(tree.get()), ElementsAre("Root", " media", "  copies=2"));
+}
+
+// Kind, path, before and after of each difference.
+std::vector<std::string> differences(const pm9_tree* first, const pm9_tree* second,
+                                     const pm9_compare_options* options = nullptr) {
+    pm9_difference* found = nullptr;
+    std::size_t count = 0;
+    EXPECT_EQ(pm9_compare(first, second, options, sizeof *found, &found, &count, nullptr), PM9_OK);
+    std::vector<std::string> lines;
+    for (std::size_t at = 0; at < count; ++at) {
+        const pm9_difference& each = found[at];
+        std::string line = std::to_string(each.kind) + ' ' + each.path;
+        for (const char* const value : {each.before, each.after}) {
+            if (value != nullptr) line += std::string(" | ") + value;
+        }
+        lines.push_back(line);
+    }
+    pm9_free(found);
+    return lines;
+}
+
+class CComparison : public testing::Test {
+protected:
+    CComparison() {
+        pm9_tree_set_long(second.get(), "\\media\\copies", PM9_Z, 3, nullptr);
+        pm9_tree_set_string(second.get(), "\\media\\name", PM9_Z, "A0", PM9_Z, nullptr);
+    }
+    CTree first = small_tree();
+    CTree second = small_tree();
+};
+
+TEST_F(CComparison, TellsWhatDiffers) {
+    EXPECT_THAT(differences(first.get(), second.get()),
+                ElementsAre("3 \\media\\copies | long 2 | long 3", "0 \\media\\name | string \"A0\""));
+    EXPECT_THAT(differences(second.get(), second.get()), ElementsAre());
+}
+
+TEST_F(CComparison, LeavesOutWhatIsExcluded) {
+    const pm9_compare_options options{sizeof options, 0, "\\no\n\\media\\c*", PM9_Z, 0, 0};
+    EXPECT_THAT(differences(first.get(), second.get(), &options),
+                ElementsAre("0 \\media\\name | string \"A0\""));
+}
+
+TEST_F(CComparison, BecomesAScriptThatIsApplied) {
+    char* text = nullptr;
+    std::size_t length = 0;
+    ASSERT_EQ(pm9_script(first.get(), second.get(), nullptr, &text, &length, nullptr), PM9_OK);
+    const std::string script = taken(text, length);
+    ASSERT_EQ(pm9_tree_apply(first.get(), script.data(), script.size(), nullptr), PM9_OK);
+    EXPECT_THAT(differences(first.get(), second.get()), ElementsAre());
+}
+
+TEST_F(CComparison, RefusesAScriptWholly) {
+    pm9_error error = c_error();
+    EXPECT_EQ(pm9_tree_apply(first.get(), "set \\new long 1\nrm \\never\n", PM9_Z, &error), PM9_BAD_INPUT);
+    EXPECT_EQ(error.line, 2U);
+    EXPECT_THAT(listed(first.get()), ElementsAre("Root", " media", "  copies=2"));
+}
+
+TEST(CMerge, TakesBothSidesAndTellsConflicts) {
+    const CTree base = small_tree();
+    const CTree first = small_tree();
+    const CTree second = small_tree();
+    pm9_tree_set_long(first.get(), "\\media\\copies", PM9_Z, 3, nullptr);
+    pm9_tree_set_long(second.get(), "\\media\\copies", PM9_Z, 4, nullptr);
+    pm9_tree_set_long(second.get(), "\\media\\added", PM9_Z, 5, nullptr);
+    pm9_conflict* conflicts = nullptr;
+    std::size_t count = 0;
+    const auto merge = [&](pm9_tree* merged, int prefer_second) {
+        return pm9_merge(merged, base.get(), first.get(), second.get(), prefer_second, sizeof *conflicts,
+                         &conflicts, &count, nullptr);
+    };
+    const CTree merged = c_tree();
+    ASSERT_EQ(merge(merged.get(), 0), PM9_OK);
+    ASSERT_EQ(count, 1U);
+    EXPECT_STREQ(conflicts[0].path, "\\media\\copies");
+    EXPECT_STREQ(conflicts[0].base, "long 2");
+    EXPECT_STREQ(conflicts[0].first, "long 3");
+    EXPECT_STREQ(conflicts[0].second, "long 4");
+    pm9_free(conflicts);
+    EXPECT_THAT(listed(merged.get()), ElementsAre("Root", " media", "  copies=3", "  added=5"));
+    ASSERT_EQ(merge(first.get(), 1), PM9_OK);
+    pm9_free(conflicts);
+    EXPECT_THAT(listed(first.get()), ElementsAre("Root", " media", "  copies=4", "  added=5"));
+}
+
+TEST(CRead, PutsSectionsBesideEachOther) {
+    const CTree tree = small_tree();
+    const std::string file = std::string(PM_SAMPLES) + "/sections.dpia";
+    const pm9_list_options nodes{sizeof nodes, 1, PM9_PROPERTY};
+    ASSERT_EQ(pm9_tree_read(tree.get(), file.c_str(), PM9_Z, nullptr, nullptr), PM9_OK);
+    EXPECT_THAT(listed(tree.get(), &nodes), ElementsAre("Root", " Office", " Workshop", " Archive"));
+}
+
+TEST(CRead, KeepsItsReportsUntilTheNextLoad) {
+    const TempFolder folder;
+    folder.write("a.pia", "PIAFILEVERSION_2.0\na=\nb=1\n");
+    const std::string file = (folder / "a.pia").string();
+    const CTree tree = c_tree();
+    const auto count = [&] {
+        pm9_report* reports = nullptr;
+        std::size_t found = 0;
+        EXPECT_EQ(pm9_tree_reports(tree.get(), sizeof *reports, &reports, &found, nullptr), PM9_OK);
+        pm9_free(reports);
+        return found;
+    };
+    ASSERT_EQ(pm9_tree_read(tree.get(), file.c_str(), PM9_Z, nullptr, nullptr), PM9_OK);
+    EXPECT_EQ(count(), 1U);
+    ASSERT_EQ(pm9_tree_load_memory(tree.get(), "PIAFILEVERSION_2.0\nb=1\n", 23, nullptr, nullptr), PM9_OK);
+    EXPECT_EQ(count(), 0U);
+    EXPECT_EQ(pm9_tree_read(tree.get(), (file + "no").c_str(), PM9_Z, nullptr, nullptr),
+              PM9_ERR_NO_SUCH_FILE);
+    EXPECT_THAT(listed(tree.get()), ElementsAre("Root", " b=1"));
+}
+
+TEST(CCheck, TellsRulePlaceAndWords) {
+    const TempFolder folder;
+    folder.write("a.pia", "PIAFILEVERSION_2.0,\na=\nb=1\n");
+    const std::string file = (folder / "a.pia").string();
+    pm9_diagnostic* found = nullptr;
+    std::size_t count = 0;
+    ASSERT_EQ(pm9_check(file.c_str(), PM9_Z, nullptr, sizeof *found, &found, &count, nullptr), PM9_OK);
+    ASSERT_GE(count, 1U);
+    EXPECT_STREQ(found[0].rule, "bad-line");
+    EXPECT_STREQ(found[0].file, file.c_str());
+    EXPECT_EQ(found[0].line, 2U);
+    EXPECT_EQ(found[0].severity, PM9_ERROR);
+    EXPECT_EQ(found[0].number, PM9_ERR_BAD_LINE);
+    EXPECT_GT(found[0].message_length, 0U);
+    pm9_free(found);
+    pm9_check_options without{};
+    without.size = sizeof without;
+    without.type = PM9_FILE_PIA;
+    without.rules = "no-such-rule\nnor-this";
+    without.rules_length = PM9_Z;
+    ASSERT_EQ(pm9_check(file.c_str(), PM9_Z, &without, sizeof *found, &found, &count, nullptr), PM9_OK);
+    EXPECT_EQ(count, 0U);
+    pm9_free(found);
+}
+
+} // namespace
