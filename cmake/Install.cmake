@@ -52,9 +52,19 @@ install(FILES ${PROJECT_SOURCE_DIR}/cmake/pm9-config.cmake ${PROJECT_BINARY_DIR}
 file(RELATIVE_PATH prefix_of_pkgconfig
     ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 string(REGEX REPLACE "/$" "" prefix_of_pkgconfig ${prefix_of_pkgconfig})
-configure_file(${PROJECT_SOURCE_DIR}/cmake/pm9.pc.in ${PROJECT_BINARY_DIR}/cmake/pm9.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/cmake/pm9.pc
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+# pm_install_pkgconfig(<library> <part> <needs>): needs is a line, or nothing.
+function(pm_install_pkgconfig PM_LIBRARY PM_LIBRARY_PART PM_LIBRARY_NEEDS)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/library.pc.in ${PROJECT_BINARY_DIR}/cmake/${PM_LIBRARY}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/cmake/${PM_LIBRARY}.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+endfunction()
+pm_install_pkgconfig(pm9 "; its headers are C++20" "")
+if(TARGET pm9kit)
+    pm_install_pkgconfig(pm9kit ": what programs do with trees; C++20" "Requires: pm9\n")
+endif()
+if(TARGET pm9c)
+    pm_install_pkgconfig(pm9c ": its interface for C" "Requires.private: pm9kit\n")
+endif()
 
 if(PM_BUILD_TOOLS)
     install(TARGETS pmtool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
@@ -73,5 +83,14 @@ if(PM_BUILD_TOOLS)
 endif()
 
 install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
+if(TARGET pmtool_manuals)
+    install(DIRECTORY ${PROJECT_BINARY_DIR}/manuals/man1 DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT tools)
+    install(FILES ${PROJECT_BINARY_DIR}/manuals/pmtool.bash RENAME pmtool
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
+    install(FILES ${PROJECT_BINARY_DIR}/manuals/pmtool.zsh RENAME _pmtool
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT tools)
+    install(FILES ${PROJECT_BINARY_DIR}/manuals/pmtool.fish
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT tools)
+endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${examples_folder} COMPONENT doc)

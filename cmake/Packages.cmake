@@ -48,14 +48,18 @@ the subsystem.")
 
 # Programs that link the library depend on this package, and the loader learns of its file.
 set(control_folder ${debian_folder}/${runtime_package}/control)
-file(WRITE ${control_folder}/shlibs "libpm9 ${PM_SOVERSION} ${runtime_package} (>= ${PROJECT_VERSION})\n")
+foreach(library libpm9 libpm9kit libpm9c)
+    string(APPEND shlibs "${library} ${PM_SOVERSION} ${runtime_package} (>= ${PROJECT_VERSION})\n")
+endforeach()
+file(WRITE ${control_folder}/shlibs ${shlibs})
 file(WRITE ${control_folder}/triggers "activate-noawait ldconfig\n")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${control_folder}/shlibs ${control_folder}/triggers)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime_package})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${description}
 
-This package holds the shared library and the texts of its error numbers.")
+This package holds the shared libraries, for C++ and for C, and the texts of
+their error numbers.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libpm9-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)

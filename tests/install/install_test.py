@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Installs the build into an empty folder, moves that, and builds the examples against it.
 
-    install_test.py CMAKE COMPILER PKG_CONFIG BUILD_FOLDER LIBRARY_FOLDER VERSION
+    install_test.py CMAKE COMPILER C_COMPILER PKG_CONFIG BUILD_FOLDER LIBRARY_FOLDER VERSION
 
 LIBRARY_FOLDER is where libraries lie in the prefix, such as lib.
 """
@@ -23,6 +23,40 @@ PAGES = {"share/bash-completion/completions/pmtool", "share/zsh/vendor-completio
          "share/fish/vendor_completions.d/pmtool.fish",
          *(f"share/man/man1/pmtool{name}.1.gz"
            for name in ("", "-look", "-change", "-compare", "-convert", "-sections", "-help"))}
+
+
+LIBRARIES = ("pm9", "pm9kit", "pm9c")
+
+C_PROGRAM = r"""
+#include <pm/pm_c.h>
+#include <stdio.h>
+int main(void) {
+    char* text = NULL;
+    size_t length = 0;
+    if (pm9_error_text(PM9_ERR_BAD_LINE, &text, &length, NULL) != PM9_OK) return 1;
+    printf("%d %s\n", pm9_abi_version() >= PM9_ABI_VERSION, text);
+    pm9_free(text);
+    return 0;
+}
+"""
+KIT_PROGRAM = r"""
+#include <cstdio>
+#include <pm/kit/difference.h>
+int main() {
+    pm::Tree one, two;
+    two.set("a", 1);
+    std::printf("%s\n", pm::kit::difference_text(pm::kit::compare(one, two).at(0)).c_str());
+}
+"""
+CMAKE_PROJECT = """
+cmake_minimum_required(VERSION 3.25)
+project(user LANGUAGES C CXX)
+find_package(pm9 9 REQUIRED)
+add_executable(in_c program.c)
+target_link_libraries(in_c PRIVATE pm::pm9c)
+add_executable(with_kit program.cpp)
+target_link_libraries(with_kit PRIVATE pm::pm9kit)
+"""
 
 
 def run(*command, **environment):
@@ -58,8 +92,9 @@ def check_layout(shown, lib, version):
     rest = shown - headers - documents
     build_type = {name for name in rest if re.fullmatch(rf"{lib}/cmake/pm9/pm9-targets-\w+\.cmake", name)}
     expect(len(build_type) == 1, f"targets of one build type: {build_type}")
-    libraries = {f"{lib}/lib{name}.so{end}" for name in ("pm9", "pm9kit") for end in ("", ".9", f".{version}")}
-    expected = {"bin/pmtool", *PAGES, *libraries, f"{lib}/pm9/libpmres9.so", f"{lib}/pkgconfig/pm9.pc", *build_type,
+    libraries = {f"{lib}/lib{name}.so{end}" for name in LIBRARIES for end in ("", ".9", f".{version}")}
+    expected = {"bin/pmtool", *libraries, f"{lib}/pm9/libpmres9.so", *(f"{lib}/pkgconfig/{name}.pc" for name in LIBRARIES),
+                *build_type, *PAGES,
                 *(f"{lib}/cmake/pm9/pm9-{name}.cmake" for name in ("config", "config-version", "targets"))}
     expect(rest == expected, f"unexpected {sorted(rest - expected)}, missing {sorted(expected - rest)}")
 
@@ -73,7 +108,7 @@ def check_components(cmake, build, folder, lib, version):
         found[component] = files_of(prefix)
         expect(not whole & found[component], f"{component} brings files of others")
         whole |= found[component]
-    libraries = {f"{lib}/lib{name}.so.{end}" for name in ("pm9", "pm9kit") for end in ("9", version)}
+    libraries = {f"{lib}/lib{name}.so.{end}" for name in LIBRARIES for end in ("9", version)}
     expect(found["runtime"] == libraries | {f"{lib}/pm9/libpmres9.so"},
            f"runtime is {sorted(found['runtime'])}")
     expect(found["tools"] == {"bin/pmtool"} | PAGES, f"tools is {sorted(found['tools'])}")
@@ -117,7 +152,28 @@ def build_with_pkg_config(compiler, pkg_config, folder, prefix, lib, version):
     expect("copies = 1\n" in told["walk"], told["walk"])
 
 
-def main(cmake, compiler, pkg_config, build, lib, version):
+def build_in_c_and_with_the_kit(cmake, c_compiler, compiler, pkg_config, folder, prefix, lib):
+    """Both by CMake and by the flags alone."""
+    sources = folder / "user"
+    sources.mkdir()
+    (sources / "program.c").write_text(C_PROGRAM)
+    (sources / "program.cpp").write_text(KIT_PROGRAM)
+    (sources / "CMakeLists.txt").write_text(CMAKE_PROJECT)
+    run(cmake, "-S", sources, "-B", sources / "build", "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}",
+        f"-DCMAKE_CXX_COMPILER={compiler}", f"-DCMAKE_C_COMPILER={c_compiler}", "-DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF")
+    run(cmake, "--build", sources / "build")
+    path = {"PKG_CONFIG_PATH": str(prefix / lib / "pkgconfig")}
+    for name, library, build in (("in_c", "pm9c", [c_compiler, "-std=c11", sources / "program.c"]),
+                                 ("with_kit", "pm9kit", [compiler, "-std=c++20", sources / "program.cpp"])):
+        flags = shlex.split(run(pkg_config, "--cflags", "--libs", library, **path))
+        run(*build, "-o", sources / name, *flags, f"-Wl,-rpath,{prefix / lib}", f"-Wl,-rpath-link,{prefix / lib}")
+        for program in (sources / name, sources / "build" / name):
+            told = run(program)
+            expect(told == {"in_c": "1 The line isn't valid\n", "with_kit": "+ \\a: long 1\n"}[name],
+                   f"{program} told {told}")
+
+
+def main(cmake, compiler, c_compiler, pkg_config, build, lib, version):
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name).resolve()
         run(cmake, "--install", build, "--prefix", folder / "first")
@@ -130,6 +186,7 @@ def main(cmake, compiler, pkg_config, build, lib, version):
         expect(run(prefix / "bin/pmtool", "get", sample, r"\media\copies") == "1\n", "the moved tool")
         build_with_find_package(cmake, compiler, folder, prefix)
         build_with_pkg_config(compiler, pkg_config, folder, prefix, lib, version)
+        build_in_c_and_with_the_kit(cmake, c_compiler, compiler, pkg_config, folder, prefix, lib)
 
 
 main(*sys.argv[1:])

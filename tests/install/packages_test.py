@@ -60,19 +60,20 @@ def check_files(packages, folder, lib, version):
         told = {f"usr/share/doc/{name}/copyright", f"usr/share/doc/{name}/changelog.Debian.gz"}
         expect(told <= files, f"{name} has no copyright or changelog")
         found[name] = files - told
-    libraries = {f"usr/{lib}/lib{name}.so.{end}" for name in ("pm9", "pm9kit") for end in ("9", version)}
+    libraries = {f"usr/{lib}/lib{name}.so.{end}" for name in ("pm9", "pm9kit", "pm9c") for end in ("9", version)}
     expect(found["libpm9-9"] == libraries | {f"usr/{lib}/pm9/libpmres9.so"}, f"libpm9-9 holds {sorted(found['libpm9-9'])}")
     expect(found["pmtool"] == {"usr/bin/pmtool"} | {f"usr/share/{name}" for name in PAGES},
            f"pmtool holds {sorted(found['pmtool'])}")
     expect({"usr/include/pm/pm.h", f"usr/{lib}/libpm9.so", f"usr/{lib}/pkgconfig/pm9.pc",
-            f"usr/{lib}/cmake/pm9/pm9-config.cmake", "usr/share/doc/pm9/docs/pia.md",
+            f"usr/{lib}/pkgconfig/pm9kit.pc",
+            f"usr/{lib}/pkgconfig/pm9c.pc", f"usr/{lib}/cmake/pm9/pm9-config.cmake", "usr/include/pm/pm_c.h", "usr/share/doc/pm9/docs/pia.md",
             "usr/share/doc/pm9/examples/walk.cpp"} <= found["libpm9-dev"], "libpm9-dev lacks files")
 
 
 def check_binaries(root, lib):
     """Stripped, and without a search path."""
     for file in (root / "usr/bin/pmtool", root / "usr" / lib / "libpm9.so.9",
-                 root / "usr" / lib / "libpm9kit.so.9",
+                 root / "usr" / lib / "libpm9kit.so.9", root / "usr" / lib / "libpm9c.so.9",
                  root / "usr" / lib / "pm9/libpmres9.so"):
         sections = run("readelf", "--sections", "--wide", file)
         expect(".dynsym" in sections and ".symtab" not in sections and ".debug" not in sections,
