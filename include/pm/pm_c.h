@@ -512,6 +512,61 @@ typedef struct pm9_check_options {
 PM9_API pm9_status pm9_check(const char* file, size_t file_length, const pm9_check_options* options,
                              size_t item_size, pm9_diagnostic** diagnostics, size_t* count, pm9_error* error);
 
+// What a file that is written doesn't give back. Values as above; NULL where there is none.
+typedef struct pm9_loss {
+    size_t size;
+    const char* kind; // "lost", "cut", "retyped", "re-encoded"...: <pm/kit/loss.h>
+    size_t kind_length;
+    const char* path;
+    size_t path_length;
+    const char* new_path; // of "renamed" and "moved"; else empty
+    size_t new_path_length;
+    const char* reason; // in words
+    size_t reason_length;
+    const char* before;
+    size_t before_length;
+    const char* after;
+    size_t after_length;
+} pm9_loss;
+
+typedef struct pm9_write_options {
+    size_t size;
+    int32_t type;    // PM9_FILE_PIA, PM9_FILE_DPIA or PM9_FILE_DOC
+    int32_t utf8;    // of a PIA file: not 0 for UTF-8 in place of the code page
+    const char* tag; // as in pm9_save_options
+    size_t tag_length;
+    const char* subtree;
+    size_t subtree_length;
+    uint32_t code_page; // of narrow text, for the whole process while it is made; 0: as it is set
+    uint32_t reserved;
+} pm9_write_options;
+
+// Makes the bytes of a file in memory, of any format that is written, and tells by reading them back what
+// they don't hold. `options` NULL counts as {sizeof(pm9_write_options)}.
+PM9_API pm9_status pm9_prepare(const pm9_tree* tree, const pm9_write_options* options, char** data,
+                               size_t* length, size_t item_size, pm9_loss** losses, size_t* count,
+                               pm9_error* error);
+
+typedef struct pm9_compatibility_options {
+    size_t size;
+    const char* description_base; // the node of the description; NULL: where one is found
+    size_t description_base_length;
+    const char* configuration_base; // NULL: the root
+    size_t configuration_base_length;
+    const char* map; // JSON that tells where a configuration keeps its settings; NULL: the built-in one
+    size_t map_length;
+    int32_t owner;   // number of whoever made the configuration; -1: none
+    int32_t explain; // not 0: which rule looked where, too
+} pm9_compatibility_options;
+
+// Whether a configuration is possible on the device of a description, as JSON: an object whose "findings" is
+// empty if it is; findings_to_json() of <pm/kit/compatibility.h> tells the form. `options` NULL counts as
+// {sizeof(pm9_compatibility_options), NULL, 0, NULL, 0, NULL, 0, -1}. PM9_BAD_INPUT for a base that isn't
+// there, a tree that is no description and a map that isn't valid.
+PM9_API pm9_status pm9_compatibility(const pm9_tree* configuration, const pm9_tree* description,
+                                     const pm9_compatibility_options* options, char** text, size_t* length,
+                                     pm9_error* error);
+
 #ifdef __cplusplus
 }
 #endif

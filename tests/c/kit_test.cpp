@@ -189,4 +189,116 @@ TEST(CCheck, TellsRulePlaceAndWords) {
     pm9_free(found);
 }
 
+// The bytes of a file and its losses as kind, path and reason.
+struct PreparedFile {
+    std::string bytes;
+    std::vector<std::string> losses;
+};
+
+PreparedFile prepared(const pm9_tree* tree, const pm9_write_options* options) {
+    char* data = nullptr;
+    std::size_t length = 0;
+    pm9_loss* losses = nullptr;
+    std::size_t count = 0;
+    EXPECT_EQ(pm9_prepare(tree, options, &data, &length, sizeof *losses, &losses, &count, nullptr), PM9_OK);
+    PreparedFile result{taken(data, length), {}};
+    for (std::size_t at = 0; at < count; ++at) {
+        result.losses.push_back(std::string(losses[at].kind) + ' ' + losses[at].path);
+        EXPECT_GT(losses[at].reason_length, 0U);
+    }
+    pm9_free(losses);
+    return result;
+}
+
+TEST(CPrepare, MakesAFileOfAnyFormatThatIsWritten) {
+    const CTree tree = small_tree();
+    for (const std::int32_t type : {PM9_FILE_PIA, PM9_FILE_DOC}) {
+        pm9_write_options options{};
+        options.size = sizeof options;
+        options.type = type;
+        const PreparedFile file = prepared(tree.get(), &options);
+        EXPECT_THAT(file.losses, ElementsAre());
+        pm9_identity identity{};
+        identity.size = sizeof identity;
+        ASSERT_EQ(pm9_identify_memory(file.bytes.data(), file.bytes.size(), &identity, nullptr), PM9_OK);
+        EXPECT_EQ(identity.type, type);
+    }
+}
+
+TEST(CPrepare, TellsWhatTheFileDoesntHold) {
+    const CTree tree = small_tree();
+    pm9_tree_set_string(tree.get(), "\\media\\name", PM9_Z, "\xD0\x96", PM9_Z, nullptr);
+    pm9_tree_make_node(tree.get(), "\\empty", PM9_Z, nullptr);
+    EXPECT_THAT(prepared(tree.get(), nullptr).losses,
+                ElementsAre("re-encoded \\media\\name", "lost \\empty\\"));
+}
+
+TEST(CPrepare, KeepsTheSectionsOfAFileThatWasReadWhole) {
+    const CTree tree = c_tree();
+    const std::string file = std::string(PM_SAMPLES) + "/sections.dpia";
+    ASSERT_EQ(pm9_tree_read(tree.get(), file.c_str(), PM9_Z, nullptr, nullptr), PM9_OK);
+    pm9_write_options options{};
+    options.size = sizeof options;
+    options.type = PM9_FILE_DPIA;
+    const PreparedFile made = prepared(tree.get(), &options);
+    EXPECT_THAT(made.losses, ElementsAre());
+    EXPECT_NE(made.bytes.find("Drawing office, third floor"), std::string::npos);
+}
+
+TEST(CPrepare, RefusesAFormatThatIsntWritten) {
+    const CTree tree = small_tree();
+    pm9_write_options options{};
+    options.size = sizeof options;
+    options.type = PM9_FILE_PDT;
+    char* data = nullptr;
+    pm9_loss* losses = nullptr;
+    std::size_t length = 0;
+    std::size_t count = 0;
+    EXPECT_EQ(pm9_prepare(tree.get(), &options, &data, &length, sizeof *losses, &losses, &count, nullptr),
+              PM9_BAD_INPUT);
+}
+
+class CCompatibility : public testing::Test {
+protected:
+    CCompatibility() {
+        const std::string device = std::string(PM_SAMPLES) + "/dx4200";
+        EXPECT_EQ(pm9_tree_read(description.get(), device.c_str(), PM9_Z, nullptr, nullptr), PM9_OK);
+        const std::string file = std::string(PM_SAMPLES) + "/plotter.pia";
+        EXPECT_EQ(pm9_tree_read(configuration.get(), file.c_str(), PM9_Z, nullptr, nullptr), PM9_OK);
+    }
+    std::string findings(const pm9_compatibility_options* options = nullptr) {
+        char* text = nullptr;
+        std::size_t length = 0;
+        EXPECT_EQ(pm9_compatibility(configuration.get(), description.get(), options, &text, &length, nullptr),
+                  PM9_OK);
+        return taken(text, length);
+    }
+    CTree description = c_tree();
+    CTree configuration = c_tree();
+};
+
+TEST_F(CCompatibility, TellsFindingsAsJson) {
+    EXPECT_EQ(findings().find("\"looks\""), std::string::npos);
+    EXPECT_NE(findings().find("\"findings\""), std::string::npos);
+    pm9_compatibility_options options{};
+    options.size = sizeof options;
+    options.owner = -1;
+    options.explain = 1;
+    EXPECT_NE(findings(&options).find("\"looks\""), std::string::npos);
+}
+
+TEST_F(CCompatibility, RefusesWhatIsNoDescriptionAndNoMap) {
+    char* text = nullptr;
+    std::size_t length = 0;
+    EXPECT_EQ(pm9_compatibility(description.get(), configuration.get(), nullptr, &text, &length, nullptr),
+              PM9_BAD_INPUT);
+    pm9_compatibility_options options{};
+    options.size = sizeof options;
+    options.owner = -1;
+    options.map = "no JSON";
+    options.map_length = PM9_Z;
+    EXPECT_EQ(pm9_compatibility(configuration.get(), description.get(), &options, &text, &length, nullptr),
+              PM9_BAD_INPUT);
+}
+
 } // namespace
