@@ -83,14 +83,5 @@ if(PM_BUILD_TOOLS)
 endif()
 
 install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
-if(TARGET pmtool_manuals)
-    install(DIRECTORY ${PROJECT_BINARY_DIR}/manuals/man1 DESTINATION ${CMAKE_INSTALL_MANDIR} COMPONENT tools)
-    install(FILES ${PROJECT_BINARY_DIR}/manuals/pmtool.bash RENAME pmtool
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
-    install(FILES ${PROJECT_BINARY_DIR}/manuals/pmtool.zsh RENAME _pmtool
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT tools)
-    install(FILES ${PROJECT_BINARY_DIR}/manuals/pmtool.fish
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT tools)
-endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${examples_folder} COMPONENT doc)

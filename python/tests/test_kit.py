@@ -107,11 +107,45 @@ def test_conversion_that_loses_something_is_refused(tmp_path: Path) -> None:
     pm9.Tree({"a": "Ж", "b": 1}).save(source, utf8=True)
     with pytest.raises(pm9.LossError) as caught:
         pm9.convert(source, target, code_page=65001)
-    assert caught.value.losses == [pm9.Difference(pm9.Change.VALUE, "\\a", "Ж", "?")] and not target.exists()
+    loss = caught.value.losses[0]
+    assert (loss.kind, loss.path, loss.before, loss.after) == ("re-encoded", "\\a", "Ж", "?") and loss.reason != ""
+    assert len(caught.value.losses) == 1 and str(caught.value) == str(loss) and not target.exists()
     assert pm9.convert(source, target, code_page=65001, lossy=True) == caught.value.losses
     assert pm9.load(target).to_dict() == {"a": "?", "b": 1}
     assert pm9.convert(source, target, code_page=65001, utf8=True) == []
     assert sorted(path.name for path in tmp_path.iterdir()) == ["a.pia", "b.pia"]
+
+
+def test_conversion_tells_what_the_source_couldnt_give(tmp_path: Path) -> None:
+    source, target = tmp_path / "a.pia", tmp_path / "b.pia"
+    source.write_bytes(b"PIAFILEVERSION_2.0,\na=\nb=1\n")
+    losses = pm9.convert(source, target, lossy=True)
+    assert [loss.kind for loss in losses] == ["source"] and losses[0].reason.startswith("The line isn't valid: 2, a=")
+    assert pm9.load(target).to_dict() == {"b": 1}
+
+
+def test_sections_keep_their_texts(tmp_path: Path) -> None:
+    target = tmp_path / "a.dpia"
+    assert pm9.convert(SAMPLES / "sections.dpia", target, type=pm9.FileType.DPIA) == []
+    assert b"Drawing office, third floor" in target.read_bytes()
+
+
+def test_prepared_content_is_that_of_the_file() -> None:
+    tree = sample()
+    tree["empty"] = {}
+    content, losses = pm9.prepare(tree, type=pm9.FileType.DOC)
+    assert pm9.Tree(tree["media"]).to_dict() == sample()["media"].to_dict()
+    assert content.startswith(b"\xd0\xcf\x11\xe0") and [loss.path for loss in losses] == ["\\empty\\"]
+
+
+def test_configuration_is_held_against_a_device() -> None:
+    device, configuration = pm9.load(SAMPLES / "dx4200"), pm9.load(SAMPLES / "plotter.pia")
+    for finding in pm9.compatibility(configuration, device):
+        assert finding.rule != "" and finding.message != "" and finding.severity in pm9.Severity
+    with pytest.raises(pm9.InputError):
+        pm9.compatibility(device, configuration)
+    with pytest.raises(pm9.InputError):
+        pm9.compatibility(configuration, device, map="no JSON")
 
 
 def test_check_tells_rule_place_and_words(tmp_path: Path) -> None:

@@ -11,19 +11,19 @@ std::string_view text(const char* data, std::size_t length) noexcept {
 
 std::u16string wide_text(const char* data, std::size_t length) {
     std::u16string wide = to_utf16(text(data, length));
-    if (wide.find(u'\0') != std::u16string::npos) refuse(PM_ERR_BAD_PATH, wide.c_str());
+    if (wide.find(u'\0') != std::u16string::npos) refuse(wide.c_str(), PM_ERR_BAD_PATH);
     return wide;
 }
 
 std::u16string file_name(const char* data, std::size_t length) {
     std::u16string wide = file_name_to_utf16(text(data, length));
-    if (wide.find(u'\0') != std::u16string::npos) refuse(PM_ERR_BAD_PATH, wide.c_str());
+    if (wide.find(u'\0') != std::u16string::npos) refuse(wide.c_str(), PM_ERR_BAD_PATH);
     return wide;
 }
 
 std::optional<PM_Object::FileType> file_type(std::int32_t type) {
     if (type == PM9_FILE_ANY) return std::nullopt;
-    if (type < PM9_FILE_PIA || type > PM9_FILE_CFG) refuse(PM_ERR_INVALID_ARGUMENT, u"type");
+    if (type < PM9_FILE_PIA || type > PM9_FILE_CFG) refuse(u"type", PM_ERR_INVALID_ARGUMENT);
     return static_cast<PM_Object::FileType>(type);
 }
 

@@ -48,7 +48,7 @@ std::u16string file_name(const char* data, std::size_t length);
 // A handle or a place for a result.
 template<class T>
 T& required(T* pointer, const char16_t* name) {
-    if (pointer == nullptr) refuse(PM_ERR_INVALID_ARGUMENT, name);
+    if (pointer == nullptr) refuse(name, PM_ERR_INVALID_ARGUMENT);
     return *pointer;
 }
 
@@ -57,14 +57,14 @@ T& required(T* pointer, const char16_t* name) {
 template<class Struct>
 Struct options(const Struct* given, const Struct& in_place_of_null, const char16_t* name) {
     if (given == nullptr) return in_place_of_null;
-    if (given->size < sizeof(Struct)) refuse(PM_ERR_INVALID_ARGUMENT, name);
+    if (given->size < sizeof(Struct)) refuse(name, PM_ERR_INVALID_ARGUMENT);
     return *given;
 }
 
 // A struct for a result.
 template<class Struct>
 Struct& result(Struct* given, const char16_t* name) {
-    if (required(given, name).size < sizeof(Struct)) refuse(PM_ERR_INVALID_ARGUMENT, name);
+    if (required(given, name).size < sizeof(Struct)) refuse(name, PM_ERR_INVALID_ARGUMENT);
     return *given;
 }
 

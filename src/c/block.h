@@ -55,7 +55,7 @@ public:
         Item*& result = required(items, u"items");
         std::size_t& result_count = required(count, u"count");
         if (item_size < sizeof(Item) || item_size % alignof(Item) != 0) {
-            refuse(PM_ERR_INVALID_ARGUMENT, u"item_size");
+            refuse(u"item_size", PM_ERR_INVALID_ARGUMENT);
         }
         const std::size_t texts_at = m_items.size() * item_size;
         Block block = make_block(texts_at + m_texts.size() + 1);

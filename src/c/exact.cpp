@@ -38,7 +38,7 @@ struct Put {
     const SplitPath& path;
     bool strict;
 
-    void operator()(std::monostate) const { refuse(PM_ERR_NO_VALUE, path.name.c_str()); }
+    void operator()(std::monostate) const { refuse(path.name.c_str(), PM_ERR_NO_VALUE); }
     void operator()(std::int32_t number) const { put(PROP_LONG, &number, sizeof number); }
     void operator()(double real) const { put(PROP_DOUBLE, &real, sizeof real); }
     void operator()(bool truth) const { put(PROP_BOOL, &truth, sizeof truth); }
@@ -48,8 +48,8 @@ struct Put {
     }
     void operator()(const std::string& text) const {
         const std::u16string wide = to_utf16(text);
-        if (wide.find(u'\0') != std::u16string::npos) refuse(PM_ERR_INVALID_ARGUMENT, path.name.c_str());
-        if (wide.size() > longest_text) refuse(PM_ERR_VALUE_TOO_LARGE, path.name.c_str());
+        if (wide.find(u'\0') != std::u16string::npos) refuse(path.name.c_str(), PM_ERR_INVALID_ARGUMENT);
+        if (wide.size() > longest_text) refuse(path.name.c_str(), PM_ERR_VALUE_TOO_LARGE);
         put(PROP_STRING, wide.c_str(), (wide.size() + 1) * sizeof(char16_t));
     }
 
@@ -59,7 +59,7 @@ struct Put {
         const PM_Node& node = *pm_find_node(tree.object(), path.node.c_str());
         const PM_Property* const there = builder.find_property(node, path.name);
         if (there != nullptr && pm_view(*there).strict && pm_view(*there).type != type) {
-            refuse(PM_ERR_WRONG_TYPE, path.name.c_str());
+            refuse(path.name.c_str(), PM_ERR_WRONG_TYPE);
         }
         builder.put(node, path.name, {type, strict, data, size});
     }
@@ -77,12 +77,12 @@ Value exact_value(const Tree& tree, std::string_view path) {
     if (property != nullptr) return Property(*property).value();
     const std::u16string whole = wide_text(path.data(), path.size());
     const bool has_node = pm_find_node(tree.object(), split.node.c_str()) != nullptr;
-    refuse(has_node ? PM_ERR_NO_SUCH_PROPERTY : PM_ERR_NO_SUCH_NODE, whole.c_str());
+    refuse(whole.c_str(), has_node ? PM_ERR_NO_SUCH_PROPERTY : PM_ERR_NO_SUCH_NODE);
 }
 
 void set_exact(Tree& tree, std::string_view path, const Value& value, bool strict) {
     const SplitPath split(path);
-    if (split.name.empty()) refuse(PM_ERR_BAD_PATH, u"\\");
+    if (split.name.empty()) refuse(u"\\", PM_ERR_BAD_PATH);
     std::visit(Put{tree, split, strict}, value);
 }
 
@@ -91,7 +91,7 @@ std::int32_t erase_exact(Tree& tree, std::string_view path) {
     const TreeBuilder builder(tree.object());
     const PM_Node* const parent = pm_find_node(tree.object(), split.node.c_str());
     if (parent == nullptr) return PM9_NOTHING;
-    if (split.name.empty()) refuse(PM_ERR_BAD_PATH, u"\\");
+    if (split.name.empty()) refuse(u"\\", PM_ERR_BAD_PATH);
     if (builder.erase_property(*parent, split.name)) return PM9_PROPERTY;
     const PM_Node* const node = builder.find_child(*parent, split.name);
     if (node == nullptr) return PM9_NOTHING;

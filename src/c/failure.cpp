@@ -104,7 +104,7 @@ pm9_status tell_failure(pm9_error* error) noexcept {
     }
 }
 
-void refuse(std::uint32_t number, const char16_t* detail) {
+void refuse(const char16_t* detail, std::uint32_t number) {
     throw PM_Warning(number, u"pm9c", detail, u"$Workfile: failure $ $Revision: #1 $");
 }
 

@@ -22,6 +22,6 @@ pm9_status guarded(pm9_error* error, Work work) noexcept {
 }
 
 // What the interface itself refuses: PM_Warning with place "pm9c".
-[[noreturn]] void refuse(std::uint32_t number, const char16_t* detail);
+[[noreturn]] void refuse(const char16_t* detail, std::uint32_t number);
 
 } // namespace pm::c

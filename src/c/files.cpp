@@ -36,14 +36,14 @@ Source source_of(std::u16string file, std::optional<PM_Object::FileType> type) {
     if (type && *type != PM_Object::FILE_PDT) return {std::move(file), *type};
     const std::optional<pm::FileIdentity> identity = pm::identify(file);
     if (identity && !identity->string_file.empty()) return {identity->string_file, PM_Object::FILE_PDT};
-    if (!type && !identity) refuse(PM_ERR_NOT_OPENED, file.c_str());
+    if (!type && !identity) refuse(file.c_str(), PM_ERR_NOT_OPENED);
     return {std::move(file), type ? *type : identity->type};
 }
 
 PM_Object::FileType type_of_bytes(std::string_view bytes, std::optional<PM_Object::FileType> type) {
     if (!type) {
         const std::optional<pm::FileIdentity> identity = pm::identify_content(bytes);
-        if (!identity) refuse(PM_ERR_NOT_OPENED, u"");
+        if (!identity) refuse(u"", PM_ERR_NOT_OPENED);
         type = identity->type;
     }
     return *type;
@@ -52,7 +52,7 @@ PM_Object::FileType type_of_bytes(std::string_view bytes, std::optional<PM_Objec
 pm::SaveOptions save_options(const pm9_save_options* given) {
     const pm9_save_options how = options(given, pm9_save_options(), u"options");
     const std::optional<PM_Object::FileType> type = file_type(how.type);
-    if (!type) refuse(PM_ERR_INVALID_ARGUMENT, u"type");
+    if (!type) refuse(u"type", PM_ERR_INVALID_ARGUMENT);
     pm::SaveOptions result;
     result.type = *type;
     result.tag = text(how.tag, how.tag_length);
@@ -92,7 +92,7 @@ pm9_status pm9_tree_load_memory(pm9_tree* tree, const void* data, size_t length,
         const std::string_view bytes(static_cast<const char*>(data), data != nullptr ? length : 0);
         const PM_Object::FileType type = type_of_bytes(bytes, file_type(how.type));
         if (type == PM_Object::FILE_PDT || how.section != nullptr || how.plotter != 0) {
-            refuse(PM_ERR_TYPE_REFUSED, u"");
+            refuse(u"", PM_ERR_TYPE_REFUSED);
         }
         BytesBuffer buffer(bytes);
         std::iostream stream(&buffer);

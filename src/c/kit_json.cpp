@@ -11,7 +11,7 @@ pm9_status pm9_tree_to_json(const pm9_tree* tree, const char* path, size_t path_
     return guarded(error, [&] {
         const pm9_json_options how = options(given, pm9_json_options(), u"options");
         const std::optional<pm::Node> node = required(tree, u"tree").tree.node(text(path, path_length));
-        if (!node) refuse(PM_ERR_NO_SUCH_NODE, wide_text(path, path_length).c_str());
+        if (!node) refuse(wide_text(path, path_length).c_str(), PM_ERR_NO_SUCH_NODE);
         pm::kit::JsonOptions json;
         if (how.one_line != 0) json.indent = -1;
         json.levels = how.levels;

@@ -12,7 +12,7 @@ namespace {
 pm::kit::WriteOptions write_options(const pm9_write_options* given, const pm9_tree& tree) {
     const pm9_write_options how = options(given, pm9_write_options(), u"options");
     const std::optional<PM_Object::FileType> type = file_type(how.type);
-    if (!type) refuse(PM_ERR_INVALID_ARGUMENT, u"type");
+    if (!type) refuse(u"type", PM_ERR_INVALID_ARGUMENT);
     pm::kit::WriteOptions write;
     write.type = *type;
     write.tag = text(how.tag, how.tag_length);

@@ -92,7 +92,7 @@ pm9_status pm9_tree_list(const pm9_tree* tree, const char* path, size_t path_len
     return guarded(error, [&] {
         const pm9_list_options how = options(list_options, pm9_list_options(), u"options");
         const std::optional<pm::Node> first = required(tree, u"tree").tree.node(text(path, path_length));
-        if (!first) refuse(PM_ERR_NO_SUCH_NODE, wide_text(path, path_length).c_str());
+        if (!first) refuse(wide_text(path, path_length).c_str(), PM_ERR_NO_SUCH_NODE);
         items_of(*first, how).hand_out(item_size, items, count);
     });
 }

@@ -49,7 +49,7 @@ Value value_of(const pm9_value& given) {
     case PM9_RAW:
         return bytes_of(given);
     default:
-        refuse(PM_ERR_INVALID_ARGUMENT, u"type");
+        refuse(u"type", PM_ERR_INVALID_ARGUMENT);
     }
 }
 

@@ -9,7 +9,7 @@ A fenced block says what it is by its language:
               as it is if it has a TEST(). A comment in front of it, <!-- with: PM_Object object; -->, declares what it uses
     c         a program
     python    a script that ends without an exception
-    console   lines that begin with "$ " are given to a shell one after the other, what they print is the lines behind
+    console   (in README) lines that begin with "$ " are given to a shell one after the other, what they print is the lines behind
               them; a line "..." stands for any lines
 
 A block "text" behind a program or script is what it prints. All run in one folder with the sample files in it.
@@ -40,6 +40,7 @@ class Examples:
         self.expect("pm.h", self.run(cxx, "-std=c++20", "-x", "c++-header", sources / "include/pm/pm.h", "-o",
                                      "pch/pm/pm.h.gch", self.flags[0]))
         self.fragments = []
+        self.includes = set()
 
     def run(self, *command, **options):
         return subprocess.run([str(part) for part in command], cwd=self.folder, env=self.environment, text=True,
@@ -62,9 +63,10 @@ class Examples:
         if "int main" in text:
             self.program(place, text, expected, [self.cxx, "-std=c++20", "-Ipch"], "program.cpp", "-lpm9kit", "-lpm9")
             return
+        self.includes.update(re.findall(r"^#include.*\n", text, re.M))
         text = re.sub(r"^#include.*\n", "", text, flags=re.M).replace("{ ... }", "{}")
         if "TEST(" in text:
-            self.fragments.append(f'#include <gtest/gtest.h>\n#line 1 "{place}"\n{text}\n')
+            self.fragments.append(f'#line 1 "{place}"\n{text}\n')
             return
         self.fragments.append(f'#line 1 "{place}"\n[[maybe_unused]] void f{len(self.fragments)}() {{ {given}\n{text}}}\n')
 
@@ -84,6 +86,8 @@ class Examples:
 
     def page(self, path, with_python):
         runners = {"cpp": self.cpp, "c": self.c, "python": self.script, "console": self.console}
+        if path.name != "README.md":
+            del runners["console"]  # the tool's own tests run those of its pages
         if not with_python:
             del runners["python"]
         text = path.read_text(encoding="utf-8")
@@ -97,7 +101,7 @@ class Examples:
 
     def finish(self):
         (self.folder / "fragments.cpp").write_text(
-            "#include <pm/pm.h>\n"
+            "#include <pm/pm.h>\n" + "".join(sorted(self.includes))
             + "".join(self.fragments), encoding="utf-8")
         self.expect("fragments", self.run(self.cxx, "-std=c++20", "-Ipch", "-fsyntax-only", "fragments.cpp",
                                             self.flags[0]))

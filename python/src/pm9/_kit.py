@@ -11,8 +11,8 @@ from dataclasses import dataclass
 from enum import IntEnum
 from typing import Any, Optional
 
-from pm9._errors import call
-from pm9._library import NULL, ffi, lib, struct, text_in, text_out
+from pm9._errors import call, error_text
+from pm9._library import NULL, bytes_out, ffi, lib, struct, text_in, text_out
 from pm9._tree import File, FileType, Tree
 from pm9._values import Value
 
@@ -178,35 +178,79 @@ def merge(base: Tree, first: Tree, second: Tree, *, prefer_second: bool = False)
     return merged, conflicts
 
 
-class LossError(Exception):
-    """A conversion that would lose something; `losses` are the differences of what was read and what was written."""
+@dataclass(frozen=True)
+class Loss:
+    """What a file doesn't give back of a tree.
 
-    def __init__(self, losses: list[Difference]) -> None:
+    kind: "lost", "cut", "retyped", "re-encoded", "changed", "renamed", "moved", "appeared", "order", or "source" for
+    what the file that was read couldn't give. reason: in words. new_path: of what was renamed or moved.
+    """
+
+    kind: str
+    path: str
+    reason: str
+    new_path: str = ""
+    before: Value = None
+    after: Value = None
+
+    def __str__(self) -> str:
+        return f"{self.path}: {self.kind}: {self.reason}" if self.path else f"{self.kind}: {self.reason}"
+
+
+class LossError(Exception):
+    """A conversion that would lose something: `losses`. Nothing was written."""
+
+    def __init__(self, losses: list[Loss]) -> None:
         self.losses = losses
         more = f" and {len(losses) - 1} more" if len(losses) > 1 else ""
-        super().__init__(f"the format doesn't hold {losses[0].path}{more}")
+        super().__init__(f"{losses[0]}{more}")
+
+
+def _loss(found: Any) -> Loss:
+    return Loss(text_out(found.kind, found.kind_length), text_out(found.path, found.path_length),
+                text_out(found.reason, found.reason_length), text_out(found.new_path, found.new_path_length),
+                _value(_optional(found.before, found.before_length)),
+                _value(_optional(found.after, found.after_length)))
+
+
+def prepare(tree: Tree, *, type: FileType = FileType.PIA, tag: str = "", utf8: bool = False, code_page: int = 0,
+            subtree: str = "\\") -> tuple[bytes, list[Loss]]:
+    """The content of a file of any format that is written, and what it doesn't hold, measured by reading it back.
+
+    A tree that was read whole from a DPIA file keeps the names and info texts of its sections.
+    """
+    _trees(tree)
+    keep = ffi.from_buffer(text_in(tag)), ffi.from_buffer(text_in(subtree))
+    options = struct("pm9_write_options", type=int(FileType(type)), utf8=bool(utf8), tag=keep[0],
+                     tag_length=len(keep[0]), subtree=keep[1], subtree_length=len(keep[1]), code_page=code_page)
+    data, length = ffi.new("char **"), ffi.new("size_t *")
+    with tree._handle.in_use():
+        losses = _array(lib.pm9_prepare, "pm9_loss", _loss, tree._handle.pointer, options, data, length)
+    try:
+        return bytes_out(data[0], length[0]), losses
+    finally:
+        lib.pm9_free(data[0])
 
 
 def convert(source: File, target: File, *, type: FileType = FileType.PIA, from_type: Optional[FileType] = None,
             section: Optional[str] = None, code_page: int = 0, tag: str = "", utf8: bool = False,
-            lossy: bool = False) -> list[Difference]:
-    """Reads a file whole and writes it as another format, PIA or DOC; gives what was lost on the way.
+            lossy: bool = False) -> list[Loss]:
+    """Reads a file whole and writes it as PIA, DPIA or DOC; gives what was lost, bad lines of the source too.
 
-    `code_page` is that of the source's narrow text; `utf8` writes a PIA file as UTF-8.
-    What was written is read back and compared with what was read. LossError, with no file written, if they differ
-    and `lossy` is False.
+    LossError, with nothing written, for any loss unless `lossy` says that it may be. `code_page` is that of the
+    source's narrow text; `utf8` writes a PIA file as UTF-8. The target is replaced at once or stays as it was.
     """
-    tree, again = Tree(), Tree()
-    tree.read(source, type=from_type, section=section, code_page=code_page)
+    tree = Tree()
+    reports = tree.read(source, type=from_type, section=section, code_page=code_page)
+    content, losses = prepare(tree, type=type, tag=tag, utf8=utf8)
+    losses[:0] = [Loss("source", "", f"{error_text(report.number)}: {report.detail.strip()}") for report in reports]
+    if losses and not lossy:
+        raise LossError(losses)
     folder, name = os.path.split(os.fsdecode(target))
     handle, made = tempfile.mkstemp(prefix=f".{name}.", dir=folder or ".")
-    os.close(handle)
     try:
-        tree.save(made, type=type, tag=tag, utf8=utf8)
-        again.read(made, type=type, code_page=65001 if utf8 else 0)
-        losses = diff(tree, again, strictness=False, order=type is FileType.PIA)
-        if losses and not lossy:
-            raise LossError(losses)
+        with open(handle, "wb") as file:
+            file.write(content)
         os.chmod(made, 0o666 & ~_file_mask())
         os.replace(made, target)
     except BaseException:
@@ -231,6 +275,54 @@ def check(file: File, *, type: Optional[FileType] = None, rules: Sequence[str] =
     options = struct("pm9_check_options", type=-1 if type is None else int(type), code_page=code_page, rules=only,
                      rules_length=len(only), without=others, without_length=len(others), round_trip=round_trip)
     return _array(lib.pm9_check, "pm9_diagnostic", _diagnostic, name, len(name), options)
+
+
+@dataclass(frozen=True)
+class Offer:
+    """What a device offers where a configuration asks for something else."""
+
+    value: str
+    text: str
+    path: str
+
+
+@dataclass(frozen=True)
+class Finding:
+    """What a configuration asks for that isn't possible, or isn't clear, on a device."""
+
+    rule: str
+    severity: Severity
+    configuration_path: str
+    description_path: str
+    configured: str
+    described: str
+    text: str
+    offers: tuple[Offer, ...]
+    message: str
+
+
+def compatibility(configuration: Tree, description: Tree, *, description_base: str = "",
+                  configuration_base: str = "\\", owner: Optional[int] = None, map: str = "") -> list[Finding]:
+    """Whether a configuration is possible on the device of a description; empty if it is.
+
+    `map` is JSON that tells where a configuration keeps its settings; the built-in one knows the formats that are read.
+    """
+    _trees(configuration, description)
+    keep = [ffi.from_buffer(text_in(text)) for text in (description_base, configuration_base, map)]
+    options = struct("pm9_compatibility_options", description_base=keep[0], description_base_length=len(keep[0]),
+                     configuration_base=keep[1], configuration_base_length=len(keep[1]),
+                     owner=-1 if owner is None else owner)
+    if map:
+        options.map, options.map_length = keep[2], len(keep[2])
+    data, length = ffi.new("char **"), ffi.new("size_t *")
+    with _in_use(configuration, description):
+        call(lib.pm9_compatibility, configuration._handle.pointer, description._handle.pointer, options, data, length)
+    try:
+        found = json.loads(bytes_out(data[0], length[0]))["findings"]
+    finally:
+        lib.pm9_free(data[0])
+    return [Finding(**{**each, "severity": Severity[each["severity"].upper()],
+                       "offers": tuple(Offer(**offer) for offer in each["offers"])}) for each in found]
 
 
 def _array(function: Any, item: str, read: Any, *arguments: Any) -> list[Any]:

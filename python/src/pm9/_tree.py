@@ -417,7 +417,7 @@ class Tree(Node):
         return tree
 
     def apply(self, script: str) -> None:
-        """Changes the tree by a script, such as diff's `script()` makes, all or nothing; InputError if it can't be."""
+        """Changes the tree by a script, such as `pm9.script()` makes, all or nothing; InputError if it can't be."""
         encoded = text_in(script)
         self._handle.call(lib.pm9_tree_apply, encoded, len(encoded))
 
