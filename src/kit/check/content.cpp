@@ -29,7 +29,7 @@ constexpr Ending endings[] = {{".dpia", PM_Object::FILE_DPIA},
                               {".pc2", PM_Object::FILE_PC2},
                               {".pcp", PM_Object::FILE_PCP}};
 
-std::optional<PM_Object::FileType> type_of(const FileContent& content, const CheckOptions& options) {
+std::optional<PM_Object::FileType> type_of(const CheckedContent& content, const CheckOptions& options) {
     if (options.type) return options.type;
     std::string_view bytes = content.bytes;
     if (bytes.starts_with(byte_order_mark)) bytes.remove_prefix(byte_order_mark.size());
@@ -43,7 +43,7 @@ std::optional<PM_Object::FileType> type_of(const FileContent& content, const Che
     return std::nullopt;
 }
 
-void check_as(PM_Object::FileType type, const FileContent& content, const CheckOptions& options,
+void check_as(PM_Object::FileType type, const CheckedContent& content, const CheckOptions& options,
               Findings& findings) {
     const NarrowText narrow(pm_system_code_page());
     const Place where{.file = content.name, .section = {}};
@@ -95,14 +95,14 @@ void say_unreadable(std::string_view file, std::uint32_t number, Findings& findi
 void check_read(std::string_view file, bool known_only, const CheckOptions& options, Findings& findings) {
     const FileBytes read = read_bytes(file);
     if (read.failure != 0) return say_unreadable(file, read.failure, findings);
-    const FileContent content{read.bytes, std::string(file), std::string(file)};
+    const CheckedContent content{read.bytes, std::string(file), std::string(file)};
     if (known_only && !type_of(content, options)) return;
     check_content(content, options, findings);
 }
 
 } // namespace
 
-void check_content(const FileContent& content, const CheckOptions& options, Findings& findings) {
+void check_content(const CheckedContent& content, const CheckOptions& options, Findings& findings) {
     const std::optional<PM_Object::FileType> type = type_of(content, options);
     if (type) return check_as(*type, content, options, findings);
     findings.add(

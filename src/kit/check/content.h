@@ -7,14 +7,14 @@
 namespace pm::kit {
 
 // A file on its way to the check of its format.
-struct FileContent {
+struct CheckedContent {
     std::string_view bytes;
     std::string name; // as diagnostics call it
     std::string file; // by which the library can open it; empty for content at hand
 };
 
 // By its kind, told or found.
-void check_content(const FileContent& content, const CheckOptions& options, Findings& findings);
+void check_content(const CheckedContent& content, const CheckOptions& options, Findings& findings);
 // A file that isn't a folder.
 void check_named(std::string_view file, const CheckOptions& options, Findings& findings);
 // The same, but for one of no known kind, which is passed over.

@@ -186,7 +186,7 @@ void DocCheck::check_orphans() {
 
 } // namespace
 
-void check_doc(const FileContent& content, const Place& where, Findings& findings) {
+void check_doc(const CheckedContent& content, const Place& where, Findings& findings) {
     const std::size_t first = findings.count();
     const Compound file(content.bytes);
     if (file.failure().empty()) {

@@ -17,7 +17,7 @@ Findings::Findings(const CheckOptions& options) {
     mark(options.without, false);
 }
 
-void Findings::add(Finding finding) {
+void Findings::add(RuleFinding finding) {
     m_numbers.push_back({finding.number, finding.place.line, m_found.size()});
     if (!wants(finding.rule)) return;
     const CheckRule& rule = rule_info(finding.rule);

@@ -8,7 +8,7 @@
 namespace pm::kit {
 
 // One thing that a scanner found, on its way to a diagnostic.
-struct Finding {
+struct RuleFinding {
     Rule rule;
     Place place = {};
     std::string message = {};
@@ -23,7 +23,7 @@ public:
     explicit Findings(const CheckOptions& options);
 
     [[nodiscard]] bool wants(Rule rule) const { return m_wanted[static_cast<std::size_t>(rule)]; }
-    void add(Finding finding);
+    void add(RuleFinding finding);
     [[nodiscard]] bool has_number(std::uint32_t number) const;
     // Everything since `first`, a former count(), in the order of lines and columns.
     void sort_from(std::size_t first);

@@ -129,7 +129,7 @@ void round_trip_pia(std::string_view bytes, const Place& where, Findings& findin
     compare_round(load, save_and_load, where, findings);
 }
 
-void round_trip_doc(const FileContent& content, const Place& where, Findings& findings) {
+void round_trip_doc(const CheckedContent& content, const Place& where, Findings& findings) {
     std::optional<ContentFile> copy;
     if (content.file.empty()) copy.emplace(content.bytes);
     const std::u16string name = file_name_to_utf16(copy ? copy->name() : content.file);
@@ -167,7 +167,7 @@ void round_trip_dpia(std::string_view bytes, const Place& where, Findings& findi
 
 } // namespace
 
-void check_round_trip(PM_Object::FileType type, const FileContent& content, const Place& where,
+void check_round_trip(PM_Object::FileType type, const CheckedContent& content, const Place& where,
                       Findings& findings) {
     if (!findings.wants(Rule::round_trip)) return;
     if (type == PM_Object::FILE_PIA) round_trip_pia(content.bytes, where, findings);

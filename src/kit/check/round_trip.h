@@ -6,7 +6,7 @@ namespace pm::kit {
 
 // Rule round-trip: what is loaded, saved in the same format and loaded again is compared, property by
 // property.
-void check_round_trip(PM_Object::FileType type, const FileContent& content, const Place& where,
+void check_round_trip(PM_Object::FileType type, const CheckedContent& content, const Place& where,
                       Findings& findings);
 
 } // namespace pm::kit

@@ -146,7 +146,7 @@ std::optional<std::string> string_file_in(const std::filesystem::path& folder) {
 }
 
 // A file by itself: by its lines alone.
-void check_alone(const FileContent& content, const NarrowText& narrow, Findings& findings) {
+void check_alone(const CheckedContent& content, const NarrowText& narrow, Findings& findings) {
     const std::size_t first = findings.count();
     const Place where{.file = content.name, .section = {}};
     const Table* const table = find_table(base_name(content.name));
@@ -172,7 +172,7 @@ void check_description(std::string_view folder, Findings& findings) {
     if (strings) Description(*strings, findings).check({});
 }
 
-void check_table_file(const FileContent& content, const NarrowText& narrow, Findings& findings) {
+void check_table_file(const CheckedContent& content, const NarrowText& narrow, Findings& findings) {
     const std::filesystem::path path = path_of_name(content.file);
     const bool table = find_table(base_name(content.name)) != nullptr;
     if (content.file.empty()) return check_alone(content, narrow, findings);

@@ -12,6 +12,6 @@ namespace pm::kit {
 // A whole description, by its folder.
 void check_description(std::string_view folder, Findings& findings);
 // A table or string file: with the description in its folder if it has a file's name, or else alone.
-void check_table_file(const FileContent& content, const NarrowText& narrow, Findings& findings);
+void check_table_file(const CheckedContent& content, const NarrowText& narrow, Findings& findings);
 
 } // namespace pm::kit
