@@ -218,7 +218,7 @@ std::vector<std::u16string> table_names(std::u16string_view folder) {
     std::ranges::sort(paths);
     std::vector<std::u16string> names;
     for (const std::filesystem::path& path : paths) {
-        std::u16string name = file_name_to_utf16(path.native());
+        std::u16string name = wide_file_name(path);
         if (ends_in_table_extension(name)) names.push_back(std::move(name));
     }
     return names;

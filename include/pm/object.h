@@ -16,7 +16,7 @@ class PM_Object;
 namespace pm {
 class TreeBuilder;
 class TreeCursor;
-PM_API void make_node(PM_Object& object, const char16_t* path); // inspect.h
+void make_node(PM_Object& object, const char16_t* path); // inspect.h
 } // namespace pm
 
 // Type of a stored value.

@@ -6,7 +6,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
+#include <thread>
 #include <type_traits>
 
 namespace pm {
@@ -70,6 +70,23 @@ struct Characters {
     std::array<std::uint16_t, 0x10000> bytes; // by unit: lead and trail byte, or a byte alone; 0 for none
 };
 
+// While one lives, others with the same flag wait. In place of a mutex, which isn't a constant on every
+// system.
+class Turn {
+public:
+    explicit Turn(std::atomic_flag& taken) : m_taken(taken) {
+        while (m_taken.test_and_set(std::memory_order_acquire)) {
+            std::this_thread::yield();
+        }
+    }
+    ~Turn() { m_taken.clear(std::memory_order_release); }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+private:
+    std::atomic_flag& m_taken;
+};
+
 class DoubleBytePage final : public CodePage {
 public:
     constexpr DoubleBytePage(unsigned number, const Layout& layout, Characters& characters)
@@ -78,7 +95,7 @@ public:
     // Whether the characters are known. The first call learns them.
     bool is_ready() {
         if (m_ready.load(std::memory_order_acquire)) return true;
-        const std::lock_guard lock(m_learning);
+        const Turn turn(m_learning);
         if (!m_ready.load(std::memory_order_relaxed)) m_ready.store(learn(), std::memory_order_release);
         return m_ready.load(std::memory_order_relaxed);
     }
@@ -147,7 +164,7 @@ private:
     const Layout& m_layout;
     Characters& m_characters;
     std::atomic<bool> m_ready{false};
-    std::mutex m_learning;
+    std::atomic_flag m_learning;
 };
 
 static_assert(std::is_trivially_destructible_v<DoubleBytePage>);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
@@ -28,11 +29,10 @@ public:
     [[nodiscard]] bool replace(std::span<const std::byte> content);
 
 private:
-    explicit LockedFile(int descriptor) : m_descriptor(descriptor) {}
-    static std::unique_ptr<LockedFile> open(std::u16string_view name, int flags);
-    bool reserve(std::size_t size);
+    LockedFile() = default;
+    static std::unique_ptr<LockedFile> open(std::u16string_view name, bool create);
 
-    int m_descriptor;
+    std::intptr_t m_file = -1; // the system's handle, or -1
 };
 
 // The first bytes of a regular file, at most `count`. Nothing if they can't be read; locks don't matter.

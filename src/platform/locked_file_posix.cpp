@@ -67,49 +67,56 @@ bool write_all(int descriptor, std::span<const std::byte> bytes) {
     return true;
 }
 
+// Finds out that the disk is full before anything is overwritten.
+bool reserve(int descriptor, std::size_t size) {
+    struct stat before {};
+    if (fstat(descriptor, &before) != 0) return false;
+    const int error = posix_fallocate(descriptor, 0, static_cast<off_t>(size));
+    const bool reserved = error == 0 || error == EOPNOTSUPP || error == EINVAL;
+    if (!reserved && ftruncate(descriptor, before.st_size) != 0) return false;
+    return reserved;
+}
+
+int descriptor_of(std::intptr_t file) {
+    return static_cast<int>(file);
+}
+
 } // namespace
 
 std::unique_ptr<LockedFile> LockedFile::open(std::u16string_view name) {
-    return open(name, O_RDWR);
+    return open(name, false);
 }
 
 std::unique_ptr<LockedFile> LockedFile::create(std::u16string_view name) {
-    return open(name, O_RDWR | O_CREAT);
+    return open(name, true);
 }
 
-std::unique_ptr<LockedFile> LockedFile::open(std::u16string_view name, int flags) {
-    Descriptor file(name, flags);
+std::unique_ptr<LockedFile> LockedFile::open(std::u16string_view name, bool create) {
+    std::unique_ptr<LockedFile> locked(new LockedFile);
+    Descriptor file(name, create ? O_RDWR | O_CREAT : O_RDWR);
     if (!file.is_regular_file() || flock(file.get(), LOCK_EX | LOCK_NB) != 0) return nullptr;
-    std::unique_ptr<LockedFile> locked(new LockedFile(file.get()));
-    file.release();
+    locked->m_file = file.release();
     return locked;
 }
 
 LockedFile::~LockedFile() {
-    flock(m_descriptor, LOCK_UN); // a child process may have a copy of the descriptor
-    close(m_descriptor);
+    if (m_file < 0) return;
+    flock(descriptor_of(m_file), LOCK_UN); // a child process may have a copy of the descriptor
+    close(descriptor_of(m_file));
 }
 
 std::optional<std::vector<std::byte>> LockedFile::read(std::size_t limit) const {
+    const int descriptor = descriptor_of(m_file);
     struct stat attributes {};
-    if (fstat(m_descriptor, &attributes) != 0) return std::nullopt;
+    if (fstat(descriptor, &attributes) != 0) return std::nullopt;
     const auto size = static_cast<std::size_t>(attributes.st_size);
-    return size <= limit ? read_up_to(m_descriptor, size) : std::nullopt;
+    return size <= limit ? read_up_to(descriptor, size) : std::nullopt;
 }
 
 bool LockedFile::replace(std::span<const std::byte> content) {
-    return reserve(content.size()) && write_all(m_descriptor, content) &&
-           ftruncate(m_descriptor, static_cast<off_t>(content.size())) == 0;
-}
-
-// Finds out that the disk is full before anything is overwritten.
-bool LockedFile::reserve(std::size_t size) {
-    struct stat before {};
-    if (fstat(m_descriptor, &before) != 0) return false;
-    const int error = posix_fallocate(m_descriptor, 0, static_cast<off_t>(size));
-    const bool reserved = error == 0 || error == EOPNOTSUPP || error == EINVAL;
-    if (!reserved && ftruncate(m_descriptor, before.st_size) != 0) return false;
-    return reserved;
+    const int descriptor = descriptor_of(m_file);
+    return reserve(descriptor, content.size()) && write_all(descriptor, content) &&
+           ftruncate(descriptor, static_cast<off_t>(content.size())) == 0;
 }
 
 std::optional<std::vector<std::byte>> first_bytes(std::u16string_view name, std::size_t count) {

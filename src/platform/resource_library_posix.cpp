@@ -69,11 +69,16 @@ void close_resource_library(std::uint64_t handle) {
     dlclose(to_handle(handle));
 }
 
-const char16_t* resource_text(std::uint64_t handle, std::uint32_t number) {
+std::u16string_view resource_text(std::uint64_t handle, std::uint32_t number) {
     using TextFunction = const char16_t* (*)(std::uint32_t);
-    if (handle == 0) return nullptr;
-    const auto text = std::bit_cast<TextFunction>(dlsym(to_handle(handle), text_function));
-    return text != nullptr ? text(number) : nullptr;
+    if (handle == 0) return {};
+    const auto function = std::bit_cast<TextFunction>(dlsym(to_handle(handle), text_function));
+    const char16_t* text = function != nullptr ? function(number) : nullptr;
+    return text != nullptr ? text : std::u16string_view();
+}
+
+bool resource_library_lives_with_module() {
+    return true;
 }
 
 } // namespace pm

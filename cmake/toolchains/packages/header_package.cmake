@@ -1,0 +1,15 @@
+# pm_header_package(<package> <target> <folder>): a library of headers alone, which lie in /usr/include/<folder>. They
+# are the same for every system; what lies beside them isn't, so that only a link to the folder is searched.
+function(pm_header_package package target folder)
+    if(TARGET ${target})
+        return()
+    endif()
+    set(headers ${PROJECT_BINARY_DIR}/headers/${package})
+    if(NOT EXISTS /usr/include/${folder})
+        message(FATAL_ERROR "${package}: there is no /usr/include/${folder}")
+    endif()
+    file(MAKE_DIRECTORY ${headers})
+    file(CREATE_LINK /usr/include/${folder} ${headers}/${folder} SYMBOLIC)
+    add_library(${target} INTERFACE IMPORTED GLOBAL)
+    target_include_directories(${target} INTERFACE ${headers})
+endfunction()
