@@ -84,7 +84,7 @@ const char16_t* section_key_prefix(Section section) {
 }
 
 std::u16string_view folder_of(std::u16string_view file_name) {
-    return file_name.substr(0, file_name.find_last_of(u"\\/") + 1);
+    return file_name.substr(0, folder_length(file_name));
 }
 
 OpenFailure open_failure(int code) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -14,6 +15,9 @@ namespace pm {
 std::filesystem::path native_file_name(std::u16string_view name);
 // The other way: a name of the system's as wide text. native_file_name() gives the same name back.
 std::u16string wide_file_name(const std::filesystem::path& name);
+// Units of the drive and folder in front of a file's name, with what ends them: "\", "/" or, where there are
+// drives, the ":" behind one's letter.
+std::size_t folder_length(std::u16string_view name);
 // Whether the file's attributes can be read.
 bool file_exists(std::u16string_view name);
 

@@ -17,6 +17,10 @@ std::u16string wide_file_name(const std::filesystem::path& name) {
     return wide;
 }
 
+std::size_t folder_length(std::u16string_view name) {
+    return name.find_last_of(u"\\/") + 1;
+}
+
 bool file_exists(std::u16string_view name) {
     struct stat attributes {};
     return stat(native_file_name(name).c_str(), &attributes) == 0;

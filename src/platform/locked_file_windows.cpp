@@ -104,7 +104,8 @@ std::unique_ptr<LockedFile> LockedFile::create(std::u16string_view name) {
 
 std::unique_ptr<LockedFile> LockedFile::open(std::u16string_view name, bool create) {
     std::unique_ptr<LockedFile> locked(new LockedFile);
-    File file(name, GENERIC_READ | GENERIC_WRITE, 0, create ? OPEN_ALWAYS : OPEN_EXISTING);
+    // Others may read. Whoever opens the file to write, as another of these does, is refused.
+    File file(name, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, create ? OPEN_ALWAYS : OPEN_EXISTING);
     if (!file.is_regular_file()) return nullptr;
     locked->m_file = std::bit_cast<std::intptr_t>(file.release());
     return locked;
