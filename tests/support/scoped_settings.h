@@ -2,6 +2,7 @@
 
 #include "support/ordinary_user.h"
 #include <cstdlib>
+#include <optional>
 #include <pm/code_page.h>
 #include <string>
 
@@ -25,25 +26,16 @@ private:
 class ScopedVariable {
 public:
     ScopedVariable(const char* name, const std::string& value) : m_name(name) {
-        const char* before = std::getenv(name);
-        m_was_set = before != nullptr;
-        if (m_was_set) m_before = before;
-        setenv(name, value.c_str(), 1);
+        if (const char* before = std::getenv(name)) m_before = before;
+        set_variable(m_name, value);
     }
-    ~ScopedVariable() {
-        if (m_was_set) {
-            setenv(m_name.c_str(), m_before.c_str(), 1);
-        } else {
-            unsetenv(m_name.c_str());
-        }
-    }
+    ~ScopedVariable() { set_variable(m_name, m_before); }
     ScopedVariable(const ScopedVariable&) = delete;
     ScopedVariable& operator=(const ScopedVariable&) = delete;
 
 private:
     std::string m_name;
-    std::string m_before;
-    bool m_was_set = false;
+    std::optional<std::string> m_before;
 };
 
 // OrdinaryUser by its other name.

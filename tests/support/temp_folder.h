@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/code_page.h"
-#include <cstdlib>
+#include "support/system.h"
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -14,11 +14,7 @@ namespace pm::test {
 // A folder of its own for one test, removed with all that is in it.
 class TempFolder {
 public:
-    TempFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "pm_test_XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-        m_path = name;
-    }
+    TempFolder() : m_path(make_temp_folder()) {}
     ~TempFolder() {
         std::error_code ignored;
         std::filesystem::remove_all(m_path, ignored);
