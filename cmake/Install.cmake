@@ -42,6 +42,9 @@ install(TARGETS pmres9
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/pm9 COMPONENT runtime
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}/pm9 COMPONENT runtime)
 
+# Programs share the compiler's runtime with the library; see WindowsRuntime.cmake.
+install(FILES ${PM_RUNTIME_DLLS} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/pm DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 install(EXPORT pm9-targets NAMESPACE pm:: DESTINATION ${package_folder} COMPONENT development)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/cmake/pm9-config-version.cmake

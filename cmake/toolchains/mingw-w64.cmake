@@ -16,3 +16,6 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 # What isn't packaged for Windows is found by modules of our own.
 list(APPEND CMAKE_MODULE_PATH ${CMAKE_CURRENT_LIST_DIR}/packages)
 set(ZLIB_USE_STATIC_LIBS ON)
+
+# Elsewhere its programs run under Wine.
+set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../../scripts/run_in_wine ${CMAKE_BINARY_DIR})

@@ -1,5 +1,6 @@
 #include "base/text.h"
 
+#include "support/system.h"
 #include <array>
 #include <bit>
 #include <cmath>
@@ -28,7 +29,7 @@ std::uint64_t bits_of(double value) {
 // Expects what the C library's strtod makes of the text.
 void expect_scanned_as_strtod(const std::string& text) {
     char* end = nullptr;
-    const double expected = std::strtod(text.c_str(), &end);
+    const double expected = pm::test::c_number(text.c_str(), &end);
     const pm::ScannedDouble scanned = pm::scan_double_at(wide(text));
     ASSERT_EQ(static_cast<std::size_t>(end - text.c_str()), scanned.length) << text;
     ASSERT_EQ(std::isnan(expected), std::isnan(scanned.value)) << text;
@@ -41,6 +42,13 @@ void expect_scanned_as_strtod(const std::string& text) {
 std::string printed(const char* format, int precision, double value) {
     std::array<char, 2048> text{};
     std::snprintf(text.data(), text.size(), format, precision, value);
+    return std::isnan(value) ? pm::test::c_nan_text(value) : text.data();
+}
+
+// All digits of a number that is told in hexadecimal ones.
+std::string exact_text(const char* hexadecimal) {
+    std::array<char, 1200> text{};
+    std::snprintf(text.data(), text.size(), "%.1150Lf", std::strtold(hexadecimal, nullptr));
     return text.data();
 }
 
@@ -321,14 +329,21 @@ TEST(ScanDouble, AgreesWithTheCLibraryOnLongTextsOfAnyShape) {
 }
 
 TEST(ScanDouble, LongTextBesideTheMiddleOfTwoNumbersIsRoundedRightly) {
-    for (const char* middle :
-         {"0x1p-1075", "0x1.8p-1074", "0x1.00000000000008p0", "0x1.fffffffffffff8p-1022"}) {
-        std::array<char, 1200> text{};
-        std::snprintf(text.data(), text.size(), "%.1150Lf", std::strtold(middle, nullptr));
-        const std::string exact = text.data();
+    for (const char* middle : {"0x1p-1075", "0x1.00000000000008p0", "0x1.fffffffffffff8p-1022"}) {
+        const std::string exact = exact_text(middle);
         expect_scanned_as_strtod(exact);
         expect_scanned_as_strtod(exact + std::string(300, '0') + "1");
         expect_scanned_as_strtod(exact + "e0");
+    }
+}
+
+// Not every C library rounds this one rightly.
+TEST(ScanDouble, LongTextBesideTheMiddleOfTheSmallestNumbersIsRoundedRightly) {
+    const std::string exact = exact_text("0x1.8p-1074");
+    for (const std::string& text : {exact, exact + std::string(300, '0') + "1", exact + "e0"}) {
+        const pm::ScannedDouble scanned = pm::scan_double_at(wide(text));
+        EXPECT_EQ(2U, bits_of(scanned.value)) << text;
+        EXPECT_EQ(text.size(), scanned.length);
     }
 }
 

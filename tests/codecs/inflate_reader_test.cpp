@@ -13,10 +13,11 @@ using pm::InflateReader;
 using pm::test::expect_thrown;
 
 std::string deflated(const std::string& text) {
-    uLongf size = compressBound(text.size());
+    const auto text_size = static_cast<uLong>(text.size());
+    uLongf size = compressBound(text_size);
     std::string stream(size, '\0');
     EXPECT_EQ(Z_OK, compress2(reinterpret_cast<Bytef*>(stream.data()), &size,
-                              reinterpret_cast<const Bytef*>(text.data()), text.size(), 9));
+                              reinterpret_cast<const Bytef*>(text.data()), text_size, 9));
     stream.resize(size);
     return stream;
 }

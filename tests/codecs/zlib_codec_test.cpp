@@ -2,12 +2,12 @@
 #include "codecs/zlib_block.h"
 #include "codecs/zlib_faults.h"
 #include "support/allocation_failures.h"
+#include "support/system.h"
 #include "support/temp_folder.h"
 #include <array>
 #include <gmock/gmock.h>
 #include <limits>
 #include <pm_test_paths.h>
-#include <sys/mman.h>
 #include <zlib.h>
 
 namespace pm::test {
@@ -38,7 +38,7 @@ std::string zlib_stream(std::string_view data, int level = 9, int window_bits = 
                         int strategy = Z_DEFAULT_STRATEGY) {
     z_stream state{};
     deflateInit2(&state, level, Z_DEFLATED, window_bits, 8, strategy);
-    std::string out(deflateBound(&state, data.size()), '\0');
+    std::string out(deflateBound(&state, static_cast<uLong>(data.size())), '\0');
     state.next_in = const_cast<unsigned char*>(as_bytes(data));
     state.avail_in = static_cast<uInt>(data.size());
     state.next_out = reinterpret_cast<unsigned char*>(out.data());
@@ -478,26 +478,8 @@ TEST_F(ZlibCodecTest, WorkingBufferHasTheSizeOfTheBound) {
     EXPECT_THAT(asked, ElementsAre(18U, 32U));
 }
 
-// 4 GiB of zeros that take no memory.
-class ZeroPages {
-public:
-    ZeroPages()
-        : m_pages(mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0)) {
-        if (m_pages == MAP_FAILED) throw std::bad_alloc();
-    }
-    ~ZeroPages() { munmap(m_pages, size); }
-    ZeroPages(const ZeroPages&) = delete;
-    ZeroPages& operator=(const ZeroPages&) = delete;
-
-    const unsigned char* data() const { return static_cast<const unsigned char*>(m_pages); }
-
-private:
-    static constexpr std::size_t size = std::size_t{1} << 32;
-    void* m_pages;
-};
-
 TEST_F(ZlibCodecTest, StreamThatDoesNotFitTheBoundIsNumber94) {
-    const ZeroPages pages;
+    const ZeroPages pages(std::size_t{1} << 32);
     for (const auto operation : {&PM_zlib_Codec::encode, &PM_zlib_Codec::encodeCRC}) {
         const CodecRun wrapped = run_codec(operation, pages.data(), largest);
         expect_failure(wrapped, 94);

@@ -16,10 +16,11 @@ inline std::string word(std::uint32_t value) {
 }
 
 inline std::string deflated(const std::string& text, int level = 9) {
-    uLongf size = compressBound(text.size());
+    const auto text_size = static_cast<uLong>(text.size());
+    uLongf size = compressBound(text_size);
     std::string stream(size, '\0');
     if (compress2(reinterpret_cast<Bytef*>(stream.data()), &size, reinterpret_cast<const Bytef*>(text.data()),
-                  text.size(), level) != Z_OK) {
+                  text_size, level) != Z_OK) {
         throw std::runtime_error("zlib refuses");
     }
     stream.resize(size);

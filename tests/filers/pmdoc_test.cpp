@@ -3,7 +3,6 @@
 #include "platform/compound_bytes.h"
 #include "support/allocation_failures.h"
 #include "support/exceptions.h"
-#include "support/file_size_limit.h"
 #include "support/scoped_settings.h"
 #include "support/temp_folder.h"
 #include "support/tree_text.h"
@@ -15,8 +14,6 @@
 #include <pm/pm.h>
 #include <sstream>
 #include <string>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -513,24 +510,6 @@ TEST_F(DocTest, ASecondOpenFailsWhileTheFirstWrites) {
     expect_thrown<PM_Severe>([&] { save(); }, PM_ERR_NOT_OPENED, open_place, path);
 }
 
-TEST_F(DocTest, ASecondOpenInAnotherProcessFails) {
-    save();
-    PM_DOCFile first(nullptr);
-    first.open(path.c_str(), false);
-    const pid_t child = fork();
-    if (child == 0) {
-        const auto e = pm::test::thrown_by([&] {
-            PM_DOCFile second(nullptr);
-            second.open(path.c_str(), false);
-        });
-        _exit(e && e->m_number == PM_ERR_NOT_OPENED ? 0 : 1);
-    }
-    int status = -1;
-    ASSERT_EQ(child, waitpid(child, &status, 0));
-    EXPECT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(0, WEXITSTATUS(status));
-}
-
 TEST_F(DocTest, OpeningAgainAndAttachingDoNothing) {
     object.SetProperty(u"a", 1);
     save();
@@ -855,13 +834,6 @@ TEST_F(DocTest, AMissingSubtreeOfKnownNamesIsAnEmptyFile) {
     EXPECT_EQ(Names{}, names_in(again, u"\\"));
     expect_thrown<PM_Warning>([&] { save(u"unknown"); }, PM_ERR_BAD_PATH, u"PM_Iterator::PM_Iterator()",
                               u"unknown");
-}
-
-TEST_F(DocTest, AFileThatCannotGrowRaises60) {
-    for (int node = 0; node < 50; ++node)
-        object.SetProperty(u"n*\\p", std::u16string(500, u'x').c_str(), node);
-    const pm::test::FileSizeLimit limit(8192);
-    expect_thrown<PM_Severe>([&] { save(); }, PM_ERR_NOT_WRITTEN, save_place, path);
 }
 
 } // namespace

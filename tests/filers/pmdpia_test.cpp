@@ -449,12 +449,6 @@ TEST_F(DpiaTest, AFileThatCannotBeMadeFailsInOpen) {
                              PM_ERR_NO_SUCH_FILE, u"PM_DPIAFile::open()", path);
 }
 
-TEST_F(DpiaTest, AFullDiskIsTold) {
-    object.SetProperty(u"s\\p", 1);
-    expect_thrown<PM_Severe>([&] { object.save(u"/dev/full", PM_Object::FILE_DPIA, u"", u"s"); },
-                             PM_ERR_DISK_FULL, u"PM_DPIAFile::write_directory", u"");
-}
-
 TEST_F(DpiaTest, AShortVersionWordRaises82) {
     for (const std::string& content : {std::string(), std::string("\0\0", 2)}) {
         expect_thrown<PM_Severe>([&] { load(content); }, PM_ERR_STREAM_FAILED, version_place, u"");

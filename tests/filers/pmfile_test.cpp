@@ -1,5 +1,6 @@
 #include "filers/pmfile.h"
 
+#include "filers/failing_file.h"
 #include "filers/pia_text.h"
 #include "support/exceptions.h"
 #include "support/recording_handler.h"
@@ -10,11 +11,12 @@
 #include <gtest/gtest.h>
 #include <pm/error_number.h>
 #include <sstream>
-#include <sys/resource.h>
 
 namespace {
 
 using pm::test::expect_thrown;
+using pm::test::FailingFile;
+using pm::test::open_place;
 using pm::test::RecordingHandler;
 using pm::test::SourceRecordingHandler;
 using pm::test::TempFolder;
@@ -244,25 +246,6 @@ TEST(FilerWriting, IndexGoesIntoThePath) {
 
 // Streams that fail for the system's reasons.
 
-constexpr const char16_t* open_place = u"PM_PIAFile::open()";
-
-class FailingFile : public testing::Test {
-protected:
-    FailingFile() { std::filesystem::permissions(folder.path(), std::filesystem::perms(0755)); }
-
-    void expect_load_failure(const std::u16string& name, std::uint32_t number, const std::u16string& at) {
-        expect_thrown<PM_Severe>([&] { object.load(name.c_str(), PM_Object::FILE_PIA, u"\\"); }, number, at,
-                                 name);
-    }
-    void expect_save_failure(const std::u16string& name, std::uint32_t number, const std::u16string& at) {
-        expect_thrown<PM_Severe>([&] { object.save(name.c_str(), PM_Object::FILE_PIA, u"", u"\\"); }, number,
-                                 at, name);
-    }
-
-    TempFolder folder;
-    PM_Object object;
-};
-
 TEST_F(FailingFile, MissingFileIs63AtLoad) {
     expect_load_failure(folder.wide("missing.pia"), PM_ERR_NO_SUCH_FILE, u"PM_PIAFile::load()");
 }
@@ -292,8 +275,7 @@ TEST_F(FailingFile, MissingFolderIs63AtOpenWhenSaving) {
 
 TEST_F(FailingFile, UnreadableFileIs61) {
     const std::u16string name = folder.write("secret.pia", pm::test::pia_header);
-    std::filesystem::permissions(folder / "secret.pia", std::filesystem::perms::none);
-    const pm::test::DroppedPrivileges dropped;
+    const pm::test::UnreadableFile secret(folder / "secret.pia");
     expect_load_failure(name, PM_ERR_ACCESS_DENIED, open_place);
 }
 
@@ -305,35 +287,6 @@ TEST_F(FailingFile, UnwritableFileIs61) {
         expect_save_failure(name, PM_ERR_ACCESS_DENIED, open_place);
     }
     EXPECT_EQ(pm::test::pia_header, folder.read("fixed.pia"));
-}
-
-TEST_F(FailingFile, FolderIs82) {
-    expect_load_failure(folder.path().u16string(), PM_ERR_STREAM_FAILED, u"PM_PIAFile::getVersion()");
-    expect_save_failure(folder.path().u16string(), PM_ERR_STREAM_FAILED, open_place);
-}
-
-TEST_F(FailingFile, TooManyOpenFilesAre62) {
-    const std::u16string name = folder.write("a.pia", pm::test::pia_header);
-    rlimit before{};
-    ASSERT_EQ(0, getrlimit(RLIMIT_NOFILE, &before));
-    rlimit none = before;
-    none.rlim_cur = 0;
-    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &none));
-    const auto e = thrown_by([&] { object.load(name.c_str(), PM_Object::FILE_PIA, u"\\"); });
-    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &before));
-    ASSERT_TRUE(e);
-    EXPECT_EQ(PM_ERR_TOO_MANY_FILES, e->m_number);
-    EXPECT_EQ(std::u16string(open_place), e->m_place);
-    EXPECT_EQ(name, e->m_detail);
-}
-
-TEST_F(FailingFile, FullDeviceIs65) {
-    expect_save_failure(u"/dev/full", PM_ERR_DISK_FULL, u"PM_PIAFile::save()");
-}
-
-TEST_F(FailingFile, FullDeviceIs65WhenCompressed) {
-    expect_thrown<PM_Severe>([&] { object.save(u"/dev/full", PM_Object::FILE_PIA, u"compress", u"\\"); },
-                             PM_ERR_DISK_FULL, u"PM_PIAFile::save()", u"/dev/full");
 }
 
 TEST_F(FailingFile, ShortFileIs82WhateverFailedBefore) {

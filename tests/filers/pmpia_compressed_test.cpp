@@ -22,6 +22,7 @@ using pm::test::loaded_bytes;
 using pm::test::RecordingHandler;
 using pm::test::saved;
 using pm::test::ScopedVariable;
+using pm::test::temp_folder_variable;
 using pm::test::TempFolder;
 using pm::test::tree_text;
 
@@ -125,13 +126,13 @@ TEST_P(PiaCompressed, BodyOfManyBlocksOfTheReaderIsLoaded) {
 
 TEST_P(PiaCompressed, MemoryServesWithoutATemporaryFolder) {
     const TempFolder folder;
-    const ScopedVariable temp("TMPDIR", folder / "missing");
+    const ScopedVariable temp(temp_folder_variable, (folder / "missing").string());
     EXPECT_EQ(body_tree, loaded_bytes(file_of(block)));
 }
 
 TEST_P(PiaCompressed, NoTemporaryFileIsLeftWhateverHappens) {
     const TempFolder folder;
-    const ScopedVariable temp("TMPDIR", folder.path());
+    const ScopedVariable temp(temp_folder_variable, folder.path().string());
     loaded_bytes(file_of(block));
     PM_Object object;
     expect_thrown<PM_Error>([&] { load_bytes(object, file_of(block_of("bad line\n", GetParam()))); },
@@ -141,7 +142,7 @@ TEST_P(PiaCompressed, NoTemporaryFileIsLeftWhateverHappens) {
 
 TEST_P(PiaCompressed, EmptyBodyNeedsNoTemporaryFolder) {
     const TempFolder folder;
-    const ScopedVariable temp("TMPDIR", folder / "missing");
+    const ScopedVariable temp(temp_folder_variable, (folder / "missing").string());
     EXPECT_EQ(Lines{}, loaded_bytes(file_of(block_of("", GetParam()))));
 }
 
@@ -156,7 +157,7 @@ public:
 
 TEST_P(PiaCompressed, ExceptionOfAHandlersOwnEndsTheLoadAndNothingElse) {
     const TempFolder folder;
-    const ScopedVariable temp("TMPDIR", folder.path());
+    const ScopedVariable temp(temp_folder_variable, folder.path().string());
     ThrowingHandler handler;
     PM_Object object(&handler);
     EXPECT_THROW(load_bytes(object, file_of(block_of("a=1\nx{\nb=yes\nc=2\n", GetParam()))),
@@ -350,10 +351,10 @@ TEST(PiaCompressedSave, CheckedBlockStandsBehindTheHeader) {
     EXPECT_EQ(header + expected.bytes(), bytes);
 
     std::string text(body.size(), 'x');
-    uLongf size = text.size();
+    auto size = static_cast<uLongf>(text.size());
     ASSERT_EQ(Z_OK,
               uncompress(reinterpret_cast<Bytef*>(text.data()), &size,
-                         reinterpret_cast<const Bytef*>(expected.stream.data()), expected.stream.size()));
+                         reinterpret_cast<const Bytef*>(expected.stream.data()), expected.stream_length));
     EXPECT_EQ(body, text);
 }
 
@@ -375,7 +376,7 @@ TEST(PiaCompressedSave, Utf8CountsForHeaderAndBody) {
 
 TEST(PiaCompressedSave, NoTemporaryFileIsLeftWhateverHappens) {
     const TempFolder folder;
-    const ScopedVariable temp("TMPDIR", folder.path());
+    const ScopedVariable temp(temp_folder_variable, folder.path().string());
     PM_Object object;
     fill(object);
     saved(object, u"compress");
@@ -390,13 +391,13 @@ TEST(PiaCompressedSave, MemoryServesWithoutATemporaryFolder) {
     fill(object);
     const std::string expected = saved(object, u"compress");
     const TempFolder folder;
-    const ScopedVariable temp("TMPDIR", folder / "missing");
+    const ScopedVariable temp(temp_folder_variable, (folder / "missing").string());
     EXPECT_EQ(expected, saved(object, u"compress"));
 }
 
 TEST(PiaCompressedSave, MissingTemporaryFolderIsNotBlamedForAFailedStream) {
     const TempFolder folder;
-    const ScopedVariable temp("TMPDIR", folder / "missing");
+    const ScopedVariable temp(temp_folder_variable, (folder / "missing").string());
     std::stringstream stream = byte_stream("");
     const PM_Object object;
     // Fails in the middle of the work for no reason of the system's.

@@ -194,9 +194,7 @@ TEST(Identify, FileBelowAFileIsMissing) {
 TEST(Identify, UnreadableFileIsToldWithItsName) {
     const TempFolder folder;
     const std::u16string name = folder.write("a", "hello");
-    std::filesystem::permissions(folder.path(), std::filesystem::perms::all);
-    std::filesystem::permissions(folder / "a", std::filesystem::perms::none);
-    const DroppedPrivileges dropped;
+    const UnreadableFile secret(folder / "a");
     expect_thrown<PM_Severe>([&] { (void)identify(name); }, PM_ERR_ACCESS_DENIED, place, name);
 }
 

@@ -4,13 +4,11 @@
 
 #include "support/allocation_failures.h"
 #include "support/exceptions.h"
-#include "support/ordinary_user.h"
 #include "support/recording_handler.h"
 #include "support/scoped_settings.h"
 #include <gtest/gtest.h>
 #include <pm_test_paths.h>
 #include <sstream>
-#include <sys/stat.h>
 #include <thread>
 
 namespace {
@@ -185,10 +183,8 @@ TEST(PdtLoad, FolderInPlaceOfATableIsNumber68) {
 
 TEST(PdtLoad, UnreadableTableIsNumber61) {
     const Description description;
-    chmod(description.folder().path().c_str(), 0755);
-    chmod((description.folder() / "Media Cutting.pdt").c_str(), 0);
     PM_Object object;
-    const pm::test::OrdinaryUser user;
+    const pm::test::UnreadableFile secret(description.folder() / "Media Cutting.pdt");
     expect_thrown<PM_Severe>([&] { description.load(object); }, PM_ERR_ACCESS_DENIED, place,
                              description.path_of(Section::media_cutting));
 }

@@ -1,14 +1,11 @@
 #include "pdt/section_reader.h"
 
 #include "support/exceptions.h"
-#include "support/ordinary_user.h"
 #include "support/temp_folder.h"
 #include <cerrno>
 #include <gtest/gtest.h>
 #include <pm/code_page.h>
 #include <pm/error_number.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
 #include <vector>
 
 namespace {
@@ -149,34 +146,9 @@ TEST(SectionReader, FolderInPlaceOfAFileIsNumber68) {
 TEST(SectionReader, UnreadableFileIsNumber61) {
     const TempFolder folder;
     const std::u16string path = folder.write("IO Method.pdt", "");
-    chmod(folder.path().c_str(), 0755);
-    chmod((folder / "IO Method.pdt").c_str(), 0);
-    const pm::test::OrdinaryUser user;
+    const pm::test::UnreadableFile secret(folder / "IO Method.pdt");
     expect_thrown<PM_Severe>([&] { SectionReader(folder.wide(""), Section::io_method, 2); },
                              PM_ERR_ACCESS_DENIED, place, path);
-}
-
-// No file can be opened while it lives.
-class NoMoreFiles {
-public:
-    NoMoreFiles() {
-        getrlimit(RLIMIT_NOFILE, &m_limit);
-        const rlimit none = {0, m_limit.rlim_max};
-        setrlimit(RLIMIT_NOFILE, &none);
-    }
-    ~NoMoreFiles() { setrlimit(RLIMIT_NOFILE, &m_limit); }
-    NoMoreFiles(const NoMoreFiles&) = delete;
-    NoMoreFiles& operator=(const NoMoreFiles&) = delete;
-
-private:
-    rlimit m_limit{};
-};
-
-TEST(SectionReader, TooManyOpenFilesIsNumber62WithoutAName) {
-    const TempFolder folder;
-    const std::u16string path = folder.write("table.pdt", "");
-    const NoMoreFiles limited;
-    expect_thrown<PM_Severe>([&] { SectionReader(path, 0); }, PM_ERR_TOO_MANY_FILES, place, u"");
 }
 
 TEST(SectionReader, NumbersOfOpenFailures) {

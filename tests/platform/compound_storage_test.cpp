@@ -2,7 +2,7 @@
 
 #include "platform/compound_bytes.h"
 #include "platform/compound_manifest.h"
-#include "support/file_size_limit.h"
+#include "platform/compound_storage_fixture.h"
 #include "support/scoped_settings.h"
 #include "support/temp_folder.h"
 #include <filesystem>
@@ -17,44 +17,6 @@ namespace pm {
 namespace {
 
 using Result = IEnumSTATSTG::Result;
-
-std::vector<std::u16string> names(IStorage& storage) {
-    std::vector<std::u16string> found;
-    const auto elements = storage.EnumElements();
-    STATSTG element;
-    while (elements && elements->Next(element) == Result::element) {
-        found.push_back(element.name + (element.is_storage ? u"/" : u""));
-    }
-    return found;
-}
-
-using Names = std::vector<std::u16string>;
-
-void write(IStorage& storage, std::u16string_view name, std::string_view content) {
-    const auto stream = storage.CreateStream(name);
-    ASSERT_NE(nullptr, stream);
-    EXPECT_TRUE(stream->Write(content.data(), content.size()));
-}
-
-std::string read(IStorage& storage, std::u16string_view name) {
-    const auto stream = storage.OpenStream(name);
-    return stream ? test::read_rest(*stream) : "(null)";
-}
-
-class CompoundStorage : public testing::Test {
-protected:
-    CompoundStorage() : root(StgCreateDocfile(name)) {}
-
-    // What the file holds from now on.
-    void reopen() {
-        root.reset();
-        root = StgOpenStorage(name);
-    }
-
-    test::TempFolder folder;
-    std::u16string name = folder.wide("file.doc");
-    std::unique_ptr<IStorage> root;
-};
 
 // Names
 
@@ -371,38 +333,6 @@ TEST_F(CompoundStorage, WhatWasWrittenStandsInTheFileAfterAnException) {
     }
     ASSERT_NE(nullptr, root);
     EXPECT_EQ("content", read(*root->OpenStorage(u"storage"), u"stream"));
-}
-
-TEST_F(CompoundStorage, FullDiskIsTold) {
-    write(*root, u"first", "1");
-    ASSERT_TRUE(root->Commit());
-    const std::string before = folder.read("file.doc");
-    write(*root, u"second", std::string(10000, 'x'));
-    {
-        const test::FileSizeLimit limit(4096);
-        EXPECT_FALSE(root->Commit());
-        EXPECT_EQ(before, folder.read("file.doc"));
-        root.reset();
-        EXPECT_EQ(before, folder.read("file.doc"));
-    }
-    reopen();
-    EXPECT_EQ(Names{u"first"}, names(*root));
-}
-
-TEST_F(CompoundStorage, CommitSucceedsOnceThereIsRoom) {
-    write(*root, u"name", std::string(10000, 'x'));
-    {
-        const test::FileSizeLimit limit(4096);
-        EXPECT_FALSE(root->Commit());
-    }
-    EXPECT_TRUE(root->Commit());
-    reopen();
-    EXPECT_EQ(std::string(10000, 'x'), read(*root, u"name"));
-}
-
-TEST_F(CompoundStorage, FileIsNotCreatedOnAFullDisk) {
-    const test::FileSizeLimit limit(100);
-    EXPECT_EQ(nullptr, StgCreateDocfile(folder.wide("other.doc")));
 }
 
 TEST_F(CompoundStorage, FileThatWasOnlyReadStaysAsItIs) {

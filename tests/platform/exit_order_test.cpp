@@ -1,7 +1,7 @@
-#include <array>
-#include <cstdio>
+#include "support/temp_folder.h"
 #include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -10,22 +10,16 @@ struct Outcome {
     std::string output;
 };
 
-Outcome run(const std::string& command) {
-    Outcome outcome;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr) return outcome;
-    std::array<char, 256> buffer{};
-    while (const std::size_t got = std::fread(buffer.data(), 1, buffer.size(), pipe)) {
-        outcome.output.append(buffer.data(), got);
-    }
-    outcome.status = pclose(pipe);
-    return outcome;
+Outcome run(const char* program, const std::vector<std::string>& arguments) {
+    const pm::test::TempFolder folder;
+    const int status = pm::test::run_program({program, arguments, {}, folder / "out", folder / "err"});
+    return {status, folder.read("out")};
 }
 
 // Both ways of linking: the order of destruction differs.
-void expect_kept(const std::string& arguments) {
+void expect_kept(const std::vector<std::string>& arguments) {
     for (const char* program : {PM_EXIT_ORDER, PM_EXIT_ORDER_SHARED}) {
-        const Outcome outcome = run(std::string(program) + " " + arguments);
+        const Outcome outcome = run(program, arguments);
         EXPECT_EQ(0, outcome.status) << program;
         EXPECT_EQ("kept\n", outcome.output) << program;
     }
@@ -34,21 +28,21 @@ void expect_kept(const std::string& arguments) {
 } // namespace
 
 TEST(ExitOrder, GlobalObjectMaySaveWhenItDies) {
-    expect_kept("global");
-    expect_kept("global early");
+    expect_kept({"global"});
+    expect_kept({"global", "early"});
 }
 
 TEST(ExitOrder, StaticObjectMaySaveWhenItDies) {
-    expect_kept("static");
-    expect_kept("static early");
+    expect_kept({"static"});
+    expect_kept({"static", "early"});
 }
 
 TEST(ExitOrder, ThreadLocalObjectMaySaveWhenItDies) {
-    expect_kept("thread_local");
-    expect_kept("thread_local early");
+    expect_kept({"thread_local"});
+    expect_kept({"thread_local", "early"});
 }
 
 TEST(ExitOrder, HandlerOfTheExitMaySave) {
-    expect_kept("atexit");
-    expect_kept("atexit early");
+    expect_kept({"atexit"});
+    expect_kept({"atexit", "early"});
 }

@@ -105,7 +105,7 @@ TEST(Object, StoredSizesAreThoseOfTheTypes) {
 
 TEST(Object, LongKeepsTheLow32Bits) {
     PM_Object object;
-    object.SetProperty(u"l", 0x1'0000'0007L);
+    object.SetProperty(u"l", static_cast<long>(0x1'0000'0007));
     EXPECT_EQ(7, long_at(object, u"l"));
     long value = 0;
     object.SetProperty(u"l", -5L);

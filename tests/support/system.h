@@ -45,9 +45,11 @@ struct ProgramRun {
     std::filesystem::path program;
     std::vector<std::string> arguments; // in UTF-8
     std::filesystem::path folder;       // that it runs in; empty for that of the test
-    std::filesystem::path out;          // what takes its standard output
+    std::filesystem::path out;          // what takes its standard output; empty: it has none
     std::filesystem::path err;
-    bool privileged = true; // false: without root's right to open any file
+    bool privileged = true;                    // false: without root's right to open any file
+    std::filesystem::path in = {};             // its standard input; empty for that of the test
+    std::vector<std::string> environment = {}; // "NAME=VALUE", beside that of the test
 };
 // The exit code; -1 if it ended otherwise.
 int run_program(const ProgramRun& run);

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <linux/capability.h>
 #include <new>
@@ -20,6 +21,12 @@ constexpr uid_t nobody = 65534;
 void send_to(int descriptor, const std::filesystem::path& file) {
     const int opened = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     if (opened < 0 || dup2(opened, descriptor) < 0) _exit(126);
+    close(opened);
+}
+
+void take_from(const std::filesystem::path& file) {
+    const int opened = open(file.c_str(), O_RDONLY);
+    if (opened < 0 || dup2(opened, STDIN_FILENO) < 0) _exit(126);
     close(opened);
 }
 
@@ -78,9 +85,17 @@ int run_program(const ProgramRun& run) {
     argv.push_back(nullptr);
     const pid_t child = fork();
     if (child == 0) {
-        send_to(STDOUT_FILENO, run.out);
         send_to(STDERR_FILENO, run.err);
+        if (run.out.empty()) {
+            close(STDOUT_FILENO);
+        } else {
+            send_to(STDOUT_FILENO, run.out);
+        }
+        if (!run.in.empty()) take_from(run.in);
         if (!run.folder.empty() && chdir(run.folder.c_str()) != 0) _exit(126);
+        for (const std::string& variable : run.environment) {
+            putenv(strdup(variable.c_str()));
+        }
         if (!run.privileged) drop_file_rights();
         execv(run.program.c_str(), argv.data());
         _exit(127);

@@ -11,14 +11,14 @@ namespace pm::test {
 
 namespace {
 
-// A file that a child may write to.
+// A file that a child may write to or read.
 class InheritedFile {
 public:
-    explicit InheritedFile(const std::filesystem::path& path) {
+    InheritedFile(const std::filesystem::path& path, DWORD access, DWORD how) {
         SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-        m_file = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS,
+        m_file = CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited, how,
                              FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (m_file == INVALID_HANDLE_VALUE) throw std::runtime_error("can't write " + path.string());
+        if (m_file == INVALID_HANDLE_VALUE) throw std::runtime_error("can't open " + path.string());
     }
     ~InheritedFile() { CloseHandle(m_file); }
     InheritedFile(const InheritedFile&) = delete;
@@ -29,6 +29,41 @@ public:
 private:
     HANDLE m_file;
 };
+
+// Variables that a child inherits while one lives.
+class LentVariables {
+public:
+    explicit LentVariables(const std::vector<std::string>& assignments) {
+        for (const std::string& assignment : assignments) {
+            const std::size_t end = assignment.find('=');
+            m_names.push_back(std::filesystem::path(assignment.substr(0, end)).native());
+            SetEnvironmentVariableW(m_names.back().c_str(),
+                                    std::filesystem::path(assignment.substr(end + 1)).c_str());
+        }
+    }
+    ~LentVariables() {
+        for (const std::wstring& name : m_names) {
+            SetEnvironmentVariableW(name.c_str(), nullptr);
+        }
+    }
+    LentVariables(const LentVariables&) = delete;
+    LentVariables& operator=(const LentVariables&) = delete;
+
+private:
+    std::vector<std::wstring> m_names;
+};
+
+std::optional<InheritedFile> file_for_output(const std::filesystem::path& path) {
+    if (path.empty()) return std::nullopt;
+    return std::optional<InheritedFile>(std::in_place, path, static_cast<DWORD>(GENERIC_WRITE),
+                                        static_cast<DWORD>(CREATE_ALWAYS));
+}
+
+std::optional<InheritedFile> file_for_input(const std::filesystem::path& path) {
+    if (path.empty()) return std::nullopt;
+    return std::optional<InheritedFile>(std::in_place, path, static_cast<DWORD>(GENERIC_READ),
+                                        static_cast<DWORD>(OPEN_EXISTING));
+}
 
 // As programs take a command line apart: a quote is escaped, and so are the backslashes before one.
 std::wstring quoted(const std::wstring& word) {
@@ -87,13 +122,16 @@ std::string c_nan_text(double value) {
 }
 
 int run_program(const ProgramRun& run) {
-    const InheritedFile out(run.out);
-    const InheritedFile err(run.err);
+    const std::optional<InheritedFile> out = file_for_output(run.out);
+    const std::optional<InheritedFile> err = file_for_output(run.err);
+    const std::optional<InheritedFile> in = file_for_input(run.in);
+    const LentVariables lent(run.environment);
     STARTUPINFOW start{};
     start.cb = sizeof start;
     start.dwFlags = STARTF_USESTDHANDLES;
-    start.hStdOutput = out.get();
-    start.hStdError = err.get();
+    start.hStdInput = in ? in->get() : GetStdHandle(STD_INPUT_HANDLE);
+    start.hStdOutput = out ? out->get() : nullptr;
+    start.hStdError = err ? err->get() : nullptr;
     PROCESS_INFORMATION child{};
     const wchar_t* folder = run.folder.empty() ? nullptr : run.folder.c_str();
     if (CreateProcessW(run.program.c_str(), command_line(run).data(), nullptr, nullptr, TRUE, 0, nullptr,

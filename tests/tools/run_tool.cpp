@@ -1,41 +1,8 @@
 #include "tools/run_tool.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
-#include <fcntl.h>
-#include <linux/capability.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace pm::test {
-
-namespace {
-
-void send_to(int descriptor, const std::filesystem::path& file) {
-    const int opened = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    if (opened < 0 || dup2(opened, descriptor) < 0) _exit(126);
-    close(opened);
-}
-
-void take_from(const std::filesystem::path& file) {
-    const int opened = open(file.c_str(), O_RDONLY);
-    if (opened < 0 || dup2(opened, STDIN_FILENO) < 0) _exit(126);
-    close(opened);
-}
-
-// A program that root starts has no rights beyond this set.
-void drop_file_rights() {
-    prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE);
-    prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH);
-}
-
-int exit_code(int status) {
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-} // namespace
 
 ToolRun ToolTest::run(const std::vector<std::string>& arguments) const {
     return run(arguments, ToolSetting{});
@@ -52,34 +19,16 @@ ToolRun ToolTest::run_with_input(const std::vector<std::string>& arguments, cons
 ToolRun ToolTest::run(const std::vector<std::string>& arguments, const ToolSetting& setting) const {
     const TempFolder output;
     if (setting.input) output.write("in", *setting.input);
-    std::vector<std::string> words{"pmtool"};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    std::vector<char*> argv;
-    argv.reserve(words.size() + 1);
-    for (std::string& word : words) {
-        argv.push_back(word.data());
+    ProgramRun program{PMTOOL, arguments, folder.path(), output / "out", output / "err", setting.privileged};
+    if (setting.output == "closed") {
+        program.out.clear();
+    } else if (!setting.output.empty()) {
+        program.out = setting.output;
     }
-    argv.push_back(nullptr);
-    const pid_t child = fork();
-    if (child == 0) {
-        send_to(STDERR_FILENO, output / "err");
-        if (setting.output == "closed") {
-            close(STDOUT_FILENO);
-        } else {
-            send_to(STDOUT_FILENO, setting.output.empty() ? output / "out" : setting.output);
-        }
-        if (setting.input) take_from(output / "in");
-        if (chdir(folder.path().c_str()) != 0) _exit(126);
-        for (const std::string& variable : setting.environment) {
-            putenv(strdup(variable.c_str()));
-        }
-        if (!setting.privileged) drop_file_rights();
-        execv(PMTOOL, argv.data());
-        _exit(127);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return {exit_code(status), setting.output.empty() ? output.read("out") : "", output.read("err")};
+    if (setting.input) program.in = output / "in";
+    program.environment = setting.environment;
+    const int status = run_program(program);
+    return {status, setting.output.empty() ? output.read("out") : "", output.read("err")};
 }
 
 void ToolTest::expect_refusal(const std::vector<std::string>& arguments, const std::string& target,

@@ -11,10 +11,10 @@ namespace pm::test {
 
 // How to run the program, beside its arguments.
 struct ToolSetting {
-    bool privileged = true;                      // with root's right to open any file, if root runs it
-    std::optional<std::string> input = {};       // standard input; without one that of the test
-    std::vector<std::string> environment = {};   // "NAME=VALUE", added
-    std::string output = {};                     // a file for standard output; "closed" closes it
+    bool privileged = true;                    // with root's right to open any file, if root runs it
+    std::optional<std::string> input = {};     // standard input; without one that of the test
+    std::vector<std::string> environment = {}; // "NAME=VALUE", added
+    std::string output = {};                   // a file for standard output; "closed" closes it
 };
 
 struct ToolRun {
