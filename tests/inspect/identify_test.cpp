@@ -208,7 +208,8 @@ TEST(Identify, FolderWithoutAStringFileIsAFailure) {
 TEST(FindStringFile, NameOfAnyCaseComesBeforeTheContent) {
     const TempFolder folder;
     folder.write("a.pdt", "DRFX_A_B3 \"text\"\n");
-    const std::u16string file = folder.write("Strings.PDT", "no keys here\n");
+    folder.write("Strings.PDT", "no keys here\n");
+    const std::u16string file = folder.path().u16string() + u"/Strings.PDT";
     EXPECT_EQ(file, find_string_file(folder.path().u16string()));
 }
 
@@ -216,7 +217,8 @@ TEST(FindStringFile, FirstTableWithKeysIsTakenForOneOfAnotherName) {
     const TempFolder folder;
     folder.write("a.pdt", "no keys here\n");
     folder.write("b.txt", "DRFX_A_B3 \"text\"\n");
-    const std::u16string file = folder.write("c.pdt", "DRFX_A_B3 \"text\"\n");
+    folder.write("c.pdt", "DRFX_A_B3 \"text\"\n");
+    const std::u16string file = folder.path().u16string() + u"/c.pdt";
     folder.write("d.pdt", "DRFX_A_B3 \"text\"\n");
     EXPECT_EQ(file, find_string_file(folder.path().u16string()));
     EXPECT_EQ(file, identify(folder.path().u16string())->string_file);
@@ -231,7 +233,7 @@ TEST(FindStringFile, TableThatCannotBeReadIsToldWithItsName) {
     const TempFolder folder;
     std::filesystem::create_directory(folder / "a.pdt");
     expect_thrown<PM_Severe>([&] { (void)find_string_file(folder.path().u16string()); }, PM_ERR_IS_A_FOLDER,
-                             place, folder.wide("a.pdt"));
+                             place, folder.path().u16string() + u"/a.pdt");
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/compound_bytes.h"
+#include "platform/compound_manifest.h"
 #include "platform/compound_storage.h"
 #include "support/temp_folder.h"
 #include <gtest/gtest.h>
