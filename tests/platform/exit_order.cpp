@@ -54,7 +54,7 @@ void use_library() {
 
 void keep() {
     use_library();
-    std::fputs("kept\n", stdout);
+    std::fputs("kept", stdout);
     std::fflush(stdout);
 }
 

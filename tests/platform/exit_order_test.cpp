@@ -21,7 +21,7 @@ void expect_kept(const std::vector<std::string>& arguments) {
     for (const char* program : {PM_EXIT_ORDER, PM_EXIT_ORDER_SHARED}) {
         const Outcome outcome = run(program, arguments);
         EXPECT_EQ(0, outcome.status) << program;
-        EXPECT_EQ("kept\n", outcome.output) << program;
+        EXPECT_EQ("kept", outcome.output) << program;
     }
 }
 

@@ -1,6 +1,7 @@
 #include "platform/files.h"
 
 #include "support/temp_folder.h"
+#include <fstream>
 #include <gtest/gtest.h>
 
 namespace {
@@ -20,6 +21,6 @@ TEST(FileExists, KnowsFilesAndFolders) {
 
 TEST(FileExists, TakesNamesOutsideAscii) {
     const TempFolder folder;
-    folder.write("\xC3\xA4\xE4\xB8\x80", "x");
+    std::ofstream(folder.path() / u"\u00E4\u4E00") << "x";
     EXPECT_TRUE(pm::file_exists(folder.wide("") + u"\u00E4\u4E00"));
 }

@@ -80,7 +80,8 @@ std::wstring quoted(const std::wstring& word) {
 std::wstring command_line(const ProgramRun& run) {
     std::wstring line = quoted(run.program.native());
     for (const std::string& argument : run.arguments) {
-        line += L' ' + quoted(std::filesystem::path(argument).native());
+        line +=
+            L' ' + quoted(std::filesystem::path(std::u8string(argument.begin(), argument.end())).native());
     }
     return line;
 }
