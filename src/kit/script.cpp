@@ -34,6 +34,7 @@ public:
 
     // Nothing for a line that holds no edit.
     std::optional<Edit> read() {
+        m_reader.require_utf8();
         m_reader.skip_blanks();
         if (m_reader.at_end() || m_reader.peek() == '#') return std::nullopt;
         Edit edit;

@@ -202,6 +202,7 @@ std::string value_text(const Stored& stored) {
 
 Stored parse_value(std::string_view text) {
     TextReader reader(text);
+    reader.require_utf8();
     const PropType type = take_type(reader);
     reader.skip_blanks();
     if (type == PROP_STRING && reader.peek() == '"') {
@@ -221,8 +222,9 @@ Stored parse_value(std::string_view text) {
 }
 
 Stored parse_value(std::string_view text, PropType type) {
-    if (type == PROP_STRING) return make_stored(Value(std::string(text)));
     TextReader reader(text);
+    reader.require_utf8();
+    if (type == PROP_STRING) return make_stored(Value(std::string(text)));
     if (type == PROP_NONE) reader.fail("a value of no type can't be told");
     return make_stored(parse_word(reader, text, 0, type));
 }

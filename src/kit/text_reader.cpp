@@ -38,6 +38,13 @@ void TextReader::fail_at(std::size_t position, const std::string& message) const
     throw Error(message, m_line, position + 1);
 }
 
+void TextReader::require_utf8() const {
+    const std::string sound = to_utf8(to_utf16(m_text));
+    if (sound == m_text) return;
+    const auto differs = std::ranges::mismatch(m_text, sound).in1;
+    fail_at(static_cast<std::size_t>(differs - m_text.begin()), "this isn't UTF-8");
+}
+
 void TextReader::skip_blanks() {
     while (!at_end() && is_blank(m_text[m_at])) {
         ++m_at;

@@ -16,6 +16,8 @@ class TextReader {
 public:
     explicit TextReader(std::string_view text, std::uint64_t line = 0) : m_text(text), m_line(line) {}
 
+    // Fails for what isn't UTF-8 as text.h has it, at the first of it.
+    void require_utf8() const;
     // Blanks and tabs.
     void skip_blanks();
     // Nothing is left.

@@ -148,6 +148,7 @@ TEST(ParseScript, MistakesAreToldWithLineAndColumn) {
     EXPECT_EQ("1:4: the text has no closing quote", parse_error("rm \"\\\\a"));
     EXPECT_EQ("1:7: a blank belongs behind a path", parse_error("rm \"a\"b"));
     EXPECT_EQ("1:4: a path can't hold a zero", parse_error("rm \"\\u0000\""));
+    EXPECT_EQ("2:5: this isn't UTF-8", parse_error("\nrm \\\xff"));
     EXPECT_EQ("1:9: a target is one path, without asterisks", parse_error("mv \\a \\*"));
 }
 

@@ -86,6 +86,8 @@ TEST(ParseValue, MistakesAreToldWithTheirColumn) {
     EXPECT_EQ("5: \"ABC\" isn't an even number of hexadecimal digits, which raw asks for",
               error_in("raw ABC"));
     EXPECT_EQ("6: none has no value", error_in("none 1"));
+    EXPECT_EQ("9: this isn't UTF-8", error_in("string \"\xff\""));
+    EXPECT_EQ("2: this isn't UTF-8", error_of([] { (void)parse_value("a\xff", PROP_STRING); }));
 }
 
 TEST(ParseValue, OfAKnownTypeTakesATextAsItIs) {

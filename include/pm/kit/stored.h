@@ -43,7 +43,7 @@ struct Stored {
 [[nodiscard]] PM_KIT_API std::string value_text(const Stored& stored);
 // Strict. Blanks around the words don't count, hexadecimal digits are of either case. Throws Error, the
 // column being that of the mistake: an unknown type, a number that isn't one or doesn't fit, a text without
-// its quotes, anything behind the value.
+// its quotes, anything behind the value, what isn't UTF-8.
 [[nodiscard]] PM_KIT_API Stored parse_value(std::string_view text);
 // The VALUE alone, as a user types it for a known type: a text without quotes stands for itself. Throws Error
 // as above, and for `none` and `bytes` forms there is no way.
