@@ -243,12 +243,15 @@ SettingPath path_of(const Row& row) {
 
 CompatibilityMap make_map() {
     CompatibilityMap map;
-    for (const Row& row : common)
+    for (const Row& row : common) {
         map.settings.push_back(path_of(row));
-    for (const Row& row : plotters)
+    }
+    for (const Row& row : plotters) {
         map.settings.push_back(path_of(row));
-    for (const Row& row : plots)
+    }
+    for (const Row& row : plots) {
         map.settings.push_back(path_of(row));
+    }
     for (const Quiet& row : quiet) {
         map.quiet.push_back({std::string(row.path),
                              {row.values.begin(), row.values.begin() + row.count},

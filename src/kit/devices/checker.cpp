@@ -26,7 +26,7 @@ void Checker::look(Setting& setting, const std::string& description_path, std::s
         {std::string(m_rule), setting.name, setting.path, description_path, std::string(outcome)});
 }
 
-void Checker::pass(Setting& setting, std::string description_path) {
+void Checker::pass(Setting& setting, const std::string& description_path) {
     look(setting, description_path, "passed");
 }
 
@@ -124,8 +124,9 @@ std::string by_default(const Setting& setting) {
 
 std::size_t common_begin(std::string_view left, std::string_view right) noexcept {
     std::size_t count = 0;
-    while (count < left.size() && count < right.size() && lower(left[count]) == lower(right[count]))
+    while (count < left.size() && count < right.size() && lower(left[count]) == lower(right[count])) {
         ++count;
+    }
     return count;
 }
 

@@ -36,7 +36,7 @@ public:
         m_severity = severity;
     }
 
-    void pass(Setting& setting, std::string description_path);
+    void pass(Setting& setting, const std::string& description_path);
     void fail(Setting& setting, Fault fault);
     // The description has nothing at that path to compare with; `what` ends "The description tells no ...".
     void silent(Setting& setting, std::string description_path, std::string_view what);
@@ -87,13 +87,16 @@ inline constexpr std::size_t most_findings_with_offers = 1000;
 template<class List>
 std::vector<Offer> nearest(const List& items, std::string_view asked) {
     std::vector<std::pair<std::size_t, const Named*>> order;
-    for (const auto& item : items)
+    for (const auto& item : items) {
         order.emplace_back(common_begin(item.name, asked), &item);
+    }
     std::ranges::stable_sort(order, std::ranges::greater(), [](const auto& entry) { return entry.first; });
     if (order.size() > most_offers) order.resize(most_offers);
     std::vector<Offer> offers;
-    for (const auto& [begin, item] : order)
+    offers.reserve(order.size());
+    for (const auto& [begin, item] : order) {
         offers.push_back(offer_of(*item));
+    }
     return offers;
 }
 

@@ -76,8 +76,9 @@ void check_dots(Checker& check, Setting& setting) {
     const Extent asked = *asked_dots(check);
     for (const ColourMode& candidate : check.device.modes) {
         if (mode != nullptr && &candidate != mode) continue;
-        if (const auto* resolution = resolution_with(candidate, asked))
+        if (const auto* resolution = resolution_with(candidate, asked)) {
             return check.pass(setting, resolution->path);
+        }
     }
     check.fail(setting, {.description_path = list,
                          .offers = resolutions_of(check.device, mode),
@@ -94,8 +95,9 @@ void check_resolution_name(Checker& check, Setting& setting) {
     }
     const std::string list = mode->path + "\\resolution_list";
     if (mode->resolutions.empty()) return check.silent(setting, list, "resolutions of this colour mode");
-    if (const auto* resolution = mode->resolutions.find(setting.as_name()))
+    if (const auto* resolution = mode->resolutions.find(setting.as_name())) {
         return check.pass(setting, resolution->path);
+    }
     check.fail(setting, {.description_path = list,
                          .offers = nearest(mode->resolutions, setting.as_name()),
                          .message = "The colour mode " + called(*mode) + " has no resolution " +
@@ -144,8 +146,9 @@ std::vector<const MemoryArea*> areas_of(const Device& device, const DeviceResolu
         }
     }
     if (areas.empty()) {
-        for (const MemoryArea& area : device.memory)
+        for (const MemoryArea& area : device.memory) {
             areas.push_back(&area);
+        }
     }
     return areas;
 }
@@ -194,8 +197,9 @@ void check_installed(Checker& check, Setting& setting) {
     for (const MemoryArea* area : areas) {
         if (!area->memory || !is_above(*area->memory, *setting.number)) usable.push_back(area);
     }
-    if (!usable.empty())
+    if (!usable.empty()) {
         return check_area(check, setting, usable, areas, "The installed memory", Severity::error);
+    }
     check.fail(setting, {.description_path = resolution != nullptr ? resolution->path + "\\mem_area" : list,
                          .offers = memory_offers(areas, 0),
                          .message = (resolution != nullptr ? "The resolution " + called(*resolution)
@@ -268,10 +272,12 @@ ChosenResolution chosen_resolution(Checker& check) {
 }
 
 void check_mode(Checker& check) {
-    for (Setting& setting : check.settings.all("mode"))
+    for (Setting& setting : check.settings.all("mode")) {
         check_mode_name(check, setting);
-    for (Setting& setting : check.settings.all("colour"))
+    }
+    for (Setting& setting : check.settings.all("colour")) {
         check_colour(check, setting);
+    }
 }
 
 void check_depth(Checker& check) {
@@ -319,8 +325,9 @@ void check_resolution(Checker& check) {
             check_dots(check, setting);
         }
     }
-    for (Setting& setting : check.settings.all("resolution"))
+    for (Setting& setting : check.settings.all("resolution")) {
         check_resolution_name(check, setting);
+    }
 }
 
 void check_resolution_on_media(Checker& check) {
@@ -338,8 +345,9 @@ void check_resolution_on_media(Checker& check) {
     std::vector<Offer> offers;
     for (const MediaType& other : check.device.types) {
         if (!other.best_resolution || is_above(dots->x, other.best_resolution->x) ||
-            is_above(dots->y, other.best_resolution->y))
+            is_above(dots->y, other.best_resolution->y)) {
             continue;
+        }
         offers.push_back(offer_of(other));
     }
     const std::string best = size_text(type->best_resolution->x, type->best_resolution->y);
@@ -352,10 +360,12 @@ void check_resolution_on_media(Checker& check) {
 }
 
 void check_memory(Checker& check) {
-    for (Setting& setting : check.settings.all("memory"))
+    for (Setting& setting : check.settings.all("memory")) {
         check_installed(check, setting);
-    for (Setting& setting : check.settings.all("memory_area"))
+    }
+    for (Setting& setting : check.settings.all("memory_area")) {
         check_memory_name(check, setting);
+    }
     if (!check.settings.has("memory") && !check.settings.has("memory_area")) check_default_memory(check);
 }
 

@@ -16,19 +16,22 @@ struct Start {
 
 Start node_at(const Tree& tree, const std::string& base, std::string_view what) {
     std::string path;
-    for (const std::string& component : split_path(base))
+    for (const std::string& component : split_path(base)) {
         path += '\\' + component;
+    }
     const auto node = tree.node(path);
     if (!node) throw Error("There is no node " + base + " in the " + std::string(what) + '.');
     return {*node, std::move(path)};
 }
 
 Start description_in(const Tree& description, const CompatibilityOptions& options) {
-    if (!options.description_base.empty())
+    if (!options.description_base.empty()) {
         return node_at(description, options.description_base, "description");
+    }
     const auto node = find_description_node(description);
-    if (!node)
+    if (!node) {
         throw Error("The tree describes no device: no group of capabilities has a text \"abilities\".");
+    }
     return {*node, node->is_root() ? std::string() : node->path()};
 }
 
@@ -73,8 +76,9 @@ ExplainedFindings run(const Start& configuration, const Start& description,
 std::span<const CompatibilityRule> compatibility_rules() {
     static const std::vector<CompatibilityRule> infos = [] {
         std::vector<CompatibilityRule> list;
-        for (const Rule& rule : rules())
+        for (const Rule& rule : rules()) {
             list.push_back(rule.info);
+        }
         return list;
     }();
     return infos;

@@ -12,9 +12,9 @@ namespace {
 constexpr int line_types = 18;
 
 template<class T>
-T named(const Branch& branch, std::string name) {
+T named(const Branch& branch, const std::string& name) {
     T item;
-    item.name = std::move(name);
+    item.name = name;
     item.text = branch.text("localized_name");
     item.path = branch.path();
     return item;
@@ -183,8 +183,9 @@ Branch Branch::child(std::string_view path) const {
 std::vector<Branch> Branch::children() const {
     std::vector<Branch> branches;
     if (!m_node) return branches;
-    for (const Node child : m_node->children())
+    for (const Node child : m_node->children()) {
         branches.emplace_back(child, m_path + '\\' + child.name());
+    }
     return branches;
 }
 

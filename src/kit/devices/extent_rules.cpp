@@ -113,13 +113,15 @@ std::vector<Offer> sizes_for(const Device& device, const Extent& asked) {
         const MediaArea* area = device.area(size);
         if (area == nullptr || !area->printable) continue;
         const auto& [left, bottom, right, top] = *area->printable;
-        if (fits(asked, {right - left, top - bottom}))
+        if (fits(asked, {right - left, top - bottom})) {
             roomy.emplace_back((right - left) * (top - bottom), &size);
+        }
     }
     std::ranges::stable_sort(roomy, {}, [](const auto& entry) { return entry.first; });
     std::vector<Offer> offers;
-    for (const auto& [room, size] : roomy)
+    for (const auto& [room, size] : roomy) {
         offers.push_back(offer_of(*size));
+    }
     return offers;
 }
 
@@ -130,8 +132,9 @@ void check_plot(Checker& check, Setting& setting, const Side& side) {
     const MediaSize* size = named != nullptr ? check.device.sizes.find(named->as_name()) : nullptr;
     if (size == nullptr) return check_any_room(check, setting, asked);
     const MediaArea* area = check.device.area(*size);
-    if (area == nullptr || !area->printable)
+    if (area == nullptr || !area->printable) {
         return check.silent(setting, size->path, "printable bounds of this media size");
+    }
     const auto& [left, bottom, right, top] = *area->printable;
     const double room = side.is_width ? right - left : top - bottom;
     const std::string path =
@@ -148,8 +151,9 @@ void check_printable_part(Checker& check, Setting& setting) {
     const MediaArea* area = chosen_area(check);
     const std::string path =
         area != nullptr ? area->path + "\\printable_area" : check.device.path("\\media\\description");
-    if (area == nullptr || !area->printable_part)
+    if (area == nullptr || !area->printable_part) {
         return check.silent(setting, path, "printable part of this media size");
+    }
     if (!setting.number) return check.unreadable(setting, "number");
     if (*setting.number <= *area->printable_part + fraction_tolerance) return check.pass(setting, path);
     const std::string part = number_text(*area->printable_part);
@@ -196,8 +200,10 @@ std::vector<Offer> turned(const Device& device, const MediaSize& size) {
     const MediaArea* area = device.area(size);
     for (const MediaSize& other : device.sizes) {
         const MediaArea* other_area = device.area(other);
-        if (!other.landscape || other.landscape == size.landscape || area == nullptr || other_area == nullptr)
+        if (!other.landscape || other.landscape == size.landscape || area == nullptr ||
+            other_area == nullptr) {
             continue;
+        }
         if (!area->bounds || !other_area->bounds) continue;
         if (is_same_length(area->bounds->x, other_area->bounds->y) &&
             is_same_length(area->bounds->y, other_area->bounds->x)) {
@@ -217,8 +223,9 @@ bool tells_rotations(const Device& device) {
 }
 
 void check_landscape(Checker& check, Setting& setting) {
-    if (!tells_rotations(check.device))
+    if (!tells_rotations(check.device)) {
         return check.silent(setting, check.device.path("\\media\\size"), "rotation of its media sizes");
+    }
     if (!setting.number) return check.unreadable(setting, "rotation");
     const bool asked = *setting.number != 0;
     const MediaSize* size = size_of(check, setting);
@@ -282,8 +289,9 @@ void check_extent(Checker& check) {
         }
     }
     for (const Side& side : extent_sides) {
-        for (Setting& setting : check.settings.all(side.setting))
+        for (Setting& setting : check.settings.all(side.setting)) {
             check_against_largest(check, setting, side);
+        }
     }
     const std::string roll = check.device.path("\\media\\max_roll_height");
     for (Setting& setting : check.settings.all("long_plot")) {
@@ -294,22 +302,27 @@ void check_extent(Checker& check) {
 
 void check_printable(Checker& check) {
     for (const Side& side : plot_sides) {
-        for (Setting& setting : check.settings.all(side.setting))
+        for (Setting& setting : check.settings.all(side.setting)) {
             check_plot(check, setting, side);
+        }
     }
-    for (Setting& setting : check.settings.all("printable_part"))
+    for (Setting& setting : check.settings.all("printable_part")) {
         check_printable_part(check, setting);
+    }
     for (const Margin& margin : margins) {
-        for (Setting& setting : check.settings.all(margin.setting))
+        for (Setting& setting : check.settings.all(margin.setting)) {
             check_margin(check, setting, margin);
+        }
     }
 }
 
 void check_rotation(Checker& check) {
-    for (Setting& setting : check.settings.all("landscape"))
+    for (Setting& setting : check.settings.all("landscape")) {
         check_landscape(check, setting);
-    for (Setting& setting : check.settings.all("rotate"))
+    }
+    for (Setting& setting : check.settings.all("rotate")) {
         check_turn(check, setting);
+    }
 }
 
 } // namespace pm::kit::devices

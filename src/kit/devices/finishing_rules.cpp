@@ -99,8 +99,9 @@ void check_collate(Checker& check, Setting& setting) {
 
 void check_collating(Checker& check) {
     check_steps(check, Finishing::collating);
-    for (Setting& setting : check.settings.all("collate"))
+    for (Setting& setting : check.settings.all("collate")) {
         check_collate(check, setting);
+    }
 }
 
 void check_cutting(Checker& check) {

@@ -144,16 +144,18 @@ void check_owners(Checker& check) {
 
 // Last of all but the owners: what no rule looked at, and what the map doesn't know.
 void check_unspoken(Checker& check) {
-    for (Finding& finding : check.unspoken)
+    for (Finding& finding : check.unspoken) {
         check.findings.push_back(std::move(finding));
+    }
     check.unspoken.clear();
     for (auto& [name, list] : check.settings.by_name()) {
         for (Setting& setting : list) {
             if (!setting.was_looked_at) check.pass_over(setting);
         }
     }
-    for (const UnknownProperty& property : check.settings.unknown())
+    for (const UnknownProperty& property : check.settings.unknown()) {
         check.pass_over(property);
+    }
 }
 
 } // namespace pm::kit::devices

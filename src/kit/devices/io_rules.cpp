@@ -83,8 +83,9 @@ void check_rate(Checker& check, Setting& setting) {
     const auto found = std::ranges::find(method->baud_rates, rate, &Named::name);
     if (found != method->baud_rates.end()) return check.pass(setting, found->path);
     std::vector<Offer> offers;
-    for (const Named& offered : method->baud_rates)
+    for (const Named& offered : method->baud_rates) {
         offers.push_back(offer_of(offered));
+    }
     check.fail(setting,
                {.description_path = list,
                 .offers = std::move(offers),
@@ -97,8 +98,9 @@ void check_protocol_name(Checker& check, Setting& setting) {
     if (method == nullptr) return;
     const std::string list = method->path + "\\protocol";
     if (method->protocols.empty()) return check.silent(setting, list, "protocols of this method");
-    if (const Protocol* protocol = method->protocols.find(setting.text))
+    if (const Protocol* protocol = method->protocols.find(setting.text)) {
         return check.pass(setting, protocol->path);
+    }
     check.fail(setting, {.description_path = list,
                          .offers = nearest(method->protocols, setting.text),
                          .message = "Output by " + method_called(method->name) + " has no protocol " +
@@ -114,8 +116,9 @@ constexpr std::array<std::optional<int> Protocol::*, 3> frame_parts{&Protocol::d
 bool has_frame(Checker& check, const Protocol& protocol, std::string_view key) {
     for (std::size_t part = 0; part < frame_settings.size(); ++part) {
         const Setting* asked = check.settings.find(frame_settings[part], key);
-        if (asked != nullptr && asked->number && protocol.*frame_parts[part] != integer_of(asked->number))
+        if (asked != nullptr && asked->number && protocol.*frame_parts[part] != integer_of(asked->number)) {
             return false;
+        }
     }
     return true;
 }
@@ -189,16 +192,19 @@ void check_timeouts(Checker& check) {
 }
 
 void check_baud_rate(Checker& check) {
-    for (Setting& setting : check.settings.all("baud_rate"))
+    for (Setting& setting : check.settings.all("baud_rate")) {
         check_rate(check, setting);
+    }
 }
 
 void check_protocol(Checker& check) {
-    for (Setting& setting : check.settings.all("protocol"))
+    for (Setting& setting : check.settings.all("protocol")) {
         check_protocol_name(check, setting);
+    }
     for (const std::string_view name : frame_settings) {
-        for (Setting& setting : check.settings.all(name))
+        for (Setting& setting : check.settings.all(name)) {
             check_frame(check, setting);
+        }
     }
 }
 

@@ -68,8 +68,9 @@ public:
     }
     void expect_no_more() const {
         for (const auto& [name, value] : m_json->items()) {
-            if (std::ranges::find(m_known, name) == m_known.end())
+            if (std::ranges::find(m_known, name) == m_known.end()) {
                 throw Error(m_what + " has no member \"" + name + "\".");
+            }
         }
     }
 
@@ -104,8 +105,9 @@ SettingPath read_setting(const Json& json) {
     const std::string form = members.text("form");
     if (!form.empty()) path.form = one_of_names<SettingForm>(form_names, form, "form");
     if (const Json* codes = members.object("codes")) {
-        for (const auto& [number, code] : codes->items())
+        for (const auto& [number, code] : codes->items()) {
             path.codes[code_of(number)] = code_of(code);
+        }
     }
     path.zero_is_unset = members.truth("zero-is-unset");
     path.any_case = members.truth("any-case");
@@ -115,8 +117,9 @@ SettingPath read_setting(const Json& json) {
         path.owner = parts.text("path", true);
         const Json* digit = parts.member("digit");
         path.owner_digit = digit != nullptr ? code_of(*digit) : -1;
-        if (path.owner_digit < 0 || path.owner_digit > most_digit)
+        if (path.owner_digit < 0 || path.owner_digit > most_digit) {
             throw Error("An owner has no digit from 0 to 255.");
+        }
         parts.expect_no_more();
     }
     members.expect_no_more();
@@ -159,8 +162,9 @@ template<class Item>
 void read_list(std::vector<Item>& into, const Json* list, Item (*read)(const Json&)) {
     if (list == nullptr) return;
     std::vector<Item> items;
-    for (const Json& json : *list)
+    for (const Json& json : *list) {
         items.push_back(read(json));
+    }
     into.insert(into.begin(), std::make_move_iterator(items.begin()), std::make_move_iterator(items.end()));
 }
 
@@ -178,8 +182,9 @@ Json setting_json(const SettingPath& path) {
     Json json{{"setting", path.setting}, {"path", path.path}};
     if (!path.key.empty()) json["key"] = path.key;
     if (path.form != SettingForm::as_is) json["form"] = form_names[static_cast<std::size_t>(path.form)];
-    for (const auto& [number, code] : path.codes)
+    for (const auto& [number, code] : path.codes) {
         json["codes"][std::to_string(number)] = code;
+    }
     if (path.zero_is_unset) json["zero-is-unset"] = true;
     if (path.any_case) json["any-case"] = true;
     if (path.is_default) json["default"] = true;
@@ -204,8 +209,9 @@ Json quiet_json(const QuietPath& quiet) {
 
 Json offers_json(const std::vector<Offer>& offers) {
     Json list = Json::array();
-    for (const Offer& offer : offers)
+    for (const Offer& offer : offers) {
         list.push_back({{"value", offer.value}, {"text", offer.text}, {"path", offer.path}});
+    }
     return list;
 }
 
@@ -250,21 +256,26 @@ CompatibilityMap load_map(std::string_view text) {
 std::string map_to_json(const CompatibilityMap& map) {
     Json json{
         {"replace", true}, {"settings", Json::array()}, {"quiet", Json::array()}, {"rules", Json::array()}};
-    for (const SettingPath& path : map.settings)
+    for (const SettingPath& path : map.settings) {
         json["settings"].push_back(setting_json(path));
-    for (const QuietPath& quiet : map.quiet)
+    }
+    for (const QuietPath& quiet : map.quiet) {
         json["quiet"].push_back(quiet_json(quiet));
-    for (const ValueRule& rule : map.rules)
+    }
+    for (const ValueRule& rule : map.rules) {
         json["rules"].push_back(rule_json(rule));
+    }
     return written(json);
 }
 
 std::string findings_to_json(const ExplainedFindings& explained) {
     Json json{{"findings", Json::array()}};
-    for (const Finding& finding : explained.findings)
+    for (const Finding& finding : explained.findings) {
         json["findings"].push_back(finding_json(finding));
-    for (const Look& look : explained.looks)
+    }
+    for (const Look& look : explained.looks) {
         json["looks"].push_back(look_json(look));
+    }
     return written(json);
 }
 

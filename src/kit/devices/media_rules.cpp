@@ -150,25 +150,30 @@ void check_media_source(Checker& check) {
 }
 
 void check_media_loaded(Checker& check) {
-    for (Setting& setting : check.settings.all("loaded"))
+    for (Setting& setting : check.settings.all("loaded")) {
         check_loaded_entry(check, setting);
-    for (Setting& setting : check.settings.all("feed"))
+    }
+    for (Setting& setting : check.settings.all("feed")) {
         check_feed(check, setting);
-    for (Setting& setting : check.settings.all("loaded_width"))
+    }
+    for (Setting& setting : check.settings.all("loaded_width")) {
         check_loaded_width(check, setting);
+    }
 }
 
 void check_size_in_source(Checker& check) {
-    for (Setting& setting : check.settings.all("entry_size"))
+    for (Setting& setting : check.settings.all("entry_size")) {
         check_entry_size(check, setting);
+    }
     Setting* size = check.chosen("size", default_size);
     Setting* source_setting = check.chosen("source", default_source);
     const MediaSource* source = chosen_source(check);
     if (size == nullptr || source == nullptr || check.device.sizes.find(size->as_name()) == nullptr) return;
     if (size->is_default() && source_setting->is_default()) return;
     Setting& asked = size->is_default() ? *source_setting : *size;
-    if (source->entries.empty())
+    if (source->entries.empty()) {
         return check.silent(asked, source->path + "\\entry", "entries of this source");
+    }
     const Setting* loaded = loaded_in(check, *source);
     for (const SourceEntry& entry : source->entries) {
         if (loaded != nullptr && entry.name != loaded->as_name()) continue;

@@ -140,8 +140,9 @@ void check_pen_fill(Checker& check) {
 }
 
 void check_line_type(Checker& check) {
-    for (Setting& setting : check.settings.all("line_type"))
+    for (Setting& setting : check.settings.all("line_type")) {
         check_type(check, setting);
+    }
     for (Setting& setting : check.settings.all("line_type_count")) {
         const std::string path = check.device.path(line_type_texts);
         const double count = static_cast<double>(offered_line_types(check.device).size());

@@ -72,8 +72,9 @@ constexpr std::array owners = std::to_array<Owner>({
 } // namespace
 
 std::pair<std::string_view, int> owner_of(const Setting& setting) noexcept {
-    if (setting.row != nullptr && !setting.row->owner.empty())
+    if (setting.row != nullptr && !setting.row->owner.empty()) {
         return {setting.row->owner, setting.row->owner_digit};
+    }
     const auto found = std::ranges::find(owners, std::string_view(setting.name), &Owner::setting);
     return found == owners.end() ? std::pair(std::string_view(), -1) : std::pair(found->text, found->digit);
 }

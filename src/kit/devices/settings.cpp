@@ -82,8 +82,9 @@ public:
         for (const Row& row : rows) {
             if (!wanted(row)) continue;
             PathPattern pattern(row.path, row.any_case);
-            if (m_by_depth.size() <= pattern.depth()) m_by_depth.resize(pattern.depth() + 1);
-            m_by_depth[pattern.depth()].push_back({&row, std::move(pattern)});
+            const std::size_t depth = pattern.depth();
+            if (m_by_depth.size() <= depth) m_by_depth.resize(depth + 1);
+            m_by_depth[depth].emplace_back(&row, std::move(pattern));
         }
     }
 
@@ -116,8 +117,9 @@ Settings::Settings(Node node, std::string_view base, const CompatibilityMap& map
             components.push_back(current.name());
         }
         below = base;
-        for (const std::string& component : components)
+        for (const std::string& component : components) {
             below += '\\' + component;
+        }
         for (const Property property : current.properties()) {
             components.push_back(property.name());
             read(property, below + '\\' + components.back(), components, rows,
@@ -149,8 +151,9 @@ void Settings::read(const Property& property, std::string path, const std::vecto
     std::string text = value_text(value_of(property));
     std::optional<bool> is_quiet; // the first path that matches counts
     quiet->match(components, [&](const QuietPath& row, const std::string&) {
-        if (!is_quiet)
+        if (!is_quiet) {
             is_quiet = row.values.empty() || std::ranges::find(row.values, text) != row.values.end();
+        }
     });
     if (!is_quiet.value_or(false)) m_unknown.push_back({std::move(path), std::move(text)});
 }
@@ -159,13 +162,15 @@ void Settings::read(const Property& property, std::string path, const std::vecto
 void Settings::apply_unit() {
     auto& metric = all("metric");
     if (metric.empty()) return;
-    for (Setting& setting : metric)
+    for (Setting& setting : metric) {
         setting.was_looked_at = setting.number.has_value();
+    }
     if (metric.front().number != 0.0) return;
     for (auto& [name, list] : m_settings) {
         for (Setting& setting : list) {
-            if (setting.row->form == SettingForm::length && setting.number)
+            if (setting.row->form == SettingForm::length && setting.number) {
                 *setting.number *= millimetres_an_inch;
+            }
         }
     }
 }

@@ -63,8 +63,9 @@ void check_value(Checker& check, Setting& setting, const ValueRule& rule,
     std::vector<Offer> offers;
     for (const Capability& capability : capabilities) {
         if (holds(rule.test, setting, capability.value)) return check.pass(setting, capability.path);
-        if (offers.size() < most_offers)
+        if (offers.size() < most_offers) {
             offers.push_back({value_text(capability.value), capability.text, capability.path});
+        }
     }
     check.fail(
         setting,
@@ -81,8 +82,9 @@ void check_value_rules(Checker& check, const std::vector<ValueRule>& rules) {
         if (!check.settings.has(rule.setting)) continue;
         check.begin(rule.name, rule.severity);
         const auto capabilities = capabilities_at(check.device, rule.capability);
-        for (Setting& setting : check.settings.all(rule.setting))
+        for (Setting& setting : check.settings.all(rule.setting)) {
             check_value(check, setting, rule, capabilities);
+        }
     }
 }
 

@@ -12,8 +12,9 @@ constexpr double length_tolerance = 0.05;
 
 std::string hex_text(const Bytes& bytes) {
     std::string text;
-    for (const std::byte byte : bytes)
+    for (const std::byte byte : bytes) {
         text += fmt::format("{:02X}", static_cast<unsigned>(byte));
+    }
     return text;
 }
 
@@ -80,8 +81,9 @@ bool is_same_length(double left, double right) noexcept {
 }
 
 std::optional<int> integer_of(std::optional<double> number) noexcept {
-    if (!number || !(std::abs(*number) <= 2147483647.0) || std::trunc(*number) != *number)
+    if (!number || !(std::abs(*number) <= 2147483647.0) || std::trunc(*number) != *number) {
         return std::nullopt;
+    }
     return static_cast<int>(*number);
 }
 

@@ -51,8 +51,9 @@ struct Part {
 std::vector<Part> parts_of(const Source& source, const std::string& section) {
     if (!source.content.by_section) return {{section, "\\"}};
     std::vector<Part> parts;
-    for (const kit::Section& part : source.content.sections)
+    for (const kit::Section& part : source.content.sections) {
         parts.push_back({part.name, '\\' + part.node});
+    }
     return parts;
 }
 
@@ -69,8 +70,9 @@ public:
         const Source source =
             read_source({.file = file, .from = m_check.from, .section = m_check.section, .keep_going = true});
         tell_dropped(source);
-        for (const Part& part : parts_of(source, m_check.section))
+        for (const Part& part : parts_of(source, m_check.section)) {
             run(source, part);
+        }
     }
 
     [[nodiscard]] int status() const { return m_status; }
@@ -127,16 +129,18 @@ private:
     void append(const std::string& file, const std::string& section,
                 const kit::ExplainedFindings& explained) {
         Json findings = Json::array();
-        for (const kit::Finding& finding : explained.findings)
+        for (const kit::Finding& finding : explained.findings) {
             findings.append(row_of(finding));
+        }
         Json row = Json::object();
         row.text("file", file);
         if (!section.empty()) row.text("section", section);
         row.member("findings", std::move(findings));
         if (m_check.explain) {
             Json looks = Json::array();
-            for (const kit::Look& look : explained.looks)
+            for (const kit::Look& look : explained.looks) {
                 looks.append(row_of(look));
+            }
             row.member("looks", std::move(looks));
         }
         m_list.append(std::move(row));
@@ -181,8 +185,9 @@ void require_rules(const std::vector<std::string>& names, const DeviceCheck& che
     const kit::CompatibilityMap map = check.map.empty() ? kit::built_in_map() : read_map(check.map);
     for (const std::string& name : names) {
         if (is_device_rule(name) ||
-            std::ranges::find(map.rules, name, &kit::ValueRule::name) != map.rules.end())
+            std::ranges::find(map.rules, name, &kit::ValueRule::name) != map.rules.end()) {
             continue;
+        }
         throw Failure(fmt::format("{}: there is no such rule for a device; see pmtool check --rules", name));
     }
 }
@@ -193,8 +198,9 @@ int check_on_device(const DeviceCheck& check) {
     require_rules(check.rules, check);
     require_rules(check.without, check);
     DeviceChecker checker(check);
-    for (const std::string& file : check.files)
+    for (const std::string& file : check.files) {
         checker.run(file);
+    }
     checker.finish();
     return checker.status();
 }
@@ -224,8 +230,9 @@ std::string finding_text(const kit::Finding& finding) {
         text += shown_text(offer.value);
         if (!offer.text.empty()) text += fmt::format(" ({})", shown_text(offer.text));
     }
-    if (finding.offers.size() > shown_offers)
+    if (finding.offers.size() > shown_offers) {
         text += fmt::format(", and {} more", finding.offers.size() - shown_offers);
+    }
     return text + '.';
 }
 
