@@ -68,7 +68,9 @@ protected:
             const int status = run({"convert", input, output, "--keep-going"});
             ASSERT_TRUE(status == 0 || status == 2) << turn;
             ASSERT_EQ(status == 0, std::filesystem::exists(output)) << turn;
-            if (status == 0) EXPECT_EQ(0, run({"dump", output})) << turn;
+            if (status == 0) {
+                EXPECT_EQ(0, run({"dump", output})) << turn;
+            }
         }
     }
 

@@ -136,13 +136,10 @@ TEST_F(PmToolNeverLoses, NamesThatDifferInCaseAloneAreALossInADocFile) {
 
 TEST_F(PmToolNeverLoses, NegativeZeroIsNotMadeZero) {
     write("a.pia", "a=1.5\n");
-    const ToolRun result = run({"set", "a.pia", "a", "--", "-0.0"});
-    if (result.status == 0) {
-        expect_output({"get", "a.pia", "a"}, "-0.0\n");
-    } else {
-        EXPECT_NE(std::string::npos, result.err.find("double -0.0 -> double 0.0")) << result.err;
-        expect_output({"get", "a.pia", "a"}, "1.5\n");
-    }
+    expect_kept({"set", "a.pia", "a", "--", "-0.0"}, "a.pia", {"\\a: changed", "double -0.0 -> double 0.0"});
+    EXPECT_EQ(0, run({"convert", "a.pia", "a.json"}).status);
+    EXPECT_EQ(0, run({"set", "a.json", "a", "--from", "json", "--", "-0.0"}).status);
+    expect_output({"get", "a.json", "a", "--from", "json"}, "-0.0\n");
 }
 
 TEST_F(PmToolNeverLoses, TruthValuesThatADocFileRetypesAreLosses) {
@@ -229,10 +226,8 @@ TEST_F(PmToolNeverLoses, FullDiskIsSaidForADocFileToo) {
 TEST_F(PmToolNeverLoses, FolderForTemporaryFilesThatIsMissingIsSaidInWords) {
     const ToolRun result =
         run({"convert", "p.pia", "p.doc", "--lossy"}, {.environment = {"TMPDIR=/none/such"}});
-    if (result.status == 0) return;
     EXPECT_EQ(2, result.status);
-    EXPECT_NE(std::string::npos, result.err.find("temporary")) << result.err;
-    EXPECT_EQ(std::string::npos, result.err.find("filesystem")) << result.err;
+    EXPECT_EQ("pmtool: p.doc: there is no folder for temporary files that can be written\n", result.err);
 }
 
 TEST_F(PmToolNeverLoses, StandardOutputThatIsClosedOrFullIsTrouble) {
@@ -263,7 +258,6 @@ TEST_F(PmToolNeverLoses, TwentyEditsAtOnceAllSurvive) {
         wait(&status);
         EXPECT_EQ(0, status);
     }
-    EXPECT_EQ("\n" + std::string(), "\n" + run({"get", "p.pia", "\\edits\\none"}).out);
     for (int i = 0; i < edits; ++i) {
         expect_output({"get", "p.pia", "\\edits\\n" + std::to_string(i)}, std::to_string(i) + "\n");
     }

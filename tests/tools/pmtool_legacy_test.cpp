@@ -37,10 +37,11 @@ TEST_F(PmToolLegacy, Pc2FileIsConvertedToPia) {
 TEST_F(PmToolLegacy, PlotterOfACfgFileIsChosenByNumber) {
     const std::string file = sample_folder + "/three-plotters.cfg";
     expect_output({"get", file, "\\PlotDriver\\PlotterId", "--section", "2"}, "DX4200-2\n");
-    expect_trouble({"get", file, "\\PlotDriver\\PlotterId"},
+    expect_output({"get", file, "\\2\\PlotDriver\\PlotterId"}, "DX4200-2\n");
+    expect_trouble({"convert", file, "one.pia"},
                    file + ": the file holds several plotters; choose one with --section (1, 2, 3)");
     expect_trouble({"tree", file, "--section", "two"},
-                   "two: a section of a cfg file is told by its plotter's number");
+                   file + ": a plotter is told by its number, not by \"two\"");
 }
 
 TEST_F(PmToolLegacy, OnlyPlotterOfACfgFileNeedsNoNumber) {
@@ -73,7 +74,8 @@ TEST_F(PmToolLegacy, GoodSamplesHaveNoBadLines) {
 
 TEST_F(PmToolLegacy, RepeatedVersionLineIsToldWithItsLineInTheFile) {
     folder.write("bad.pc2", "; one\n\nPC2Version 2.0\nPC2Version 2.0\n[PlotDriver]\nType=1\n");
-    expect_no({"check", "bad.pc2"}, "bad.pc2:4: The line isn't valid (error 57): PC2Version 2.0\n");
+    expect_no({"check", "bad.pc2"}, "bad.pc2:4:1: error: \"PC2Version 2.0\" is no key, no section and no comment. "
+                                    "[bad-line] (error 57)\n");
     expect_trouble({"get", "bad.pc2", "PlotDriver\\Type"},
                    "bad.pc2:4: The line isn't valid (error 57): PC2Version 2.0; all bad lines are listed by: "
                    "pmtool check");
@@ -82,12 +84,18 @@ TEST_F(PmToolLegacy, RepeatedVersionLineIsToldWithItsLineInTheFile) {
 TEST_F(PmToolLegacy, LineCutByAZeroByteIsToldWithItsLineInTheFile) {
     using namespace std::string_literals;
     folder.write("bad.pc2", "PC2Version 2.0\n[PlotDriver]\nType\0=5\nType=x\n"s);
-    expect_no({"check", "bad.pc2"}, "bad.pc2:3: The line isn't valid (error 57): Type\n"
-                                    "bad.pc2:4: The line isn't valid (error 57): Type=x\n");
+    const std::string zero = ": warning: What stands behind a zero byte in the line isn't read. [ignored-text]\n";
+    expect_no({"check", "bad.pc2"},
+              "bad.pc2:3:1: error: \"Type\" is no key, no section and no comment. [bad-line] (error 57)\n"
+              "bad.pc2:3:5" + zero + "bad.pc2:4:6: error: \"x\" is no whole number. [bad-line] (error 57)\n");
     folder.write("bad.pcp", ";Created by Draftex\nROTATE=1\nROT\0ATE=5\n"s);
-    expect_no({"check", "bad.pcp"}, "bad.pcp:3: The line isn't valid (error 57): ROT\n");
+    expect_no({"check", "bad.pcp"},
+              "bad.pcp:3:1: error: \"ROT\" is no keyword and isn't read. [unknown-key] (error 57)\n"
+              "bad.pcp:3:4" + zero);
     folder.write("bad.cfg", "[PlotDriver#2]\n[PlotDriver]\nType\0=5\n"s);
-    expect_no({"check", "bad.cfg"}, "bad.cfg:3: The line isn't valid (error 57): Type\n");
+    expect_no({"check", "bad.cfg"},
+              "bad.cfg:3:1: error: \"Type\" is no key, no section and no comment. [bad-line] (error 57)\n"
+              "bad.cfg:3:5" + zero);
 }
 
 TEST_F(PmToolLegacy, RawPropertyWithoutBytesIsShownWithItsName) {
@@ -98,9 +106,9 @@ TEST_F(PmToolLegacy, RawPropertyWithoutBytesIsShownWithItsName) {
 TEST_F(PmToolLegacy, InfiniteNumberIsATextInJson) {
     folder.write("a.pc2", "PC2Version 2.0\n[Plotter/User]\nPlotWidth=1e999\nPlotHeight=-1e999\n");
     const std::string json = run({"tree", "a.pc2", "Plotter/User", "--json"}).out;
-    EXPECT_NE(json.find("\"name\": \"PlotWidth\",\n      \"type\": \"double\",\n      \"value\": \"inf\""),
+    EXPECT_NE(json.find("\"name\": \"PlotWidth\", \"type\": \"double\", \"value\": \"inf\""),
               std::string::npos);
-    EXPECT_NE(json.find("\"name\": \"PlotHeight\",\n      \"type\": \"double\",\n      \"value\": \"-inf\""),
+    EXPECT_NE(json.find("\"name\": \"PlotHeight\", \"type\": \"double\", \"value\": \"-inf\""),
               std::string::npos);
 }
 
@@ -108,27 +116,29 @@ TEST_F(PmToolLegacy, BadLinesOfAPc2FileAreListed) {
     folder.write("bad.pc2", "PC2Version 2.0\r\n[PlotDriver]\r\nType=x\r\nfoo\r\n\r\n[]\r\n"
                             "[Plotter/DriverCustom]\r\ndmFields=zz\r\ndmColor=\r\n");
     expect_no({"check", "bad.pc2"},
-              "bad.pc2:3: The line isn't valid (error 57): Type=x\n"
-              "bad.pc2:4: The line isn't valid (error 57): foo\n"
-              "bad.pc2:6: The line isn't valid (error 57): []\n"
-              "bad.pc2:8: The value of dmFields isn't a hexadecimal number (error 99): dmFields=zz\n"
-              "bad.pc2:9: The line isn't valid (error 57): dmColor=\n");
+              "bad.pc2:3:6: error: \"x\" is no whole number. [bad-line] (error 57)\n"
+              "bad.pc2:4:1: error: \"foo\" is no key, no section and no comment. [bad-line] (error 57)\n"
+              "bad.pc2:6:1: error: The section has no name. [bad-line] (error 57)\n"
+              "bad.pc2:8:10: error: \"zz\" is no hexadecimal number. [bad-line] (error 99)\n"
+              "bad.pc2:9:1: error: The key has no value. [bad-line] (error 57)\n");
 }
 
 TEST_F(PmToolLegacy, BadLinesOfAllPlottersAreListedOnceInTheOrderOfTheFile) {
     folder.write("bad.cfg", "[PlotDriver#2]\nType=x\nfoo\n\n[PlotDriver#1]\nType=y\n");
-    expect_no({"check", "bad.cfg"}, "bad.cfg:2: The line isn't valid (error 57): Type=x\n"
-                                    "bad.cfg:3: The line isn't valid (error 57): foo\n"
-                                    "bad.cfg:6: The line isn't valid (error 57): Type=y\n");
-    expect_no({"check", "bad.cfg", "--section", "1"}, "bad.cfg:3: The line isn't valid (error 57): foo\n"
-                                                      "bad.cfg:6: The line isn't valid (error 57): Type=y\n");
+    const std::string foo =
+        "bad.cfg[2]:3:1: error: \"foo\" is no key, no section and no comment. [bad-line] (error 57)\n";
+    const std::string last = "bad.cfg[1]:6:6: error: \"y\" is no whole number. [bad-line] (error 57)\n";
+    expect_no({"check", "bad.cfg"},
+              "bad.cfg[2]:2:6: error: \"x\" is no whole number. [bad-line] (error 57)\n" + foo + last);
+    expect_no({"check", "bad.cfg", "--section", "1"}, foo + last);
 }
 
 TEST_F(PmToolLegacy, BadLinesOfAPcpFileAreListed) {
     folder.write("bad.pcp", ";Created by Draftex\nVERSION=2\n\nUNITS=X\nFOO=1\n");
-    expect_no({"check", "bad.pcp"}, "bad.pcp:2: The line isn't valid (error 57): VERSION=2\n"
-                                    "bad.pcp:4: The line isn't valid (error 57): UNITS=X\n"
-                                    "bad.pcp:5: The line isn't valid (error 57): FOO=1\n");
+    expect_no({"check", "bad.pcp"},
+              "bad.pcp:2:1: error: \"VERSION\" takes a number with a point. [bad-line] (error 57)\n"
+              "bad.pcp:4:1: error: \"UNITS\" takes \"I\" or \"M\". [bad-line] (error 57)\n"
+              "bad.pcp:5:1: error: \"FOO\" is no keyword and isn't read. [unknown-key] (error 57)\n");
 }
 
 TEST_F(PmToolLegacy, FirstBadLineStopsOtherCommands) {

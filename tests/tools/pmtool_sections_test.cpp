@@ -19,8 +19,8 @@ TEST_F(PmToolSections, SectionsAreListedWithTheirInfo) {
                                           "Archive\n");
 }
 
-TEST_F(PmToolSections, PlottersOfACfgFileAreListedByNumber) {
-    expect_output({"sections", sample_folder + "/three-plotters.cfg"}, "1\n2\n3\n");
+TEST_F(PmToolSections, PlottersOfACfgFileAreListedByNumberAndName) {
+    expect_output({"sections", sample_folder + "/three-plotters.cfg"}, "1\tDX-4200, drawing office\n2\tDX-4200, workshop\n3\tDX-4200, reception\n");
 }
 
 TEST_F(PmToolSections, PlotterNumbersAreThoseOfTheReader) {
@@ -30,9 +30,9 @@ TEST_F(PmToolSections, PlotterNumbersAreThoseOfTheReader) {
     expect_output({"get", "a.cfg", "--section", "2", "\\PlotDriver\\Type"}, "4\n");
 }
 
-TEST_F(PmToolSections, TreeOfADpiaFileIsItsDirectory) {
-    expect_output({"tree", "s.dpia", "\\DPIA_directory\\2"},
-                  "descriptor: string = \"Archive\"\ninfo: string = \"\"\n");
+TEST_F(PmToolSections, TreeOfADpiaFileHasANodeForEachSection) {
+    expect_output({"ls", "s.dpia"}, "Office\\\nWorkshop\\\nArchive\\\n");
+    expect_output({"tree", "s.dpia", "Archive\\stamp"}, run({"tree", "s.dpia", "stamp", "--section", "Archive"}).out);
 }
 
 TEST_F(PmToolSections, SectionIsReadAsUtf8) {
@@ -46,7 +46,7 @@ TEST_F(PmToolSections, SectionIsReadAsUtf8) {
 
 TEST_F(PmToolSections, UnknownSectionIsTrouble) {
     expect_trouble({"tree", "s.dpia", "--section", "archive"},
-                   "s.dpia: The file has no section of this name (error 83): archive");
+                   "s.dpia: there is no section archive; there are: Office, Workshop, Archive");
 }
 
 TEST_F(PmToolSections, ExtractWritesOneSection) {
@@ -59,7 +59,7 @@ TEST_F(PmToolSections, ExtractWritesOneSection) {
 
 TEST_F(PmToolSections, ConvertNeedsASectionToBeChosen) {
     expect_trouble({"convert", "s.dpia", "x.pia"},
-                   "s.dpia: a dpia file holds several trees; choose one with --section");
+                   "s.dpia: a dpia file holds several trees; choose one with --section (Office, Workshop, Archive)");
     expect_output({"convert", "s.dpia", "x.pia", "--section", "Office"}, "");
     expect_output({"get", "x.pia", "name"}, run({"get", "s.dpia", "name", "--section", "Office"}).out);
 }
@@ -107,14 +107,14 @@ TEST_F(PmToolSections, BundleThatCannotBeWrittenLeavesNothing) {
                    "B: no section of this name is being written");
     expect_trouble({"bundle", "-o", "t.dpia", "A=no.pia"}, "no.pia: The file doesn't exist (error 63)");
     expect_trouble({"bundle", "-o", "t.dpia", "A=s.dpia"},
-                   "s.dpia: a dpia file holds several trees; choose one with --section");
+                   "s.dpia: a dpia file holds several trees; choose one with --section (Office, Workshop, Archive)");
     EXPECT_EQ((std::vector<std::string>{"a.pia", "b.pia", "s.dpia"}), file_names());
 }
 
 TEST_F(PmToolSections, CompareLooksIntoEverySection) {
     expect_output({"bundle", "-o", "t.dpia", "A=a.pia", "B=b.pia"}, "");
     expect_output({"bundle", "-o", "u.dpia", "A=a.pia", "B=a.pia"}, "");
-    expect_no({"compare", "t.dpia", "u.dpia"}, "+ \\B\\a: long = 1\n- \\B\\x\\\n- \\B\\x\\b: long = 2\n");
+    expect_no({"compare", "t.dpia", "u.dpia"}, "+ \\B\\a: long 1\n- \\B\\x\\\n- \\B\\x\\b: long 2\n");
 }
 
 TEST_F(PmToolSections, CheckGoesThroughAllSections) {
@@ -126,8 +126,8 @@ TEST_F(PmToolSections, BadLineIsToldWithItsSection) {
     const std::string section = "PIAFILEVERSION_2.0,\na=1\nb=1.x\nc=yes\n";
     folder.write("bad.dpia", std::string("\0\0\1\0\1\0\0\0\1\0\0\0A\0\0\0\0", 17) +
                                  std::string{static_cast<char>(section.size()), '\0', '\0', '\0'} + section);
-    expect_no({"check", "bad.dpia"}, "bad.dpia[A]:3: The line isn't valid (error 57): b=1.x\n"
-                                     "bad.dpia[A]: The value is of no known type (error 88): c=yes\n");
+    expect_no({"check", "bad.dpia"}, "bad.dpia[A]:3:3: error: \"1.x\" is no number. [bad-line] (error 57)\n"
+                                     "bad.dpia[A]:4:3: error: \"yes\" has the form of no type. [unknown-type] (error 88)\n");
 }
 
 TEST_F(PmToolSections, SectionThatTheFileCutsOffIsTold) {
@@ -136,7 +136,7 @@ TEST_F(PmToolSections, SectionThatTheFileCutsOffIsTold) {
     expect_output({"tree", "cut.dpia", "--section", "Office", "name"},
                   "name: string = \"DX-4200 in the drawing office\"\n");
     expect_trouble({"tree", "cut.dpia", "--section", "Archive"},
-                   "cut.dpia: Reading or writing failed, or the file ends too early (error 82): Archive");
+                   "cut.dpia[Archive]: Reading or writing failed, or the file ends too early (error 82): Archive");
 }
 
 } // namespace

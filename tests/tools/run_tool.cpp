@@ -31,17 +31,6 @@ ToolRun ToolTest::run(const std::vector<std::string>& arguments, const ToolSetti
     return {status, setting.output.empty() ? output.read("out") : "", output.read("err")};
 }
 
-void ToolTest::expect_refusal(const std::vector<std::string>& arguments, const std::string& target,
-                              const std::string& err) const {
-    const bool was_there = std::filesystem::exists(folder / target);
-    const std::string before = was_there ? folder.read(target) : "";
-    const ToolRun result = run(arguments);
-    EXPECT_EQ(2, result.status);
-    EXPECT_EQ(err, result.err);
-    EXPECT_EQ(was_there, std::filesystem::exists(folder / target));
-    if (was_there) EXPECT_EQ(before, folder.read(target));
-}
-
 void ToolTest::expect_not_found(const std::vector<std::string>& arguments, const std::string& line) const {
     const ToolRun result = run(arguments);
     EXPECT_EQ(1, result.status);

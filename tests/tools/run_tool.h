@@ -44,9 +44,6 @@ protected:
 
     TempFolder folder;
 
-    // Expect trouble whose last line is this, the target of the same bytes as before.
-    void expect_refusal(const std::vector<std::string>& arguments, const std::string& target,
-                        const std::string& err) const;
     // Expect code 1 with nothing on standard output and this line on standard error.
     void expect_not_found(const std::vector<std::string>& arguments, const std::string& line) const;
 };

@@ -59,7 +59,7 @@ TEST_F(PmToolVerbs, SetChangesAllThatMatches) {
 TEST_F(PmToolVerbs, RmMvAndCpChangeTheTree) {
     EXPECT_EQ(0, run({"rm", "a.pia", "x\\b"}).status);
     EXPECT_EQ(0, run({"mv", "a.pia", "x\\a", "x\\first"}).status);
-    EXPECT_EQ(0, run({"cp", "a.pia", "x\\y\\", "z\\"}).status);
+    EXPECT_EQ(0, run({"cp", "a.pia", "x\\y\\", "z\\y\\"}).status);
     EXPECT_EQ("\\n: long 1\n\\x\\first: long 1\n\\x\\y\\c: double 2.5\n\\z\\a: long 3\n\\z\\y\\c: double 2.5\n",
               flat("a.pia"));
 }
@@ -81,7 +81,7 @@ TEST_F(PmToolVerbs, ScriptIsAppliedAsAWholeOrNotAtAll) {
 }
 
 TEST_F(PmToolVerbs, ScriptOfADifferenceTurnsOneTreeIntoTheOther) {
-    for (std::size_t i = 0; i + 1 < samples.size(); ++i) {
+    for (std::size_t i = 1; i + 1 < samples.size(); ++i) {
         ASSERT_EQ(0, run({"dump", samples[i], "-o", "first.json"}).status) << samples[i];
         ASSERT_EQ(0, run({"dump", samples[i + 1], "-o", "second.json"}).status);
         const ToolRun script = run({"diff", "first.json", "second.json", "--script", "--from", "json"});
@@ -208,11 +208,16 @@ TEST_F(PmToolVerbs, HelpFitsEightyColumns) {
 
 TEST_F(PmToolVerbs, MistakesPointAtTheHelpOfTheirVerb) {
     expect_trouble({"tree"}, "FILE is required; see pmtool tree --help");
-    expect_trouble({"set", "a.pia", "n", "-5"},
-                   "The following argument was not expected: -5; a value that begins with \"-\" stands behind "
-                   "\"--\": pmtool set ... -- VALUE; see pmtool set --help");
-    EXPECT_EQ(0, run({"set", "a.pia", "n", "--", "-5"}).status);
-    expect_output({"get", "a.pia", "n"}, "-5\n");
+    expect_trouble({"set", "a.pia", "x\\b", "-t"},
+                   "VALUE is required; a value that begins with \"-\" stands behind \"--\": pmtool set ... -- VALUE; "
+                   "see pmtool set --help");
+    EXPECT_EQ(0, run({"set", "a.pia", "x\\b", "--", "-t"}).status);
+    expect_output({"get", "a.pia", "x\\b"}, "-t\n");
+}
+
+TEST_F(PmToolVerbs, PathMayBeCalledLikeAVerb) {
+    EXPECT_EQ(0, run({"set", "a.pia", "tree", "help"}).status);
+    expect_output({"get", "a.pia", "tree"}, "help\n");
 }
 
 TEST_F(PmToolVerbs, ManualPagesAreMadeOfTheHelp) {
@@ -259,6 +264,14 @@ TEST_F(PmToolVerbs, ColoursGoToATerminalAlone) {
     EXPECT_EQ("a: long = 1\r\nb: string = \"t\"\r\ny\\\r\n  c: double = 2.5\r\n", on_terminal("NO_COLOR=1"));
     folder.write("a.pia", "PIAFILEVERSION_2.0,\r\nx{\n b=\"" + std::string(40, 't') + "\n}\n");
     EXPECT_EQ("b: string = \"tttttt\xE2\x80\xA6\r\n", on_terminal("NO_COLOR=1"));
+}
+
+TEST_F(PmToolVerbs, LongWorkIsShownOnATerminal) {
+    const std::string command = "cd '" + folder.path().string() +
+        "' && mkfifo pipe && { (sleep 2.5; cat a.pia) > pipe & } && script -qec \"'" PMTOOL
+        "' get pipe n\" /dev/null > out 2>&1 < /dev/null";
+    EXPECT_EQ(0, std::system(command.c_str()));
+    EXPECT_EQ("\rreading pipe ... 2 s\r\x1B[K1\r\n", folder.read("out"));
 }
 
 } // namespace

@@ -36,7 +36,7 @@ bool may_miss_the_mark(const CLI::ParseError& e, const std::vector<std::string>&
         dynamic_cast<const CLI::RequiredError*>(&e) != nullptr;
     if (!is_such || std::ranges::find(words, "--") != words.end()) return false;
     return std::any_of(words.begin() + 1, words.end(), [&](const std::string& word) {
-        return word.size() > 1 && word.front() == '-' && !is_option(word, entry.options) && !is_option(word, common);
+        return word.size() > 1 && word.front() == '-' && !word.starts_with("--") && !is_option(word, entry.options) && !is_option(word, common);
     });
 }
 
@@ -175,6 +175,7 @@ Commands::Commands() : m_parser(std::make_unique<Parser>()) {
     app.set_help_flag("-h,--help");
     app.add_flag("--version", m_parser->version);
     app.add_option("--code-page", m_parser->code_page);
+    app.require_subcommand(0, 1); // a path may be called like a verb
     app.allow_windows_style_options(false); // a path may begin with "/"
     m_common = {{{"-h", "--help"}, "", "Tell about the program or a verb"},
                 {{"--version"}, "", "Tell the version"},

@@ -2,6 +2,7 @@
 
 #include "failure.h"
 #include "line_finder.h"
+#include "progress.h"
 #include "report_handler.h"
 #include "system.h"
 #include "text.h"
@@ -26,19 +27,20 @@ constexpr unsigned utf8_code_page = 65001;
 
 bool code_page_is_told = false;
 
+std::string shown_name(const std::string& file) {
+    return file == "-" ? "standard input" : file;
+}
+
 // The content where it can't be read twice: of standard input, a pipe, a device.
 std::optional<std::string> content_at_hand(const std::string& file) {
     try {
+        if (file != "-" && kind_of(file) != FileKind::special) return std::nullopt;
+        const Progress progress("reading " + shown_name(file));
         if (file == "-") return read_standard_input();
-        if (kind_of(file) == FileKind::special) return read_whole(file);
-        return std::nullopt;
+        return read_whole(file);
     } catch (const std::system_error& e) {
         throw system_failure(file == "-" ? "standard input" : file, e.code().value());
     }
-}
-
-std::string shown_name(const std::string& file) {
-    return file == "-" ? "standard input" : file;
 }
 
 const Format& format_of_input(const SourceOptions& options, const std::optional<std::string>& content) {
@@ -67,6 +69,7 @@ struct Reading {
 };
 
 Reading read_once(const kit::Input& input, const std::optional<std::string>& content) {
+    const Progress progress("reading " + input.file);
     Reading reading;
     try {
         if (content) {
@@ -168,6 +171,7 @@ Source read_source(const SourceOptions& options, Damage damage) {
     const Format& format = format_of_input(options, content);
     if (format.is_json()) return read_json(options, content);
     refuse_folder(options.file, format);
+    if (!content && kind_of(options.file) == FileKind::missing) throw system_failure(options.file, ENOENT);
     // What ends a load is a report like others: what was read before counts.
     kit::Input input{
         .file = shown_name(options.file), .type = format.type, .section = options.section, .keep_going = true};

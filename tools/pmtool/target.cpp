@@ -1,6 +1,7 @@
 #include "target.h"
 
 #include "failure.h"
+#include "progress.h"
 #include "report_handler.h"
 #include "safe_save.h"
 #include "system.h"
@@ -32,6 +33,7 @@ kit::Prepared prepare(const Writing& writing, const TargetOptions& options) {
         if (!top) throw Failure(fmt::format("{}: there is no such node", writing.form.subtree));
         return {kit::to_json(*top), {}, {}};
     }
+    const Progress progress("making " + options.file);
     const SignalDelay delay; // a compound file is made in a temporary one
     try {
         return kit::prepare(writing.tree, writing.form);

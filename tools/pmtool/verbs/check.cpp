@@ -91,6 +91,13 @@ bool is_trouble(const kit::Diagnostic& diagnostic) {
     return diagnostic.rule == "unreadable" || diagnostic.rule == "unknown-kind";
 }
 
+void tell_trouble(const kit::Diagnostic& diagnostic) {
+    std::string_view message = diagnostic.message;
+    if (message.ends_with('.')) message.remove_suffix(1);
+    const std::string number = diagnostic.number == 0 ? "" : fmt::format(" (error {})", diagnostic.number);
+    fmt::print(stderr, "pmtool: {}: {}{}\n", place_text(diagnostic.place), message, number);
+}
+
 bool counts(const CheckOptions& options, const kit::Diagnostic& diagnostic) {
     return options.strict || diagnostic.severity != kit::Severity::note;
 }
@@ -149,8 +156,7 @@ int check(CheckOptions options) {
             if (options.json) {
                 list.append(json_of(diagnostic));
             } else if (is_trouble(diagnostic)) {
-                fmt::print(stderr, "pmtool: {}: {} (error {})\n", place_text(diagnostic.place),
-                           diagnostic.message, diagnostic.number);
+                tell_trouble(diagnostic);
             } else {
                 print_line(diagnostic);
             }
