@@ -78,7 +78,8 @@ TextEncoding text_encoding(const Tree& tree) {
         count.add(node.name16());
         for (const Property property : node.properties()) {
             count.add(property.name16());
-            if (property.type() == PROP_STRING && !property.bytes().empty()) count.add_bytes(property.bytes());
+            if (property.type() == PROP_STRING && !property.bytes().empty())
+                count.add_bytes(property.bytes());
         }
     }
     return count.encoding();

@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 #include <pm_test_paths.h>
 #include <string>
-#include <vector>
 #include <unistd.h>
+#include <vector>
 
 namespace pm::test {
 
@@ -98,8 +98,8 @@ TEST_P(DamagedFile, WithAnyBitTurnedIsReadOrRefused) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, DamagedFile,
-                         testing::Values("plotter.pia", "plotter-compressed.pia", "sections.dpia", "office.pc2",
-                                         "three-plotters.cfg", "pens.pcp"),
+                         testing::Values("plotter.pia", "plotter-compressed.pia", "sections.dpia",
+                                         "office.pc2", "three-plotters.cfg", "pens.pcp"),
                          [](const auto& sample) {
                              std::string name = sample.param;
                              for (char& c : name) {

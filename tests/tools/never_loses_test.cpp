@@ -1,5 +1,6 @@
 #include "tools/run_tool.h"
 
+#include <algorithm>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
@@ -107,7 +108,8 @@ TEST_F(PmToolNeverLoses, ValueIsOfItsTypeAsAWhole) {
     write("a.pia", "a=1\nb=TRUE\n");
     expect_trouble({"set", "a.pia", "a", "12 34"},
                    "\"12 34\" isn't a whole number of 32 bits, which type long asks for");
-    expect_trouble({"set", "a.pia", "b", "truely"}, "\"truely\" isn't true or false, which type bool asks for");
+    expect_trouble({"set", "a.pia", "b", "truely"},
+                   "\"truely\" isn't true or false, which type bool asks for");
 }
 
 TEST_F(PmToolNeverLoses, CharacterThatTheCodePageLacksIsALoss) {
@@ -189,7 +191,8 @@ TEST_F(PmToolNeverLoses, StandardStreamsAreFiles) {
     const ToolRun tree = run_with_input({"tree", "-", "media\\finishing"}, folder.read("p.pia"));
     EXPECT_EQ(0, tree.status);
     expect_output({"tree", "p.pia", "media\\finishing"}, tree.out);
-    const ToolRun converted = run_with_input({"convert", "-", "-", "--to", "doc", "--lossy"}, folder.read("p.pia"));
+    const ToolRun converted =
+        run_with_input({"convert", "-", "-", "--to", "doc", "--lossy"}, folder.read("p.pia"));
     EXPECT_EQ(0, converted.status);
     EXPECT_TRUE(converted.out.starts_with("\xD0\xCF\x11\xE0"));
     const ToolRun back = run_with_input({"get", "-", "media\\copies"}, converted.out);
@@ -262,6 +265,60 @@ TEST_F(PmToolNeverLoses, TwentyEditsAtOnceAllSurvive) {
         expect_output({"get", "p.pia", "\\edits\\n" + std::to_string(i)}, std::to_string(i) + "\n");
     }
     EXPECT_EQ((std::vector<std::string>{"p.pia"}), file_names());
+}
+
+TEST_F(PmToolNeverLoses, EveryVerbThatWritesRefusesWhatReadingLost) {
+    const std::vector<std::vector<std::string>> verbs = {
+        {"set", "a.pia", "b", "2"},    {"rm", "a.pia", "a"},
+        {"mv", "a.pia", "a", "c"},     {"cp", "a.pia", "a", "c"},
+        {"apply", "a.pia", "script"},  {"edit", "a.pia"},
+        {"convert", "a.pia", "p.pia"}, {"bundle", "-o", "all.dpia", "A=a.pia"}};
+    folder.write("script", "set \\b long 2\n");
+    std::filesystem::create_directory(folder / "tmp");
+    const ToolSetting setting{.environment = {"VISUAL=sed -i s/3/4/", "TMPDIR=" + (folder / "tmp").string()}};
+    for (std::vector<std::string> words : verbs) {
+        write("a.pia", "a=1\na=3\n");
+        const std::string before = folder.read("a.pia") + folder.read("p.pia");
+        const ToolRun refused = run(words, setting);
+        EXPECT_EQ(2, refused.status) << words.front();
+        EXPECT_NE(std::string::npos, refused.err.find("\"a\" is set on line 2 already")) << refused.err;
+        EXPECT_NE(std::string::npos, refused.err.find("not written: 1 loss; pmtool check")) << refused.err;
+        EXPECT_EQ(before, folder.read("a.pia") + folder.read("p.pia")) << words.front();
+        EXPECT_FALSE(std::filesystem::exists(folder / "all.dpia"));
+        words.emplace_back("--lossy");
+        const ToolRun written = run(words, setting);
+        EXPECT_EQ(0, written.status) << words.front() << written.err;
+        EXPECT_NE(std::string::npos, written.err.find(": warning: ")) << written.err;
+        copy_sample("plotter.pia", "fresh.pia");
+        std::filesystem::rename(folder / "fresh.pia", folder / "p.pia");
+    }
+}
+
+TEST_F(PmToolNeverLoses, EveryVerbThatWritesRefusesWhatTheFormatLoses) {
+    write("a.pia", "a=1\n");
+    write("w.pia", "t=\"B\xC3\xBCro \xD0\x96\n"); // UTF-8
+    folder.write("script", "set \\a string \"x\\ny\"\n");
+    const std::vector<std::vector<std::string>> verbs = {
+        {"set", "a.pia", "--type", "string", "a", "x\ny"},
+        {"mv", "a.pia", "a", ";a"},
+        {"cp", "a.pia", "a", "n\\;a"},
+        {"apply", "a.pia", "script"},
+        {"convert", "w.pia", "a.pia", "--out-code-page", "1252"}};
+    const std::string before = folder.read("a.pia");
+    for (const std::vector<std::string>& words : verbs) {
+        const ToolRun refused = run(words);
+        EXPECT_EQ(2, refused.status) << words.front() << refused.err;
+        EXPECT_NE(std::string::npos, refused.err.find("not written: ")) << refused.err;
+        EXPECT_EQ(before, folder.read("a.pia")) << words.front();
+    }
+}
+
+TEST_F(PmToolNeverLoses, ChangeOfFormAloneIsToldInOneLine) {
+    folder.write("one.pia", "PIAFILEVERSION_1.0,\r\na=1\n");
+    const ToolRun result = run({"set", "one.pia", "a", "2"});
+    EXPECT_EQ(0, result.status);
+    EXPECT_TRUE(result.err.starts_with("pmtool: one.pia: note: version 1.0 becomes 2.0")) << result.err;
+    EXPECT_EQ(1, std::ranges::count(result.err, '\n'));
 }
 
 TEST_F(PmToolNeverLoses, DryRunShowsTheDifferenceAndWritesNothing) {

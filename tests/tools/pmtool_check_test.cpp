@@ -6,11 +6,10 @@ namespace {
 
 class PmToolCheck : public ToolTest {
 protected:
-    PmToolCheck() {
-        folder.write("bad.pia", "PIAFILEVERSION_2.0,\na=1\nb=1.x\nc=yes\nd=2\nd=3\nx{\n");
-    }
+    PmToolCheck() { folder.write("bad.pia", "PIAFILEVERSION_2.0,\na=1\nb=1.x\nc=yes\nd=2\nd=3\nx{\n"); }
     const std::string bad_line = "bad.pia:3:3: error: \"1.x\" is no number. [bad-line] (error 57)\n";
-    const std::string no_type = "bad.pia:4:3: error: \"yes\" has the form of no type. [unknown-type] (error 88)\n";
+    const std::string no_type =
+        "bad.pia:4:3: error: \"yes\" has the form of no type. [unknown-type] (error 88)\n";
     const std::string repeated =
         "bad.pia:6:1: warning: \"d\" is set on line 5 already, and that value is lost. [repeated-name]\n";
     const std::string unclosed = "bad.pia:7:1: warning: The node \"x\" isn't closed. [unclosed-node]\n";
@@ -30,7 +29,8 @@ TEST_F(PmToolCheck, EverythingThatIsWrongIsListedWithItsPlaceAndRule) {
 
 TEST_F(PmToolCheck, RulesAreChosenOrLeftOut) {
     expect_no({"check", "bad.pia", "--rule", "unclosed-node", "--rule", "bad-line"}, bad_line + unclosed);
-    expect_no({"check", "bad.pia", "--without", "unclosed-node", "--without", "bad-line"}, no_type + repeated);
+    expect_no({"check", "bad.pia", "--without", "unclosed-node", "--without", "bad-line"},
+              no_type + repeated);
     expect_output({"check", "bad.pia", "--rule", "cut-text"}, "bad.pia: no bad lines\n");
     expect_trouble({"check", "bad.pia", "--rule", "no-such"},
                    "no-such: there is no such rule; see pmtool check --rules");
@@ -60,7 +60,8 @@ TEST_F(PmToolCheck, FoldersAreWalked) {
     std::filesystem::create_directory(folder / "more");
     folder.write("more/open.pia", "PIAFILEVERSION_2.0,\ny{\n");
     expect_no({"check", ".", "--rule", "unclosed-node"},
-              "./" + unclosed + "./more/open.pia:2:1: warning: The node \"y\" isn't closed. [unclosed-node]\n");
+              "./" + unclosed +
+                  "./more/open.pia:2:1: warning: The node \"y\" isn't closed. [unclosed-node]\n");
 }
 
 TEST_F(PmToolCheck, NotesCountWhenStrict) {

@@ -41,18 +41,20 @@ TEST_F(PmToolDoc, NodeThatIsNeverReadBackIsALoss) {
     folder.write("v.pia", "PIAFILEVERSION_2.0,\na=1\nx{\n version=2\n b=3\n}\n");
     const ToolRun result = run({"convert", "v.pia", "v.doc"});
     EXPECT_EQ(2, result.status);
-    EXPECT_EQ("pmtool: v.doc: \\x\\version: lost: a compound file gives nothing back that is named \"Version\": "
-              "long 2 -> nothing\npmtool: v.doc: not written: 1 loss; --lossy writes nevertheless\n",
-              result.err);
+    EXPECT_EQ(
+        "pmtool: v.doc: \\x\\version: lost: a compound file gives nothing back that is named \"Version\": "
+        "long 2 -> nothing\npmtool: v.doc: not written: 1 loss; --lossy writes nevertheless\n",
+        result.err);
 }
 
 TEST_F(PmToolDoc, NameThatACompoundFileCannotHoldLeavesTheTarget) {
     folder.write("n.pia", "PIAFILEVERSION_2.0,\na_name_of_more_than_thirty_one_characters=1\n");
     folder.write("n.doc", "old");
-    expect_trouble({"convert", "n.pia", "n.doc"},
-                   "n.doc: \\a_name_of_more_than_thirty_one_characters: lost: it can't be written to a doc file: "
-                   "The compound file can't be written (60): long 1 -> nothing\n"
-                   "pmtool: n.doc: not written: 1 loss; --lossy writes nevertheless");
+    expect_trouble(
+        {"convert", "n.pia", "n.doc"},
+        "n.doc: \\a_name_of_more_than_thirty_one_characters: lost: it can't be written to a doc file: "
+        "The compound file can't be written (60): long 1 -> nothing\n"
+        "pmtool: n.doc: not written: 1 loss; --lossy writes nevertheless");
     EXPECT_EQ("old", folder.read("n.doc"));
 }
 
@@ -95,8 +97,9 @@ TEST_F(PmToolPdt, MissingSectionFileIsNamed) {
     std::filesystem::remove(folder / "dx" / "IO Method.pdt");
     const std::string text = "dx: The file doesn't exist (error 63): dx/IO Method.pdt";
     expect_trouble({"tree", "dx"}, text);
-    expect_no({"check", "dx"},
-              "dx/IO Method.pdt: error: The table isn't there, or can't be read. [missing-table] (error 63)\n");
+    expect_no(
+        {"check", "dx"},
+        "dx/IO Method.pdt: error: The table isn't there, or can't be read. [missing-table] (error 63)\n");
 }
 
 TEST_F(PmToolPdt, StringFileOfAnyNameIsFound) {

@@ -74,8 +74,9 @@ TEST_F(PmToolLegacy, GoodSamplesHaveNoBadLines) {
 
 TEST_F(PmToolLegacy, RepeatedVersionLineIsToldWithItsLineInTheFile) {
     folder.write("bad.pc2", "; one\n\nPC2Version 2.0\nPC2Version 2.0\n[PlotDriver]\nType=1\n");
-    expect_no({"check", "bad.pc2"}, "bad.pc2:4:1: error: \"PC2Version 2.0\" is no key, no section and no comment. "
-                                    "[bad-line] (error 57)\n");
+    expect_no({"check", "bad.pc2"},
+              "bad.pc2:4:1: error: \"PC2Version 2.0\" is no key, no section and no comment. "
+              "[bad-line] (error 57)\n");
     expect_trouble({"get", "bad.pc2", "PlotDriver\\Type"},
                    "bad.pc2:4: The line isn't valid (error 57): PC2Version 2.0; all bad lines are listed by: "
                    "pmtool check");
@@ -84,18 +85,22 @@ TEST_F(PmToolLegacy, RepeatedVersionLineIsToldWithItsLineInTheFile) {
 TEST_F(PmToolLegacy, LineCutByAZeroByteIsToldWithItsLineInTheFile) {
     using namespace std::string_literals;
     folder.write("bad.pc2", "PC2Version 2.0\n[PlotDriver]\nType\0=5\nType=x\n"s);
-    const std::string zero = ": warning: What stands behind a zero byte in the line isn't read. [ignored-text]\n";
+    const std::string zero =
+        ": warning: What stands behind a zero byte in the line isn't read. [ignored-text]\n";
     expect_no({"check", "bad.pc2"},
               "bad.pc2:3:1: error: \"Type\" is no key, no section and no comment. [bad-line] (error 57)\n"
-              "bad.pc2:3:5" + zero + "bad.pc2:4:6: error: \"x\" is no whole number. [bad-line] (error 57)\n");
+              "bad.pc2:3:5" +
+                  zero + "bad.pc2:4:6: error: \"x\" is no whole number. [bad-line] (error 57)\n");
     folder.write("bad.pcp", ";Created by Draftex\nROTATE=1\nROT\0ATE=5\n"s);
     expect_no({"check", "bad.pcp"},
               "bad.pcp:3:1: error: \"ROT\" is no keyword and isn't read. [unknown-key] (error 57)\n"
-              "bad.pcp:3:4" + zero);
+              "bad.pcp:3:4" +
+                  zero);
     folder.write("bad.cfg", "[PlotDriver#2]\n[PlotDriver]\nType\0=5\n"s);
     expect_no({"check", "bad.cfg"},
               "bad.cfg:3:1: error: \"Type\" is no key, no section and no comment. [bad-line] (error 57)\n"
-              "bad.cfg:3:5" + zero);
+              "bad.cfg:3:5" +
+                  zero);
 }
 
 TEST_F(PmToolLegacy, RawPropertyWithoutBytesIsShownWithItsName) {

@@ -162,7 +162,8 @@ TEST_F(PmToolSave, OutputMayLieInAnotherFolder) {
 }
 
 TEST_F(PmToolSave, OutputInAMissingFolderIsTrouble) {
-    expect_trouble({"convert", "a.pia", "no/b.pia"}, "no/b.pia: the folder no doesn't exist (error 63); make it first");
+    expect_trouble({"convert", "a.pia", "no/b.pia"},
+                   "no/b.pia: the folder no doesn't exist (error 63); make it first");
 }
 
 TEST_F(PmToolSave, OutputThatIsAFolderIsTrouble) {

@@ -20,7 +20,8 @@ TEST_F(PmToolSections, SectionsAreListedWithTheirInfo) {
 }
 
 TEST_F(PmToolSections, PlottersOfACfgFileAreListedByNumberAndName) {
-    expect_output({"sections", sample_folder + "/three-plotters.cfg"}, "1\tDX-4200, drawing office\n2\tDX-4200, workshop\n3\tDX-4200, reception\n");
+    expect_output({"sections", sample_folder + "/three-plotters.cfg"},
+                  "1\tDX-4200, drawing office\n2\tDX-4200, workshop\n3\tDX-4200, reception\n");
 }
 
 TEST_F(PmToolSections, PlotterNumbersAreThoseOfTheReader) {
@@ -32,7 +33,8 @@ TEST_F(PmToolSections, PlotterNumbersAreThoseOfTheReader) {
 
 TEST_F(PmToolSections, TreeOfADpiaFileHasANodeForEachSection) {
     expect_output({"ls", "s.dpia"}, "Office\\\nWorkshop\\\nArchive\\\n");
-    expect_output({"tree", "s.dpia", "Archive\\stamp"}, run({"tree", "s.dpia", "stamp", "--section", "Archive"}).out);
+    expect_output({"tree", "s.dpia", "Archive\\stamp"},
+                  run({"tree", "s.dpia", "stamp", "--section", "Archive"}).out);
 }
 
 TEST_F(PmToolSections, SectionIsReadAsUtf8) {
@@ -58,8 +60,9 @@ TEST_F(PmToolSections, ExtractWritesOneSection) {
 }
 
 TEST_F(PmToolSections, ConvertNeedsASectionToBeChosen) {
-    expect_trouble({"convert", "s.dpia", "x.pia"},
-                   "s.dpia: a dpia file holds several trees; choose one with --section (Office, Workshop, Archive)");
+    expect_trouble(
+        {"convert", "s.dpia", "x.pia"},
+        "s.dpia: a dpia file holds several trees; choose one with --section (Office, Workshop, Archive)");
     expect_output({"convert", "s.dpia", "x.pia", "--section", "Office"}, "");
     expect_output({"get", "x.pia", "name"}, run({"get", "s.dpia", "name", "--section", "Office"}).out);
 }
@@ -106,8 +109,9 @@ TEST_F(PmToolSections, BundleThatCannotBeWrittenLeavesNothing) {
     expect_trouble({"bundle", "-o", "t.dpia", "A=a.pia", "--info", "B=x"},
                    "B: no section of this name is being written");
     expect_trouble({"bundle", "-o", "t.dpia", "A=no.pia"}, "no.pia: The file doesn't exist (error 63)");
-    expect_trouble({"bundle", "-o", "t.dpia", "A=s.dpia"},
-                   "s.dpia: a dpia file holds several trees; choose one with --section (Office, Workshop, Archive)");
+    expect_trouble(
+        {"bundle", "-o", "t.dpia", "A=s.dpia"},
+        "s.dpia: a dpia file holds several trees; choose one with --section (Office, Workshop, Archive)");
     EXPECT_EQ((std::vector<std::string>{"a.pia", "b.pia", "s.dpia"}), file_names());
 }
 
@@ -126,8 +130,9 @@ TEST_F(PmToolSections, BadLineIsToldWithItsSection) {
     const std::string section = "PIAFILEVERSION_2.0,\na=1\nb=1.x\nc=yes\n";
     folder.write("bad.dpia", std::string("\0\0\1\0\1\0\0\0\1\0\0\0A\0\0\0\0", 17) +
                                  std::string{static_cast<char>(section.size()), '\0', '\0', '\0'} + section);
-    expect_no({"check", "bad.dpia"}, "bad.dpia[A]:3:3: error: \"1.x\" is no number. [bad-line] (error 57)\n"
-                                     "bad.dpia[A]:4:3: error: \"yes\" has the form of no type. [unknown-type] (error 88)\n");
+    expect_no({"check", "bad.dpia"},
+              "bad.dpia[A]:3:3: error: \"1.x\" is no number. [bad-line] (error 57)\n"
+              "bad.dpia[A]:4:3: error: \"yes\" has the form of no type. [unknown-type] (error 88)\n");
 }
 
 TEST_F(PmToolSections, SectionThatTheFileCutsOffIsTold) {
@@ -135,8 +140,9 @@ TEST_F(PmToolSections, SectionThatTheFileCutsOffIsTold) {
     folder.write("cut.dpia", whole.substr(0, whole.size() - 20));
     expect_output({"tree", "cut.dpia", "--section", "Office", "name"},
                   "name: string = \"DX-4200 in the drawing office\"\n");
-    expect_trouble({"tree", "cut.dpia", "--section", "Archive"},
-                   "cut.dpia[Archive]: Reading or writing failed, or the file ends too early (error 82): Archive");
+    expect_trouble(
+        {"tree", "cut.dpia", "--section", "Archive"},
+        "cut.dpia[Archive]: Reading or writing failed, or the file ends too early (error 82): Archive");
 }
 
 } // namespace

@@ -240,7 +240,8 @@ TEST_F(PmTool, IdentifySeesThroughBlankLinesAndCase) {
         EXPECT_EQ(line, out.substr(0, out.find('\n') + 1));
     };
     folder.write("a", "\n \t\n  piafileversion_1.0,x\r\na=1\n");
-    expect_first_line("a", "a: pia (property text, plain or compressed): first line \"piafileversion_1.0,x\"\n");
+    expect_first_line("a",
+                      "a: pia (property text, plain or compressed): first line \"piafileversion_1.0,x\"\n");
     folder.write("b", "; text\n;CREATED BY DRAFTEX 7\n");
     expect_first_line("b", "b: pcp (plot parameters): comment \";CREATED BY DRAFTEX 7\"\n");
     folder.write("c", "; text\n\n[PlotDriver]\nType=1\n");
@@ -254,10 +255,9 @@ TEST_F(PmTool, IdentifyGoesOnBehindAFileOfNoFormat) {
     folder.write("small.pia", small_file);
     const ToolRun result = run({"identify", "a.txt", "small.pia"});
     EXPECT_EQ(2, result.status);
-    EXPECT_EQ(
-        "small.pia: pia (property text, plain or compressed): first line \"PIAFILEVERSION_2.0,small\"\n"
-        "  version 2.0, plain, text in ASCII\n",
-        result.out);
+    EXPECT_EQ("small.pia: pia (property text, plain or compressed): first line \"PIAFILEVERSION_2.0,small\"\n"
+              "  version 2.0, plain, text in ASCII\n",
+              result.out);
     EXPECT_EQ(
         "pmtool: a.txt: the content is of no known format; say which with --from (doc, dpia, pia, pcp, pc2, "
         "cfg, pdt, json)\n",
@@ -270,9 +270,10 @@ TEST_F(PmTool, DpiaDirectoryThatDoesNotFitItsFileIsNone) {
     // A section that is cut off is told when it is loaded.
     for (const std::string& bytes : {head + entry + "xy", head + entry + "x", head + entry}) {
         folder.write("good", bytes);
-        EXPECT_TRUE(run({"identify", "good"})
-                        .out.starts_with("good: dpia (sections of PIA text in one file): version 2.0, directory of "
-                                         "1 section\n"));
+        EXPECT_TRUE(
+            run({"identify", "good"})
+                .out.starts_with("good: dpia (sections of PIA text in one file): version 2.0, directory of "
+                                 "1 section\n"));
     }
     for (const std::string& bytes :
          {head, head + entry.substr(0, 16), std::string("\0\0\2\0\xFF\xFF\xFF\xFF", 8),
@@ -291,18 +292,17 @@ TEST_F(PmTool, CompareOfEqualTreesSaysSo) {
 TEST_F(PmTool, CompareListsEachDifference) {
     folder.write("a.pia", "PIAFILEVERSION_2.0,\na=1\nb=2\nx{\n c=3\n}\nonly_a{\n d=4\n}\n");
     folder.write("b.pia", "PIAFILEVERSION_2.0,\nb=2.0\na=1\nx{\n c=3\n e=\"new\n}\n");
-    expect_no({"compare", "a.pia", "b.pia"}, "- \\only_a\\\n"
-                                             "- \\only_a\\d: long 4\n"
-                                             "~ \\b: long 2 -> double 2.0\n"
+    expect_no({"compare", "a.pia", "b.pia"}, "~ \\b: long 2 -> double 2.0\n"
                                              "order of \\\n"
+                                             "- \\only_a\\\n"
+                                             "- \\only_a\\d: long 4\n"
                                              "+ \\x\\e: string \"new\"\n");
 }
 
 TEST_F(PmTool, CompareTakesNoteOfTheLastBitOfADouble) {
     folder.write("a.pia", "PIAFILEVERSION_2.0,\na=0.33333333333 (55555555U3_#T@)\n");
     folder.write("b.pia", "PIAFILEVERSION_2.0,\na=0.33333333333\n");
-    expect_no({"compare", "a.pia", "b.pia"},
-              "~ \\a: double 0.3333333333333333 -> double 0.33333333333\n");
+    expect_no({"compare", "a.pia", "b.pia"}, "~ \\a: double 0.3333333333333333 -> double 0.33333333333\n");
 }
 
 TEST_F(PmTool, CompareWithAMissingFileIsTrouble) {

@@ -22,8 +22,9 @@ std::string quoted(const std::string& text) {
 // Everything that the command prints, and its exit code if it isn't 0.
 std::string run(const std::string& command, const std::filesystem::path& folder) {
     const std::string tool_folder = std::filesystem::path(PMTOOL).parent_path();
-    const std::string line = "export LC_ALL=C.UTF-8; cd " + quoted(folder) + " && PATH=" + quoted(tool_folder) +
-        ":$PATH && unset VISUAL EDITOR && { " + command + "\n} 2>&1";
+    const std::string line = "export LC_ALL=C.UTF-8; cd " + quoted(folder) +
+                             " && PATH=" + quoted(tool_folder) + ":$PATH && unset VISUAL EDITOR && { " +
+                             command + "\n} 2>&1";
     std::FILE* stream = popen(line.c_str(), "r");
     std::string output;
     std::array<char, 4096> block{};
@@ -66,7 +67,8 @@ void expect_page(const std::string& name) {
     const std::vector<TranscriptStep> steps = transcript_of(page);
     EXPECT_FALSE(steps.empty());
     for (const TranscriptStep& step : steps) {
-        EXPECT_EQ(step.output, run(step.command, folder.path())) << name << ".md:" << step.line << ": " << step.command;
+        EXPECT_EQ(step.output, run(step.command, folder.path()))
+            << name << ".md:" << step.line << ": " << step.command;
     }
 }
 

@@ -10,7 +10,8 @@ namespace {
 class PmToolVerbs : public ToolTest {
 protected:
     PmToolVerbs() {
-        folder.write("a.pia", "PIAFILEVERSION_2.0,\r\nn=1\nx{\n a=1\n b=\"t\n y{\n  c=2.5\n }\n}\nz{\n a=3\n}\n");
+        folder.write("a.pia",
+                     "PIAFILEVERSION_2.0,\r\nn=1\nx{\n a=1\n b=\"t\n y{\n  c=2.5\n }\n}\nz{\n a=3\n}\n");
         for (const std::string name : {"plotter.pia", "plotter-compressed.pia", "sections.dpia", "office.pc2",
                                        "three-plotters.cfg", "pens.pcp"}) {
             samples.push_back(sample_folder + "/" + name);
@@ -60,8 +61,9 @@ TEST_F(PmToolVerbs, RmMvAndCpChangeTheTree) {
     EXPECT_EQ(0, run({"rm", "a.pia", "x\\b"}).status);
     EXPECT_EQ(0, run({"mv", "a.pia", "x\\a", "x\\first"}).status);
     EXPECT_EQ(0, run({"cp", "a.pia", "x\\y\\", "z\\y\\"}).status);
-    EXPECT_EQ("\\n: long 1\n\\x\\first: long 1\n\\x\\y\\c: double 2.5\n\\z\\a: long 3\n\\z\\y\\c: double 2.5\n",
-              flat("a.pia"));
+    EXPECT_EQ(
+        "\\n: long 1\n\\x\\first: long 1\n\\x\\y\\c: double 2.5\n\\z\\a: long 3\n\\z\\y\\c: double 2.5\n",
+        flat("a.pia"));
 }
 
 TEST_F(PmToolVerbs, TargetThatIsTakenIsTrouble) {
@@ -102,9 +104,14 @@ TEST_F(PmToolVerbs, DumpAndConvertGiveBackTheTree) {
 
 TEST_F(PmToolVerbs, EverySampleIsReadByEveryVerbThatReads) {
     for (const std::string& sample : samples) {
-        for (const std::vector<std::string>& verb :
-             {std::vector<std::string>{"tree"}, {"tree", "--flat"}, {"tree", "--json"}, {"ls"}, {"dump"},
-              {"dump", "--plain"}, {"identify"}, {"identify", "--json"}}) {
+        for (const std::vector<std::string>& verb : {std::vector<std::string>{"tree"},
+                                                     {"tree", "--flat"},
+                                                     {"tree", "--json"},
+                                                     {"ls"},
+                                                     {"dump"},
+                                                     {"dump", "--plain"},
+                                                     {"identify"},
+                                                     {"identify", "--json"}}) {
             std::vector<std::string> words = verb;
             words.push_back(sample);
             const ToolRun result = run(words);
@@ -117,7 +124,8 @@ TEST_F(PmToolVerbs, EverySampleIsReadByEveryVerbThatReads) {
 }
 
 TEST_F(PmToolVerbs, DiffListsWhatTurnsAIntoB) {
-    folder.write("b.pia", "PIAFILEVERSION_2.0,\r\nn=1.0\nx{\n a=2\n y{\n  c=2.5\n }\n}\nq{\n}\nz{\n a=3\n}\n");
+    folder.write("b.pia",
+                 "PIAFILEVERSION_2.0,\r\nn=1.0\nx{\n a=2\n y{\n  c=2.5\n }\n}\nq{\n}\nz{\n a=3\n}\n");
     expect_no({"diff", "a.pia", "b.pia", "x"}, "- \\b: string \"t\"\n~ \\a: long 1 -> long 2\n");
     EXPECT_EQ(1, run({"diff", "a.pia", "b.pia", "-q"}).status);
     EXPECT_EQ("", run({"diff", "a.pia", "b.pia", "-q"}).out);
@@ -126,7 +134,8 @@ TEST_F(PmToolVerbs, DiffListsWhatTurnsAIntoB) {
 }
 
 TEST_F(PmToolVerbs, DiffPassesOverWhatIsExcludedOrWithinTheTolerance) {
-    folder.write("b.pia", "PIAFILEVERSION_2.0,\r\nn=1\nx{\n a=2\n b=\"t\n y{\n  c=2.5000001\n }\n}\nz{\n a=3\n}\n");
+    folder.write("b.pia",
+                 "PIAFILEVERSION_2.0,\r\nn=1\nx{\n a=2\n b=\"t\n y{\n  c=2.5000001\n }\n}\nz{\n a=3\n}\n");
     EXPECT_EQ(1, run({"diff", "a.pia", "b.pia", "--tolerance", "0.001"}).status);
     EXPECT_EQ(0, run({"diff", "a.pia", "b.pia", "--tolerance", "0.001", "--exclude", "x\\a"}).status);
 }
@@ -157,8 +166,8 @@ TEST_F(PmToolVerbs, EditorChangesTheTree) {
 TEST_F(PmToolVerbs, MistakeInTheEditorChangesNothingAndKeepsTheText) {
     const std::string before = folder.read("a.pia");
     const ToolRun result =
-        run({"edit", "a.pia"}, {.input = "", .environment = {"VISUAL=sed -i '1s/{/[/'",
-                                                             "TMPDIR=" + folder.path().string()}});
+        run({"edit", "a.pia"},
+            {.input = "", .environment = {"VISUAL=sed -i '1s/{/[/'", "TMPDIR=" + folder.path().string()}});
     EXPECT_EQ(2, result.status);
     EXPECT_EQ(before, folder.read("a.pia"));
     EXPECT_NE(std::string::npos, result.err.find("what was edited stays in ")) << result.err;
@@ -175,7 +184,9 @@ TEST_F(PmToolVerbs, EditorThatFailsChangesNothing) {
 
 TEST_F(PmToolVerbs, BundleChangesSectionsInPlace) {
     copy_sample("sections.dpia", "s.dpia");
-    EXPECT_EQ(0, run({"bundle", "s.dpia", "--add", "New=a.pia", "--remove", "Workshop", "--info", "New=of a"}).status);
+    EXPECT_EQ(
+        0,
+        run({"bundle", "s.dpia", "--add", "New=a.pia", "--remove", "Workshop", "--info", "New=of a"}).status);
     expect_output({"sections", "s.dpia"}, "Office\tDrawing office, third floor\nArchive\nNew\tof a\n");
     expect_output({"get", "s.dpia", "n", "--section", "New"}, "1\n");
     EXPECT_EQ(0, run({"bundle", "s.dpia", "--replace", "Office=s.dpia#New"}).status);
@@ -190,9 +201,10 @@ TEST_F(PmToolVerbs, SectionsOfACfgFileAreItsPlottersByName) {
 
 TEST_F(PmToolVerbs, HelpFitsEightyColumns) {
     std::vector<std::vector<std::string>> lines = {{"--help"}};
-    for (const std::string verb : {"identify", "tree", "ls", "get", "set", "rm", "mv", "cp", "apply", "edit",
-                                   "diff", "merge", "check", "convert", "dump", "codec", "sections", "extract",
-                                   "bundle", "help", "completion"}) {
+    for (const std::string verb :
+         {"identify", "tree",  "ls",       "get",     "set",    "rm",    "mv",
+          "cp",       "apply", "edit",     "diff",    "merge",  "check", "convert",
+          "dump",     "codec", "sections", "extract", "bundle", "help",  "completion"}) {
         lines.push_back({"help", verb});
     }
     for (const std::vector<std::string>& words : lines) {
@@ -208,9 +220,10 @@ TEST_F(PmToolVerbs, HelpFitsEightyColumns) {
 
 TEST_F(PmToolVerbs, MistakesPointAtTheHelpOfTheirVerb) {
     expect_trouble({"tree"}, "FILE is required; see pmtool tree --help");
-    expect_trouble({"set", "a.pia", "x\\b", "-t"},
-                   "VALUE is required; a value that begins with \"-\" stands behind \"--\": pmtool set ... -- VALUE; "
-                   "see pmtool set --help");
+    expect_trouble(
+        {"set", "a.pia", "x\\b", "-t"},
+        "VALUE is required; a value that begins with \"-\" stands behind \"--\": pmtool set ... -- VALUE; "
+        "see pmtool set --help");
     EXPECT_EQ(0, run({"set", "a.pia", "x\\b", "--", "-t"}).status);
     expect_output({"get", "a.pia", "x\\b"}, "-t\n");
 }
@@ -240,10 +253,11 @@ TEST_F(PmToolVerbs, ShellsCompleteVerbsAndOptions) {
 }
 
 TEST_F(PmToolVerbs, BashTakesItsCompletion) {
-    folder.write("try", "source completion\nCOMP_WORDS=(pmtool set --ex) COMP_CWORD=2\n_pmtool\n"
-                        "echo \"${COMPREPLY[@]}\"\nCOMP_WORDS=(pmtool ident) COMP_CWORD=1\n_pmtool\n"
-                        "echo \"${COMPREPLY[@]}\"\nCOMP_WORDS=(pmtool convert --to '') COMP_CWORD=3\n_pmtool\n"
-                        "echo \"${COMPREPLY[@]}\"\n");
+    folder.write("try",
+                 "source completion\nCOMP_WORDS=(pmtool set --ex) COMP_CWORD=2\n_pmtool\n"
+                 "echo \"${COMPREPLY[@]}\"\nCOMP_WORDS=(pmtool ident) COMP_CWORD=1\n_pmtool\n"
+                 "echo \"${COMPREPLY[@]}\"\nCOMP_WORDS=(pmtool convert --to '') COMP_CWORD=3\n_pmtool\n"
+                 "echo \"${COMPREPLY[@]}\"\n");
     folder.write("completion", run({"completion", "bash"}).out);
     const std::string command = "cd '" + folder.path().string() + "' && bash try > out 2>&1";
     EXPECT_EQ(0, std::system(command.c_str()));
@@ -255,8 +269,8 @@ TEST_F(PmToolVerbs, ColoursGoToATerminalAlone) {
     EXPECT_NE(std::string::npos, run({"tree", "a.pia", "--color", "always"}).out.find('\x1B'));
     const std::string program = "'" + std::string(PMTOOL) + "'";
     const auto on_terminal = [&](const std::string& words) {
-        const std::string line = "cd '" + folder.path().string() + "' && script -qec \"stty cols 20; " + words +
-            " " + program + " tree a.pia x\" /dev/null > out 2>&1 < /dev/null";
+        const std::string line = "cd '" + folder.path().string() + "' && script -qec \"stty cols 20; " +
+                                 words + " " + program + " tree a.pia x\" /dev/null > out 2>&1 < /dev/null";
         EXPECT_EQ(0, std::system(line.c_str()));
         return folder.read("out");
     };
@@ -267,7 +281,8 @@ TEST_F(PmToolVerbs, ColoursGoToATerminalAlone) {
 }
 
 TEST_F(PmToolVerbs, LongWorkIsShownOnATerminal) {
-    const std::string command = "cd '" + folder.path().string() +
+    const std::string command =
+        "cd '" + folder.path().string() +
         "' && mkfifo pipe && { (sleep 2.5; cat a.pia) > pipe & } && script -qec \"'" PMTOOL
         "' get pipe n\" /dev/null > out 2>&1 < /dev/null";
     EXPECT_EQ(0, std::system(command.c_str()));

@@ -30,13 +30,14 @@ bool is_option(const std::string& word, const std::vector<OptionWords>& options)
 }
 
 // A value such as -x was taken for an option.
-bool may_miss_the_mark(const CLI::ParseError& e, const std::vector<std::string>& words, const VerbEntry& entry,
-                       const std::vector<OptionWords>& common) {
+bool may_miss_the_mark(const CLI::ParseError& e, const std::vector<std::string>& words,
+                       const VerbEntry& entry, const std::vector<OptionWords>& common) {
     const bool is_such = dynamic_cast<const CLI::ExtrasError*>(&e) != nullptr ||
-        dynamic_cast<const CLI::RequiredError*>(&e) != nullptr;
+                         dynamic_cast<const CLI::RequiredError*>(&e) != nullptr;
     if (!is_such || std::ranges::find(words, "--") != words.end()) return false;
     return std::any_of(words.begin() + 1, words.end(), [&](const std::string& word) {
-        return word.size() > 1 && word.front() == '-' && !word.starts_with("--") && !is_option(word, entry.options) && !is_option(word, common);
+        return word.size() > 1 && word.front() == '-' && !word.starts_with("--") &&
+               !is_option(word, entry.options) && !is_option(word, common);
     });
 }
 
@@ -175,7 +176,7 @@ Commands::Commands() : m_parser(std::make_unique<Parser>()) {
     app.set_help_flag("-h,--help");
     app.add_flag("--version", m_parser->version);
     app.add_option("--code-page", m_parser->code_page);
-    app.require_subcommand(0, 1); // a path may be called like a verb
+    app.require_subcommand(0, 1);           // a path may be called like a verb
     app.allow_windows_style_options(false); // a path may begin with "/"
     m_common = {{{"-h", "--help"}, "", "Tell about the program or a verb"},
                 {{"--version"}, "", "Tell the version"},
@@ -195,7 +196,8 @@ VerbLine Commands::add(const Verb& verb, std::function<int()> action) {
 
 const VerbEntry* Commands::find(const std::string& name) const {
     for (const std::unique_ptr<VerbEntry>& entry : m_entries) {
-        if (entry->verb.name == name || std::ranges::find(entry->other_names, name) != entry->other_names.end()) {
+        if (entry->verb.name == name ||
+            std::ranges::find(entry->other_names, name) != entry->other_names.end()) {
             return entry.get();
         }
     }
@@ -221,7 +223,8 @@ Request Commands::parse(const std::vector<std::string>& words) {
         std::string text = e.what();
         const std::string name(request.entry == nullptr ? "" : request.entry->verb.name);
         if (request.entry != nullptr && may_miss_the_mark(e, words, *request.entry, m_common)) {
-            text += fmt::format("; a value that begins with \"-\" stands behind \"--\": pmtool {} ... -- VALUE", name);
+            text += fmt::format(
+                "; a value that begins with \"-\" stands behind \"--\": pmtool {} ... -- VALUE", name);
         }
         throw UsageError(text, name);
     }

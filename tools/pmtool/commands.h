@@ -25,9 +25,12 @@ struct VerbGroup {
 };
 // In the order of help.
 inline constexpr VerbGroup verb_groups[] = {
-    {"look", "Look at files"},       {"change", "Change files"},
-    {"compare", "Compare and check"}, {"convert", "Convert and pack"},
-    {"sections", "Several trees in a file"}, {"help", "Help"},
+    {"look", "Look at files"},
+    {"change", "Change files"},
+    {"compare", "Compare and check"},
+    {"convert", "Convert and pack"},
+    {"sections", "Several trees in a file"},
+    {"help", "Help"},
 };
 
 // An argument or option as it is shown.
@@ -65,7 +68,8 @@ public:
     VerbLine& argument(const std::string& name, std::string& text, const std::string& description);
     VerbLine& optional_argument(const std::string& name, std::string& text, const std::string& description);
     // One or more.
-    VerbLine& arguments(const std::string& name, std::vector<std::string>& texts, const std::string& description);
+    VerbLine& arguments(const std::string& name, std::vector<std::string>& texts,
+                        const std::string& description);
     VerbLine& optional_arguments(const std::string& name, std::vector<std::string>& texts,
                                  const std::string& description);
 

@@ -13,8 +13,8 @@
 
 namespace pmtool {
 
-// A file, or one section of a DPIA file, that is changed in place or written changed to another: what set, rm,
-// mv, cp, apply and edit have in common. The file is locked while this lives if it is changed in place.
+// A file, or one section of a DPIA file, that is changed in place or written changed to another: what set,
+// rm, mv, cp, apply and edit have in common. The file is locked while this lives if it is changed in place.
 class EditedFile {
 public:
     // Reads it. Failure if the file is of a format that isn't written, unless it goes to another one.

@@ -95,8 +95,8 @@ const Format& format_of(PM_Object::FileType type) {
 }
 
 const Format& format_of_output(const std::string& file, const std::string& to) {
-    const auto* found = to.empty() ? std::ranges::find(table, extension_of(file), &Format::extension)
-                                   : &format_named(to);
+    const auto* found =
+        to.empty() ? std::ranges::find(table, extension_of(file), &Format::extension) : &format_named(to);
     if (found == std::ranges::end(table) || (to.empty() && !found->is_written)) {
         throw Failure(fmt::format("{}: the name doesn't tell a format to write; say it with --to ({})", file,
                                   format_names(true)));

@@ -10,10 +10,10 @@ namespace pmtool {
 struct Format {
     std::string_view name; // as --from and --to take it
     std::string_view title;
-    std::string_view extension;            // of an output, with its dot
+    std::string_view extension;              // of an output, with its dot
     std::optional<PM_Object::FileType> type; // nothing for JSON, which is the tool's own
-    bool is_written;                       // whether the tool writes it
-    bool is_text;                          // lines of text that can be found by their number
+    bool is_written;                         // whether the tool writes it
+    bool is_text;                            // lines of text that can be found by their number
 
     bool is(PM_Object::FileType other) const { return type == other; }
     bool is_json() const { return !type; }

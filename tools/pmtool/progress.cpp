@@ -32,7 +32,8 @@ Progress::~Progress() {
 void Progress::show() {
     std::unique_lock lock(m_mutex);
     bool is_shown = false;
-    for (int seconds = 1; !m_changed.wait_for(lock, std::chrono::seconds(1), [this] { return m_done; }); ++seconds) {
+    for (int seconds = 1; !m_changed.wait_for(lock, std::chrono::seconds(1), [this] { return m_done; });
+         ++seconds) {
         if (seconds < quiet_seconds) continue;
         fmt::print(stderr, "\r{} ... {} s", m_what, seconds);
         std::fflush(stderr);

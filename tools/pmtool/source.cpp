@@ -88,7 +88,7 @@ Reading read_once(const kit::Input& input, const std::optional<std::string>& con
 
 bool may_hold_utf8(PM_Object::FileType type) {
     return type == PM_Object::FILE_PIA || type == PM_Object::FILE_PC2 || type == PM_Object::FILE_CFG ||
-        type == PM_Object::FILE_PCP;
+           type == PM_Object::FILE_PCP;
 }
 
 std::string part_name(const std::string& file, const std::string& section, const Format& format) {
@@ -152,7 +152,8 @@ bool is_empty(const pm::Tree& tree) {
 }
 
 void refuse_folder(const std::string& file, const Format& format) {
-    if (!format.is(PM_Object::FILE_PDT) && kind_of(file) == FileKind::folder) throw system_failure(file, EISDIR);
+    if (!format.is(PM_Object::FILE_PDT) && kind_of(file) == FileKind::folder)
+        throw system_failure(file, EISDIR);
 }
 
 } // namespace
@@ -173,8 +174,10 @@ Source read_source(const SourceOptions& options, Damage damage) {
     refuse_folder(options.file, format);
     if (!content && kind_of(options.file) == FileKind::missing) throw system_failure(options.file, ENOENT);
     // What ends a load is a report like others: what was read before counts.
-    kit::Input input{
-        .file = shown_name(options.file), .type = format.type, .section = options.section, .keep_going = true};
+    kit::Input input{.file = shown_name(options.file),
+                     .type = format.type,
+                     .section = options.section,
+                     .keep_going = true};
     Reading reading = read_once(input, content);
     Source source{options.file};
     if (!code_page_is_told && may_hold_utf8(*format.type) &&
@@ -184,7 +187,8 @@ Source read_source(const SourceOptions& options, Damage damage) {
     }
     Teller teller(input.file, format, content);
     const bool refuses = damage == Damage::refuse && !options.keep_going;
-    if (is_damaged(reading) && (refuses || is_empty(reading.content.tree))) refuse(reading, teller, input.file);
+    if (is_damaged(reading) && (refuses || is_empty(reading.content.tree)))
+        refuse(reading, teller, input.file);
     source.dropped = dropped_of(reading, teller, input.file);
     source.content = std::move(reading.content);
     source.section = options.section;
@@ -241,13 +245,15 @@ std::vector<kit::Section> sections_of(const SourceOptions& options) {
         std::stringstream stream(content.value_or(""));
         const std::u16string name = pm::file_name_to_utf16(options.file);
         if (format.is(PM_Object::FILE_CFG)) {
-            for (const pm::CfgPlotter& plotter : content ? pm::cfg_plotters(stream) : pm::cfg_plotters(name)) {
+            for (const pm::CfgPlotter& plotter :
+                 content ? pm::cfg_plotters(stream) : pm::cfg_plotters(name)) {
                 sections.push_back({fmt::format("{}", plotter.number), shown(plotter.name)});
             }
             return sections;
         }
         if (format.is(PM_Object::FILE_DPIA)) {
-            for (const pm::DpiaSection& section : content ? pm::dpia_sections(stream) : pm::dpia_sections(name)) {
+            for (const pm::DpiaSection& section :
+                 content ? pm::dpia_sections(stream) : pm::dpia_sections(name)) {
                 sections.push_back({shown(section.name), shown(section.info.value_or(u""))});
             }
             return sections;

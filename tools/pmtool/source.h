@@ -14,8 +14,8 @@ struct Source {
     std::string file; // as it was told
     pm::kit::FileContent content = {};
     std::string section = {}; // the one that was asked for
-    bool is_json = false;   // dumped by `dump`: there is a tree and nothing else
-    unsigned code_page = 0; // that the text turned out to be in, or was told; 0: the one that is set
+    bool is_json = false;     // dumped by `dump`: there is a tree and nothing else
+    unsigned code_page = 0;   // that the text turned out to be in, or was told; 0: the one that is set
     // What couldn't be read, a line each, with the file and the line in front.
     std::vector<std::string> dropped = {};
     std::optional<std::string> bytes = {}; // of what can't be read twice
@@ -26,8 +26,8 @@ enum class Damage {
     keep    // it is noted in Source::dropped
 };
 
-// Reads a file of any format. Text outside ASCII that is UTF-8 throughout is read as UTF-8, unless a code page
-// was told.
+// Reads a file of any format. Text outside ASCII that is UTF-8 throughout is read as UTF-8, unless a code
+// page was told.
 //
 // With `keep`, or with --keep-going, what can be read counts, even if reading ends early. Failure if nothing
 // can.

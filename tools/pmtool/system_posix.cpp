@@ -330,7 +330,8 @@ int run_command(const std::string& command, const std::string& argument) {
     const std::string script = command + " \"$1\"";
     std::array<const char*, 6> words = {"sh", "-c", script.c_str(), "sh", argument.c_str(), nullptr};
     pid_t child = 0;
-    const int code = posix_spawn(&child, "/bin/sh", nullptr, nullptr, const_cast<char**>(words.data()), environ);
+    const int code =
+        posix_spawn(&child, "/bin/sh", nullptr, nullptr, const_cast<char**>(words.data()), environ);
     if (code != 0) fail(code);
     int status = 0;
     while (waitpid(child, &status, 0) < 0) {

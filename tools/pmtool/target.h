@@ -13,9 +13,9 @@ namespace pmtool {
 
 // What is to be written.
 struct Writing {
-    const pm::Tree& tree;        // the intended one
-    const Format& format;        // of the output
-    pm::kit::WriteOptions form;  // its type is that of the format
+    const pm::Tree& tree;                  // the intended one
+    const Format& format;                  // of the output
+    pm::kit::WriteOptions form;            // its type is that of the format
     std::vector<std::string> dropped = {}; // what sources couldn't give: losses too
     const pm::Tree* before = nullptr;      // what --dry-run compares with; null: the target as it is
     // The file that is written anew, for what changes in form only.

@@ -12,8 +12,8 @@ enum class Ink { node, name, type, value, removed, added, cut };
 // Text as a terminal shows it: coloured, and cut at the end of its lines.
 class Display {
 public:
-    // `when` is "always", "never" or "auto": then colour goes to a terminal, unless NO_COLOR is set. Lines are
-    // as long as the terminal is wide; without one they are whole.
+    // `when` is "always", "never" or "auto": then colour goes to a terminal, unless NO_COLOR is set. Lines
+    // are as long as the terminal is wide; without one they are whole.
     explicit Display(const std::string& when);
 
     std::string ink(Ink ink, std::string_view text) const;

@@ -39,7 +39,8 @@ bool is_truth(std::string_view text) {
 // "\00FF\" as a PIA file has raw data.
 bool is_raw(std::string_view text) {
     return text.size() > 2 && text.size() % 2 == 0 && text.front() == '\\' && text.back() == '\\' &&
-        text.substr(1, text.size() - 2).find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+           text.substr(1, text.size() - 2).find_first_not_of("0123456789abcdefABCDEF") ==
+               std::string_view::npos;
 }
 
 PropType type_of_form(std::string_view text) {

@@ -72,8 +72,9 @@ std::string bash(const Commands& commands) {
         append_bash_values(cases, options);
         out += fmt::format("    {})\n", fmt::join(entry->names(), "|"));
         if (!cases.empty()) out += "        case $before in\n" + cases + "        esac\n";
-        out += fmt::format("        if [[ $word == -* ]]; then COMPREPLY=($(compgen -W '{}' -- \"$word\")); fi;;\n",
-                           option_names(options));
+        out += fmt::format(
+            "        if [[ $word == -* ]]; then COMPREPLY=($(compgen -W '{}' -- \"$word\")); fi;;\n",
+            option_names(options));
     }
     return out + "    esac\n}\ncomplete -o default -F _pmtool pmtool\n";
 }

@@ -12,7 +12,8 @@ namespace {
 constexpr std::size_t line_width = 80;
 constexpr std::size_t term_width = 24; // of what stands in front of a description
 
-constexpr std::string_view description = "Shows, changes, converts and checks the files of the property manager.";
+constexpr std::string_view description =
+    "Shows, changes, converts and checks the files of the property manager.";
 
 constexpr std::string_view common_text =
     R"(Formats are told from the content of an input and from the extension of an output. "-" is standard input or output. A path such as '\media\copies' names nodes and, last, a property; its first backslash may be left out.

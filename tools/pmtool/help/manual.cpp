@@ -76,8 +76,8 @@ std::string see_also() {
 
 std::string main_page(const Commands& commands) {
     std::string out = title("pmtool") + section("NAME") +
-        "pmtool \\- show, change, convert and check files of the property manager\n" + section("SYNOPSIS") +
-        ".B pmtool\n[OPTIONS] VERB ...\n" + section("VERBS");
+                      "pmtool \\- show, change, convert and check files of the property manager\n" +
+                      section("SYNOPSIS") + ".B pmtool\n[OPTIONS] VERB ...\n" + section("VERBS");
     for (const VerbGroup& group : verb_groups) {
         out += fmt::format(".SS {} (see pmtool\\-{}(1))\n", group.title, group.name);
         for (const auto& entry : commands.all()) {
@@ -95,7 +95,7 @@ std::string main_page(const Commands& commands) {
 std::string group_page(const Commands& commands, const VerbGroup& group) {
     const std::string name = fmt::format("pmtool-{}", group.name);
     std::string out = title(name) + section("NAME") + fmt::format("{} \\- {}\n", escaped(name), group.title) +
-        section("VERBS");
+                      section("VERBS");
     for (const auto& entry : commands.all()) {
         if (entry->verb.group == group.name) append_verb(out, *entry);
     }

@@ -44,8 +44,9 @@ int apply(const ApplyOptions& options) {
     return EditedFile(options.source, options.target).change(edits);
 }
 
-constexpr Verb verb = {"apply", "change", "apply a script of changes, all or nothing",
-                       R"(Makes the changes of a script, one after the other, and writes the file once; if one of them can't be made, nothing is written. "diff --script" prints such scripts. A line is one of
+constexpr Verb verb = {
+    "apply", "change", "apply a script of changes, all or nothing",
+    R"(Makes the changes of a script, one after the other, and writes the file once; if one of them can't be made, nothing is written. "diff --script" prints such scripts. A line is one of
 
   set PATH TYPE VALUE     set \media\copies long 2
   set PATH\               makes a node
@@ -54,7 +55,7 @@ constexpr Verb verb = {"apply", "change", "apply a script of changes, all or not
   cp FROM TO
 
 Empty lines and those that begin with "#" don't count. A string stands in double quotes as in JSON, and so does a path with blanks. Paths match as with "ls" and are taken as with "mv".)",
-                       R"(pmtool diff old.pia new.pia --script | pmtool apply other.pia -)"};
+    R"(pmtool diff old.pia new.pia --script | pmtool apply other.pia -)"};
 
 } // namespace
 

@@ -53,8 +53,8 @@ void require_name(const std::string& name) {
 
 void require_ascii(const kit::Section& section) {
     if (is_ascii(section.name) && is_ascii(section.info)) return;
-    throw Failure(fmt::format("section {}: its name and info must be ASCII in a dpia file",
-                              in_quotes(section.name)));
+    throw Failure(
+        fmt::format("section {}: its name and info must be ASCII in a dpia file", in_quotes(section.name)));
 }
 
 // The sections that are being put together, and their trees below a node each.
@@ -109,7 +109,8 @@ private:
     kit::Section& require(const std::string& name) {
         const auto section = find(name);
         if (section != sections().end()) return *section;
-        throw Failure(fmt::format("{}: there is no section {}", m_source.file, in_quotes(name)), exit_negative);
+        throw Failure(fmt::format("{}: there is no section {}", m_source.file, in_quotes(name)),
+                      exit_negative);
     }
 
     std::vector<std::string> contents(const kit::Section& section) const {
@@ -148,7 +149,8 @@ int write(Bundle& bundle, const BundleOptions& options) {
 
 // -o OUT NAME=FILE...
 int make(const BundleOptions& options) {
-    if (options.target.file.empty()) throw Failure("-o must tell the file to write; see pmtool bundle --help");
+    if (options.target.file.empty())
+        throw Failure("-o must tell the file to write; see pmtool bundle --help");
     Source empty{options.target.file};
     empty.content.type = PM_Object::FILE_DPIA;
     Bundle bundle(std::move(empty));
@@ -181,11 +183,12 @@ int run(const BundleOptions& options) {
     return changes ? change(options) : make(options);
 }
 
-constexpr Verb verb = {"bundle", "sections", "write or change the sections of a dpia file",
-                       R"(With -o it writes a dpia file with a section for each NAME, in this order; its content is the tree of FILE, of any format. FILE#SECTION is one section of a dpia file or plotter of a cfg file.
+constexpr Verb verb = {
+    "bundle", "sections", "write or change the sections of a dpia file",
+    R"(With -o it writes a dpia file with a section for each NAME, in this order; its content is the tree of FILE, of any format. FILE#SECTION is one section of a dpia file or plotter of a cfg file.
 
 With --add, --replace or --remove it changes the sections of a dpia file in place. Names and info texts must be ASCII: the format can't give back others.)",
-                       R"(pmtool bundle -o all.dpia Office=office.pia Archive=old.dpia#Archive
+    R"(pmtool bundle -o all.dpia Office=office.pia Archive=old.dpia#Archive
 pmtool bundle all.dpia --replace Office=new.pia --remove Archive)"};
 
 } // namespace

@@ -136,11 +136,12 @@ int run(const CodecOptions& options) {
     return exit_ok;
 }
 
-constexpr Verb verb = {"codec", "convert", "encode a file as a bare block, or decode one",
-                       R"(Encodes a file as a compressed block, as pia and dpia files hold them, or decodes one. A block whose lengths don't fit the file is refused before it is decoded.
+constexpr Verb verb = {
+    "codec", "convert", "encode a file as a bare block, or decode one",
+    R"(Encodes a file as a compressed block, as pia and dpia files hold them, or decodes one. A block whose lengths don't fit the file is refused before it is decoded.
 
 A Huffman block gives back its data without the last byte: the format loses it. It needs data with at least two different byte values.)",
-                       R"(pmtool codec zlib encode text block
+    R"(pmtool codec zlib encode text block
 pmtool codec zlib decode --crc plotter.pia body)"};
 
 } // namespace
@@ -152,8 +153,7 @@ void add_codec(Commands& commands) {
     line.argument("DIRECTION", options->direction, "encode or decode");
     line.argument("IN", options->input, "The file to read");
     line.argument("OUT", options->output, "The file to write");
-    line.flag("--crc", options->checked,
-                     "A checked block, as pia files of version 2.0 hold them (zlib)");
+    line.flag("--crc", options->checked, "A checked block, as pia files of version 2.0 hold them (zlib)");
 }
 
 } // namespace pmtool

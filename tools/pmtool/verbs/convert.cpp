@@ -98,11 +98,12 @@ int convert(const ConvertOptions& options) {
     return write_by_rule({tree, format, form_of(format, options.target, source), losses}, options.target);
 }
 
-constexpr Verb verb = {"convert", "convert", "read a file and write its tree to another",
-                       R"(Writes the tree of IN to OUT, in the format that OUT's extension or --to tells. A dpia output gets every section of a dpia input and every plotter of a cfg input, or else one section named like IN; other outputs take one tree, so that a section must be chosen. "json" is what "dump" writes.
+constexpr Verb verb = {
+    "convert", "convert", "read a file and write its tree to another",
+    R"(Writes the tree of IN to OUT, in the format that OUT's extension or --to tells. A dpia output gets every section of a dpia input and every plotter of a cfg input, or else one section named like IN; other outputs take one tree, so that a section must be chosen. "json" is what "dump" writes.
 
 Nothing is written if OUT would not give back the tree of IN, unless --lossy says so; each loss is listed. With --keep-going a damaged file gives what can be read of it, and what was dropped is listed.)",
-                       R"(pmtool convert plotter.pia small.pia --compress
+    R"(pmtool convert plotter.pia small.pia --compress
 pmtool convert three-plotters.cfg all.dpia
 pmtool convert --from json plotter.json plotter.pia
 pmtool convert - out.pia --from pia --in-code-page 850)"};

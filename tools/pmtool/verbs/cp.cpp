@@ -24,11 +24,12 @@ int copy(const Options& options) {
     return file.change(edits);
 }
 
-constexpr Verb verb = {"cp", "change", "copy properties or nodes",
-                       R"(Copies a property, or else a node with all below it. A property goes into a TO that ends in a backslash under its own name, and so does all that a FROM with "*" or "**" matches; TO is the new path of a node.
+constexpr Verb verb = {
+    "cp", "change", "copy properties or nodes",
+    R"(Copies a property, or else a node with all below it. A property goes into a TO that ends in a backslash under its own name, and so does all that a FROM with "*" or "**" matches; TO is the new path of a node.
 
 Nothing is replaced: TO must be free. Exit code 1 if nothing matches FROM.)",
-                       R"(pmtool cp plotter.pia '\media\size\0\' '\media\size\1\')"};
+    R"(pmtool cp plotter.pia '\media\size\0\' '\media\size\1\')"};
 
 } // namespace
 

@@ -105,11 +105,12 @@ int diff(const DiffOptions& options) {
     return differences.empty() ? exit_ok : exit_negative;
 }
 
-constexpr Verb verb = {"diff", "compare", "tell how two trees differ, whatever the formats",
-                       R"(Compares two files, or the nodes PATH in them, and lists what turns A into B: "+" is added, "-" removed, "~" has another type or value; a path that ends in a backslash is a node. Of files with several trees all sections are compared, each as a node. Doubles are equal when all their bits are.
+constexpr Verb verb = {
+    "diff", "compare", "tell how two trees differ, whatever the formats",
+    R"(Compares two files, or the nodes PATH in them, and lists what turns A into B: "+" is added, "-" removed, "~" has another type or value; a path that ends in a backslash is a node. Of files with several trees all sections are compared, each as a node. Doubles are equal when all their bits are.
 
 Exit code 0 if the trees are equal, 1 if they differ, 2 for trouble.)",
-                       R"(pmtool diff old.pia new.doc '\media'
+    R"(pmtool diff old.pia new.doc '\media'
 pmtool diff a.pia b.pia --exclude '**\timestamp' --tolerance 1e-9
 pmtool diff a.pia b.pia --script > changes    for "apply")"};
 
@@ -126,7 +127,8 @@ void add_diff(Commands& commands) {
     line.text("--section", options->first.section, "NAME", "One section of both, by name or number");
     add_keep_going(line, options->first);
     line.number("--tolerance", options->compare.tolerance, "Doubles that differ by no more than N are equal");
-    line.texts("--exclude", options->compare.exclude, "PATTERN", "What matches doesn't count; may be repeated");
+    line.texts("--exclude", options->compare.exclude, "PATTERN",
+               "What matches doesn't count; may be repeated");
     line.flag("--no-order", options->no_order, "The order of properties and nodes doesn't count");
     line.flag("--strict", options->strict,
               "Whether a property keeps its type counts too; few formats store it");

@@ -42,11 +42,12 @@ int dump(const DumpOptions& options) {
     return exit_ok;
 }
 
-constexpr Verb verb = {"dump", "convert", "write the tree as JSON, exactly",
-                       R"(Writes the tree, or what is below the node PATH, as canonical JSON: an object with "pm9" (the version of this form, 1), "properties" and "nodes", in the order of the tree. Nothing is lost: "convert --from json" makes the same tree of it. "tree --json", "get --json" and "edit" use the same form.
+constexpr Verb verb = {
+    "dump", "convert", "write the tree as JSON, exactly",
+    R"(Writes the tree, or what is below the node PATH, as canonical JSON: an object with "pm9" (the version of this form, 1), "properties" and "nodes", in the order of the tree. Nothing is lost: "convert --from json" makes the same tree of it. "tree --json", "get --json" and "edit" use the same form.
 
 With --plain it is nested objects with a key for each name, for jq and the like; types and much else are lost.)",
-                       R"(pmtool dump plotter.pia > plotter.json
+    R"(pmtool dump plotter.pia > plotter.json
 pmtool dump plotter.pia --plain | jq .media.copies)"};
 
 } // namespace

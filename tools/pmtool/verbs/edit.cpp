@@ -89,8 +89,9 @@ int edit(const EditOptions& options) try {
     EditedFile target(options.source, options.target);
     if (!kit::identical(target.root(), before.root())) {
         file.release();
-        throw Failure(fmt::format("{}: somebody else has changed the file meanwhile; what was edited stays in {}",
-                                  options.source.file, file.name()));
+        throw Failure(
+            fmt::format("{}: somebody else has changed the file meanwhile; what was edited stays in {}",
+                        options.source.file, file.name()));
     }
     const int status = target.replace(after);
     if (status != exit_ok) {
@@ -102,9 +103,10 @@ int edit(const EditOptions& options) try {
     throw system_failure("the file for the editor", e.code().value());
 }
 
-constexpr Verb verb = {"edit", "change", "edit the tree as JSON in an editor",
-                       R"(Opens the tree, as "dump" writes it, in the editor that VISUAL or EDITOR names. What was edited is checked, shown as a diff and written as with "set"; at a mistake the editor opens again. The file isn't locked meanwhile: if somebody else changes it, nothing is written and what was edited stays.)",
-                       R"(pmtool edit plotter.pia
+constexpr Verb verb = {
+    "edit", "change", "edit the tree as JSON in an editor",
+    R"(Opens the tree, as "dump" writes it, in the editor that VISUAL or EDITOR names. What was edited is checked, shown as a diff and written as with "set"; at a mistake the editor opens again. The file isn't locked meanwhile: if somebody else changes it, nothing is written and what was edited stays.)",
+    R"(pmtool edit plotter.pia
 EDITOR='code --wait' pmtool edit all.dpia --section Office)"};
 
 } // namespace

@@ -27,9 +27,10 @@ int extract(const ExtractOptions& options) {
                          options.target);
 }
 
-constexpr Verb verb = {"extract", "sections", "write one section of a dpia or cfg file to a file of its own",
-                       R"(Writes the section NAME of a dpia file, or the plotter of that number of a cfg file, as a pia, doc or json file, by the rule of "convert".)",
-                       R"(pmtool extract all.dpia Office -o office.pia)"};
+constexpr Verb verb = {
+    "extract", "sections", "write one section of a dpia or cfg file to a file of its own",
+    R"(Writes the section NAME of a dpia file, or the plotter of that number of a cfg file, as a pia, doc or json file, by the rule of "convert".)",
+    R"(pmtool extract all.dpia Office -o office.pia)"};
 
 } // namespace
 
@@ -38,10 +39,11 @@ void add_extract(Commands& commands) {
     VerbLine line = commands.add(verb, [options] { return extract(*options); });
     add_file_argument(line, options->source);
     line.argument("NAME", options->source.section, "The section's name or the plotter's number");
-    line.required_text("-o,--output", options->target.file, "FILE", "The file to write; \"-\" is standard output");
+    line.required_text("-o,--output", options->target.file, "FILE",
+                       "The file to write; \"-\" is standard output");
     add_from(line, options->source);
     line.flag("--keep-going", options->source.keep_going,
-                     "Read on behind what can't be read, and list what was dropped");
+              "Read on behind what can't be read, and list what was dropped");
     add_form(line, options->target);
     add_writing(line, options->target);
 }

@@ -50,9 +50,10 @@ int get_values(const GetOptions& options) {
     return exit_ok;
 }
 
-constexpr Verb verb = {"get", "look", "print the value of a property",
-                       R"(Prints the value of each property alone: text without quotes, true or false, hexadecimal digits. A PATH may be a pattern with "*" and "**" as with "ls"; then there is a line for each property that matches. Exit code 1 if there is none.)",
-                       R"(pmtool get plotter.pia '\media\copies'
+constexpr Verb verb = {
+    "get", "look", "print the value of a property",
+    R"(Prints the value of each property alone: text without quotes, true or false, hexadecimal digits. A PATH may be a pattern with "*" and "**" as with "ls"; then there is a line for each property that matches. Exit code 1 if there is none.)",
+    R"(pmtool get plotter.pia '\media\copies'
 pmtool get plotter.pia '\media\size\*\name'
 pmtool get plotter.pia '\media\copies' --json | jq .value)"};
 

@@ -29,9 +29,10 @@ int show_help(const Commands& commands, const HelpOptions& options) {
     return exit_ok;
 }
 
-constexpr Verb verb = {"help", "help", "tell about the program or a verb",
-                       R"(The same as "pmtool VERB --help". With --man it prints the source of a manual page: pmtool(1), or for the name of a group of verbs pmtool-NAME(1).)",
-                       R"(pmtool help set
+constexpr Verb verb = {
+    "help", "help", "tell about the program or a verb",
+    R"(The same as "pmtool VERB --help". With --man it prints the source of a manual page: pmtool(1), or for the name of a group of verbs pmtool-NAME(1).)",
+    R"(pmtool help set
 pmtool help --man look | man -l -)"};
 
 } // namespace

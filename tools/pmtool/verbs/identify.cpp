@@ -121,9 +121,10 @@ int identify_files(const IdentifyOptions& options) {
     return status;
 }
 
-constexpr Verb verb = {"identify", "look", "tell the formats of files from their content",
-                       R"(Tells the format of each file and by what it is known, then what its content says: version, compression, what its text is in, its sections or plotters.)",
-                       R"(pmtool identify *.pia
+constexpr Verb verb = {
+    "identify", "look", "tell the formats of files from their content",
+    R"(Tells the format of each file and by what it is known, then what its content says: version, compression, what its text is in, its sections or plotters.)",
+    R"(pmtool identify *.pia
 pmtool identify plotter.pia --json | jq -r '.[].format')"};
 
 } // namespace

@@ -68,11 +68,12 @@ int list(const LsOptions& options) {
     return exit_ok;
 }
 
-constexpr Verb verb = {"ls", "look", "list nodes and properties by path",
-                       R"(Lists what lies in the node of each PATH, or the property of that path. A name that ends in a backslash is that of a node.
+constexpr Verb verb = {
+    "ls", "look", "list nodes and properties by path",
+    R"(Lists what lies in the node of each PATH, or the property of that path. A name that ends in a backslash is that of a node.
 
 "*" within a name stands for any characters, "**" for any number of names: then all that matches is listed, with its full path. An asterisk itself is written as [*]. Exit code 1 if nothing has the path.)",
-                       R"(pmtool ls plotter.pia '\media'
+    R"(pmtool ls plotter.pia '\media'
 pmtool ls plotter.pia '**\name' --long    all properties of that name)"};
 
 } // namespace

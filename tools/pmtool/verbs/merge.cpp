@@ -22,7 +22,8 @@ struct MergeOptions {
 
 void require_one_input(const MergeOptions& options) {
     const std::array files = {&options.base, &options.first, &options.second};
-    const auto inputs = std::ranges::count_if(files, [](const SourceOptions* file) { return file->file == "-"; });
+    const auto inputs =
+        std::ranges::count_if(files, [](const SourceOptions* file) { return file->file == "-"; });
     if (inputs > 1) throw Failure("only one of the files can be standard input");
 }
 
@@ -61,9 +62,10 @@ int merge(const MergeOptions& options) {
     return merged.conflicts.empty() ? exit_ok : exit_negative;
 }
 
-constexpr Verb verb = {"merge", "compare", "merge the changes of two files",
-                       R"(Writes what A and B have made of BASE, in the form of A. What both changed, and not alike, is a conflict: each is listed with its path and its three values, the value of A is written, and the exit code is 1. Of files with several trees all sections are merged.)",
-                       R"(pmtool merge base.pia mine.pia yours.pia -o merged.pia
+constexpr Verb verb = {
+    "merge", "compare", "merge the changes of two files",
+    R"(Writes what A and B have made of BASE, in the form of A. What both changed, and not alike, is a conflict: each is listed with its path and its three values, the value of A is written, and the exit code is 1. Of files with several trees all sections are merged.)",
+    R"(pmtool merge base.pia mine.pia yours.pia -o merged.pia
 pmtool merge %O %A %B -o %A    as a merge driver of git)"};
 
 } // namespace

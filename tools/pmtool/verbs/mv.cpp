@@ -24,11 +24,12 @@ int move(const Options& options) {
     return file.change(edits);
 }
 
-constexpr Verb verb = {"mv", "change", "move or rename properties or nodes",
-                       R"(Gives a property, or else a node, another path. A property goes into a TO that ends in a backslash under its own name, and so does all that a FROM with "*" or "**" matches; TO is the new path of a node. What is moved within its node to the same path goes to the end of its list.
+constexpr Verb verb = {
+    "mv", "change", "move or rename properties or nodes",
+    R"(Gives a property, or else a node, another path. A property goes into a TO that ends in a backslash under its own name, and so does all that a FROM with "*" or "**" matches; TO is the new path of a node. What is moved within its node to the same path goes to the end of its list.
 
 Nothing is replaced: TO must be free. Exit code 1 if nothing matches FROM.)",
-                       R"(pmtool mv plotter.pia '\media\copies' '\media\count'    rename)"};
+    R"(pmtool mv plotter.pia '\media\copies' '\media\count'    rename)"};
 
 } // namespace
 

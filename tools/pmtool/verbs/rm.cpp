@@ -24,9 +24,10 @@ int remove(const RmOptions& options) {
     return file.change(edits);
 }
 
-constexpr Verb verb = {"rm", "change", "remove properties or nodes",
-                       R"(Removes the property of each PATH, or else the node with all below it. A path that ends in a backslash is a node. "*" and "**" match as with "ls". Exit code 1, and nothing is written, if one of them matches nothing.)",
-                       R"(pmtool rm plotter.pia '\media\copies'
+constexpr Verb verb = {
+    "rm", "change", "remove properties or nodes",
+    R"(Removes the property of each PATH, or else the node with all below it. A path that ends in a backslash is a node. "*" and "**" match as with "ls". Exit code 1, and nothing is written, if one of them matches nothing.)",
+    R"(pmtool rm plotter.pia '\media\copies'
 pmtool rm plotter.pia '\media\size\' --dry-run    see what would go)"};
 
 } // namespace

@@ -30,9 +30,10 @@ int list_sections(const SectionsOptions& options) {
     return exit_ok;
 }
 
-constexpr Verb verb = {"sections", "sections", "list the sections of a dpia file or the plotters of a cfg file",
-                       R"(Lists each section of a dpia file with its info text, or each plotter of a cfg file with its menu name: the name or number, and a tab and the text if there is one.)",
-                       R"(pmtool sections all.dpia
+constexpr Verb verb = {
+    "sections", "sections", "list the sections of a dpia file or the plotters of a cfg file",
+    R"(Lists each section of a dpia file with its info text, or each plotter of a cfg file with its menu name: the name or number, and a tab and the text if there is one.)",
+    R"(pmtool sections all.dpia
 pmtool sections three-plotters.cfg --json)"};
 
 } // namespace

@@ -49,13 +49,14 @@ int set_value(const SetOptions& options) {
     return file.change(edits);
 }
 
-constexpr Verb verb = {"set", "change", "set the value of a property",
-                       R"(Sets a property, making it and its nodes if they aren't there. It takes the type of the property that is there; the type of a new one is told by the value's form: a whole number of 32 bits, another number, true or false, \hexadecimal digits\, anything else a string. A property keeps its place.
+constexpr Verb verb = {
+    "set", "change", "set the value of a property",
+    R"(Sets a property, making it and its nodes if they aren't there. It takes the type of the property that is there; the type of a new one is told by the value's form: a whole number of 32 bits, another number, true or false, \hexadecimal digits\, anything else a string. A property keeps its place.
 
 A PATH with "*" or "**" sets every property that matches; there must be one.
 
 Nothing is written if the file would not give back what was asked for, or if something in it couldn't be read, unless --lossy says so.)",
-                       R"(pmtool set plotter.pia '\media\copies' 2
+    R"(pmtool set plotter.pia '\media\copies' 2
 pmtool set all.dpia '\media\copies' 2 --section Office
 pmtool set plotter.pia '\pens\*\width' 0.25    every pen
 pmtool set plotter.pia note --type string -- -5    a value that begins with "-")"};
