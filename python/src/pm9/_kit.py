@@ -321,8 +321,13 @@ def compatibility(configuration: Tree, description: Tree, *, description_base: s
         found = json.loads(bytes_out(data[0], length[0]))["findings"]
     finally:
         lib.pm9_free(data[0])
-    return [Finding(**{**each, "severity": Severity[each["severity"].upper()],
-                       "offers": tuple(Offer(**offer) for offer in each["offers"])}) for each in found]
+    return [_finding(each) for each in found]
+
+
+def _finding(found: dict[str, Any]) -> Finding:
+    members = dict(found, severity=Severity[found["severity"].upper()],
+                   offers=tuple(Offer(**offer) for offer in found["offers"]))
+    return Finding(**members)
 
 
 def _array(function: Any, item: str, read: Any, *arguments: Any) -> list[Any]:
