@@ -100,9 +100,11 @@ class Examples:
                 runners[block["language"]](place, block["text"], expected, block["with"] or "")
 
     def finish(self):
+        first = "#include <pm/pm.h>\n"
+        kit = {f"#include <pm/kit/{header.name}>\n" for header in (self.sources / "include/pm/kit").glob("*.h")}
+        rest = self.includes | kit | {"#include <cstdio>\n", "#include <iostream>\n"}
         (self.folder / "fragments.cpp").write_text(
-            "#include <pm/pm.h>\n" + "".join(sorted(self.includes))
-            + "".join(self.fragments), encoding="utf-8")
+            first + "".join(sorted(rest - {first}) + self.fragments), encoding="utf-8")
         self.expect("fragments", self.run(self.cxx, "-std=c++20", "-Ipch", "-fsyntax-only", "fragments.cpp",
                                             self.flags[0]))
 
