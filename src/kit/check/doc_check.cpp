@@ -69,12 +69,14 @@ void DocCheck::run() {
         m_waiting.pop_back();
         check_storage(next);
     }
-    if (!m_has_version)
+    if (!m_has_version) {
         say(Rule::bad_element, "There is no stream \"Version\" in the root.", {}, PM_ERR_NOT_READ);
+    }
     check_orphans();
     const std::size_t behind = m_file.unused_end();
-    if (behind > 0)
+    if (behind > 0) {
         say(Rule::trailing_data, fmt::format("{} bytes stand behind the last sector in use.", behind));
+    }
 }
 
 void DocCheck::check_storage(const Storage& storage) {
@@ -104,9 +106,10 @@ void DocCheck::check_element(std::uint32_t number, const Storage& parent, bool n
     using Kind = Compound::Kind;
     const Compound::Entry& entry = m_file.entries()[number];
     const std::string path = parent.path + '\\' + to_utf8(entry.name);
-    if (!entry.named)
+    if (!entry.named) {
         return say(Rule::bad_element, "The name of the element isn't one that compound files have.", path,
                    PM_ERR_NOT_READ);
+    }
     if (entry.kind != static_cast<std::uint8_t>(Kind::storage) &&
         entry.kind != static_cast<std::uint8_t>(Kind::stream)) {
         return say(Rule::bad_element,
@@ -126,9 +129,10 @@ void DocCheck::check_element(std::uint32_t number, const Storage& parent, bool n
 
 void DocCheck::check_stream(const Compound::Entry& entry, const std::string& path) {
     const std::optional<std::string> record = m_file.read(entry, longest_record);
-    if (!record)
+    if (!record) {
         return say(Rule::bad_element, "The stream is shorter than its size, or its chain is broken.", path,
                    PM_ERR_NOT_READ);
+    }
     check_record(*record, entry.size, path);
 }
 
@@ -140,9 +144,10 @@ void DocCheck::check_record(std::string_view record, std::uint64_t stored, const
     }
     const std::uint32_t type = word_at(record, 0);
     const std::uint32_t size = word_at(record, 4);
-    if (type == 0 || type > last_type)
+    if (type == 0 || type > last_type) {
         return say(Rule::bad_element, fmt::format("The value is of type {}, which isn't known.", type), path,
                    PM_ERR_NOT_READ);
+    }
     if (size > longest_value) {
         return say(Rule::bad_element,
                    fmt::format("The value tells of {} bytes, and {} are read at most.", size, longest_value),

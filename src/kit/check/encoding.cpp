@@ -83,8 +83,9 @@ std::string_view undecodable(std::string_view line, const NarrowText& narrow, st
             if (!good) note(piece);
         });
     } else if (narrow.has_double_bytes()) {
-        if (narrow.decode(line.substr(0, line.find('\0'))).find(u'\uFFFD') != std::u16string::npos)
+        if (narrow.decode(line.substr(0, line.find('\0'))).find(u'\uFFFD') != std::u16string::npos) {
             note(line.substr(0, 1));
+        }
     } else {
         for (std::size_t at = 0; at < line.size(); ++at) {
             if (narrow.is_undefined(static_cast<unsigned char>(line[at]))) note(line.substr(at, 1));

@@ -178,8 +178,9 @@ std::optional<ExactForm> exact_form(std::string_view value) {
     const std::string_view code = end.substr(2, armour);
     char* bytes = nullptr;
     unsigned size = 0;
-    if (stringtobinary(std::u16string(code.begin(), code.end()).c_str(), &bytes, &size) == 0)
+    if (stringtobinary(std::u16string(code.begin(), code.end()).c_str(), &bytes, &size) == 0) {
         return ExactForm{number};
+    }
     const std::unique_ptr<char, decltype(&std::free)> owned(bytes, &std::free);
     double exact = 0;
     if (size != sizeof exact) return ExactForm{number};

@@ -21,8 +21,9 @@ constexpr std::string_view version_start = "PC2Version";
 constexpr std::size_t longest_section = 512;
 
 std::string_view unquoted(std::string_view value) {
-    if (value.size() >= 2 && value.starts_with('"') && value.ends_with('"'))
+    if (value.size() >= 2 && value.starts_with('"') && value.ends_with('"')) {
         return value.substr(1, value.size() - 2);
+    }
     return value;
 }
 
@@ -120,8 +121,9 @@ void KeyLines::section_line(std::string_view text) {
             fmt::format("The name of the section is {}: it begins with the second character.", quoted(name)));
     }
     const std::string_view behind = skip(rest.substr(std::min(name.size() + 1, rest.size())), " \t");
-    if (!behind.empty())
+    if (!behind.empty()) {
         say(Rule::ignored_text, behind, fmt::format("{} behind the section isn't read.", quoted(behind)));
+    }
     m_any_section = true;
     SectionName section = section_of(name, m_of_plotters);
     m_plotter = section.plotter;
@@ -205,9 +207,10 @@ void KeyLines::check_integer(std::string_view value, bool hexadecimal) {
     if (!skip(value.substr(number.length), " \t\r").empty()) {
         return say(Rule::partial_number, value, fmt::format("{} reads as {}.", quoted(value), number.value));
     }
-    if (number.held)
+    if (number.held) {
         return say(Rule::lossy_value, value,
                    fmt::format("{} is beyond 32 bits and reads as {}.", quoted(value), number.value));
+    }
     const std::string_view digits = skip(value, "+- \t");
     if (hexadecimal || digits.size() < 2 || digits.front() != '0' || lower(digits[1]) == 'x') return;
     say(Rule::lossy_value, value, fmt::format("{} is octal and reads as {}.", quoted(value), number.value), 0,

@@ -139,9 +139,10 @@ void PcpLines::check_refused(std::string_view text, std::string_view name, const
                    PM_ERR_BAD_LINE, Severity::error);
     }
     m_path = path_of(name);
-    if (m_lost)
+    if (m_lost) {
         return say(Rule::bad_line, text, "An END_COLOR in front closed nothing, and values have no place.",
                    PM_ERR_BAD_LINE);
+    }
     say(Rule::bad_line, text, fmt::format("{} takes {}.", quoted(name), keyword->what), PM_ERR_BAD_LINE);
 }
 
@@ -190,9 +191,10 @@ void PcpLines::check_plain(std::string_view value, const Keyword& keyword) {
     }
     if (integer) {
         const IntegerText number = read_integer(value, Signs::minus);
-        if (number.held)
+        if (number.held) {
             say(Rule::lossy_value, value,
                 fmt::format("{} is beyond 32 bits and reads as {}.", quoted(value), number.value));
+        }
         return;
     }
     const std::optional<std::string> loss = decimal_loss(value, read_decimal(value, Signs::minus).value);

@@ -156,8 +156,9 @@ void round_trip_dpia(std::string_view bytes, const Place& where, Findings& findi
     std::uint64_t left = bytes.size(); // sections may share bytes, again and again
     for (const DpiaSection& section : sections) {
         if (section.offset > bytes.size() || section.size > bytes.size() - section.offset ||
-            section.size > left)
+            section.size > left) {
             continue;
+        }
         left -= section.size;
         Place place = where;
         place.section = to_utf8(section.name);

@@ -201,6 +201,15 @@ TEST_F(CheckFile, DefaultBlockThatIsOpenDoesNotReachTheNextFile) {
     EXPECT_EQ(pm::load(stream, {.type = PM_Object::FILE_PCP}).tree.get<int>("PEN_SPEED"), 1);
 }
 
+TEST_F(CheckFile, LongRawDataIsLookedThroughInOneGo) {
+    std::string content = "PIAFILEVERSION_2.0\na=\\";
+    for (int pair = 0; pair < 500'000; ++pair) {
+        content += "a0";
+    }
+    EXPECT_THAT(lines_of(check_content(content + "\\\n", "a")), IsEmpty());
+    EXPECT_THAT(lines_of(check_content(content + "0a\\\n", "a")), ElementsAre("a:2:1000005 lossy-value"));
+}
+
 // Takes twice as long for twice as much, whatever is wrong with each line.
 TEST_F(CheckFile, BadLinesTakeTimeInProportion) {
     constexpr int lines = 100'000;

@@ -64,8 +64,9 @@ void CellCheck::check_row(const TableRow& row) {
     m_named = !row.at('A').empty();
     const Table& table = *m_table.table();
     const std::string_view type = row.at('G');
-    if (m_named && type.size() > 3 && std::string_view("SLDBR").find(type[3]) != std::string_view::npos)
+    if (m_named && type.size() > 3 && std::string_view("SLDBR").find(type[3]) != std::string_view::npos) {
         m_type = type[3];
+    }
     for (const Column& column : std::span(table.columns, table.column_count)) {
         if (!m_named && !column.each_row) continue;
         check(row, {column.cell, column.words, column.table}, row.at(column.letter));
@@ -114,20 +115,23 @@ void CellCheck::check(const TableRow& row, const Wanted& wanted, std::string_vie
 
 void CellCheck::check_integer(std::string_view cell) {
     const IntegerText number = read_integer(cell, Signs::both);
-    if (number.length == 0)
+    if (number.length == 0) {
         return say(Rule::partial_number, cell, fmt::format("{} has no number and reads as 0.", shown(cell)));
+    }
     if (!skip(cell.substr(number.length), " ").empty()) {
         return say(Rule::partial_number, cell, fmt::format("{} reads as {}.", shown(cell), number.value));
     }
-    if (number.held)
+    if (number.held) {
         say(Rule::lossy_value, cell,
             fmt::format("{} is beyond 32 bits and reads as {}.", shown(cell), number.value));
+    }
 }
 
 void CellCheck::check_number(std::string_view cell) {
     const DecimalText number = read_decimal(cell, Signs::both);
-    if (number.length == 0)
+    if (number.length == 0) {
         return say(Rule::partial_number, cell, fmt::format("{} has no number and reads as 0.", shown(cell)));
+    }
     if (!skip(cell.substr(number.length), " ").empty()) {
         return say(Rule::partial_number, cell, fmt::format("{} reads as {}.", shown(cell), number.value));
     }
@@ -159,9 +163,10 @@ void CellCheck::check_reference(std::string_view cell, std::string_view table, b
     if (names == m_names.end()) return;
     const std::string name = name_of_cell(cell);
     if (!names->second.read.contains(name)) {
-        if (!name.empty())
+        if (!name.empty()) {
             say(Rule::unknown_reference, cell,
                 fmt::format("{} is no name in \"{}.pdt\".", shown(cell), table));
+        }
     } else if (raw && name != cell) {
         say(Rule::unknown_reference, cell,
             fmt::format("{} finds nothing in \"{}.pdt\", whose name is \"{}\".", shown(cell), table,

@@ -149,8 +149,9 @@ void PiaBody::opening_line(std::string_view text) {
         say(Rule::ignored_text, behind.data(),
             fmt::format("{} behind the \"{{\" isn't read.", m_source.quoted(behind)));
     }
-    if (m_skipped == 0 && !m_source.is_longer(name, longest_name) && has_room_for(name))
+    if (m_skipped == 0 && !m_source.is_longer(name, longest_name) && has_room_for(name)) {
         return open_node(text, name);
+    }
     if (m_skipped++ > 0) return;
     say(Rule::bad_line, text.data(), "The name or path of the node is too long, and all in it isn't read.",
         PM_ERR_BAD_LINE);

@@ -120,8 +120,9 @@ void Reading::read_double() {
     if (exact && exact->bits_count) return;
     const std::string_view text = exact ? exact->number : m_value;
     const DecimalText number = read_decimal(text, Signs::minus);
-    if (number.length == 0 || number.length != text.size())
+    if (number.length == 0 || number.length != text.size()) {
         return refuse(fmt::format("{} is no number.", shown()));
+    }
     if (exact) {
         remark(Rule::stale_bits, text.data() + text.size() + 1,
                fmt::format("The bits aren't those of {}, which counts.", m_source.utf8(text)));
@@ -150,18 +151,17 @@ void Reading::read_raw() {
     }
 }
 
-// Digits are capital letters and figures; anything else counts as something.
+// Two digits a byte, in capitals but for the first one; anything else counts as something.
 void Reading::check_pairs(std::string_view digits) {
-    const auto odd = std::find_if_not(digits.begin(), digits.end(),
-                                      [](char c) { return is_digit(c) || (c >= 'A' && c <= 'F'); });
-    if (odd == digits.end()) return;
-    const auto at = static_cast<std::size_t>(odd - digits.begin());
-    const std::string_view pair = digits.substr(at - at % 2, 2);
-    if (is_hex_digit(*odd) && at % 2 == 0 && !(pair[1] >= 'a' && pair[1] <= 'f'))
-        return check_pairs(digits.substr(at + 2));
-    remark(Rule::lossy_value, &*odd,
-           fmt::format("{} is no byte of two capital hexadecimal digits, and reads as another one.",
-                       m_source.quoted(pair)));
+    const auto is_capital = [](char c) { return is_digit(c) || (c >= 'A' && c <= 'F'); };
+    for (std::size_t at = 0; at + 1 < digits.size(); at += 2) {
+        const bool first = is_hex_digit(digits[at]);
+        if (first && is_capital(digits[at + 1])) continue;
+        remark(Rule::lossy_value, &digits[at + (first ? 1 : 0)],
+               fmt::format("{} is no byte of two capital hexadecimal digits, and reads as another one.",
+                           m_source.quoted(digits.substr(at, 2))));
+        return;
+    }
 }
 
 } // namespace
