@@ -95,12 +95,12 @@ std::string escaped(std::string_view text) {
     while (!text.empty()) {
         const bool surrogate = is_surrogate(text);
         const std::size_t length = surrogate ? 0 : character_length(text);
-        if (length == 0) {
+        const bool is_control =
+            length == 2 && text[0] == '\xC2' && static_cast<unsigned char>(text[1]) < 0xA0;
+        if (length == 0 || is_control) {
             out += replacement;
         } else if (length == 1) {
             append_ascii(out, text[0]);
-        } else if (text[0] == '\xC2' && static_cast<unsigned char>(text[1]) < 0xA0) {
-            out += replacement; // C1 controls
         } else {
             out += text.substr(0, length);
         }
