@@ -45,6 +45,8 @@
 extern "C" {
 #endif
 
+// NOLINTBEGIN(modernize-use-using): C has no other.
+
 #define PM9_ABI_VERSION 1
 
 // As a length: the text ends at its first zero.
@@ -566,6 +568,8 @@ typedef struct pm9_compatibility_options {
 PM9_API pm9_status pm9_compatibility(const pm9_tree* configuration, const pm9_tree* description,
                                      const pm9_compatibility_options* options, char** text, size_t* length,
                                      pm9_error* error);
+
+// NOLINTEND(modernize-use-using)
 
 #ifdef __cplusplus
 }
