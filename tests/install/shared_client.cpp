@@ -86,7 +86,7 @@ void stop_in_a_handler() {
         }
     } handler;
     PM_Object tree(&handler);
-    std::ofstream(folder / "bad.pia", std::ios::binary) << "PIAFILEVERSION_2.0,BAD_1.0\r\nbad line\n";
+    std::ofstream(folder / "bad.pia", std::ios::binary) << "PIAFILEVERSION_2.0,BAD_1.0\r\nb=yes\n";
     bool is_stopped = false;
     try {
         tree.load((folder / "bad.pia").u16string().c_str(), PM_Object::FILE_PIA, u"\\");

@@ -1,7 +1,7 @@
 #include "platform/code_page.h"
 
 #include <cstdio>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <string>
 #include <vector>
 #include <windows.h>
@@ -10,13 +10,13 @@
 
 namespace {
 
+using Lines = std::vector<std::string>;
+
 constexpr unsigned single_byte_pages[] = {
     437,   720,   737,   775,   850,   852,   855,   857,   858,   860,   861,   862,   863,  864,
     865,   866,   869,   874,   1250,  1251,  1252,  1253,  1254,  1255,  1256,  1257,  1258, 20127,
     20866, 21866, 28591, 28592, 28593, 28594, 28595, 28596, 28597, 28598, 28599, 28603, 28605};
 constexpr unsigned double_byte_pages[] = {932, 936, 949, 950};
-
-using Lines = std::vector<std::string>;
 
 std::string line(const char* form, unsigned page, unsigned what, unsigned ours, unsigned theirs) {
     char text[80];
@@ -29,6 +29,26 @@ std::string line(const char* form, unsigned page, unsigned what, unsigned ours, 
 bool is_comparable(unsigned page) {
     return page != 20127 && IsValidCodePage(page) != FALSE;
 }
+
+// Where Wine has an older table than Unicode's of today: 21866 of 1998, 28597 of 1987 and 28598 of 1988.
+const Lines other_units{"21866: AE is 255D, theirs 045E", "21866: BE is 256C, theirs 040E",
+                        "28597: A1 is 2018, theirs 02BD", "28597: A2 is 2019, theirs 02BC",
+                        "28597: A4 is 20AC, theirs F7C2", "28597: A5 is 20AF, theirs F7C3",
+                        "28597: AA is 037A, theirs F7C4", "28598: AF is 00AF, theirs 203E",
+                        "28598: FD is 200E, theirs F7BF", "28598: FE is 200F, theirs F7C0"};
+const Lines other_bytes{"21866: 040E goes out as 3F, theirs BE", "21866: 045E goes out as 3F, theirs AE",
+                        "21866: 255D goes out as AE, theirs 3F", "21866: 256C goes out as BE, theirs 3F",
+                        "28597: 02BC goes out as 3F, theirs A2", "28597: 02BD goes out as 3F, theirs A1",
+                        "28597: 037A goes out as AA, theirs 3F", "28597: 2018 goes out as A1, theirs 3F",
+                        "28597: 2019 goes out as A2, theirs 3F", "28597: 20AC goes out as A4, theirs 3F",
+                        "28597: 20AF goes out as A5, theirs 3F", "28597: F7C2 goes out as 3F, theirs A4",
+                        "28597: F7C3 goes out as 3F, theirs A5", "28597: F7C4 goes out as 3F, theirs AA",
+                        "28598: 00AF goes out as AF, theirs 3F", "28598: 200E goes out as FD, theirs 3F",
+                        "28598: 200F goes out as FE, theirs 3F", "28598: 203E goes out as 3F, theirs AF",
+                        "28598: F7BF goes out as 3F, theirs FD", "28598: F7C0 goes out as 3F, theirs FE",
+                        "932: 0080 goes out as 3F, theirs 80",   "932: F8F0 goes out as 3F, theirs A0",
+                        "932: F8F1 goes out as 3F, theirs FD",   "932: F8F2 goes out as 3F, theirs FE",
+                        "932: F8F3 goes out as 3F, theirs FF"};
 
 // Bytes that the system decodes to another unit.
 void compare_bytes(unsigned page, Lines& differences) {
@@ -68,7 +88,7 @@ TEST(CodePageOfTheSystem, DecodesBytesToTheSameUnits) {
     for (const unsigned page : single_byte_pages) {
         if (is_comparable(page)) compare_bytes(page, differences);
     }
-    EXPECT_EQ(Lines{}, differences);
+    EXPECT_THAT(differences, testing::AnyOf(testing::IsEmpty(), testing::Eq(other_units)));
 }
 
 TEST(CodePageOfTheSystem, EncodesUnitsToTheSameBytes) {
@@ -79,7 +99,7 @@ TEST(CodePageOfTheSystem, EncodesUnitsToTheSameBytes) {
     for (const unsigned page : double_byte_pages) {
         compare_units(page, differences);
     }
-    EXPECT_EQ(Lines{}, differences);
+    EXPECT_THAT(differences, testing::AnyOf(testing::IsEmpty(), testing::Eq(other_bytes)));
 }
 
 TEST(CodePageOfTheSystem, HasAllOthersOfOurs) {
