@@ -259,14 +259,6 @@ TEST(CfgFile, AStreamFailureHasTheNumberOfItsCode) {
     }
 }
 
-TEST(CfgFile, AStreamFailureNamesTheFile) {
-    const TempFolder folder;
-    const std::u16string name = folder.path().u16string();
-    PM_Object object;
-    expect_thrown<PM_Severe>([&] { object.load_cfg_section(name.c_str(), PM_Object::FILE_CFG, u"\\", 1); },
-                             PM_ERR_NOT_READ, section_place, name);
-}
-
 TEST(CfgFile, LoadsAndTellsTheVersionLikeTheOlderFormat) {
     std::stringstream stream = binary_stream("PC2Version 2.0\n[PlotDriver#1]\nType=1\n[PlotDriver]\nType=2\n"
                                              "[Plotter/DriverCustom]\ndmFields=ff\n");

@@ -679,14 +679,6 @@ TEST(Pc2Streams, AFailureHasTheNumberOfItsCode) {
     }
 }
 
-TEST(Pc2Streams, AFailureNamesTheFile) {
-    const TempFolder folder;
-    const std::u16string name = folder.path().u16string();
-    PM_Object object;
-    expect_thrown<PM_Severe>([&] { object.load(name.c_str(), PM_Object::FILE_PC2, u"\\"); }, PM_ERR_NOT_READ,
-                             version_place, name);
-}
-
 TEST(Pc2Streams, AMissingFileIsSevere) {
     PM_Object object;
     expect_thrown<PM_Severe>([&] { object.load(u"no/such/file.pc2", PM_Object::FILE_PC2, u"\\"); },

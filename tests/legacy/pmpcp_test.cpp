@@ -712,14 +712,6 @@ TEST(PcpStreams, AFailureHasTheNumberOfItsCode) {
     }
 }
 
-TEST(PcpStreams, AFailureNamesTheFile) {
-    const TempFolder folder;
-    const std::u16string name = folder.path().u16string();
-    PM_Object object;
-    expect_thrown<PM_Severe>([&] { object.load(name.c_str(), PM_Object::FILE_PCP, u"\\"); }, PM_ERR_NOT_READ,
-                             load_place, name);
-}
-
 TEST(PcpStreams, AreReadFromWhereTheyStand) {
     std::stringstream stream = binary_stream("garbage\n" + marker + "ROTATE=1\n");
     stream.seekg(8);

@@ -1,0 +1,35 @@
+#include "support/exceptions.h"
+#include "support/temp_folder.h"
+#include <gtest/gtest.h>
+#include <pm/error_number.h>
+#include <pm/object.h>
+#include <string>
+
+namespace {
+
+using pm::test::expect_thrown;
+
+// A folder in place of a file.
+class FolderAsFile : public testing::Test {
+protected:
+    pm::test::TempFolder folder;
+    std::u16string name = folder.path().u16string();
+    PM_Object object;
+};
+
+TEST_F(FolderAsFile, FailureOfAPcpFileNamesTheFile) {
+    expect_thrown<PM_Severe>([&] { object.load(name.c_str(), PM_Object::FILE_PCP, u"\\"); },
+                             PM_ERR_ACCESS_DENIED, u"PM_PIAFile::open()", name);
+}
+
+TEST_F(FolderAsFile, FailureOfAPc2FileNamesTheFile) {
+    expect_thrown<PM_Severe>([&] { object.load(name.c_str(), PM_Object::FILE_PC2, u"\\"); },
+                             PM_ERR_ACCESS_DENIED, u"PM_PIAFile::open()", name);
+}
+
+TEST_F(FolderAsFile, FailureOfACfgFileNamesTheFile) {
+    expect_thrown<PM_Severe>([&] { object.load_cfg_section(name.c_str(), PM_Object::FILE_CFG, u"\\", 1); },
+                             PM_ERR_ACCESS_DENIED, u"PM_PIAFile::open()", name);
+}
+
+} // namespace
