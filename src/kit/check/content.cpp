@@ -77,7 +77,7 @@ void check_as(PM_Object::FileType type, const CheckedContent& content, const Che
 std::string_view failure_words(std::uint32_t number) {
     switch (number) {
     case PM_ERR_NO_SUCH_FILE:
-        return "There is no such file.";
+        return "The file doesn't exist.";
     case PM_ERR_ACCESS_DENIED:
         return "The file can't be opened.";
     default:

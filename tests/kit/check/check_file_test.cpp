@@ -93,7 +93,7 @@ TEST_F(CheckFile, MissingFileIsUnreadable) {
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(found[0].rule, "unreadable");
     EXPECT_EQ(found[0].number, 63U);
-    EXPECT_EQ(found[0].message, "There is no such file.");
+    EXPECT_EQ(found[0].message, "The file doesn't exist.");
 }
 
 TEST_F(CheckFile, DamagedHeaderIsKnownByTheEnding) {

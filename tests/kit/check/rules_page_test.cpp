@@ -23,6 +23,9 @@ struct PageRule {
         std::vector<std::string> said;
     };
     std::vector<Row> rows;
+
+    // A name for a test's parameter that doesn't change from build to build.
+    friend void PrintTo(const PageRule& rule, std::ostream* stream) { *stream << rule.name; }
 };
 
 std::vector<std::string> code_spans(std::string_view text) {

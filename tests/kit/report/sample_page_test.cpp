@@ -78,8 +78,9 @@ TEST(PageOfTheSample, IsAccessible) {
 }
 
 TEST(PageOfTheSample, HasHeadingsThatLeaveOutNoLevel) {
+    const Markup page(device_page());
     int level = 0;
-    for (const MarkupElement& element : Markup(device_page()).all()) {
+    for (const MarkupElement& element : page.all()) {
         if (element.name.size() == 2 && element.name[0] == 'h' && element.name[1] >= '1' &&
             element.name[1] <= '6') {
             const int next = element.name[1] - '0';
