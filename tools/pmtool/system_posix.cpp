@@ -216,7 +216,7 @@ void copy_access_list(const std::string& from, int to, bool group_kept) {
 mode_t kept_mode(mode_t mode, bool owner_kept, bool group_kept) {
     mode &= permission_bits;
     if (!owner_kept || !group_kept) mode &= ~identity_bits;
-    if (!group_kept) mode &= ~S_IRWXG | ((mode & S_IRWXO) << 3);
+    if (!group_kept) mode &= ~mode_t{S_IRWXG} | ((mode & S_IRWXO) << 3);
     return mode;
 }
 
