@@ -25,7 +25,6 @@ namespace pmtool {
 namespace {
 
 constexpr mode_t new_file_mode = 0666;
-constexpr mode_t private_mode = 0600;
 constexpr mode_t permission_bits = 07777;
 constexpr mode_t identity_bits = S_ISUID | S_ISGID;
 
