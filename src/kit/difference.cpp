@@ -18,7 +18,7 @@ constexpr std::array<std::string_view, 6> change_names{"added", "removed",    "t
 
 bool same_bytes(const PM_Property_View& a, const PM_Property_View& b) {
     if (a.size != b.size || (a.data == nullptr) != (b.data == nullptr)) return false;
-    return a.size == 0 || std::memcmp(a.data, b.data, a.size) == 0;
+    return a.data == nullptr || b.data == nullptr || std::memcmp(a.data, b.data, a.size) == 0;
 }
 
 bool within(const PM_Property_View& a, const PM_Property_View& b, double tolerance) {

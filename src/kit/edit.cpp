@@ -75,8 +75,9 @@ private:
         if (parent != nullptr && !place.is_node && m_builder.erase_property(*parent, place.path.name)) return;
         const PM_Node* const node =
             parent != nullptr ? m_builder.find_child(*parent, place.path.name) : nullptr;
-        if (node == nullptr)
+        if (node == nullptr) {
             fail(path, place.is_node ? "there is no such node" : "there is no such property or node");
+        }
         m_builder.erase(*node);
     }
 
@@ -109,8 +110,9 @@ private:
             return;
         }
         const PM_Node* const node = node_at(m_builder, to_utf16(path));
-        if (node == nullptr)
+        if (node == nullptr) {
             fail(path, source.is_node ? "there is no such node" : "there is no such property or node");
+        }
         transfer_node(path, *node, target.path);
     }
 

@@ -78,8 +78,9 @@ TextEncoding text_encoding(const Tree& tree) {
         count.add(node.name16());
         for (const Property property : node.properties()) {
             count.add(property.name16());
-            if (property.type() == PROP_STRING && !property.bytes().empty())
+            if (property.type() == PROP_STRING && !property.bytes().empty()) {
                 count.add_bytes(property.bytes());
+            }
         }
     }
     return count.encoding();

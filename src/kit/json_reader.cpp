@@ -308,9 +308,10 @@ void Reader::property_scalar(Scalar value) {
 void Reader::set_type(const Scalar& value) {
     const std::string& word = require<std::string>(value, "type", "a text");
     const std::optional<PropType> type = type_named(word);
-    if (!type)
+    if (!type) {
         fail(fmt::format("{}: no such type; there are long, double, string, bool, raw, none",
                          quoted_text(word)));
+    }
     m_property.stored.type = *type;
     m_property.resolve();
 }

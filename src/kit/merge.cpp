@@ -181,8 +181,9 @@ Merged merge(const Tree& base, const Tree& first, const Tree& second, Prefer pre
 
 std::string conflict_text(const Conflict& conflict) {
     const std::string path = printable(conflict.path);
-    if (conflict.path.ends_with('\\'))
+    if (conflict.path.ends_with('\\')) {
         return fmt::format("{}: removed on one side, changed on the other", path);
+    }
     return fmt::format("{}: {} -> {} | {}", path, side_text(conflict.base), side_text(conflict.first),
                        side_text(conflict.second));
 }

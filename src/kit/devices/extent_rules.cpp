@@ -119,6 +119,7 @@ std::vector<Offer> sizes_for(const Device& device, const Extent& asked) {
     }
     std::ranges::stable_sort(roomy, {}, [](const auto& entry) { return entry.first; });
     std::vector<Offer> offers;
+    offers.reserve(roomy.size());
     for (const auto& [room, size] : roomy) {
         offers.push_back(offer_of(*size));
     }

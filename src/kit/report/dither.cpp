@@ -63,8 +63,9 @@ void write_cells(Html& html, const Matrix& matrix, const std::string& title) {
                     {side * static_cast<double>(matrix.width), side * static_cast<double>(matrix.height)},
                     "matrix");
     for (std::size_t at = 0; at < matrix.values.size(); ++at) {
+        const std::size_t row = at / static_cast<std::size_t>(matrix.width);
         const double x = side * static_cast<double>(at % static_cast<std::size_t>(matrix.width));
-        const double y = side * static_cast<double>(at / static_cast<std::size_t>(matrix.width));
+        const double y = side * static_cast<double>(row);
         const auto& value = matrix.values[at];
         if (!value) {
             picture.rectangle(x, y, side, side, "gap");

@@ -176,7 +176,7 @@ void write_output(Page& page, const Node& output, const std::string& default_out
 std::string device_name(const Page& page, const Node& description) {
     const auto meta = below(description, {"meta"});
     for (const std::string_view name : {"localized_model_name", "canonical_model_name"}) {
-        if (const std::string found = meta ? text(*meta, name) : std::string(); !found.empty()) {
+        if (std::string found = meta ? text(*meta, name) : std::string(); !found.empty()) {
             return found;
         }
     }

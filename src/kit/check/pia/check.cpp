@@ -59,7 +59,7 @@ bool Header::find_line() {
         const std::size_t end = rest.find('\n');
         ++m_lines;
         if (end == std::string_view::npos || end > longest_header) {
-            const bool ends = end == std::string_view::npos && rest.size() <= longest_header;
+            const bool ends = rest.size() <= longest_header;
             say(ends ? Rule::cut_file : Rule::bad_header,
                 ends ? "The file ends within its header."
                      : fmt::format("The header has more than {} bytes.", longest_header),
