@@ -19,7 +19,7 @@ fs::path make_folder() {
     std::random_device random;
     constexpr int tries = 8;
     for (int i = 0; i < tries && !error; ++i) {
-        const fs::path folder = place / fmt::format("pm9-{:08x}{:08x}", random(), random());
+        fs::path folder = place / fmt::format("pm9-{:08x}{:08x}", random(), random());
         if (!fs::create_directory(folder, error)) continue;
         fs::permissions(folder, fs::perms::owner_all, error);
         return folder;

@@ -156,8 +156,9 @@ std::optional<Stored> parse_stored_form(TextReader& reader, std::string_view wor
     if (word != "bytes") return std::nullopt;
     reader.skip_blanks();
     const std::size_t position = reader.position();
-    if (std::optional<Bytes> bytes = parse_hex(reader.take_word()))
+    if (std::optional<Bytes> bytes = parse_hex(reader.take_word())) {
         return Stored{type, true, std::move(bytes)};
+    }
     reader.fail_at(position, "bytes asks for an even number of hexadecimal digits");
 }
 

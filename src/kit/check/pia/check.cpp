@@ -58,7 +58,8 @@ bool Header::find_line() {
         const std::string_view rest = m_content.substr(m_size);
         const std::size_t end = rest.find('\n');
         ++m_lines;
-        if (end == std::string_view::npos || end > longest_header) {
+        // No line end at all is beyond any limit.
+        if (end > longest_header) {
             const bool ends = rest.size() <= longest_header;
             say(ends ? Rule::cut_file : Rule::bad_header,
                 ends ? "The file ends within its header."
