@@ -88,7 +88,7 @@ std::uint8_t PM_PathStrings::Key::bucket() const {
 }
 
 std::size_t PM_PathStrings::Entry::bytes_for(std::size_t length) {
-    constexpr std::size_t members = sizeof(PM_Mem_Obj) + 2 * sizeof(Entry*) + 3 * sizeof(std::uint32_t);
+    constexpr std::size_t members = sizeof(PM_Mem_Obj) + 2 * sizeof(void*) + 3 * sizeof(std::uint32_t);
     static_assert(members <= sizeof(Entry));
     return std::max(sizeof(Entry), members + (length + 1) * sizeof(char16_t));
 }

@@ -45,7 +45,7 @@ bool may_miss_the_mark(const CLI::ParseError& e, const std::vector<std::string>&
 
 std::string OptionWords::term() const {
     if (is_argument()) return is_repeated ? value + "..." : value;
-    const std::string text = fmt::format("{}", fmt::join(names, ", "));
+    std::string text = fmt::format("{}", fmt::join(names, ", "));
     if (value.empty()) return text;
     return value_is_optional ? fmt::format("{}[={}]", text, value) : fmt::format("{} {}", text, value);
 }

@@ -30,6 +30,7 @@ const kit::Section& section_named(const Source& source, const std::string& name)
     const auto found = std::ranges::find(sections, name, &kit::Section::name);
     if (found != sections.end()) return *found;
     std::vector<std::string> names;
+    names.reserve(sections.size());
     for (const kit::Section& section : sections) {
         names.push_back(section.name);
     }

@@ -152,8 +152,9 @@ bool is_empty(const pm::Tree& tree) {
 }
 
 void refuse_folder(const std::string& file, const Format& format) {
-    if (!format.is(PM_Object::FILE_PDT) && kind_of(file) == FileKind::folder)
+    if (!format.is(PM_Object::FILE_PDT) && kind_of(file) == FileKind::folder) {
         throw system_failure(file, EISDIR);
+    }
 }
 
 } // namespace
@@ -187,8 +188,9 @@ Source read_source(const SourceOptions& options, Damage damage) {
     }
     Teller teller(input.file, format, content);
     const bool refuses = damage == Damage::refuse && !options.keep_going;
-    if (is_damaged(reading) && (refuses || is_empty(reading.content.tree)))
+    if (is_damaged(reading) && (refuses || is_empty(reading.content.tree))) {
         refuse(reading, teller, input.file);
+    }
     source.dropped = dropped_of(reading, teller, input.file);
     source.content = std::move(reading.content);
     source.section = options.section;

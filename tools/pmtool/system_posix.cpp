@@ -489,8 +489,8 @@ std::string follow_links(const std::string& path) {
         const ssize_t size = readlink(file.c_str(), target.data(), target.size());
         if (size < 0) return file;
         const std::string next(target.data(), static_cast<std::size_t>(size));
-        file = next.starts_with('/') || file.find('/') == std::string::npos ? next
-                                                                            : folder_of(file) + '/' + next;
+        const bool is_whole = next.starts_with('/') || file.find('/') == std::string::npos;
+        file = is_whole ? next : folder_of(file).append("/").append(next);
     }
     fail(ELOOP);
 }

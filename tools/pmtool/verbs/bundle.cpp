@@ -149,8 +149,9 @@ int write(Bundle& bundle, const BundleOptions& options) {
 
 // -o OUT NAME=FILE...
 int make(const BundleOptions& options) {
-    if (options.target.file.empty())
+    if (options.target.file.empty()) {
         throw Failure("-o must tell the file to write; see pmtool bundle --help");
+    }
     Source empty{options.target.file};
     empty.content.type = PM_Object::FILE_DPIA;
     Bundle bundle(std::move(empty));

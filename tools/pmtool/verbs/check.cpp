@@ -148,8 +148,9 @@ int check(CheckOptions options) {
     Json list = Json::array();
     for (const std::string& file : options.files) {
         std::vector<kit::Diagnostic> found = check_one(file, options.check);
-        if (std::ranges::none_of(found, is_trouble))
+        if (std::ranges::none_of(found, is_trouble)) {
             std::ranges::move(check_defaults(file, options.check), std::back_inserter(found));
+        }
         for (const kit::Diagnostic& diagnostic : found) {
             if (is_trouble(diagnostic)) status = exit_trouble;
             if (status == exit_ok && counts(options, diagnostic)) status = exit_negative;

@@ -42,8 +42,9 @@ class Report {
 public:
     void add(const ReportOptions& options) {
         if (!options.file.empty()) add_file(options);
-        for (const std::string& file : options.configurations)
+        for (const std::string& file : options.configurations) {
             add_configurations(read({.file = file, .section = options.section}), options.section);
+        }
     }
     [[nodiscard]] const kit::ReportInput& input() const { return m_input; }
 
