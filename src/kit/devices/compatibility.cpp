@@ -1,6 +1,7 @@
 #include "devices/path_pattern.h"
 #include "devices/rules.h"
 #include "devices/value_rules.h"
+#include <algorithm>
 #include <pm/kit/error.h>
 
 namespace pm::kit {
@@ -54,19 +55,25 @@ void tell_unset(Checker& check, const CompatibilityMap& map, const Compatibility
     }
 }
 
+std::vector<std::string_view> told_of(std::span<const std::string_view> list) {
+    return {list.begin(), std::ranges::find(list, std::string_view())};
+}
+
 ExplainedFindings run(const Start& configuration, const Start& description,
                       const CompatibilityOptions& options, bool defaults_only) {
     const CompatibilityMap& map = map_of(options);
     const Device device(description.node, description.path);
     Settings settings(configuration.node, configuration.path, map, defaults_only);
     Checker check(device, settings, options);
-    for (const Rule& rule : rules()) {
+    const auto infos = compatibility_rules();
+    for (std::size_t i = 0; i < infos.size(); ++i) {
+        const Rule& rule = rules()[i];
         const bool is_of_the_whole = rule.run == check_unspoken || rule.run == check_owners;
         if (rule.run == check_unspoken) check_value_rules(check, map.rules);
         if (is_of_the_whole && defaults_only) continue;
-        check.begin(rule.info.name, rule.info.severity);
+        check.begin(rule.name, rule.severity);
         rule.run(check);
-        tell_unset(check, map, rule.info);
+        tell_unset(check, map, infos[i]);
     }
     return {std::move(check.findings), std::move(check.looks)};
 }
@@ -77,7 +84,8 @@ std::span<const CompatibilityRule> compatibility_rules() {
     static const std::vector<CompatibilityRule> infos = [] {
         std::vector<CompatibilityRule> list;
         for (const Rule& rule : rules()) {
-            list.push_back(rule.info);
+            list.push_back({rule.name, rule.group, rule.severity, rule.meaning, told_of(rule.settings),
+                            told_of(rule.capabilities)});
         }
         return list;
     }();

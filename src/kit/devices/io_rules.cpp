@@ -1,4 +1,4 @@
-#include "devices/keywords.h"
+#include "devices/number_words.h"
 #include "devices/rules.h"
 #include "devices/value_words.h"
 

@@ -1,19 +1,26 @@
 #pragma once
 
 #include "devices/checker.h"
+#include <array>
 #include <span>
 
 // The rules, one unit a group. Each takes up its settings one by one and says of each that it passes, fails,
 // can't be compared, or is left to another rule.
 namespace pm::kit::devices {
 
+// As CompatibilityRule tells it; lists end with the first empty text.
 struct Rule {
-    CompatibilityRule info;
+    std::string_view name;
+    std::string_view group;
+    Severity severity;
+    std::string_view meaning;
+    std::array<std::string_view, 8> settings;
+    std::array<std::string_view, 5> capabilities;
     void (*run)(Checker&);
 };
 
 // In the order of findings.
-[[nodiscard]] std::span<const Rule> rules();
+[[nodiscard]] std::span<const Rule> rules() noexcept;
 
 // The rule's settings whose chosen value has a counterpart: the resolution that the configuration means, and
 // the setting that names it.

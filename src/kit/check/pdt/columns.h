@@ -1,6 +1,6 @@
 #pragma once
 
-#include "check/pdt/keywords.h"
+#include "keywords.h"
 #include <cstddef>
 #include <cstdint>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "check/pdt/keywords.h"
+#include "keywords.h"
 
 namespace pm::kit::keywords {
 
