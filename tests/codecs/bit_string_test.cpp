@@ -110,7 +110,7 @@ TEST(BitStringTest, GrowthWithoutMemoryIsToldAndLeavesTheString) {
     append(string, "101");
     {
         const FailingAllocation failing(0);
-        expect_thrown<PM_Memory_Exception>([&] { string.reserve(1000); }, 55, u"temp", u"temp");
+        expect_thrown<PM_Memory_Exception>([&] { string.reserve(1000); }, PM_ERR_NO_MEMORY, u"temp", u"temp");
     }
     EXPECT_EQ("101", text_of(string));
 }
@@ -118,7 +118,7 @@ TEST(BitStringTest, GrowthWithoutMemoryIsToldAndLeavesTheString) {
 TEST(BitStringTest, FirstBitWithoutMemoryIsTold) {
     BitString string;
     const FailingAllocation failing(0);
-    expect_thrown<PM_Memory_Exception>([&] { string.append(true); }, 55, u"temp", u"temp");
+    expect_thrown<PM_Memory_Exception>([&] { string.append(true); }, PM_ERR_NO_MEMORY, u"temp", u"temp");
     EXPECT_TRUE(string.empty());
 }
 
@@ -129,7 +129,8 @@ TEST(BitStringTest, CopyWithoutMemoryIsToldAndLeavesTheTarget) {
     append(target, "101");
     {
         const FailingAllocation failing(0);
-        expect_thrown<PM_Memory_Exception>([&] { target.copy(many); }, 55, u"m_data", u"m_data");
+        expect_thrown<PM_Memory_Exception>([&] { target.copy(many); }, PM_ERR_NO_MEMORY, u"m_data",
+                                           u"m_data");
     }
     EXPECT_EQ("101", text_of(target));
 }
@@ -137,19 +138,20 @@ TEST(BitStringTest, CopyWithoutMemoryIsToldAndLeavesTheTarget) {
 TEST(BitStringTest, StringOfBytesWithoutMemoryIsTold) {
     const unsigned char bytes[] = {0x8F, 0x7A, 0xD0};
     const FailingAllocation failing(0);
-    expect_thrown<PM_Memory_Exception>([&] { BitString(bytes, 21); }, 55, u"m_data", u"m_data");
+    expect_thrown<PM_Memory_Exception>([&] { BitString(bytes, 21); }, PM_ERR_NO_MEMORY, u"m_data", u"m_data");
 }
 
 TEST(BitStringTest, MoreBitsThanALengthCanTellAreRefused) {
     BitString string;
     const std::uint64_t longest = std::numeric_limits<std::uint32_t>::max();
-    expect_thrown<PM_Memory_Exception>([&] { string.reserve(longest + 1); }, 55, u"temp", u"temp");
+    expect_thrown<PM_Memory_Exception>([&] { string.reserve(longest + 1); }, PM_ERR_NO_MEMORY, u"temp",
+                                       u"temp");
     static std::size_t asked = 0;
     set_allocation_filter([](std::size_t size) {
         asked = size;
         return true;
     });
-    expect_thrown<PM_Memory_Exception>([&] { string.reserve(longest); }, 55, u"temp", u"temp");
+    expect_thrown<PM_Memory_Exception>([&] { string.reserve(longest); }, PM_ERR_NO_MEMORY, u"temp", u"temp");
     set_allocation_filter(nullptr);
     EXPECT_EQ(std::size_t{1} << 29, asked);
 }

@@ -18,8 +18,8 @@ BitString bits_of(std::string_view text) {
 TEST(DecodeBitsTest, WalkThatReachesNoNodeIsNumber90) {
     TrieNode a{'a', 1};
     const TrieNode root{0, 1, &a, nullptr};
-    expect_thrown<PM_Severe>([&] { decode_bits(&root, bits_of("010")); }, 90, u"", u"");
-    expect_thrown<PM_Severe>([&] { decode_bits(&root, bits_of("10")); }, 90, u"", u"");
+    expect_thrown<PM_Severe>([&] { decode_bits(&root, bits_of("010")); }, PM_ERR_NO_HUFFMAN_SYMBOL, u"", u"");
+    expect_thrown<PM_Severe>([&] { decode_bits(&root, bits_of("10")); }, PM_ERR_NO_HUFFMAN_SYMBOL, u"", u"");
 }
 
 TEST(DecodeBitsTest, LastBitMayLeadToNoNode) {
@@ -31,7 +31,7 @@ TEST(DecodeBitsTest, LastBitMayLeadToNoNode) {
 }
 
 TEST(DecodeBitsTest, MissingRootIsNumber90) {
-    expect_thrown<PM_Severe>([] { decode_bits(nullptr, bits_of("0")); }, 90, u"", u"");
+    expect_thrown<PM_Severe>([] { decode_bits(nullptr, bits_of("0")); }, PM_ERR_NO_HUFFMAN_SYMBOL, u"", u"");
 }
 
 TEST(DecodeBitsTest, NoBitsGiveNoBytes) {
@@ -84,8 +84,10 @@ TEST(DecodeBitsTest, WalkThatReachesNoNodeFarBehindIsNumber90) {
     TrieNode a{'a', 1};
     const TrieNode root{0, 1, &a, nullptr};
     const std::string good(many, '0');
-    expect_thrown<PM_Severe>([&] { decode_bits(&root, bits_of(good + "10")); }, 90, u"", u"");
-    expect_thrown<PM_Severe>([&] { decode_bits(&root, bits_of(good + "1" + good)); }, 90, u"", u"");
+    expect_thrown<PM_Severe>([&] { decode_bits(&root, bits_of(good + "10")); }, PM_ERR_NO_HUFFMAN_SYMBOL, u"",
+                             u"");
+    expect_thrown<PM_Severe>([&] { decode_bits(&root, bits_of(good + "1" + good)); },
+                             PM_ERR_NO_HUFFMAN_SYMBOL, u"", u"");
     EXPECT_EQ(std::string(many, 'a'), text_of(decode_bits(&root, bits_of(good + "1"))));
 }
 
@@ -109,7 +111,8 @@ TEST(DecodeBitsTest, OutputThatCannotGrowIsNumber55) {
     const int places = fail_each_allocation([&](int place) {
         const char16_t* name = place == 0 ? u"output" : u"temp";
         if (place < 3) {
-            expect_thrown<PM_Memory_Exception>([&] { decode_bits(&root, bits); }, 55, name, name);
+            expect_thrown<PM_Memory_Exception>([&] { decode_bits(&root, bits); }, PM_ERR_NO_MEMORY, name,
+                                               name);
         } else {
             EXPECT_EQ(299U, decode_bits(&root, bits).size);
         }

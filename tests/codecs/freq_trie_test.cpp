@@ -137,7 +137,7 @@ TEST(FreqTrieTest, SymbolWithTwoLeavesIsNumber91) {
     TrieNode again{'a', 2};
     const TrieNode root{0, 3, &a, &again};
     CodeTable codes;
-    expect_thrown<PM_Severe>([&] { make_codes(root, codes); }, 91, u"", u"");
+    expect_thrown<PM_Severe>([&] { make_codes(root, codes); }, PM_ERR_HUFFMAN_SYMBOL_TAKEN, u"", u"");
 }
 
 TEST(FreqTrieTest, MissingChildHasNoCode) {
