@@ -12,10 +12,31 @@
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
 #include <thread>
 #include <unistd.h>
+
+namespace {
+
+// Which changes of owner and group fail as they do for a user who may not make them.
+enum class Refused { none, owner, owner_and_group };
+Refused refused_change = Refused::none;
+
+} // namespace
+
+// Stands before the system's own: the only way to have a change refused whoever runs the tests.
+extern "C" int fchown(int file, uid_t owner, gid_t group) noexcept {
+    const bool changes_owner = owner != static_cast<uid_t>(-1);
+    const bool is_refused =
+        refused_change == Refused::owner_and_group || (refused_change == Refused::owner && changes_owner);
+    if (is_refused) {
+        errno = EPERM;
+        return -1;
+    }
+    return static_cast<int>(syscall(SYS_fchown, file, owner, group));
+}
 
 namespace pm::test {
 
@@ -23,8 +44,63 @@ namespace {
 
 using namespace pmtool;
 
+constexpr uid_t nobody = 65534;
+
+bool is_root() {
+    return geteuid() == 0;
+}
+
+struct Identity {
+    uid_t owner;
+    gid_t group;
+
+    bool operator==(const Identity&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& stream, const Identity& identity) {
+    return stream << identity.owner << ':' << identity.group;
+}
+
+// Owner and group for a file, as unlike those of a new file as the system lets whoever runs this choose them:
+// root takes strangers, anybody else a group that he is in besides his own, if there is one.
+Identity other_identity() {
+    if (is_root()) return {1234, 2345};
+    std::array<gid_t, 256> groups{};
+    const int count = getgroups(static_cast<int>(groups.size()), groups.data());
+    for (int i = 0; i < count; ++i) {
+        if (groups[static_cast<std::size_t>(i)] != getegid())
+            return {geteuid(), groups[static_cast<std::size_t>(i)]};
+    }
+    return {geteuid(), getegid()};
+}
+
+// While one lives, changes of owner and group are refused: root gives up his rights, anybody else is told so.
+class Stranger {
+public:
+    explicit Stranger(Refused refused) { refused_change = m_was_root ? Refused::none : refused; }
+    ~Stranger() { refused_change = Refused::none; }
+    Stranger(const Stranger&) = delete;
+    Stranger& operator=(const Stranger&) = delete;
+
+private:
+    bool m_was_root = is_root();
+    OrdinaryUser m_user;
+};
+
 class SafeSave : public testing::Test {
 protected:
+    void make_file_of(const std::string& name, const Identity& identity, mode_t mode) const {
+        folder.write(name, "old");
+        ASSERT_EQ(0, chown(path(name).c_str(), identity.owner, identity.group));
+        ASSERT_EQ(0, chmod(path(name).c_str(), mode));
+    }
+
+    Identity identity_of(const std::string& name) const {
+        struct stat attributes {};
+        stat(path(name).c_str(), &attributes);
+        return {attributes.st_uid, attributes.st_gid};
+    }
+
     std::string path(const std::string& name) const { return folder / name; }
 
     std::vector<std::string> file_names() const { return names_in(folder.path()); }
@@ -54,11 +130,12 @@ std::string attribute(const std::string& file, const char* name) {
     return value;
 }
 
-// Saves as nobody, who is in a group besides his own.
+// Saves as somebody who is in a group besides his own: of root nobody.
 bool save_as_member(const std::string& target, gid_t group) {
-    const bool changed = setgroups(1, &group) == 0 && setgid(65534) == 0 && setuid(65534) == 0;
-    if (changed) save_safely(target, "new");
-    return changed;
+    const bool is_member =
+        !is_root() || (setgroups(1, &group) == 0 && setgid(nobody) == 0 && setuid(nobody) == 0);
+    if (is_member) save_safely(target, "new");
+    return is_member;
 }
 
 // The list of access rights that the system keeps: owner rw, user 1234 r, group `group`, mask, others.
@@ -68,9 +145,9 @@ std::string access_list(std::uint16_t group, std::uint16_t mask, std::uint16_t o
         std::uint16_t rights;
         std::uint32_t id;
     };
-    constexpr std::uint32_t nobody = 0xFFFFFFFF;
-    const std::array entries = {Entry{0x01, 6, nobody}, Entry{0x02, 4, 1234}, Entry{0x04, group, nobody},
-                                Entry{0x10, mask, nobody}, Entry{0x20, others, nobody}};
+    constexpr std::uint32_t no_id = 0xFFFFFFFF;
+    const std::array entries = {Entry{0x01, 6, no_id}, Entry{0x02, 4, 1234}, Entry{0x04, group, no_id},
+                                Entry{0x10, mask, no_id}, Entry{0x20, others, no_id}};
     std::string bytes("\2\0\0\0", 4);
     bytes.append(reinterpret_cast<const char*>(entries.data()), sizeof entries);
     return bytes;
@@ -126,57 +203,50 @@ TEST_F(SafeSave, AccessListOfTheFolderGivesNobodyRightsToAFileWithoutOne) {
 }
 
 TEST_F(SafeSave, OwnerAndGroupStayWhereTheSystemLetsIt) {
-    if (geteuid() != 0) GTEST_SKIP() << "only root gives files away";
-    folder.write("a", "old");
-    ASSERT_EQ(0, chown(path("a").c_str(), 1234, 2345));
+    make_file_of("a", other_identity(), 0640);
     save_safely(path("a"), "new");
-    struct stat attributes {};
-    stat(path("a").c_str(), &attributes);
-    EXPECT_EQ(1234U, attributes.st_uid);
-    EXPECT_EQ(2345U, attributes.st_gid);
+    EXPECT_EQ("new", folder.read("a"));
+    EXPECT_EQ(other_identity(), identity_of("a"));
 }
 
 TEST_F(SafeSave, GroupThatIsNotKeptWidensNoRights) {
-    if (geteuid() != 0) GTEST_SKIP() << "only root makes such a file";
-    folder.write("a", "old");
     chmod(folder.path().c_str(), 0777);
-    ASSERT_EQ(0, chown(path("a").c_str(), 1234, 2345));
-    ASSERT_EQ(0, chmod(path("a").c_str(), 04664 | S_IWOTH));
+    make_file_of("a", other_identity(), 04664 | S_IWOTH);
+    make_file_of("b", {is_root() ? nobody : geteuid(), other_identity().group}, 0660);
     {
-        const OrdinaryUser user;
+        const Stranger stranger(Refused::owner_and_group);
         save_safely(path("a"), "new");
-    }
-    struct stat attributes {};
-    stat(path("a").c_str(), &attributes);
-    EXPECT_EQ(65534U, attributes.st_uid);
-    EXPECT_EQ(0666U, attributes.st_mode & 07777); // others' rights, which the new group has anyway
-    folder.write("b", "old");
-    ASSERT_EQ(0, chown(path("b").c_str(), 65534, 2345));
-    ASSERT_EQ(0, chmod(path("b").c_str(), 0660));
-    {
-        const OrdinaryUser user;
         save_safely(path("b"), "new");
     }
-    EXPECT_EQ(0600U, mode_of("b"));
+    EXPECT_EQ(is_root() ? nobody : geteuid(), identity_of("a").owner);
+    // Who is in no other group has only files whose group is kept.
+    const bool is_same_group = other_identity().group == getegid();
+    EXPECT_EQ(is_same_group ? 04666U : 0666U, mode_of("a")); // others' rights, which the new group has anyway
+    EXPECT_EQ(is_same_group ? 0660U : 0600U, mode_of("b"));
+}
+
+TEST_F(SafeSave, RefusedChangeToWhatIsTrueAlreadyTakesNoRights) {
+    make_file_of("a", {geteuid(), getegid()}, 04674);
+    refused_change = Refused::owner_and_group;
+    save_safely(path("a"), "new");
+    refused_change = Refused::none;
+    EXPECT_EQ((Identity{geteuid(), getegid()}), identity_of("a"));
+    EXPECT_EQ(04674U, mode_of("a"));
 }
 
 TEST_F(SafeSave, GroupIsKeptWhereOnlyTheOwnerCannotBe) {
-    if (geteuid() != 0) GTEST_SKIP() << "only root makes such a file";
-    folder.write("a", "old");
     chmod(folder.path().c_str(), 0777);
-    ASSERT_EQ(0, chown(path("a").c_str(), 1234, 2345));
-    ASSERT_EQ(0, chmod(path("a").c_str(), 0666));
+    make_file_of("a", other_identity(), 0666);
     const pid_t child = fork();
     if (child == 0) {
-        _exit(save_as_member(path("a"), 2345) ? 0 : 1);
+        refused_change = is_root() ? Refused::none : Refused::owner;
+        _exit(save_as_member(path("a"), other_identity().group) ? 0 : 1);
     }
     int status = 0;
     waitpid(child, &status, 0);
     EXPECT_EQ(0, status);
-    struct stat attributes {};
-    stat(path("a").c_str(), &attributes);
-    EXPECT_EQ(65534U, attributes.st_uid);
-    EXPECT_EQ(2345U, attributes.st_gid);
+    EXPECT_EQ((Identity{is_root() ? nobody : geteuid(), other_identity().group}), identity_of("a"));
+    EXPECT_EQ(0666U, mode_of("a"));
 }
 
 TEST_F(SafeSave, MissingFolderIsNamed) {
@@ -185,14 +255,20 @@ TEST_F(SafeSave, MissingFolderIsNamed) {
 }
 
 TEST_F(SafeSave, FolderThatCannotBeWrittenIsNamed) {
-    if (geteuid() != 0) GTEST_SKIP() << "made for root, who gives up the right";
     folder.write("a", "old");
     chmod(path("a").c_str(), 0666);
     chmod(folder.path().c_str(), 0555);
-    const OrdinaryUser user;
+    std::string failure;
+    {
+        const OrdinaryUser user;
+        failure = failure_of(path("a"));
+    }
+    chmod(folder.path().c_str(), 0755);
     EXPECT_EQ(path("a") + ": a file can't be made beside it in the folder " + folder.path().string() +
                   ": Access to the file is denied (error 61)",
-              failure_of(path("a")));
+              failure);
+    EXPECT_EQ("old", folder.read("a"));
+    EXPECT_EQ((std::vector<std::string>{"a"}), file_names());
 }
 
 TEST_F(SafeSave, PipeThatNobodyReadsIsRefused) {
