@@ -19,12 +19,14 @@ std::string quoted(const std::string& text) {
     return '\'' + text + '\'';
 }
 
-// Everything that the command prints, and its exit code if it isn't 0.
+// Everything that the command prints, and its exit code if it isn't 0. What the user has set for git counts
+// for nothing.
 std::string run(const std::string& command, const std::filesystem::path& folder) {
     const std::string tool_folder = std::filesystem::path(PMTOOL).parent_path();
-    const std::string line = "export LC_ALL=C.UTF-8; cd " + quoted(folder) +
-                             " && PATH=" + quoted(tool_folder) + ":$PATH && unset VISUAL EDITOR && { " +
-                             command + "\n} 2>&1";
+    const std::string line =
+        "export LC_ALL=C.UTF-8 GIT_CONFIG_NOSYSTEM=1 GIT_CONFIG_GLOBAL=/dev/null HOME=" + quoted(folder) +
+        "; unset XDG_CONFIG_HOME; cd " + quoted(folder) + " && PATH=" + quoted(tool_folder) +
+        ":$PATH && unset VISUAL EDITOR && { " + command + "\n} 2>&1";
     std::FILE* stream = popen(line.c_str(), "r");
     std::string output;
     std::array<char, 4096> block{};
