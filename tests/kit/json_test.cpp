@@ -188,6 +188,13 @@ TEST(FromJson, MistakesAreToldWithLineAndColumn) {
     EXPECT_EQ("1:1: an array can't stand here", error_in("[]"));
 }
 
+TEST(FromJson, MistakesShowNoControlCharacters) {
+    EXPECT_EQ("1:2: this isn't JSON: syntax error while parsing object key - invalid literal; last read: "
+              "'{\\x7F'; expected string literal",
+              error_in("{\x7F"));
+    EXPECT_EQ("1:22: a member \"\\u001b[1m\" can't stand here", error_in(R"({"pm9": 1, "\u001b[1m": 1})"));
+}
+
 TEST(FromJson, PropertiesThatAreNoneAreRefused) {
     const auto message = [](const std::string& members) {
         const std::string text = error_in(with_property(members));
