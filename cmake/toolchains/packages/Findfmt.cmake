@@ -1,4 +1,11 @@
 include(${CMAKE_CURRENT_LIST_DIR}/header_package.cmake)
-pm_header_package(fmt fmt::fmt fmt)
-target_compile_definitions(fmt::fmt INTERFACE FMT_HEADER_ONLY)
 set(fmt_FOUND TRUE)
+if(TARGET fmt::fmt)
+    return()
+endif()
+pm_header_package(fmt pm_fmt_headers fmt)
+# Headers that hold all would be compiled again by each source that formats.
+add_library(pm_fmt STATIC EXCLUDE_FROM_ALL ${CMAKE_CURRENT_LIST_DIR}/fmt.cpp)
+target_link_libraries(pm_fmt PUBLIC pm_fmt_headers)
+target_compile_features(pm_fmt PUBLIC cxx_std_20)
+add_library(fmt::fmt ALIAS pm_fmt)
