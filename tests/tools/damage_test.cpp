@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
@@ -12,6 +13,7 @@
 #include <pm_test_paths.h>
 #include <string>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/time.h>
 #include <sys/wait.h>
 #include <thread>
@@ -95,16 +97,17 @@ constexpr std::array internal_words = {"std::",      "basic_",    "what()",     
 
 std::string control_characters() {
     std::string characters(1, '\x7F');
-    for (char c = 0; c < ' '; ++c) {
+    for (char c = 1; c < ' '; ++c) {
         if (c != '\n') characters += c;
     }
     return characters;
 }
 
-// What no text for people has, data or messages.
+// What no text for people has, data or messages. The C library's search is many times as fast as others.
 std::string mistake_in_text(const std::string& text) {
     static const std::string control = control_characters();
-    return text.find_first_of(control) == std::string::npos ? "" : "it prints control characters: " + text;
+    const bool has_control = std::strcspn(text.c_str(), control.c_str()) != text.size();
+    return has_control ? "it prints control characters: " + text : "";
 }
 
 std::string mistake_in_messages(const std::string& text) {
@@ -222,6 +225,7 @@ protected:
     pid_t start_worker(std::size_t worker) {
         const pid_t child = fork();
         if (child != 0) return child;
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
         {
             Trial trial(GetParam(), m_input);
             while (true) {

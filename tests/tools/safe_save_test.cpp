@@ -9,6 +9,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
+#include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -24,6 +25,9 @@ namespace {
 enum class Refused { none, owner, owner_and_group };
 Refused refused_change = Refused::none;
 
+// Whether files have one name only, as on many a memory stick.
+bool link_fails = false;
+
 } // namespace
 
 // Stands before the system's own: the only way to have a change refused whoever runs the tests.
@@ -36,6 +40,14 @@ extern "C" int fchown(int file, uid_t owner, gid_t group) noexcept {
         return -1;
     }
     return static_cast<int>(syscall(SYS_fchown, file, owner, group));
+}
+
+extern "C" int link(const char* from, const char* to) noexcept {
+    if (link_fails) {
+        errno = EPERM;
+        return -1;
+    }
+    return static_cast<int>(syscall(SYS_linkat, AT_FDCWD, from, AT_FDCWD, to, 0));
 }
 
 namespace pm::test {
@@ -167,6 +179,40 @@ TEST_F(SafeSave, BackupKeepsTheOldFile) {
     EXPECT_EQ("new", folder.read("a"));
     EXPECT_EQ("old", folder.read("a.bak"));
     EXPECT_EQ((std::vector<std::string>{"a", "a.bak"}), file_names());
+}
+
+TEST_F(SafeSave, BackupWhereFilesHaveNoSecondNamesIsACopyWithTheSameRights) {
+    folder.write("a", "old");
+    chmod(path("a").c_str(), 0640);
+    link_fails = true;
+    save_safely(path("a"), "new", "~");
+    link_fails = false;
+    EXPECT_EQ("new", folder.read("a"));
+    EXPECT_EQ("old", folder.read("a~"));
+    EXPECT_EQ(0640U, mode_of("a"));
+    EXPECT_EQ(0640U, mode_of("a~"));
+    EXPECT_EQ((std::vector<std::string>{"a", "a~"}), file_names());
+}
+
+TEST_F(SafeSave, WhatAKilledProgramLeftGoesWithTheNextSaving) {
+    folder.write("a", "old");
+    folder.write(".pmtool-AbCdEf", "half");
+    folder.write(".pmtool-AbCdEf~", "older");
+    folder.write(".pmtool-GhIjKl~", "older");
+    folder.write(".pmtool-notes", "the user's own");
+    save_safely(path("a"), "new");
+    EXPECT_EQ((std::vector<std::string>{".pmtool-notes", "a"}), file_names());
+}
+
+TEST_F(SafeSave, ScratchFileOfAProgramThatLivesStays) {
+    folder.write("a", "old");
+    folder.write("b", "old");
+    ScratchFile scratch(path("a"));
+    scratch.write("new");
+    save_safely(path("b"), "new");
+    scratch.replace_target(std::nullopt);
+    EXPECT_EQ("new", folder.read("a"));
+    EXPECT_EQ((std::vector<std::string>{"a", "b"}), file_names());
 }
 
 TEST_F(SafeSave, NewFileHasNoBackup) {

@@ -83,7 +83,7 @@ private:
 };
 
 // A file beside a target that comes into its place once it is whole, and goes when this object dies or a
-// signal ends the program.
+// signal ends the program. What one that was killed has left goes when the next is made in the same folder.
 class ScratchFile {
 public:
     // In the folder of `target`, which no link stands for. It has the rights that any new file gets there if

@@ -240,6 +240,14 @@ bool wait_for_lock(int file) {
     return true;
 }
 
+// Whether nobody else has it; doesn't wait.
+bool take_lock(int file) {
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    return fcntl(file, F_OFD_SETLK, &lock) == 0;
+}
+
 // Removes what a replacing left undone.
 void remove_file(const std::string& name) {
     unlink(name.c_str());
@@ -252,24 +260,87 @@ void sync_folder(const std::string& folder) {
     close(file);
 }
 
-std::string template_beside(const std::string& target) {
+// --- scratch files
+
+constexpr std::string_view scratch_prefix = ".pmtool-";
+constexpr std::size_t scratch_random = 6;
+// Behind the name of a scratch file: the old content on its way to being a backup.
+constexpr char spare_suffix = '~';
+
+std::string in_folder_of(const std::string& target, const std::string& name) {
     const std::size_t end = target.rfind('/');
-    return (end == std::string::npos ? std::string() : target.substr(0, end + 1)) + ".pmtool-XXXXXX";
+    return (end == std::string::npos ? std::string() : target.substr(0, end + 1)) + name;
+}
+
+// With the rights that any new file gets there, or the owner's alone.
+int open_scratch(std::string& name, bool has_usual_rights) {
+    const int file = checked(mkostemp(name.data(), O_CLOEXEC));
+    if (!has_usual_rights) return file;
+    // Made once more in the ordinary way, so that it has the rights that the folder gives new files.
+    close(file);
+    unlink(name.c_str());
+    return checked(open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, new_file_mode));
+}
+
+// A scratch file is locked while its program lives: so that others can tell it from one that a program which
+// was killed left behind.
+int make_scratch(const std::string& target, std::string& name, bool has_usual_rights) {
+    while (true) {
+        name = in_folder_of(target, std::string(scratch_prefix) + std::string(scratch_random, 'X'));
+        const int file = open_scratch(name, has_usual_rights);
+        // Somebody who cleans up may have been faster.
+        if (!wait_for_lock(file) || is_at(file, name)) return file;
+        close(file);
+    }
+}
+
+bool is_scratch_name(std::string_view name) {
+    return name.starts_with(scratch_prefix) && name.size() == scratch_prefix.size() + scratch_random;
+}
+
+void remove_if_abandoned(const std::string& name) {
+    const int file = open(name.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+    if (file < 0) return;
+    if (take_lock(file)) {
+        unlink((name + spare_suffix).c_str());
+        unlink(name.c_str());
+    }
+    close(file);
+}
+
+// Removes what programs left in the folder of a target that were killed before they were done.
+void clean_up_beside(const std::string& target) {
+    DIR* list = opendir(folder_of(target).c_str());
+    if (list == nullptr) return; // may be written to but not read
+    while (const dirent* entry = readdir(list)) {
+        std::string name = entry->d_name;
+        const bool is_spare = name.ends_with(spare_suffix);
+        if (is_spare) name.pop_back();
+        if (!is_scratch_name(name)) continue;
+        const std::string path = in_folder_of(target, name);
+        remove_if_abandoned(path);
+        // A spare is never there without its scratch file while somebody works on it.
+        if (is_spare && access(path.c_str(), F_OK) != 0) unlink((path + spare_suffix).c_str());
+    }
+    closedir(list);
+}
+
+// For where a file has no second names.
+void copy_old_file(const std::string& target, const std::string& backup) {
+    ScratchFile copy(backup);
+    const std::optional<struct stat> old = attributes_of(target);
+    const std::optional<struct stat> own = attributes_of(copy.name());
+    if (!old || !own) fail(ENOENT);
+    const mode_t mode = kept_mode(old->st_mode, own->st_uid == old->st_uid, own->st_gid == old->st_gid);
+    checked(chmod(copy.name().c_str(), mode));
+    copy.write(read_whole(target));
+    copy.replace_target(std::nullopt);
 }
 
 // Under the name of the target and a suffix; what stood there goes.
-void keep_old_file(const std::string& target, const std::string& backup) {
-    std::string spare = template_beside(target);
-    const int file = checked(mkstemp(spare.data()));
-    close(file);
-    unlink(spare.c_str());
-    if (link(target.c_str(), spare.c_str()) != 0) {
-        // No second names here: a copy.
-        ScratchFile copy(backup);
-        copy.write(read_whole(target));
-        copy.replace_target(std::nullopt);
-        return;
-    }
+void keep_old_file(const std::string& target, const std::string& backup, const std::string& spare) {
+    const SignalDelay delay;
+    if (link(target.c_str(), spare.c_str()) != 0) return copy_old_file(target, backup);
     if (std::rename(spare.c_str(), backup.c_str()) != 0) {
         const int code = errno;
         unlink(spare.c_str());
@@ -413,15 +484,10 @@ FileLock::~FileLock() {
 }
 
 ScratchFile::ScratchFile(const std::string& target)
-    : m_target(target), m_name(template_beside(target)), m_is_new(kind_of(target) == FileKind::missing) {
+    : m_target(target), m_is_new(kind_of(target) == FileKind::missing) {
     const SignalDelay delay;
-    m_file = checked(mkostemp(m_name.data(), O_CLOEXEC));
-    if (m_is_new) {
-        // Made once more in the ordinary way, so that it has the rights that the folder gives new files.
-        close(m_file);
-        unlink(m_name.c_str());
-        m_file = checked(open(m_name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, new_file_mode));
-    }
+    clean_up_beside(target);
+    m_file = make_scratch(target, m_name, m_is_new);
     note_scratch_file(m_name);
 }
 
@@ -457,16 +523,16 @@ void ScratchFile::keep_attributes() {
 
 void ScratchFile::replace_target(const std::optional<std::string>& backup_suffix) {
     checked(fsync(m_file));
-    const int file = std::exchange(m_file, -1);
-    checked(close(file));
     if (backup_suffix && !m_is_new) {
-        keep_old_file(m_target, m_target + *backup_suffix);
+        keep_old_file(m_target, m_target + *backup_suffix, m_name + spare_suffix);
         note_scratch_file(m_name);
     }
     const SignalDelay delay;
     checked(std::rename(m_name.c_str(), m_target.c_str()));
     m_name.clear();
     forget_scratch_file();
+    // Only now: with the file goes its lock, and without that the name would be anybody's to clean up.
+    close(std::exchange(m_file, -1));
     sync_folder(folder_of(m_target));
 }
 
