@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <istream>
 #include <memory>
+#include <string_view>
 
 namespace pm {
 
@@ -23,6 +24,8 @@ public:
         m_at += count;
         return m_at - count;
     }
+    // What take() gives without reading on.
+    std::string_view at_hand() const { return {m_at, static_cast<std::size_t>(m_end - m_at)}; }
 
 private:
     bool fill(std::size_t count);

@@ -127,16 +127,62 @@ bool PM_DPIAFile::read_version() {
     return version == version_2;
 }
 
-// The stream from the start of the directory on. Whatever can't be had raises the stream's number.
+// Where the parts of a directory's entry stand, which follows from the lengths of its texts. Most entries are
+// shaped like the one in front of them: asking for that first, the processor needn't wait for one length to
+// find the next.
+class PM_DPIAFile::EntryShape {
+public:
+    explicit EntryShape(bool with_info) : m_with_info(with_info) {}
+
+    // Takes the shape of the entry that `bytes` begin with; false if they don't hold it whole.
+    bool fit(std::string_view bytes) {
+        return (bytes.size() >= m_length && word_at(bytes, 0) == m_descriptor_length &&
+                (!m_with_info || word_at(bytes, m_info_at - word_size) == m_info_length)) ||
+               refit(bytes);
+    }
+
+    std::size_t length() const { return m_length; }
+    std::string_view descriptor(std::string_view bytes) const {
+        return {bytes.data() + word_size, m_descriptor_length};
+    }
+    std::string_view info(std::string_view bytes) const { return {bytes.data() + m_info_at, m_info_length}; }
+    std::uint32_t offset(std::string_view bytes) const { return word_at(bytes, m_length - 2 * word_size); }
+    std::uint32_t size(std::string_view bytes) const { return word_at(bytes, m_length - word_size); }
+
+private:
+    static std::uint32_t word_at(std::string_view bytes, std::size_t at) {
+        return pm::load_u32(reinterpret_cast<const unsigned char*>(bytes.data() + at));
+    }
+
+    bool refit(std::string_view bytes) {
+        if (bytes.size() < word_size) return false;
+        m_descriptor_length = word_at(bytes, 0);
+        m_info_at = word_size + std::size_t{m_descriptor_length};
+        if (m_with_info) {
+            m_info_at += word_size;
+            if (bytes.size() < m_info_at) return forget();
+            m_info_length = word_at(bytes, m_info_at - word_size);
+        }
+        m_length = m_info_at + m_info_length + 2 * word_size;
+        return bytes.size() >= m_length || forget();
+    }
+    bool forget() {
+        m_length = std::numeric_limits<std::size_t>::max();
+        return false;
+    }
+
+    bool m_with_info;
+    std::uint32_t m_descriptor_length = 0;
+    std::uint32_t m_info_length = 0;
+    std::size_t m_info_at = 0;
+    std::size_t m_length = std::numeric_limits<std::size_t>::max(); // of the whole entry
+};
+
+// The directory, at whose start the stream stands. Whatever can't be had raises the stream's number.
 class PM_DPIAFile::DirectoryReader {
 public:
     explicit DirectoryReader(PM_DPIAFile& file)
-        : m_file(file), m_stream(*file.m_stream), m_bytes(m_stream), m_position(file.m_directory_offset) {
-        m_stream.seekg(0, std::ios::end);
-        m_file.m_file_size = m_stream.tellg();
-        m_stream.seekg(m_file.m_directory_offset);
-        m_size = static_cast<std::uint64_t>(std::max<std::streamoff>(m_file.m_file_size, 0));
-    }
+        : m_file(file), m_bytes(*file.m_stream), m_position(file.m_directory_offset) {}
 
     std::uint32_t word() { return pm::load_u32(reinterpret_cast<const unsigned char*>(bytes(word_size))); }
     // A text with its length in front. Number 55 with `what` as detail if it can't be held.
@@ -149,12 +195,18 @@ public:
             raise_no_memory(load_place, what);
         }
     }
-    // As require_bytes().
+    // As require_bytes(), for what takes memory.
     void require(std::uint64_t count) {
-        if (m_position <= m_size && count <= m_size - m_position) return;
-        m_stream.setstate(std::ios::eofbit | std::ios::failbit);
-        m_file.check_stream(load_place, m_file.file_name());
+        if (count <= pm::BlockReader::block_size) return;
+        const std::streampos here = m_file.m_stream->tellg();
+        m_file.measure_file();
+        m_file.m_stream->seekg(here);
+        m_file.require_bytes(m_position, count, load_place, m_file.file_name());
     }
+    // Hands those of the next `count` entries to the listener that need no more of the stream; gives their
+    // number.
+    template<class Listener>
+    std::int32_t hand_entries(bool with_info, std::int32_t count, Listener& listener);
     // How far it has been read.
     std::uint64_t position() const { return m_position; }
 
@@ -167,11 +219,25 @@ private:
     }
 
     PM_DPIAFile& m_file;
-    std::istream& m_stream;
     pm::BlockReader m_bytes;
     std::uint64_t m_position;
-    std::uint64_t m_size = 0;
 };
+
+template<class Listener>
+std::int32_t PM_DPIAFile::DirectoryReader::hand_entries(bool with_info, std::int32_t count,
+                                                        Listener& listener) {
+    std::string_view left = m_bytes.at_hand();
+    EntryShape shape(with_info);
+    std::int32_t heard = 0;
+    for (; heard < count && shape.fit(left); ++heard) {
+        listener.hear_descriptor(shape.descriptor(left));
+        if (with_info) listener.hear_info(shape.info(left));
+        listener.hear_place(shape.offset(left), shape.size(left));
+        left.remove_prefix(shape.length());
+    }
+    bytes(m_bytes.at_hand().size() - left.size());
+    return heard;
+}
 
 template<class Listener>
 void PM_DPIAFile::read_directory(bool with_info, Listener& listener) {
@@ -182,6 +248,8 @@ void PM_DPIAFile::read_directory(bool with_info, Listener& listener) {
         directory.require(static_cast<std::uint64_t>(count) * least_entry);
     }
     for (std::int32_t index = 0; index < count; ++index) {
+        index += directory.hand_entries(with_info, count - index, listener);
+        if (index == count) break;
         listener.hear_descriptor(directory.text(u"descriptor"));
         if (with_info) listener.hear_info(directory.text(u"info"));
         const std::uint32_t offset = directory.word();
@@ -246,8 +314,10 @@ private:
     // Nothing but its own bytes is read as a text of ASCII.
     bool is_name(std::string_view bytes) const {
         if (!m_ascii) return pm::to_wide(bytes.substr(0, bytes.find('\0')), pm::utf8_code_page) == m_name;
-        return bytes.starts_with(m_narrow) &&
-               (bytes.size() == m_narrow.size() || bytes[m_narrow.size()] == '\0');
+        const std::size_t size = m_narrow.size();
+        if (bytes.size() < size || (bytes.size() > size && bytes[size] != '\0')) return false;
+        // Names of one file mostly differ at their ends.
+        return size == 0 || (bytes[size - 1] == m_narrow.back() && bytes.starts_with(m_narrow));
     }
 
     std::u16string_view m_name;
@@ -269,12 +339,17 @@ bool PM_DPIAFile::read_sections() {
 
 // A count that the rest of the file can't hold fails like the short read that it would end in, before memory
 // is taken for it.
-void PM_DPIAFile::require_bytes(std::uint64_t count, const char16_t* place, const char16_t* name) {
-    const std::streamoff here = m_stream->tellg();
-    if (here > m_file_size || count > static_cast<std::uint64_t>(m_file_size - here)) {
+void PM_DPIAFile::require_bytes(std::uint64_t position, std::uint64_t count, const char16_t* place,
+                                const char16_t* name) {
+    if (position > m_file_size || count > m_file_size - position) {
         m_stream->setstate(std::ios::eofbit | std::ios::failbit);
     }
     check_stream(place, name);
+}
+
+void PM_DPIAFile::measure_file() {
+    m_stream->seekg(0, std::ios::end);
+    m_file_size = static_cast<std::uint64_t>(std::max<std::streamoff>(m_stream->tellg(), 0));
 }
 
 void PM_DPIAFile::load(PM_Object* target, const char16_t* base, PM_Object::FileType) {
@@ -314,9 +389,11 @@ void PM_DPIAFile::load_section(PM_Object* target, const char16_t* base, const ch
     read_directory(read_version(), section);
     if (!section.found()) fail();
 
-    m_stream->seekg(static_cast<std::streamoff>(m_data_offset) + section.offset());
+    const std::uint64_t start = std::uint64_t{m_data_offset} + section.offset();
+    measure_file();
+    m_stream->seekg(static_cast<std::streamoff>(start));
     check_stream(section_place, name);
-    require_bytes(section.size(), section_place, name);
+    require_bytes(start, section.size(), section_place, name);
     const auto block = pm::allocate_block<char>(std::size_t{section.size()} + 1);
     if (!block) return;
     m_stream->read(block.get(), section.size());

@@ -57,6 +57,7 @@ private:
 
     void check_stream(const char16_t* place, const char16_t* name) const;
 
+    class EntryShape;
     class DirectoryReader;
     class SectionList;
     class SectionSearch;
@@ -68,7 +69,10 @@ private:
     // `listener` hears of each entry's texts, as the file has them, and of where its section lies.
     template<class Listener>
     void read_directory(bool with_info, Listener& listener);
-    void require_bytes(std::uint64_t count, const char16_t* place, const char16_t* name);
+    void require_bytes(std::uint64_t position, std::uint64_t count, const char16_t* place,
+                       const char16_t* name);
+    // Finds the file's size, at which the stream then stands.
+    void measure_file();
 
     void collect_sections(const PM_Object& source, const char16_t* subtree);
     void write_sections(const PM_Object& source, const char16_t* subtree);
@@ -80,5 +84,5 @@ private:
     std::uint32_t m_data_offset = 0;
     std::unique_ptr<std::fstream> m_owned_file;
     SimpleList<DPIA_Section> m_sections;
-    std::streamoff m_file_size = 0;
+    std::uint64_t m_file_size = 0; // once it is measured
 };

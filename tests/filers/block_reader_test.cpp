@@ -69,6 +69,14 @@ TEST(BlockReader, PieceMayBeLargerThanABlock) {
     EXPECT_EQ(text.substr(10 + 3 * BlockReader::block_size, 7), taken(reader, 7));
 }
 
+TEST(BlockReader, WhatIsAtHandNeedsNoReading) {
+    std::istringstream stream("abcdef");
+    BlockReader reader(stream);
+    EXPECT_EQ("", reader.at_hand());
+    EXPECT_EQ("ab", taken(reader, 2));
+    EXPECT_EQ("cdef", reader.at_hand());
+}
+
 TEST(BlockReader, EndIsMarkedOnlyWhenAPieceRunsIntoIt) {
     std::istringstream stream("abc");
     BlockReader reader(stream);

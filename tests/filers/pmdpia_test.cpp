@@ -219,6 +219,24 @@ TEST_F(DpiaTest, LastOfManySectionsIsFound) {
     EXPECT_EQ(1, long_at(object, u"a"));
 }
 
+// Entries that differ in shape from the one in front, some of them across blocks.
+TEST_F(DpiaTest, SectionAmongEntriesOfManyShapesIsFound) {
+    constexpr int sections = 1000;
+    const auto size = static_cast<std::uint32_t>(plain_section.size());
+    for (const bool with_info : {false, true}) {
+        std::string directory = (with_info ? version_2 : version_1) + word(sections + 1);
+        for (int section = 0; section < sections; ++section) {
+            const std::string name(static_cast<std::size_t>(section % 50), 'n');
+            const std::string info(static_cast<std::size_t>(section % 7 == 0 ? 40 : 0), 'i');
+            directory += with_info ? version_2_entry(name, info, 0, 0) : version_1_entry(name, 0, 0);
+        }
+        directory += with_info ? version_2_entry("wanted", "", 3, size) : version_1_entry("wanted", 3, size);
+        load_section(directory + "???" + plain_section, u"wanted", with_info ? u"second" : u"first");
+    }
+    EXPECT_EQ(1, long_at(object, u"first\\a"));
+    EXPECT_EQ(1, long_at(object, u"second\\a"));
+}
+
 TEST_F(DpiaTest, SectionIsFoundByItsNameBeyondAscii) {
     const auto size = static_cast<std::uint32_t>(plain_section.size());
     load_section(version_1 + word(2) + version_1_entry("Buro", 0, 0) +
@@ -463,6 +481,15 @@ TEST_F(DpiaTest, EveryCutDirectoryRaises82) {
                                  u"");
     }
     load(content);
+}
+
+TEST_F(DpiaTest, EveryCutDirectoryRaises82ForASection) {
+    const std::string content =
+        version_2 + word(2) + version_2_entry("One", "first", 0, 0) + version_2_entry("Two", "second", 0, 0);
+    for (std::size_t length = 4; length < content.size(); ++length) {
+        expect_thrown<PM_Severe>([&] { load_section(content.substr(0, length), u"One"); },
+                                 PM_ERR_STREAM_FAILED, load_place, folder.wide("f.dpia").c_str());
+    }
 }
 
 TEST_F(DpiaTest, CountsAndLengthsThatCannotFitTakeNoMemory) {
