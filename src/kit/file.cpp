@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <pm/code_page.h>
 #include <pm/error_number.h>
 #include <pm/exception.h>
@@ -288,6 +289,16 @@ std::u16string loadable_path(const std::u16string& file, bool folder, const Inpu
     throw Error(fmt::format("{}: the folder holds no string file such as strings.pdt", input.file));
 }
 
+// A compound file for the library to have for itself. Nothing if there can't be one, or if the file can't be
+// read: the library says why.
+std::unique_ptr<ScratchFile> copy_of(const Input& input) {
+    try {
+        return std::make_unique<ScratchFile>(read_bytes(system_path(input.file), input.file));
+    } catch (const Error&) {
+        return nullptr;
+    }
+}
+
 void read_named(FileContent& content, const Input& input, bool folder) {
     const std::u16string file = file_name_to_utf16(input.file);
     Source source;
@@ -302,6 +313,12 @@ void read_named(FileContent& content, const Input& input, bool folder) {
     source.path = loadable_path(file, folder && source.type == PM_Object::FILE_PDT, input);
     if (folder && source.type != PM_Object::FILE_PDT) {
         throw Error(fmt::format("{}: this is a folder, not a {} file", input.file, format_name(source.type)));
+    }
+    std::unique_ptr<ScratchFile> copy;
+    if (source.type == PM_Object::FILE_DOC && !input.exclusive) copy = copy_of(input);
+    if (copy != nullptr) {
+        source.path = copy->name();
+        source.scratch = true;
     }
     read_source(content, input, source);
 }

@@ -1,6 +1,7 @@
 #include "kit/errors.h"
 #include "pm_test_paths.h"
 #include "support/exceptions.h"
+#include "support/ordinary_user.h"
 #include "support/temp_folder.h"
 #include <gmock/gmock.h>
 #include <pm/code_page.h>
@@ -101,6 +102,20 @@ TEST(ReadFile, SectionThatIsNotThereNamesThoseThatAre) {
               error_of([] { (void)read_sample("three-plotters.cfg", "1x"); }));
     EXPECT_EQ(sample("plotter.pia") + ": a pia file has no sections",
               error_of([] { (void)read_sample("plotter.pia", "x"); }));
+}
+
+TEST(ReadFile, CompoundFileNeedNotBeWritable) {
+    const TempFolder folder;
+    const std::string name = (folder / "a.doc").string();
+    Tree tree;
+    tree.set("\\a", 7);
+    save(tree, file_name_to_utf16(name), {.type = PM_Object::FILE_DOC});
+    std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
+    std::filesystem::permissions(name, std::filesystem::perms(0444));
+    const pm::test::OrdinaryUser user;
+    EXPECT_EQ(7, read_file({.file = name}).tree.get<int>("\\a"));
+    expect_thrown<PM_Severe>([&] { (void)read_file({.file = name, .exclusive = true}); }, PM_ERR_NOT_OPENED,
+                             u"PM_DOCFile::open()", file_name_to_utf16(name));
 }
 
 TEST(ReadFile, MissingFileIsTheLibrarys) {

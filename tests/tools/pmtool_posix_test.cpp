@@ -1,6 +1,10 @@
 #include "tools/run_tool.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace pm::test {
 
@@ -52,6 +56,46 @@ TEST_F(PmToolPosix, SpecialFileIsWrittenToAndStays) {
     const ToolRun result = run({"convert", "a.pia", "out.pia"});
     EXPECT_EQ(0, result.status);
     EXPECT_TRUE(std::filesystem::is_symlink(folder / "out.pia"));
+}
+
+TEST_F(PmToolPosix, CompoundFileThatAnotherProgramHasOpenIsRead) {
+    expect_output({"convert", "a.pia", "a.doc"}, "");
+    const int file = open((folder / "a.doc").c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(0, flock(file, LOCK_EX));
+    expect_output({"get", "a.doc", "a"}, "1\n");
+    expect_output({"check", "a.doc", "--roundtrip"}, "a.doc: no bad lines\n");
+    expect_output({"diff", "a.pia", "a.doc"}, "a.pia and a.doc hold equal trees.\n");
+    // What is in the middle of being written must not be written back.
+    expect_trouble({"set", "a.doc", "a", "2"},
+                   "a.doc: The file can't be opened, or it isn't a file of the expected kind (error 56)");
+    close(file);
+    expect_output({"set", "a.doc", "a", "2"}, "");
+}
+
+TEST_F(PmToolPosix, CompoundFileIsReadByManyAtOnceWhileItIsEdited) {
+    expect_output({"convert", "a.pia", "a.doc"}, "");
+    constexpr int programs = 24;
+    for (int i = 1; i <= programs; ++i) {
+        if (fork() != 0) continue;
+        if (i % 4 == 0) _exit(run({"set", "a.doc", "n" + std::to_string(i), std::to_string(i)}).status);
+        const ToolRun result = run({"get", "a.doc", "a"});
+        _exit(result.out == "1\n" ? result.status : 3);
+    }
+    for (int i = 1; i <= programs; ++i) {
+        int status = 0;
+        wait(&status);
+        EXPECT_EQ(0, status);
+    }
+    expect_output({"get", "a.doc", "n4", "n8", "n12", "n16", "n20", "n24"}, "4\n8\n12\n16\n20\n24\n");
+}
+
+TEST_F(PmToolPosix, CompoundFileThatCanOnlyBeReadIsRead) {
+    expect_output({"convert", "a.pia", "a.doc"}, "");
+    std::filesystem::permissions(folder / "a.doc", std::filesystem::perms(0444));
+    EXPECT_EQ("1\n", run_unprivileged({"get", "a.doc", "a"}).out);
+    EXPECT_EQ(0, run_unprivileged({"check", "a.doc"}).status);
+    EXPECT_EQ(0, run_unprivileged({"set", "a.doc", "a", "2", "-o", "b.doc"}).status);
+    expect_output({"get", "b.doc", "a"}, "2\n");
 }
 
 TEST_F(PmToolPosix, UnreadableFileIsTrouble) {

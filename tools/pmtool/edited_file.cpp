@@ -19,9 +19,10 @@ bool is_in_place(const SourceOptions& source, const TargetOptions& target) {
 }
 
 // The section is looked for in the file as a whole: all of it is written again.
-SourceOptions whole(const SourceOptions& options) {
+SourceOptions whole(const SourceOptions& options, bool in_place) {
     SourceOptions all = options;
     all.section.clear();
+    all.exclusive = in_place;
     return all;
 }
 
@@ -49,7 +50,7 @@ EditedFile::EditedFile(const SourceOptions& source, const TargetOptions& target)
     const bool in_place = is_in_place(source, target);
     if (m_target.file.empty()) m_target.file = source.file;
     if (in_place && !m_target.dry_run) m_lock.emplace(follow_links(source.file));
-    m_source = read_source(whole(source), Damage::keep);
+    m_source = read_source(whole(source, in_place && !m_target.dry_run), Damage::keep);
     const Format& format = m_source.is_json ? format_named("json") : format_of(m_source.content.type);
     if (!format.is_written) {
         throw Failure(

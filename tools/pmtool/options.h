@@ -13,6 +13,7 @@ struct SourceOptions {
     std::string from = {};    // empty: by content
     std::string section = {}; // empty: all
     bool keep_going = false;
+    bool exclusive = false; // kit::Input::exclusive: for a file that is changed in place
 };
 
 // How a file is written.

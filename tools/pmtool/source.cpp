@@ -71,9 +71,11 @@ struct Reading {
 Reading read_once(const kit::Input& input, const std::optional<std::string>& content) {
     const Progress progress("reading " + input.file);
     Reading reading;
+    // Some content is read from a temporary file, and compound files are.
+    std::optional<SignalDelay> delay;
+    if (content || input.type == PM_Object::FILE_DOC) delay.emplace();
     try {
         if (content) {
-            const SignalDelay delay; // some content is read from a temporary file
             kit::read_content_into(reading.content, *content, input);
         } else {
             kit::read_into(reading.content, input);
@@ -178,6 +180,7 @@ Source read_source(const SourceOptions& options, Damage damage) {
     kit::Input input{.file = shown_name(options.file),
                      .type = format.type,
                      .section = options.section,
+                     .exclusive = options.exclusive,
                      .keep_going = true};
     Reading reading = read_once(input, content);
     Source source{options.file};
@@ -204,6 +207,7 @@ std::vector<std::string> losses_of_reading(const Source& source) {
     kit::CheckOptions options{.type = source.content.type, .section = source.section};
     options.code_page = source.code_page;
     const std::string name = shown_name(source.file);
+    const SignalDelay delay; // as for reading
     std::vector<kit::Diagnostic> found = source.bytes ? kit::check_content(*source.bytes, name, options)
                                                       : kit::check_file(source.file, options);
     // Those with a number are reports of the load, which were told.

@@ -25,6 +25,11 @@ struct Input {
     // file is read (code_page.h: for the whole process).
     unsigned code_page = 0;
     OnReport on_report = {}; // asked as by a load of tree.h
+    // Whether a DOC file is opened as the library opens one: for this process alone and for writing too,
+    // which fails with 56 while another has it open. Otherwise its bytes are read first, so that any number
+    // may read it at once, and one that can only be read; what is written to meanwhile without being replaced
+    // is then read half.
+    bool exclusive = false;
     // What ends the reading of a section, or of a file of one tree, is its last report, and what was read
     // before it stays; the other sections are read.
     bool keep_going = false;
@@ -70,8 +75,8 @@ struct FileContent {
 };
 
 // Reads a file. Bad lines become reports. A file that isn't a regular one, such as a pipe, is read to its end
-// first, and so is standard input. DOC, DPIA and CFG content that isn't in a file goes through a temporary
-// one, whose name no report shows.
+// first, and so is standard input. A DOC file, and DPIA and CFG content that isn't in a file, goes through a
+// temporary one, whose name no report shows.
 //
 // Throws Error: a file of no known kind, a folder without a string file, a section of a file that has none, a
 // section or plotter that isn't there (the message names those that are), a number that isn't one, no place

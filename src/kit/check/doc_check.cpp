@@ -202,9 +202,9 @@ void check_doc(const CheckedContent& content, const Place& where, Findings& find
                       .message = file.failure(),
                       .number = PM_ERR_NOT_OPENED});
     }
-    std::optional<ContentFile> copy;
-    if (content.file.empty()) copy.emplace(content.bytes);
-    const std::u16string name = file_name_to_utf16(copy ? copy->name() : content.file);
+    // The library would open the file itself for writing, and for this process alone.
+    const ContentFile copy(content.bytes);
+    const std::u16string name = file_name_to_utf16(copy.name().empty() ? content.file : copy.name());
     if (name.empty()) return;
     Tree tree;
     std::vector<Heard> heard =

@@ -130,9 +130,8 @@ void round_trip_pia(std::string_view bytes, const Place& where, Findings& findin
 }
 
 void round_trip_doc(const CheckedContent& content, const Place& where, Findings& findings) {
-    std::optional<ContentFile> copy;
-    if (content.file.empty()) copy.emplace(content.bytes);
-    const std::u16string name = file_name_to_utf16(copy ? copy->name() : content.file);
+    const ContentFile copy(content.bytes);
+    const std::u16string name = file_name_to_utf16(copy.name());
     const ContentFile written("");
     const std::u16string written_name = file_name_to_utf16(written.name());
     if (name.empty() || written_name.empty()) return;

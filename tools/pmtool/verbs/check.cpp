@@ -59,9 +59,14 @@ Json json_of(const kit::Diagnostic& diagnostic) {
 
 std::vector<kit::Diagnostic> check_one(const std::string& file, const kit::CheckOptions& options) {
     try {
-        if (file == "-") return kit::check_content(read_standard_input(), "standard input", options);
-        if (kind_of(file) == FileKind::special) return kit::check_content(read_whole(file), file, options);
-        return kit::check_file(file, options);
+        const FileKind kind = kind_of(file);
+        if (kind == FileKind::folder) return kit::check_file(file, options);
+        std::optional<std::string> content;
+        if (file == "-") content = read_standard_input();
+        if (file != "-" && kind == FileKind::special) content = read_whole(file);
+        const SignalDelay delay; // a compound file is looked at in a temporary one
+        if (!content) return kit::check_file(file, options);
+        return kit::check_content(*content, file == "-" ? "standard input" : file, options);
     } catch (const std::system_error& e) {
         throw system_failure(file, e.code().value());
     }
