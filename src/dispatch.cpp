@@ -1,3 +1,4 @@
+#include "base/no_memory.h"
 #include "filers/pmdoc.h"
 #include "filers/pmdpia.h"
 #include "filers/pmpia.h"
@@ -82,12 +83,14 @@ FilerMaker find_version_maker(FileType type) {
 // The calls of one operation. errno starts at 0 in each, so that a stream that fails for no reason of the
 // system's isn't blamed on an older one.
 template<class Begin, class Work>
-void drive(PM_File& filer, Begin begin, Work work) {
-    errno = 0;
-    begin(filer);
-    errno = 0;
-    work(filer);
-    filer.close();
+void drive(PM_File& filer, const char16_t* place, Begin begin, Work work) {
+    pm::telling_no_memory(place, u"", source, [&] {
+        errno = 0;
+        begin(filer);
+        errno = 0;
+        work(filer);
+        filer.close();
+    });
 }
 
 auto open_file(const char16_t* path, bool write) {
@@ -102,26 +105,26 @@ auto attach_stream(std::iostream& stream) {
 
 void PM_Object::load(const char16_t* path, FileType type, const char16_t* base) {
     const auto filer = make_filer(m_root, find_maker(type, &FilerRow::loads_path), m_handler, load_place);
-    drive(*filer, open_file(path, false), [&](PM_File& each) { each.load(this, base, type); });
+    drive(*filer, load_place, open_file(path, false), [&](PM_File& each) { each.load(this, base, type); });
 }
 
 void PM_Object::load(std::iostream& stream, FileType type, const char16_t* base) {
     const auto filer = make_filer(m_root, find_maker(type, &FilerRow::loads_stream), m_handler, load_place);
-    drive(*filer, attach_stream(stream), [&](PM_File& each) { each.load(this, base, type); });
+    drive(*filer, load_place, attach_stream(stream), [&](PM_File& each) { each.load(this, base, type); });
 }
 
 void PM_Object::load_section(const char16_t* path, FileType type, const char16_t* base,
                              const char16_t* name) {
     const auto maker = type == FILE_DPIA ? make<PM_DPIAFile> : nullptr;
     const auto filer = make_filer(m_root, maker, m_handler, load_place);
-    drive(*filer, open_file(path, false),
+    drive(*filer, load_place, open_file(path, false),
           [&](PM_File& each) { static_cast<PM_DPIAFile&>(each).load_section(this, base, name); });
 }
 
 void PM_Object::load_cfg_section(const char16_t* path, FileType type, const char16_t* base, int n) {
     const auto maker = type == FILE_CFG ? make<PM_CFGFile> : nullptr;
     const auto filer = make_filer(m_root, maker, m_handler, load_place);
-    drive(*filer, open_file(path, false),
+    drive(*filer, load_place, open_file(path, false),
           [&](PM_File& each) { static_cast<PM_CFGFile&>(each).load_section(this, base, n); });
 }
 
@@ -134,7 +137,8 @@ void PM_Object::save(const char16_t* path, FileType type, const char16_t* tag, c
                      bool utf8) const {
     const auto filer = make_filer(m_root, find_maker(type, &FilerRow::saves_path), nullptr, save_place);
     if (type == FILE_PIA) static_cast<PM_PIAFile&>(*filer).set_utf8(utf8);
-    drive(*filer, open_file(path, true), [&](PM_File& each) { each.save(this, subtree, type, tag); });
+    drive(*filer, save_place, open_file(path, true),
+          [&](PM_File& each) { each.save(this, subtree, type, tag); });
 }
 
 void PM_Object::save(std::iostream& stream, FileType type, const char16_t* tag,
@@ -146,13 +150,15 @@ void PM_Object::save(std::iostream& stream, FileType type, const char16_t* tag, 
                      bool utf8) const {
     const auto filer = make_filer(m_root, find_maker(type, &FilerRow::saves_stream), nullptr, save_place);
     if (type == FILE_PIA) static_cast<PM_PIAFile&>(*filer).set_utf8(utf8);
-    drive(*filer, attach_stream(stream), [&](PM_File& each) { each.save(this, subtree, type, tag); });
+    drive(*filer, save_place, attach_stream(stream),
+          [&](PM_File& each) { each.save(this, subtree, type, tag); });
 }
 
 void PM_Object::getFileVersion(const char16_t* path, char16_t* buffer, std::size_t size,
                                FileType type) const {
     const auto filer = make_filer(m_root, find_version_maker(type), nullptr, version_place);
-    drive(*filer, open_file(path, false), [&](PM_File& each) { each.getVersion(buffer, size); });
+    drive(*filer, version_place, open_file(path, false),
+          [&](PM_File& each) { each.getVersion(buffer, size); });
 }
 
 void PM_Object::getFileVersion(const char16_t* path, char16_t* buffer, FileType type) const {

@@ -1,4 +1,5 @@
 #include "base/little_endian.h"
+#include "base/no_memory.h"
 #include "base/text.h"
 #include "filers/memory_stream.h"
 #include "filers/pmdpia.h"
@@ -20,6 +21,8 @@ namespace {
 
 constexpr const char16_t* source = u"$Workfile: inspect $ $Revision: #1 $";
 constexpr const char16_t* place = u"pm::identify()";
+constexpr const char16_t* sections_place = u"pm::dpia_sections()";
+constexpr const char16_t* plotters_place = u"pm::cfg_plotters()";
 
 constexpr std::string_view white_space = " \t\r\n\v\f";
 constexpr std::string_view pia_start = "PIAFILEVERSION_";
@@ -152,6 +155,8 @@ std::optional<FileIdentity> dpia_file(std::string_view content) {
         PM_DPIAFile filer(nullptr);
         filer.attach(&stream);
         if (filer.count_sections() != identity.section_count) return std::nullopt;
+    } catch (const PM_Memory_Exception&) {
+        throw;
     } catch (const ZT_Exception&) {
         return std::nullopt;
     }
@@ -224,12 +229,31 @@ std::vector<std::u16string> table_names(std::u16string_view folder) {
     return names;
 }
 
+std::optional<std::u16string> look_for_string_file(std::u16string_view folder) {
+    std::u16string prefix(folder);
+    if (!prefix.empty() && !prefix.ends_with(u'/')) prefix += u'/';
+    const std::vector<std::u16string> names = table_names(folder);
+    auto found = std::ranges::find_if(
+        names, [](const std::u16string& name) { return equals_ignoring_case(name, string_file_name); });
+    if (found == names.end()) {
+        found = std::ranges::find_if(
+            names, [&](const std::u16string& name) { return holds_strings(read_file(prefix + name)); });
+    }
+    if (found == names.end()) return std::nullopt;
+    return prefix + *found;
+}
+
 FileIdentity identify_folder(const std::u16string& folder) {
-    std::optional<std::u16string> file = find_string_file(folder);
+    std::optional<std::u16string> file = look_for_string_file(folder);
     if (!file) fail(EISDIR, folder);
     FileIdentity identity = known_by(PM_Object::FILE_PDT, Evidence::string_file);
     identity.string_file = std::move(*file);
     return identity;
+}
+
+template<class Work>
+auto telling(const char16_t* work_place, Work work) {
+    return telling_no_memory(work_place, u"", source, work);
 }
 
 // Runs a filer's listing over a file, or a stream, as a load runs its own reading.
@@ -254,46 +278,42 @@ auto list_stream(std::iostream& stream, List list) {
 } // namespace
 
 std::optional<FileIdentity> identify(std::u16string_view file) {
-    const std::u16string name(file);
-    if (is_folder(name)) return identify_folder(name);
-    return identify_content(read_file(name));
+    return telling(place, [file] {
+        const std::u16string name(file);
+        if (is_folder(name)) return std::optional(identify_folder(name));
+        return identify_content(read_file(name));
+    });
 }
 
 std::optional<FileIdentity> identify_content(std::string_view content) {
-    for (const auto probe : probes) {
-        if (std::optional<FileIdentity> identity = probe(content)) return identity;
-    }
-    return std::nullopt;
+    return telling(place, [content]() -> std::optional<FileIdentity> {
+        for (const auto probe : probes) {
+            if (std::optional<FileIdentity> identity = probe(content)) return identity;
+        }
+        return std::nullopt;
+    });
 }
 
 std::optional<std::u16string> find_string_file(std::u16string_view folder) {
-    std::u16string prefix(folder);
-    if (!prefix.empty() && !prefix.ends_with(u'/')) prefix += u'/';
-    const std::vector<std::u16string> names = table_names(folder);
-    auto found = std::ranges::find_if(
-        names, [](const std::u16string& name) { return equals_ignoring_case(name, string_file_name); });
-    if (found == names.end()) {
-        found = std::ranges::find_if(
-            names, [&](const std::u16string& name) { return holds_strings(read_file(prefix + name)); });
-    }
-    if (found == names.end()) return std::nullopt;
-    return prefix + *found;
+    return telling(place, [folder] { return look_for_string_file(folder); });
 }
 
 std::vector<DpiaSection> dpia_sections(std::u16string_view file) {
-    return list_file<PM_DPIAFile>(file, &PM_DPIAFile::list_sections);
+    return telling(sections_place, [&] { return list_file<PM_DPIAFile>(file, &PM_DPIAFile::list_sections); });
 }
 
 std::vector<DpiaSection> dpia_sections(std::iostream& stream) {
-    return list_stream<PM_DPIAFile>(stream, &PM_DPIAFile::list_sections);
+    return telling(sections_place,
+                   [&] { return list_stream<PM_DPIAFile>(stream, &PM_DPIAFile::list_sections); });
 }
 
 std::vector<CfgPlotter> cfg_plotters(std::u16string_view file) {
-    return list_file<PM_CFGFile>(file, &PM_CFGFile::list_plotters);
+    return telling(plotters_place, [&] { return list_file<PM_CFGFile>(file, &PM_CFGFile::list_plotters); });
 }
 
 std::vector<CfgPlotter> cfg_plotters(std::iostream& stream) {
-    return list_stream<PM_CFGFile>(stream, &PM_CFGFile::list_plotters);
+    return telling(plotters_place,
+                   [&] { return list_stream<PM_CFGFile>(stream, &PM_CFGFile::list_plotters); });
 }
 
 } // namespace pm

@@ -15,8 +15,8 @@
 //
 // File names are as those of PM_Object::load(). Streams stay the caller's and open; they are read from their
 // start. Texts and vectors are the caller's own. Nothing here calls a handler: what a load would report is
-// thrown, as it is by a load without one (ZT_Exception). Standard exceptions come out for want of memory
-// only.
+// thrown, as it is by a load without one (ZT_Exception). Want of memory is number 55, or 64 where the system
+// has none for the file.
 namespace pm {
 
 // --- files
@@ -53,7 +53,7 @@ struct FileIdentity {
 // 61 (access denied), 68 (a folder without a string file), 62, 64, 72, 73 and 78 as the system says, 82 for
 // anything else.
 PM_API std::optional<FileIdentity> identify(std::u16string_view file);
-// The same for content at hand. Never throws but for want of memory.
+// The same for content at hand. Throws nothing but number 55.
 PM_API std::optional<FileIdentity> identify_content(std::string_view content);
 
 // The string file of a device description in a folder, as PM_Object::load() takes it: "strings.pdt" in any

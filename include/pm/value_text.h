@@ -3,8 +3,8 @@
 #include <pm/export.h>
 #include <pm/zt_string.h>
 
-// Text forms of values. Bad input gives false or 0; only a lack of memory, or a null text in a list of
-// strings, raises (number 55).
+// Text forms of values. Bad input gives false or 0; of these only the functions for compound strings
+// raise, for a lack of memory or a null text (number 55).
 
 // Writes `size` bytes as two uppercase hexadecimal digits each and a terminator; `out` holds
 // 2 * size + 1 bytes. False if a pointer is null or `size` isn't above 0.
@@ -17,7 +17,7 @@ PM_API bool pm_hex_to_bin(const char* text, void* out);
 
 // Decodes an armoured text: 4 characters of 32 to 95 for each 3 bytes, ended by a check value over the
 // bytes before it. 1 on success: *out is a new block of *size bytes, released with std::free. 0, with both
-// untouched, if the text is none of this form or the check value differs.
+// untouched, if the text is none of this form, if the check value differs, or without memory.
 PM_API int stringtobinary(const char16_t* text, char** out, unsigned* size);
 
 // Packs texts into one: each in the system's code page with its terminator, one more zero byte, all as

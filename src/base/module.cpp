@@ -1,5 +1,6 @@
 #include "base/module.h"
 
+#include "base/no_memory.h"
 #include "platform/resource_library.h"
 #include <array>
 #include <atomic>
@@ -67,6 +68,7 @@ bool pm_error_text(std::uint32_t number, ZT_String& out) {
     if (text.empty()) return false;
     std::array<char16_t, 0x400> line{}; // longer than any text; a longer one is cut
     text.copy(line.data(), line.size() - 1);
-    out.copy(line.data());
+    pm::telling_no_memory(u"pm_error_text()", u"", u"$Workfile: module $ $Revision: #1 $",
+                          [&] { out.copy(line.data()); });
     return true;
 }

@@ -1,6 +1,7 @@
 #include "store/value_text.h"
 
 #include "base/allocator.h"
+#include "base/no_memory.h"
 #include "base/text.h"
 #include "base/widen.h"
 #include "platform/code_page.h"
@@ -364,6 +365,10 @@ std::size_t compound_size(std::span<const char* const> list) {
     return size;
 }
 
+void take(std::string_view narrow, ZT_String& out) {
+    pm::telling_no_memory(place, u"c_str", source, [&] { out.copy(pm::to_wide(narrow).c_str()); });
+}
+
 void write_hex(std::span<const std::uint8_t> bytes, char* out) {
     constexpr const char* digits = "0123456789ABCDEF";
     for (const std::uint8_t byte : bytes) {
@@ -416,7 +421,7 @@ bool drc_compound_str_from_list(const char** list, int count, ZT_String& out) {
 
     const auto hex = allocate_or_throw<char>(2 * size + 1, u"c_str");
     write_hex({compound.get(), size}, hex.get());
-    out.copy(pm::to_wide(hex.get()).c_str());
+    take(hex.get(), out);
     return true;
 }
 
@@ -440,7 +445,7 @@ bool extract_compound_str_ex(const char16_t* text, ZT_String& a, ZT_String& b) {
     for (ZT_String* target : {&a, &b}) {
         const std::string_view string = rest.substr(0, rest.find('\0'));
         if (string.empty()) return false;
-        target->copy(pm::to_wide(string).c_str());
+        take(string, *target);
         rest.remove_prefix(std::min(string.size() + 1, rest.size()));
     }
     return true;
