@@ -1,6 +1,7 @@
 #include "edited_file.h"
 
 #include "failure.h"
+#include "progress.h"
 #include "text.h"
 #include <algorithm>
 #include <fmt/format.h>
@@ -85,7 +86,12 @@ int EditedFile::change(std::span<const kit::Edit> edits) {
         if (!edit.target.empty()) edit.target = full(edit.target);
     }
     try {
-        return write(kit::applied(m_source.content.tree, placed));
+        std::optional<pm::Tree> changed;
+        {
+            const Progress progress("changing " + m_source.file);
+            changed = kit::applied(m_source.content.tree, placed);
+        }
+        return write(*changed);
     } catch (const kit::Error& e) {
         throw edit_failure(m_source.file, e);
     }

@@ -1,6 +1,7 @@
 #include "progress.h"
 
 #include "system.h"
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <fmt/format.h>
@@ -9,12 +10,21 @@ namespace pmtool {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 constexpr int quiet_seconds = 2;
+
+// When the first work began: what takes long may be many short pieces.
+Clock::time_point start() {
+    static const Clock::time_point time = Clock::now();
+    return time;
+}
 
 } // namespace
 
 Progress::Progress(std::string what) : m_what(std::move(what)) {
     if (!is_terminal(Stream::err)) return;
+    (void)start();
     const SignalDelay delay; // signals are for the thread that works
     m_thread = std::thread([this] { show(); });
 }
@@ -32,10 +42,10 @@ Progress::~Progress() {
 void Progress::show() {
     std::unique_lock lock(m_mutex);
     bool is_shown = false;
-    for (int seconds = 1; !m_changed.wait_for(lock, std::chrono::seconds(1), [this] { return m_done; });
-         ++seconds) {
-        if (seconds < quiet_seconds) continue;
-        fmt::print(stderr, "\r{} ... {} s", m_what, seconds);
+    const auto worked = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start());
+    auto next = std::max<std::chrono::seconds>(worked, std::chrono::seconds(quiet_seconds - 1));
+    while (!m_changed.wait_until(lock, start() + ++next, [this] { return m_done; })) {
+        fmt::print(stderr, "\r{} ... {} s", m_what, next.count());
         std::fflush(stderr);
         is_shown = true;
     }

@@ -7,8 +7,8 @@
 
 namespace pmtool {
 
-// Work that may take long: after some seconds a line on the terminal of standard error says what it is and
-// for how long, until this dies. Elsewhere nothing is shown.
+// Work that may take long: once the program has worked for some seconds a line on the terminal of standard
+// error says what it is at and for how long it works, until this dies. Elsewhere nothing is shown.
 class Progress {
 public:
     explicit Progress(std::string what);

@@ -207,6 +207,7 @@ std::vector<std::string> losses_of_reading(const Source& source) {
     kit::CheckOptions options{.type = source.content.type, .section = source.section};
     options.code_page = source.code_page;
     const std::string name = shown_name(source.file);
+    const Progress progress("checking " + name);
     const SignalDelay delay; // as for reading
     std::vector<kit::Diagnostic> found = source.bytes ? kit::check_content(*source.bytes, name, options)
                                                       : kit::check_file(source.file, options);

@@ -1,6 +1,7 @@
 #include "failure.h"
 #include "json.h"
 #include "options.h"
+#include "progress.h"
 #include "source.h"
 #include "system.h"
 #include "text.h"
@@ -58,6 +59,8 @@ Json json_of(const kit::Diagnostic& diagnostic) {
 }
 
 std::vector<kit::Diagnostic> check_one(const std::string& file, const kit::CheckOptions& options) {
+    const std::string name = file == "-" ? "standard input" : file;
+    const Progress progress("checking " + name);
     try {
         const FileKind kind = kind_of(file);
         if (kind == FileKind::folder) return kit::check_file(file, options);
@@ -66,7 +69,7 @@ std::vector<kit::Diagnostic> check_one(const std::string& file, const kit::Check
         if (file != "-" && kind == FileKind::special) content = read_whole(file);
         const SignalDelay delay; // a compound file is looked at in a temporary one
         if (!content) return kit::check_file(file, options);
-        return kit::check_content(*content, file == "-" ? "standard input" : file, options);
+        return kit::check_content(*content, name, options);
     } catch (const std::system_error& e) {
         throw system_failure(file, e.code().value());
     }

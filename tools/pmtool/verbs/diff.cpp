@@ -1,6 +1,7 @@
 #include "failure.h"
 #include "json.h"
 #include "options.h"
+#include "progress.h"
 #include "source.h"
 #include "terminal.h"
 #include "text.h"
@@ -97,8 +98,10 @@ int diff(const DiffOptions& options) {
     kit::CompareOptions compare = options.compare;
     compare.order = !options.no_order;
     compare.strictness = options.strict;
-    const std::vector<kit::Difference> differences =
-        kit::compare(a.value_or(nothing.root()), b.value_or(nothing.root()), compare);
+    const std::vector<kit::Difference> differences = [&] {
+        const Progress progress("comparing");
+        return kit::compare(a.value_or(nothing.root()), b.value_or(nothing.root()), compare);
+    }();
     tell_dropped(first);
     tell_dropped(second);
     print(options, differences);
