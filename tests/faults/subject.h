@@ -1,6 +1,7 @@
 #pragma once
 
 #include "faults/memory_faults.h"
+#include "faults/system_calls.h"
 #include "store/pmpmgr.h"
 #include "support/temp_folder.h"
 #include "support/tree_dump.h"
@@ -113,7 +114,10 @@ public:
 
     // Where a file may be saved.
     const std::u16string& target() const { return m_target; }
-    std::string saved() const { return TempFolder::read_file(to_narrow(m_target, utf8_code_page)); }
+    std::string saved() const {
+        const CallsSpared test;
+        return TempFolder::read_file(to_narrow(m_target, utf8_code_page));
+    }
 
     CountedObject object{this};
 

@@ -28,6 +28,14 @@ void set_call_folder(const char* folder);
 void set_call_fault(const CallFault& fault);
 // Whether a call failed since then.
 bool call_fault_hit();
+// While one lives, no call counts: what the test does for itself.
+class CallsSpared {
+public:
+    CallsSpared();
+    ~CallsSpared();
+    CallsSpared(const CallsSpared&) = delete;
+    CallsSpared& operator=(const CallsSpared&) = delete;
+};
 // Appends what changes the folder's files to the file of that name, a line each; null ends it.
 //   create NAME | truncate NAME SIZE | write NAME OFFSET HEX | sync NAME | name OLD NEW | link OLD NEW |
 //   unlink NAME; names are those below the folder, "." the folder itself.
