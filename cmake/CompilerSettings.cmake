@@ -1,3 +1,8 @@
+set(PM_X86_64 OFF)
+if(CMAKE_SYSTEM_PROCESSOR STREQUAL x86_64)
+    set(PM_X86_64 ON)
+endif()
+
 # One interface target that every target of this project links: language, warnings, instrumentation.
 add_library(pm_settings INTERFACE)
 target_compile_features(pm_settings INTERFACE cxx_std_20)
@@ -29,8 +34,23 @@ if(PM_LIBFUZZER)
     target_compile_options(pm_settings INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
+# What is shipped links this too: with it a mistake is harder to make use of. The sanitizers look for mistakes
+# themselves, and what isn't optimised has no checked copies. tests/install/hardening_test.py reads the results.
+add_library(pm_hardening INTERFACE)
+if(NOT WIN32 AND NOT PM_SANITIZE AND NOT PM_SANITIZE_THREADS)
+    set(PM_HARDENED ON)
+    target_compile_options(pm_hardening INTERFACE
+        -fstack-protector-strong
+        "$<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3>"
+        $<$<BOOL:${PM_X86_64}>:-fcf-protection>)
+    target_link_options(pm_hardening INTERFACE LINKER:-z,relro,-z,now,-z,noexecstack)
+endif()
+
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+# Programs that load anywhere: the option of the compiler alone doesn't make them.
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
 if(WIN32)
     set(CMAKE_SHARED_LIBRARY_PREFIX "") # pm9.dll
 endif()
