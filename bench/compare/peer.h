@@ -2,6 +2,7 @@
 
 #include "content.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -84,14 +85,17 @@ private:
     }
 };
 
-// The loops over a store's own `fetch(index, type, sink)`. ContentValue's index tells the type to read.
+// The loops over a store's own `fetch(index, type, sink)`. ContentValue's index tells the type to read. A
+// program knows that type where it asks; here it comes from a table of a byte a property, so that a get in
+// random order waits for its store and not for the content.
 template<class Store>
 class PeerLoops : public Peer {
 public:
     std::uint64_t get(std::span<const std::uint32_t> indexes) final {
+        static const std::array<ContentValue, 4> values{0, 0.0, std::string_view(), false};
         SumSink sink;
         for (const std::uint32_t index : indexes)
-            store().fetch(index, m_content->properties()[index].value, sink);
+            store().fetch(index, values[m_types[index]], sink);
         return sink.sum;
     }
 
@@ -104,12 +108,18 @@ public:
 protected:
     const Content& content() const { return *m_content; }
     const ContentProperty& property(std::uint32_t index) const { return m_content->properties()[index]; }
-    void set_content(const Content& content) { m_content = &content; }
+    void set_content(const Content& content) {
+        m_content = &content;
+        m_types.clear();
+        for (const ContentProperty& each : content.properties())
+            m_types.push_back(static_cast<std::uint8_t>(each.value.index()));
+    }
 
 private:
     Store& store() { return static_cast<Store&>(*this); }
 
     const Content* m_content = nullptr;
+    std::vector<std::uint8_t> m_types; // of the properties, as ContentValue numbers them
 };
 
 std::unique_ptr<Peer> make_pia_memory_peer();

@@ -4,6 +4,7 @@
 #include "content.h"
 #include "timing.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
@@ -12,7 +13,9 @@
 #include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <numeric>
 #include <pm/pm.h>
+#include <random>
 #include <spawn.h>
 #include <sstream>
 #include <stdexcept>
@@ -154,6 +157,42 @@ nlohmann::ordered_json text_group(double seconds, std::size_t count) {
                      seconds);
 }
 
+// Look-ups, and the reading of their paths, which no look-up does without.
+nlohmann::ordered_json path_group(double seconds, std::size_t count) {
+    PM_Object object;
+    const Content content(ContentShape::ten_a_node, count);
+    fill(object, content, "");
+    std::vector<std::u16string> paths;
+    for (const ContentProperty& property : content.properties()) {
+        const std::string path = "\\" + content.joined_path(property, '\\');
+        paths.emplace_back(path.begin(), path.end());
+    }
+    std::vector<std::uint32_t> in_order(count);
+    std::iota(in_order.begin(), in_order.end(), 0U);
+    std::vector<std::uint32_t> shuffled = in_order;
+    std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(20));
+
+    const auto look_up = [&](const std::vector<std::uint32_t>& indexes) {
+        std::size_t sum = 0;
+        for (const std::uint32_t index : indexes)
+            sum += object.getPropertySize(paths[index].c_str());
+        keep(sum);
+    };
+    const auto read = [&](const std::vector<std::uint32_t>& indexes) {
+        std::size_t sum = 0;
+        for (const std::uint32_t index : indexes)
+            sum += std::char_traits<char16_t>::length(paths[index].c_str());
+        keep(sum);
+    };
+    const auto per = static_cast<double>(count);
+    return run_group("paths",
+                     {{"read", per, [&] { read(in_order); }},
+                      {"look-up", per, [&] { look_up(in_order); }},
+                      {"read, shuffled", per, [&] { read(shuffled); }},
+                      {"look-up, shuffled", per, [&] { look_up(shuffled); }}},
+                     seconds);
+}
+
 nlohmann::ordered_json section_group(double seconds, int sections) {
     const Folder folder;
     const std::u16string all = folder.file("all.dpia");
@@ -271,6 +310,7 @@ nlohmann::ordered_json tool_group(double seconds) {
 nlohmann::ordered_json measure_works(double seconds, bool quick) {
     nlohmann::ordered_json groups;
     groups.push_back(text_group(2 * seconds, quick ? 10'000 : 100'000));
+    groups.push_back(path_group(seconds, quick ? 10'000 : 100'000));
     groups.push_back(section_group(seconds, quick ? 100 : 1000));
     groups.push_back(doc_group(seconds, quick ? 1000 : 10'000));
     groups.push_back(huffman_group(seconds));
