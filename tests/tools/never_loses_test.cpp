@@ -268,11 +268,16 @@ TEST_F(PmToolNeverLoses, TwentyEditsAtOnceAllSurvive) {
 }
 
 TEST_F(PmToolNeverLoses, EveryVerbThatWritesRefusesWhatReadingLost) {
-    const std::vector<std::vector<std::string>> verbs = {
-        {"set", "a.pia", "b", "2"},    {"rm", "a.pia", "a"},
-        {"mv", "a.pia", "a", "c"},     {"cp", "a.pia", "a", "c"},
-        {"apply", "a.pia", "script"},  {"edit", "a.pia"},
-        {"convert", "a.pia", "p.pia"}, {"bundle", "-o", "all.dpia", "A=a.pia"}};
+    const std::vector<std::vector<std::string>> verbs = {{"set", "a.pia", "b", "2"},
+                                                         {"rm", "a.pia", "a"},
+                                                         {"mv", "a.pia", "a", "c"},
+                                                         {"cp", "a.pia", "a", "c"},
+                                                         {"apply", "a.pia", "script"},
+                                                         {"edit", "a.pia"},
+                                                         {"convert", "a.pia", "p.pia"},
+                                                         {"merge", "a.pia", "a.pia", "p.pia", "-o", "p.pia"},
+                                                         {"merge", "p.pia", "p.pia", "a.pia", "-o", "p.pia"},
+                                                         {"bundle", "-o", "all.dpia", "A=a.pia"}};
     folder.write("script", "set \\b long 2\n");
     std::filesystem::create_directory(folder / "tmp");
     const ToolSetting setting{.environment = {"VISUAL=sed -i s/3/4/", "TMPDIR=" + (folder / "tmp").string()}};

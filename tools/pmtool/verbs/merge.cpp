@@ -42,6 +42,14 @@ const Format& format_for(const MergeOptions& options, const Source& first) {
     return format;
 }
 
+// What the sources of the merged tree couldn't give.
+std::vector<std::string> losses_of(const Source& first, const Source& second) {
+    std::vector<std::string> losses = losses_of_reading(first);
+    const std::vector<std::string> more = losses_of_reading(second);
+    losses.insert(losses.end(), more.begin(), more.end());
+    return losses;
+}
+
 int merge(const MergeOptions& options) {
     require_one_input(options);
     const Source base = read_source(options.base);
@@ -51,7 +59,8 @@ int merge(const MergeOptions& options) {
     const Format& format = format_for(options, first);
     const bool is_same = !first.is_json && format.is(first.content.type);
     Writing writing{merged.tree, format,
-                    is_same ? same_form(first, options.target) : form_of(format, options.target, first)};
+                    is_same ? same_form(first, options.target) : form_of(format, options.target, first),
+                    losses_of(first, second)};
     for (const kit::Section& section : second.content.sections) {
         const auto same = [&](const kit::Section& each) { return each.node == section.node; };
         if (std::ranges::none_of(writing.form.sections, same)) writing.form.sections.push_back(section);
