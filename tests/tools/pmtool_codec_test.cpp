@@ -108,9 +108,11 @@ TEST_F(PmToolCodec, CutHuffmanBlockIsTrouble) {
 TEST_F(PmToolCodec, MistakesOnTheCommandLineAreTrouble) {
     folder.write("text", text);
     expect_trouble({"codec", "lzw", "encode", "text", "block"},
-                   "lzw: no such codec; there are zlib and huffman");
-    expect_trouble({"codec", "zlib", "pack", "text", "block"}, "pack: this must be encode or decode");
-    expect_trouble({"codec", "huffman", "encode", "--crc", "text", "block"}, "--crc is for zlib blocks only");
+                   "lzw: no such codec; there are zlib and huffman; see pmtool codec --help");
+    expect_trouble({"codec", "zlib", "pack", "text", "block"},
+                   "pack: this must be encode or decode; see pmtool codec --help");
+    expect_trouble({"codec", "huffman", "encode", "--crc", "text", "block"},
+                   "--crc is for zlib blocks only; see pmtool codec --help");
     expect_trouble({"codec", "zlib", "encode", "no", "block"}, "no: The file doesn't exist (error 63)");
 }
 

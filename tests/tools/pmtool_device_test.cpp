@@ -153,13 +153,14 @@ TEST_F(PmToolDevice, TroubleIsToldInOneLine) {
     expect_trouble({"check", file, "--device", device, "--map", "map.json"},
                    "map.json:2: The map is no JSON.");
     expect_trouble({"check", file, "--device", device, "--owner", "4"},
-                   "4: an owner is a number from 0 to 3");
+                   "4: an owner is a number from 0 to 3; see pmtool check --help");
     expect_trouble({"check", file, "--device", device, "--rule", "nothing"},
                    "nothing: there is no such rule for a device; see pmtool check --rules");
     expect_trouble({"check", file, "--device", file},
                    file +
                        ": The tree describes no device: no group of capabilities has a text \"abilities\".");
-    expect_trouble({"check", file, "--explain"}, "--map, --owner and --explain go with --device");
+    expect_trouble({"check", file, "--explain"},
+                   "--map, --owner and --explain go with --device; see pmtool check --help");
 }
 
 TEST(DevicePage, IsAsTold) {

@@ -63,8 +63,9 @@ TEST_F(PmToolSave, OutputOfNoWrittenFormatIsTrouble) {
 
 TEST_F(PmToolSave, OptionsOfPiaFilesAreForThemOnly) {
     for (const std::string option : {"--compress", "--utf8", "--tag=x"}) {
-        expect_trouble({"convert", "a.pia", "b.doc", option},
-                       "b.doc: --compress, --utf8 and --tag are for pia files only");
+        expect_trouble(
+            {"convert", "a.pia", "b.doc", option},
+            "b.doc: --compress, --utf8 and --tag are for pia files only; see pmtool convert --help");
     }
 }
 
@@ -117,7 +118,7 @@ TEST_F(PmToolSave, ValueThatDoesNotFitItsTypeIsTrouble) {
     expect_trouble({"set", "a.pia", "n", "abc", "--type", "raw"},
                    "\"abc\" isn't an even number of hexadecimal digits, which type raw asks for");
     expect_trouble({"set", "a.pia", "n", "abc", "--type", "text"},
-                   "text: no such type; there are long, double, string, bool, raw");
+                   "text: no such type; there are long, double, string, bool, raw; see pmtool set --help");
     expect_trouble({"set", "a.pia", "n", std::string(4097, 'x')}, "a string holds at most 4096 characters");
     EXPECT_EQ(before, folder.read("a.pia"));
 }
@@ -164,6 +165,17 @@ TEST_F(PmToolSave, OutputMayLieInAnotherFolder) {
 TEST_F(PmToolSave, OutputInAMissingFolderIsTrouble) {
     expect_trouble({"convert", "a.pia", "no/b.pia"},
                    "no/b.pia: the folder no doesn't exist (error 63); make it first");
+}
+
+TEST_F(PmToolSave, SuffixOfABackupThatLeadsElsewhereIsTrouble) {
+    expect_trouble({"set", "a.pia", "a", "2", "--backup=/old"},
+                   "/old: a suffix stays in the folder of its file; see pmtool set --help");
+    expect_output({"get", "a.pia", "a"}, "1\n");
+}
+
+TEST_F(PmToolSave, CodePageOfTheOutputThatTheMachineLacksIsTrouble) {
+    expect_trouble({"convert", "a.pia", "b.pia", "--out-code-page", "12345"},
+                   "12345: this machine has no such code page");
 }
 
 TEST_F(PmToolSave, OutputThatIsAFolderIsTrouble) {

@@ -103,9 +103,10 @@ TEST_F(PmToolSections, BundleThatCannotBeWrittenLeavesNothing) {
                    "section \"\xC3\x84\": its name and info must be ASCII in a dpia file");
     expect_trouble({"bundle", "-o", "t.dpia", "A=a.pia", "--info", "A=\xC3\x84"},
                    "section \"A\": its name and info must be ASCII in a dpia file");
-    expect_trouble({"bundle", "-o", "t.dpia", "A"}, "A: this must have the form NAME=FILE");
+    expect_trouble({"bundle", "-o", "t.dpia", "A"},
+                   "A: this must have the form NAME=FILE; see pmtool bundle --help");
     expect_trouble({"bundle", "-o", "t.dpia", "A=a.pia", "--info", "A"},
-                   "A: this must have the form NAME=TEXT");
+                   "A: this must have the form NAME=TEXT; see pmtool bundle --help");
     expect_trouble({"bundle", "-o", "t.dpia", "A=a.pia", "--info", "B=x"},
                    "B: no section of this name is being written");
     expect_trouble({"bundle", "-o", "t.dpia", "A=no.pia"}, "no.pia: The file doesn't exist (error 63)");
@@ -113,6 +114,11 @@ TEST_F(PmToolSections, BundleThatCannotBeWrittenLeavesNothing) {
         {"bundle", "-o", "t.dpia", "A=s.dpia"},
         "s.dpia: a dpia file holds several trees; choose one with --section (Office, Workshop, Archive)");
     EXPECT_EQ((std::vector<std::string>{"a.pia", "b.pia", "s.dpia"}), file_names());
+}
+
+TEST_F(PmToolSections, SectionToEditThatIsNotThereIsTrouble) {
+    expect_trouble({"set", "s.dpia", "name", "x", "--section", "archive"},
+                   "s.dpia: there is no section archive; there are: Office, Workshop, Archive");
 }
 
 TEST_F(PmToolSections, CompareLooksIntoEverySection) {

@@ -157,8 +157,9 @@ TEST_F(PmTool, EmptyFileIsOfNoFormat) {
 
 TEST_F(PmTool, UnknownFormatNameIsTrouble) {
     folder.write("small.pia", small_file);
-    expect_trouble({"tree", "small.pia", "--from", "pla"},
-                   "pla: no such format; there are doc, dpia, pia, pcp, pc2, cfg, pdt, json");
+    expect_trouble(
+        {"tree", "small.pia", "--from", "pla"},
+        "pla: no such format; there are doc, dpia, pia, pcp, pc2, cfg, pdt, json; see pmtool tree --help");
 }
 
 TEST_F(PmTool, FormatThatIsToldCountsMoreThanTheContent) {

@@ -36,7 +36,7 @@ const kit::Section& section_named(const Source& source, const std::string& name)
     for (const kit::Section& section : sections) {
         names.push_back(section.name);
     }
-    throw Failure(fmt::format("{}: there is no section {}; there are {}", source.file, in_quotes(name),
+    throw Failure(fmt::format("{}: there is no section {}; there are: {}", source.file, printable(name),
                               fmt::join(names, ", ")));
 }
 

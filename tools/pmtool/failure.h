@@ -22,6 +22,12 @@ private:
     int m_exit_code;
 };
 
+// The command line asks for what can't be: what is shown ends with where the verb's help is.
+class Mistake : public Failure {
+public:
+    explicit Mistake(const std::string& text) : Failure(text) {}
+};
+
 // "The file doesn't exist (error 63)", or "error 63" if the message library isn't there.
 std::string number_text(std::uint32_t number);
 

@@ -87,7 +87,7 @@ std::string format_names(bool written_only) {
 const Format& format_named(const std::string& name) {
     const auto* found = std::ranges::find(table, lower_case(name), &Format::name);
     if (found != std::ranges::end(table)) return *found;
-    throw Failure(fmt::format("{}: no such format; there are {}", name, format_names(false)));
+    throw Mistake(fmt::format("{}: no such format; there are {}", name, format_names(false)));
 }
 
 const Format& format_of(PM_Object::FileType type) {

@@ -39,11 +39,17 @@ void flush_output() {
     }
 }
 
-int guarded(const std::function<int()>& action) {
+std::string with_help(const std::string& text, const std::string& verb) {
+    return fmt::format("{}; see pmtool {}--help", text, verb.empty() ? verb : verb + ' ');
+}
+
+int guarded(const std::string& verb, const std::function<int()>& action) {
     try {
         const int status = action();
         flush_output();
         return status;
+    } catch (const Mistake& e) {
+        return trouble(with_help(e.what(), verb));
     } catch (const Failure& e) {
         return trouble(e.what(), e.exit_code());
     } catch (const pm::kit::Error& e) {
@@ -58,12 +64,11 @@ int guarded(const std::function<int()>& action) {
 }
 
 int tell_usage(const Commands& commands, const UsageError& e, const std::vector<std::string>& words) {
-    const std::string verb = e.verb().empty() ? "" : e.verb() + ' ';
     const auto word = std::find_if(words.begin() + 1, words.end(),
                                    [](const std::string& each) { return !each.starts_with('-'); });
     const bool is_unknown = e.verb().empty() && word != words.end() && commands.find(*word) == nullptr;
     const std::string text = is_unknown ? *word + ": there is no such verb" : e.what();
-    return trouble(fmt::format("{}; see pmtool {}--help", text, verb));
+    return trouble(with_help(text, e.verb()));
 }
 
 int run(const Commands& commands, const Request& request) {
@@ -88,7 +93,8 @@ int run_program(const std::vector<std::string>& words) {
     }
     try {
         const Request request = commands.parse(words);
-        return guarded([&] { return run(commands, request); });
+        const std::string verb(request.entry == nullptr ? "" : request.entry->verb.name);
+        return guarded(verb, [&] { return run(commands, request); });
     } catch (const UsageError& e) {
         return tell_usage(commands, e, words);
     }

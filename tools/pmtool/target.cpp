@@ -114,7 +114,15 @@ void show_changes(const Writing& writing, const TargetOptions& options) {
 
 void require_pia(const Format& format, const TargetOptions& options) {
     if (format.is(PM_Object::FILE_PIA) || !(options.compress || options.utf8 || options.tag)) return;
-    throw Failure(fmt::format("{}: --compress, --utf8 and --tag are for pia files only", options.file));
+    throw Mistake(fmt::format("{}: --compress, --utf8 and --tag are for pia files only", options.file));
+}
+
+void require_code_page(unsigned code_page) {
+    try {
+        const kit::ScopedCodePage page(code_page);
+    } catch (const ZT_Exception&) {
+        throw Failure(fmt::format("{}: this machine has no such code page", code_page));
+    }
 }
 
 } // namespace
@@ -132,6 +140,7 @@ std::string without_compression(const std::string& tag) {
 
 kit::WriteOptions form_of(const Format& format, const TargetOptions& options, const Source& source) {
     require_pia(format, options);
+    require_code_page(options.code_page);
     kit::WriteOptions form;
     form.type = format.type.value_or(PM_Object::FILE_PIA);
     form.code_page = options.code_page != 0 ? options.code_page : source.code_page;
@@ -156,6 +165,9 @@ kit::WriteOptions same_form(const Source& source, const TargetOptions& options) 
 }
 
 int write_by_rule(const Writing& writing, const TargetOptions& options) {
+    if (options.backup && options.backup->find_first_of(folder_separators()) != std::string::npos) {
+        throw Mistake(fmt::format("{}: a suffix stays in the folder of its file", *options.backup));
+    }
     if (!options.dry_run) require_target(options.file);
     const kit::Prepared prepared = prepare(writing, options);
     const bool is_lossy = tell_losses(writing, prepared, options);

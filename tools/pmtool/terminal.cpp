@@ -18,7 +18,7 @@ constexpr std::array<std::string_view, 7> colours = {"1;34", "36", "2", "0", "31
 bool wants_colours(const std::string& when) {
     if (when == "always") return true;
     if (when == "never") return false;
-    if (when != "auto") throw Failure(fmt::format("{}: --color takes always, never or auto", when));
+    if (when != "auto") throw Mistake(fmt::format("{}: --color takes always, never or auto", when));
     return is_terminal(Stream::out) && !environment("NO_COLOR") && environment("TERM") != "dumb";
 }
 

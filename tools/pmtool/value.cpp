@@ -98,7 +98,7 @@ kit::Stored parse_value(std::string_view text) {
 PropType parse_type(const std::string& name) {
     const std::optional<PropType> type = kit::type_named(name);
     if (type && std::ranges::find(types, *type, &Type::type) != types.end()) return *type;
-    throw Failure(fmt::format("{}: no such type; there are {}", name, type_names()));
+    throw Mistake(fmt::format("{}: no such type; there are {}", name, type_names()));
 }
 
 } // namespace pmtool

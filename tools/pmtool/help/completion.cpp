@@ -160,7 +160,7 @@ std::string completion_script(const Commands& commands, const std::string& shell
     for (const Shell& each : shells) {
         if (each.name == shell) return each.script(commands);
     }
-    throw Failure(fmt::format("{}: no such shell; there are bash, zsh and fish", in_quotes(shell)));
+    throw Mistake(fmt::format("{}: no such shell; there are bash, zsh and fish", in_quotes(shell)));
 }
 
 } // namespace pmtool

@@ -110,7 +110,7 @@ std::string manual_page(const Commands& commands, const std::string& group) {
     if (group.empty()) return main_page(commands);
     const auto* found = std::ranges::find(verb_groups, group, &VerbGroup::name);
     if (found != std::ranges::end(verb_groups)) return group_page(commands, *found);
-    throw Failure(fmt::format("{}: there is no such group of verbs", group));
+    throw Mistake(fmt::format("{}: there is no such group of verbs", group));
 }
 
 } // namespace pmtool

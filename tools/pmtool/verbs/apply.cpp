@@ -38,7 +38,7 @@ std::vector<kit::Edit> read_script(const std::string& file) {
 
 int apply(const ApplyOptions& options) {
     if (options.script == "-" && options.source.file == "-") {
-        throw Failure("only one of FILE and SCRIPT can be standard input");
+        throw Mistake("only one of FILE and SCRIPT can be standard input");
     }
     const std::vector<kit::Edit> edits = read_script(options.script);
     return EditedFile(options.source, options.target).change(edits);

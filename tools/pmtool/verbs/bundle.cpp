@@ -28,7 +28,7 @@ struct BundleOptions {
 
 std::pair<std::string, std::string> split_at_equals(const std::string& text, std::string_view form) {
     const std::size_t at = text.find('=');
-    if (at == std::string::npos) throw Failure(fmt::format("{}: this must have the form {}", text, form));
+    if (at == std::string::npos) throw Mistake(fmt::format("{}: this must have the form {}", text, form));
     return {text.substr(0, at), text.substr(at + 1)};
 }
 
@@ -150,7 +150,7 @@ int write(Bundle& bundle, const BundleOptions& options) {
 // -o OUT NAME=FILE...
 int make(const BundleOptions& options) {
     if (options.target.file.empty()) {
-        throw Failure("-o must tell the file to write; see pmtool bundle --help");
+        throw Mistake("-o must tell the file to write");
     }
     Source empty{options.target.file};
     empty.content.type = PM_Object::FILE_DPIA;
@@ -162,7 +162,7 @@ int make(const BundleOptions& options) {
 // FILE --add NAME=FILE --replace NAME=FILE --remove NAME
 int change(const BundleOptions& options) {
     if (options.words.size() != 1) {
-        throw Failure("--add, --replace and --remove take one FILE to change; see pmtool bundle --help");
+        throw Mistake("--add, --replace and --remove take one FILE to change");
     }
     BundleOptions rest = options;
     if (rest.target.file.empty()) rest.target.file = options.words.front();

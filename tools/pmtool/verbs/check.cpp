@@ -144,10 +144,10 @@ int check_device(const CheckOptions& options) {
 
 int check(CheckOptions options) {
     if (options.list_rules) return list_rules();
-    if (options.files.empty()) throw Failure("FILE is required; see pmtool check --help");
+    if (options.files.empty()) throw Mistake("FILE is required");
     if (!options.device.device.empty()) return check_device(options);
     if (options.device.explain || !options.device.map.empty() || !options.device.owner.empty()) {
-        throw Failure("--map, --owner and --explain go with --device");
+        throw Mistake("--map, --owner and --explain go with --device");
     }
     require_rules(options.check.rules);
     require_rules(options.check.without);

@@ -34,7 +34,7 @@ kit::CompatibilityMap read_map(const std::string& file) {
 std::optional<int> owner_of(const std::string& text) {
     if (text.empty()) return std::nullopt;
     if (text.size() == 1 && text[0] >= '0' && text[0] <= '3') return text[0] - '0';
-    throw Failure(fmt::format("{}: an owner is a number from 0 to 3", text));
+    throw Mistake(fmt::format("{}: an owner is a number from 0 to 3", text));
 }
 
 // What the program shows of a path or a value of a tree.

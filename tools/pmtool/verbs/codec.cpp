@@ -96,7 +96,7 @@ const CodecKind& codec_named(const std::string& name) {
     for (const CodecKind& kind : codecs) {
         if (kind.name == name) return kind;
     }
-    throw Failure(fmt::format("{}: no such codec; there are zlib and huffman", name));
+    throw Mistake(fmt::format("{}: no such codec; there are zlib and huffman", name));
 }
 
 Failure codec_failure(const CodecOptions& options, const CodecKind& kind, const ReportHandler& handler) {
@@ -119,9 +119,9 @@ int run(const CodecOptions& options) {
     const CodecKind& kind = codec_named(options.codec);
     const bool encodes = options.direction == "encode";
     if (!encodes && options.direction != "decode") {
-        throw Failure(fmt::format("{}: this must be encode or decode", options.direction));
+        throw Mistake(fmt::format("{}: this must be encode or decode", options.direction));
     }
-    if (options.checked && !kind.has_checked_blocks) throw Failure("--crc is for zlib blocks only");
+    if (options.checked && !kind.has_checked_blocks) throw Mistake("--crc is for zlib blocks only");
     const std::string data = read_input(options.input);
     if (data.size() > std::numeric_limits<std::uint32_t>::max()) {
         throw Failure(fmt::format("{}: a block holds less than 4 GiB", options.input));

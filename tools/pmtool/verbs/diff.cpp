@@ -84,7 +84,7 @@ void print(const DiffOptions& options, const std::vector<kit::Difference>& diffe
 
 int diff(const DiffOptions& options) {
     if (options.first.file == "-" && options.second == "-") {
-        throw Failure("only one of A and B can be standard input");
+        throw Mistake("only one of A and B can be standard input");
     }
     const Source first = read_source(options.first);
     SourceOptions other = options.first;

@@ -76,7 +76,7 @@ void show(const std::vector<kit::Difference>& differences) {
 }
 
 int edit(const EditOptions& options) try {
-    if (options.source.file == "-") throw Failure("standard input can't be edited");
+    if (options.source.file == "-") throw Mistake("standard input can't be edited");
     const pm::Tree before = tree_of(options.source);
     EditorFile file(".json", kit::to_json(before));
     const pm::Tree after = edited_tree(file);

@@ -24,7 +24,7 @@ void require_one_input(const MergeOptions& options) {
     const std::array files = {&options.base, &options.first, &options.second};
     const auto inputs =
         std::ranges::count_if(files, [](const SourceOptions* file) { return file->file == "-"; });
-    if (inputs > 1) throw Failure("only one of the files can be standard input");
+    if (inputs > 1) throw Mistake("only one of the files can be standard input");
 }
 
 // Where the conflicts are told: the merged file may be on standard output.

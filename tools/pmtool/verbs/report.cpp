@@ -88,7 +88,7 @@ private:
 
 int write_report(const ReportOptions& options) {
     if (options.file.empty() && options.configurations.empty()) {
-        throw Failure("DESCRIPTION or --config is required; see pmtool report --help");
+        throw Mistake("DESCRIPTION or --config is required");
     }
     Report report;
     report.add(options);
