@@ -203,9 +203,9 @@ TEST_F(PmToolVerbs, SectionsOfACfgFileAreItsPlottersByName) {
 TEST_F(PmToolVerbs, HelpFitsEightyColumns) {
     std::vector<std::vector<std::string>> lines = {{"--help"}};
     for (const std::string verb :
-         {"identify", "tree",  "ls",       "get",     "set",    "rm",    "mv",
-          "cp",       "apply", "edit",     "diff",    "merge",  "check", "convert",
-          "dump",     "codec", "sections", "extract", "bundle", "help",  "completion"}) {
+         {"identify", "tree",    "ls",     "get",   "set",        "rm",      "mv",   "cp",
+          "apply",    "edit",    "diff",   "merge", "check",      "convert", "dump", "codec",
+          "sections", "extract", "bundle", "help",  "completion", "report"}) {
         lines.push_back({"help", verb});
     }
     for (const std::vector<std::string>& words : lines) {
