@@ -21,6 +21,19 @@ TEST_F(PmToolDevice, PossibleConfigurationIsTold) {
     expect_output(with({"check", file, "--device", device}, quiet), file + ": possible on the device\n");
 }
 
+TEST_F(PmToolDevice, ControlCharactersOfADescriptionAreShownAsNumbers) {
+    std::filesystem::copy(device, folder / "dx", std::filesystem::copy_options::recursive);
+    std::string table = folder.read("dx/Custom Capability.pdt");
+    table[1206 / 8] = static_cast<char>(table[1206 / 8] ^ (1 << (1206 % 8)));
+    folder.write("dx/Custom Capability.pdt", table);
+    const ToolRun result = run({"check", "dx"});
+    EXPECT_EQ(1, result.status);
+    EXPECT_NE(std::string::npos,
+              result.out.find("dx: error: \\custom_name\\Ink_Saver\\default_value = \\x0Fff: \"Ink_Saver\" "
+                              "(Ink saver) has no value \"\\x0Fff\"."))
+        << result.out;
+}
+
 TEST_F(PmToolDevice, NotesDoNotCountUnlessStrict) {
     const std::string file = sample_folder + "/office.pc2";
     EXPECT_EQ(run({"check", file, "--device", device}).status, 0);

@@ -123,8 +123,8 @@ std::vector<kit::Diagnostic> check_defaults(const std::string& file, const kit::
                                finding.severity,
                                {file, {}, 0, 0},
                                finding.configuration_path,
-                               fmt::format("{} = {}: {}", finding.configuration_path, finding.configured,
-                                           finding_text(finding)),
+                               fmt::format("{} = {}: {}", printable(finding.configuration_path),
+                                           printable(finding.configured), finding_text(finding)),
                                0});
     }
     return diagnostics;
