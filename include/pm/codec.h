@@ -55,7 +55,7 @@ public:
     PM_Huffman_Codec(const PM_Huffman_Codec&) = delete;
     PM_Huffman_Codec& operator=(const PM_Huffman_Codec&) = delete;
 
-    // Number 92 for data with fewer than two distinct byte values: they have no code.
+    // Number 92 for data with fewer than two distinct byte values: they have no code. Null data has none.
     bool encode(unsigned char*& out, std::uint32_t& out_size);
     // Trusts its block and doesn't read the size of the data: ask pm_huffman_block_fits() about data from
     // outside. Gives back what was encoded without its last byte, which the format loses. Number 92 for a

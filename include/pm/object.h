@@ -99,13 +99,15 @@ public:
     // code page and one byte; only the narrow GetProperty gives the text back.
     void SetProperty(const char16_t* path, const unsigned char* const& value, int index = -1,
                      bool strict = true);
+    // Null data has no bytes.
     void setVoidProperty(const char16_t* path, const void* data, unsigned size, int index = -1,
                          bool strict = true);
 
     // Read a value. False if there is no such property; `out` is then untouched, but for float (0) and int
     // (unspecified). Nothing is converted: a strict property of another type raises number 54, a value
     // larger than `out` number 58, a property without a value number 59 (all PM_Warning; 58 and 59 with the
-    // property's name). The bytes of a non-strict property are copied as they are under any type.
+    // property's name); a null buffer has no room. The bytes of a non-strict property are copied as they are
+    // under any type.
     bool GetProperty(const char16_t* path, double& out, int index = -1) const;
     bool GetProperty(const char16_t* path, float& out, int index = -1) const;
     bool GetProperty(const char16_t* path, long& out, int index = -1) const;
@@ -163,8 +165,8 @@ public:
               bool utf8) const;
 
     // The version line of a file, cut to `size` wide units with its terminator. Type FILE_PCP reads the
-    // header of a PIA file, FILE_DOC the version number of a compound file; any other is number 67. The
-    // form without a size trusts `buffer`.
+    // header of a PIA file, FILE_DOC the version number of a compound file; any other is number 67. Nothing
+    // goes into a null buffer. The form without a size trusts `buffer`.
     void getFileVersion(const char16_t* path, char16_t* buffer, std::size_t size, FileType type) const;
     void getFileVersion(const char16_t* path, char16_t* buffer, FileType type) const;
 

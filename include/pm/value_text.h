@@ -17,7 +17,8 @@ PM_API bool pm_hex_to_bin(const char* text, void* out);
 
 // Decodes an armoured text: 4 characters of 32 to 95 for each 3 bytes, ended by a check value over the
 // bytes before it. 1 on success: *out is a new block of *size bytes, released with std::free. 0, with both
-// untouched, if the text is none of this form, if the check value differs, or without memory.
+// untouched, if the text is none of this form, if the check value differs, without memory,
+// or if a pointer is null.
 PM_API int stringtobinary(const char16_t* text, char** out, unsigned* size);
 
 // Packs texts into one: each in the system's code page with its terminator, one more zero byte, all as

@@ -82,7 +82,7 @@ bool PM_Huffman_Codec::decode(unsigned char*& out, std::uint32_t& out_size) {
 
 void PM_Huffman_Codec::encode_block(unsigned char*& out, std::uint32_t& out_size) {
     make_counters();
-    const std::span data(m_input, m_input_size);
+    const std::span data(m_input, m_input != nullptr ? m_input_size : 0);
     pm::count_bytes(data, m_freq_table);
     make_trie();
 

@@ -70,7 +70,7 @@ void PM_File::set_string(PM_Object& target, const char16_t* path, const char16_t
 }
 
 void PM_File::copy_version(std::u16string_view text, char16_t* buffer, std::size_t size) {
-    if (size == 0) return;
+    if (size == 0 || buffer == nullptr) return;
     const std::u16string_view kept = size == unchecked ? text : text.substr(0, size - 1);
     *std::copy(kept.begin(), kept.end(), buffer) = u'\0';
 }

@@ -202,7 +202,7 @@ void PM_Object::SetProperty(const char16_t* path, const unsigned char* const& va
 
 void PM_Object::setVoidProperty(const char16_t* path, const void* data, unsigned size, int index,
                                 bool strict) {
-    setData(path, data, size, PROP_VOID, index, strict);
+    setData(path, data, data != nullptr ? size : 0, PROP_VOID, index, strict);
 }
 
 bool PM_Object::GetProperty(const char16_t* path, double& out, int index) const {

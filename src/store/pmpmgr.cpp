@@ -247,7 +247,8 @@ void PM_Property::GetData(void* buffer, std::size_t size) const {
     constexpr const char16_t* place = u"PM_Property::GetData()";
     const unsigned char* const bytes = data();
     if (bytes == nullptr) raise_warning(PM_ERR_NO_VALUE, place, name());
-    if (size < this->size()) raise_warning(PM_ERR_VALUE_TOO_LARGE, place, name());
+    const std::size_t room = buffer != nullptr ? size : 0;
+    if (room < this->size()) raise_warning(PM_ERR_VALUE_TOO_LARGE, place, name());
     if (this->size() != 0) copy_value(buffer, bytes, this->size());
 }
 

@@ -189,7 +189,7 @@ public:
     // Leaves no data.
     void drop_value(pm::Pool& pool) noexcept;
     // Copies the value out. PM_Warning, place u"PM_Property::GetData()", detail the name: number 59 if there
-    // is no data, 58 if `size`, the room in the buffer, is too small.
+    // is no data, 58 if `size`, the room in the buffer, is too small. A null buffer has no room.
     void GetData(void* buffer, std::size_t size) const;
 
     const char16_t* name() const { return m_name->text(); }

@@ -401,6 +401,7 @@ bool pm_hex_to_bin(const char* text, void* out) {
 }
 
 int stringtobinary(const char16_t* text, char** out, unsigned* size) {
+    if (out == nullptr || size == nullptr) return 0;
     Payload payload = decode_armour(pm::view(text));
     if (!payload.bytes) return 0;
     *out = reinterpret_cast<char*>(payload.bytes.release());
