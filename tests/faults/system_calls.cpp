@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -328,6 +329,27 @@ ssize_t pwrite(int file, const void* from, std::size_t size, off_t offset) {
 ssize_t pwrite64(int file, const void* from, std::size_t size, off_t offset) {
     static const auto next = next_of<ssize_t(int, const void*, std::size_t, off_t)>("pwrite64");
     return write_at(next, file, from, size, offset);
+}
+
+// What the checked copies of a hardened program call in their place.
+int __open_2(const char* name, int flags) {
+    return open(name, flags);
+}
+
+int __open64_2(const char* name, int flags) {
+    return open64(name, flags);
+}
+
+ssize_t __read_chk(int file, void* to, std::size_t size, std::size_t room) {
+    return size <= room ? read(file, to, size) : (std::abort(), -1);
+}
+
+ssize_t __pread_chk(int file, void* to, std::size_t size, off_t offset, std::size_t room) {
+    return size <= room ? pread(file, to, size, offset) : (std::abort(), -1);
+}
+
+ssize_t __pread64_chk(int file, void* to, std::size_t size, off_t offset, std::size_t room) {
+    return size <= room ? pread64(file, to, size, offset) : (std::abort(), -1);
 }
 
 int ftruncate(int file, off_t size) noexcept {
