@@ -19,7 +19,7 @@ void load_section(PM_Object& object, ZT_Error_Handler* handler, const std::strin
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size == 0) return 0;
     const std::string content(data + 1, data + size);
-    pm::fuzz::load_with_each_answer([&](PM_Object& object, ZT_Error_Handler* handler) {
+    pm::fuzz::load_with_each_answer(size, [&](PM_Object& object, ZT_Error_Handler* handler) {
         load_section(object, handler, content, data[0]);
     });
     return 0;

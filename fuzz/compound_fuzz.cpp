@@ -1,5 +1,6 @@
 // Reads any bytes as a compound file; one that is sound throughout comes back the same when it is written.
 
+#include "cost.h"
 #include "fuzz_support.h"
 #include "platform/compound_reader.h"
 #include "platform/compound_storage.h"
@@ -73,9 +74,11 @@ void expect_same(const pm::CompoundTree& one, const pm::CompoundTree& other) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const auto file = std::as_bytes(std::span(data, size));
+    const pm::fuzz::CostBound bound(pm::fuzz::load_cost(size));
     const auto tree = pm::read_compound_file(file);
     if (!tree) return 0;
     walk(pm::StgOpenStorageOnBytes(file));
+    bound.require_held();
     require(content_size(*tree) <= size);
     const auto written = pm::write_compound_file(*tree);
     if (!written) return 0;

@@ -1,3 +1,4 @@
+#include "cost.h"
 #include "fuzz_support.h"
 #include "memory_file.h"
 #include <pm/pm.h>
@@ -21,6 +22,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string content(reinterpret_cast<const char*>(data), size);
     const pm::fuzz::MemoryFile file(content);
     std::stringstream stream(content);
+    const pm::fuzz::CostBound bound(pm::fuzz::load_cost(content));
     PM_Object object;
     try {
         object.load(stream, PM_Object::FILE_DPIA, u"\\");
@@ -29,5 +31,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     } catch (const ZT_Exception& e) {
         pm::fuzz::require(e.m_number != 0);
     }
+    bound.require_held();
     return 0;
 }

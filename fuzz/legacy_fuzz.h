@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cost.h"
 #include "fuzz_support.h"
 #include <memory>
 #include <pm/error_handler.h>
@@ -47,7 +48,8 @@ inline void walk(const PM_Object& object) {
 }
 
 template<class Load>
-void load_new_object(ZT_Error_Handler* handler, Load load) {
+void load_new_object(ZT_Error_Handler* handler, std::size_t size, Load load) {
+    const CostBound bound(load_cost(size));
     PM_Object object(handler);
     try {
         load(object, handler);
@@ -55,20 +57,21 @@ void load_new_object(ZT_Error_Handler* handler, Load load) {
         require(e.m_number != 0);
     }
     walk(object);
+    bound.require_held();
 }
 
-// Runs `load`, given an object and its handler: nothing but an exception of the family comes out, and the
-// tree is whole. If there were reports, then without a handler, and with one that doesn't go on, the first
-// of them ends the load.
+// Runs `load` of a file of that size, given an object and its handler: nothing but an exception of the family
+// comes out, and the tree is whole. If there were reports, then without a handler, and with one that doesn't
+// go on, the first of them ends the load.
 template<class Load>
-void load_with_each_answer(Load load) {
+void load_with_each_answer(std::size_t size, Load load) {
     CountingHandler goes_on(true);
-    load_new_object(&goes_on, load);
+    load_new_object(&goes_on, size, load);
     if (goes_on.numbers.empty()) return;
     CountingHandler stops(false);
-    load_new_object(&stops, load);
+    load_new_object(&stops, size, load);
     require(stops.numbers.size() == 1 && stops.numbers[0] == goes_on.numbers[0]);
-    load_new_object(nullptr, load);
+    load_new_object(nullptr, size, load);
 }
 
 } // namespace pm::fuzz

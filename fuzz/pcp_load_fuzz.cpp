@@ -27,7 +27,7 @@ void read_version(const std::string& content) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string content(data, data + size);
-    pm::fuzz::load_with_each_answer([&](PM_Object& object, ZT_Error_Handler*) {
+    pm::fuzz::load_with_each_answer(size, [&](PM_Object& object, ZT_Error_Handler*) {
         leave_default_block();
         std::stringstream stream(content);
         object.load(stream, PM_Object::FILE_PCP, u"\\base");

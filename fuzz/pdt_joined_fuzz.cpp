@@ -1,8 +1,8 @@
 // First byte: a table of a device description, modulo their number, by its number. The rest: its file. A form
 // feed ends the file and begins that of the next table. All other tables have their headings only.
 
+#include "cost.h"
 #include "fuzz_support.h"
-#include "heap_in_use.h"
 #include "pdt/section_reader.h"
 #include "platform/code_page.h"
 #include <algorithm>
@@ -65,20 +65,23 @@ void check(const PM_Object& object) {
     require(object.getPropertySize(u"\\meta\\toolkit_version") == sizeof(double));
 }
 
-// What a tree may take: so much for each byte of its description, and so much for each item that joins make.
-std::size_t memory_bound(std::size_t size) {
-    constexpr std::size_t joined_items = 2'000'000;
+// What a load may take: so much for each byte of the description, and so much for each item that joins make.
+pm::fuzz::Cost allowed_cost(std::size_t size) {
+    constexpr std::size_t most_joined_items = 2'000'000;
     constexpr std::size_t bytes_of_an_item = 128;
     constexpr std::size_t bytes_of_a_byte = 1024;
-    constexpr std::size_t empty_tree = 256 * 1024;
+    constexpr double seconds_of_an_item = 50e-6;
     // Joined items are at most the square of the lines, and a line that counts has 3 bytes and more.
     const std::size_t lines = size / 3;
-    return empty_tree + bytes_of_a_byte * size +
-           bytes_of_an_item * std::min(joined_items, 12 * lines * lines);
+    const std::size_t joined_items = std::min(most_joined_items, 12 * lines * lines);
+    pm::fuzz::Cost cost = pm::fuzz::linear_cost(size, bytes_of_a_byte);
+    cost.bytes += bytes_of_an_item * joined_items;
+    cost.seconds += seconds_of_an_item * static_cast<double>(joined_items);
+    return cost;
 }
 
 void load(const Description& description, std::size_t size) {
-    const std::size_t before = pm::fuzz::heap_in_use();
+    const pm::fuzz::CostBound bound(allowed_cost(size));
     PM_Object object;
     bool whole = true;
     try {
@@ -86,8 +89,7 @@ void load(const Description& description, std::size_t size) {
     } catch (const ZT_Exception&) {
         whole = false;
     }
-    const std::size_t after = pm::fuzz::heap_in_use();
-    require(after < before || after - before <= memory_bound(size));
+    bound.require_held();
     if (whole) check(object);
 }
 

@@ -1,6 +1,7 @@
 // First byte: the number of a table of a device description. The rest: that table. All other tables have
 // their headings only, so that what the table refers to isn't there.
 
+#include "cost.h"
 #include "fuzz_support.h"
 #include "pdt/section_reader.h"
 #include <filesystem>
@@ -61,7 +62,8 @@ void read_fields(std::string_view content) {
     }
 }
 
-void load(const Folder& folder) {
+void load(const Folder& folder, std::size_t size) {
+    const pm::fuzz::CostBound bound(pm::fuzz::load_cost(size));
     PM_Object object;
     try {
         object.load(folder.string_file().c_str(), PM_Object::FILE_PDT, u"\\");
@@ -70,6 +72,7 @@ void load(const Folder& folder) {
     } catch (const PM_Warning& e) {
         pm::fuzz::require(e.m_number == PM_ERR_BAD_PATH || e.m_number == PM_ERR_WRONG_TYPE);
     }
+    bound.require_held();
 }
 
 } // namespace
@@ -81,7 +84,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string file = Folder::file_of(data[0] % pm::section_count);
     read_fields(content);
     folder.write(file, content);
-    load(folder);
+    load(folder, size);
     folder.write(file, Folder::headings);
     return 0;
 }

@@ -1,5 +1,6 @@
 // First byte: which code page. The rest: the string file of a device description.
 
+#include "cost.h"
 #include "fuzz_support.h"
 #include "pdt/string_table.h"
 #include <cstdlib>
@@ -34,6 +35,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::istringstream stream(std::string(reinterpret_cast<const char*>(data) + 1, size - 1));
     pm::LineReader reader;
     reader.attach(stream);
+    const pm::fuzz::CostBound bound(pm::fuzz::load_cost(size));
     pm::StringTable table;
     try {
         table.load_strings(reader, nullptr);
@@ -41,5 +43,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         pm::fuzz::require(e.m_number == PM_ERR_NOT_OPENED);
     }
     look_up_all(table);
+    bound.require_held();
     return 0;
 }

@@ -1,3 +1,4 @@
+#include "cost.h"
 #include "fuzz_support.h"
 #include <pm/pm.h>
 #include <sstream>
@@ -17,12 +18,14 @@ public:
 };
 
 void load(PM_Object& object, const std::string& bytes, const char16_t* base) {
+    const pm::fuzz::CostBound bound(pm::fuzz::load_cost(bytes));
     std::stringstream stream(bytes);
     try {
         object.load(stream, PM_Object::FILE_PIA, base);
     } catch (const ZT_Exception& e) {
         pm::fuzz::require(e.m_number != 0);
     }
+    bound.require_held();
 }
 
 std::string save(const PM_Object& object, const char16_t* tag) {

@@ -2,6 +2,7 @@
 
 #include "base/allocator.h"
 #include "codecs/zlib_block.h"
+#include "cost.h"
 #include "fuzz_support.h"
 #include <pm/codec.h>
 #include <vector>
@@ -17,12 +18,14 @@ void decode(const std::vector<unsigned char>& data, bool checked) {
         pm::fuzz::require(!fits);
         return;
     }
+    const pm::fuzz::CostBound bound(pm::fuzz::linear_cost(data.size(), 4 * pm::most_expansion));
     // Of no size: the decoders must not need one.
     PM_zlib_Codec codec(data.data(), 0, nullptr);
     unsigned char* out = nullptr;
     std::uint32_t out_size = 0;
     if (!(checked ? codec.decodeCRC(out, out_size) : codec.decode(out, out_size))) return;
     const pm::fuzz::OwnedBlock owned(out);
+    if (fits) bound.require_held();
     pm::fuzz::require(out[out_size] == 0);
     pm::fuzz::require(!fits || out_size <= pm::most_expansion * data.size());
 }
