@@ -174,14 +174,16 @@ nlohmann::ordered_json path_group(double seconds, std::size_t count) {
 
     const auto look_up = [&](const std::vector<std::uint32_t>& indexes) {
         std::size_t sum = 0;
-        for (const std::uint32_t index : indexes)
+        for (const std::uint32_t index : indexes) {
             sum += object.getPropertySize(paths[index].c_str());
+        }
         keep(sum);
     };
     const auto read = [&](const std::vector<std::uint32_t>& indexes) {
         std::size_t sum = 0;
-        for (const std::uint32_t index : indexes)
+        for (const std::uint32_t index : indexes) {
             sum += std::char_traits<char16_t>::length(paths[index].c_str());
+        }
         keep(sum);
     };
     const auto per = static_cast<double>(count);

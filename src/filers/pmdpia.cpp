@@ -146,10 +146,12 @@ public:
         return {bytes.data() + word_size, m_descriptor_length};
     }
     std::string_view info(std::string_view bytes) const { return {bytes.data() + m_info_at, m_info_length}; }
-    std::uint32_t offset(std::string_view bytes) const { return word_at(bytes, m_length - 2 * word_size); }
+    std::uint32_t offset(std::string_view bytes) const { return word_at(bytes, m_length - place_size); }
     std::uint32_t size(std::string_view bytes) const { return word_at(bytes, m_length - word_size); }
 
 private:
+    static constexpr std::size_t place_size = std::size_t{2} * word_size; // an offset and a size
+
     static std::uint32_t word_at(std::string_view bytes, std::size_t at) {
         return pm::load_u32(reinterpret_cast<const unsigned char*>(bytes.data() + at));
     }
@@ -163,7 +165,7 @@ private:
             if (bytes.size() < m_info_at) return forget();
             m_info_length = word_at(bytes, m_info_at - word_size);
         }
-        m_length = m_info_at + m_info_length + 2 * word_size;
+        m_length = m_info_at + m_info_length + place_size;
         return bytes.size() >= m_length || forget();
     }
     bool forget() {
