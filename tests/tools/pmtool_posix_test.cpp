@@ -1,6 +1,8 @@
+#include "failure.h"
 #include "tools/run_tool.h"
-
+#include <cerrno>
 #include <fcntl.h>
+#include <pm/error_number.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -109,6 +111,12 @@ TEST_F(PmToolPosix, OutputThatCannotBeWrittenIsTrouble) {
     std::filesystem::create_symlink("/dev/full", folder / "full");
     expect_trouble({"convert", "a.pia", "full", "--to", "pia"},
                    "full: There is no space left on the disk (error 65)");
+}
+
+TEST(SystemError, QuotaThatIsUsedUpIsAFullDisk) {
+    EXPECT_EQ(PM_ERR_DISK_FULL, pmtool::number_of_system_error(EDQUOT));
+    EXPECT_EQ(PM_ERR_DISK_FULL, pmtool::number_of_system_error(ENOSPC));
+    EXPECT_EQ(PM_ERR_STREAM_FAILED, pmtool::number_of_system_error(ERANGE));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "failure.h"
 
+#include "system.h"
 #include "text.h"
 #include <algorithm>
 #include <cerrno>
@@ -17,12 +18,12 @@ struct SystemError {
 };
 
 constexpr SystemError system_errors[] = {
-    {EACCES, PM_ERR_ACCESS_DENIED},  {EPERM, PM_ERR_ACCESS_DENIED},       {EROFS, PM_ERR_ACCESS_DENIED},
-    {EMFILE, PM_ERR_TOO_MANY_FILES}, {ENFILE, PM_ERR_TOO_MANY_FILES},     {ENOENT, PM_ERR_NO_SUCH_FILE},
-    {ENOTDIR, PM_ERR_NO_SUCH_FILE},  {ENOMEM, PM_ERR_NO_MEMORY_FOR_FILE}, {ENOSPC, PM_ERR_DISK_FULL},
-    {EDQUOT, PM_ERR_DISK_FULL},      {EISDIR, PM_ERR_IS_A_FOLDER},        {EAGAIN, PM_ERR_TRY_AGAIN},
-    {EBUSY, PM_ERR_TRY_AGAIN},       {ETXTBSY, PM_ERR_TRY_AGAIN},         {EBADF, PM_ERR_FILE_NOT_OPEN},
-    {EEXIST, PM_ERR_FILE_EXISTS},    {EINVAL, PM_ERR_INVALID_ARGUMENT},   {EXDEV, PM_ERR_OTHER_DRIVE},
+    {EACCES, PM_ERR_ACCESS_DENIED},    {EPERM, PM_ERR_ACCESS_DENIED},       {EROFS, PM_ERR_ACCESS_DENIED},
+    {EMFILE, PM_ERR_TOO_MANY_FILES},   {ENFILE, PM_ERR_TOO_MANY_FILES},     {ENOENT, PM_ERR_NO_SUCH_FILE},
+    {ENOTDIR, PM_ERR_NO_SUCH_FILE},    {ENOMEM, PM_ERR_NO_MEMORY_FOR_FILE}, {ENOSPC, PM_ERR_DISK_FULL},
+    {EISDIR, PM_ERR_IS_A_FOLDER},      {EAGAIN, PM_ERR_TRY_AGAIN},          {EBUSY, PM_ERR_TRY_AGAIN},
+    {ETXTBSY, PM_ERR_TRY_AGAIN},       {EBADF, PM_ERR_FILE_NOT_OPEN},       {EEXIST, PM_ERR_FILE_EXISTS},
+    {EINVAL, PM_ERR_INVALID_ARGUMENT}, {EXDEV, PM_ERR_OTHER_DRIVE},
 };
 
 } // namespace
@@ -34,7 +35,7 @@ std::string number_text(std::uint32_t number) {
 }
 
 std::uint32_t number_of_system_error(int code) {
-    const auto* found = std::ranges::find(system_errors, code, &SystemError::code);
+    const auto* found = std::ranges::find(system_errors, common_error(code), &SystemError::code);
     return found != std::ranges::end(system_errors) ? found->number : PM_ERR_STREAM_FAILED;
 }
 

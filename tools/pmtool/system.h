@@ -47,6 +47,9 @@ std::string usual_editor();
 // A folder of the user's for files that live shortly. It may not exist.
 std::string temporary_folder();
 
+// The code of errno's that every system knows for what a code says: a quota that is used up is a full disk.
+int common_error(int code);
+
 // --- files
 
 // The characters that stand between folders in a name.

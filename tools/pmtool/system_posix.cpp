@@ -418,6 +418,10 @@ std::string temporary_folder() {
     return environment("TMPDIR").value_or("/tmp");
 }
 
+int common_error(int code) {
+    return code == EDQUOT ? ENOSPC : code;
+}
+
 // --- files
 
 std::string_view folder_separators() {

@@ -167,7 +167,8 @@ std::optional<std::string> environment(const char* name) {
 
 int run_command(const std::string& command, const std::string& argument) {
     std::fflush(nullptr);
-    return _wsystem(to_native(command + " \"" + argument + '"').c_str());
+    // The command interpreter takes off the first quote and the last, whatever they belong to.
+    return _wsystem(to_native('"' + command + " \"" + argument + "\"\"").c_str());
 }
 
 std::string usual_editor() {
@@ -178,6 +179,10 @@ std::string temporary_folder() {
     std::array<wchar_t, MAX_PATH + 1> name{};
     const DWORD size = GetTempPathW(static_cast<DWORD>(name.size()), name.data());
     return to_utf8({name.data(), size});
+}
+
+int common_error(int code) {
+    return code;
 }
 
 // --- files
