@@ -141,11 +141,13 @@ TEST(CFile, OfNoKnownKindIsNotOpened) {
     EXPECT_EQ(identity.type, PM9_FILE_ANY);
 }
 
-TEST(CFile, NameIsTheBytesOfTheSystem) {
+TEST(CFile, NameIsOfAnyScript) {
     const TempFolder folder;
-    const std::string name = (folder.path() / "n\xFF.pia").string();
+    const std::u8string bytes = (folder.path() / u8"\u00E4 \u4E00\u0416\U0001F600.pia").u8string();
+    const std::string name(bytes.begin(), bytes.end());
     const CTree tree = small_tree();
     ASSERT_EQ(pm9_tree_save(tree.get(), name.data(), name.size(), nullptr, nullptr), PM9_OK);
+    EXPECT_TRUE(std::filesystem::exists(folder.path() / bytes));
     const CTree again = c_tree();
     ASSERT_EQ(pm9_tree_load(again.get(), name.data(), name.size(), nullptr, nullptr), PM9_OK);
     EXPECT_EQ(listed(again.get()), listed(tree.get()));

@@ -40,6 +40,19 @@ double c_number(const char* text, char** end);
 // What it prints for a NaN: "-nan" for one with a sign, which mingw-w64's forgets.
 std::string c_nan_text(double value);
 
+// While one lives, what the process prints goes nowhere.
+class Silence {
+public:
+    Silence();
+    ~Silence();
+    Silence(const Silence&) = delete;
+    Silence& operator=(const Silence&) = delete;
+
+private:
+    int m_out;
+    int m_err;
+};
+
 // A program that is run to its end.
 struct ProgramRun {
     std::filesystem::path program;

@@ -74,6 +74,22 @@ std::string c_nan_text(double value) {
     return text;
 }
 
+Silence::Silence() : m_out(dup(STDOUT_FILENO)), m_err(dup(STDERR_FILENO)) {
+    std::fflush(nullptr);
+    const int nothing = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    dup2(nothing, STDOUT_FILENO);
+    dup2(nothing, STDERR_FILENO);
+    close(nothing);
+}
+
+Silence::~Silence() {
+    std::fflush(nullptr);
+    dup2(m_out, STDOUT_FILENO);
+    dup2(m_err, STDERR_FILENO);
+    close(m_out);
+    close(m_err);
+}
+
 int run_program(const ProgramRun& run) {
     std::vector<std::string> words{run.program.filename()};
     words.insert(words.end(), run.arguments.begin(), run.arguments.end());

@@ -2,7 +2,11 @@
 
 #include <atomic>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
+#include <io.h>
+#include <mutex>
 #include <new>
 #include <stdexcept>
 #include <windows.h>
@@ -86,6 +90,30 @@ std::wstring command_line(const ProgramRun& run) {
     return line;
 }
 
+// The process, or null. A child inherits all that may be inherited just then; so one is started at a time.
+HANDLE start_program(const ProgramRun& run) {
+    static std::mutex starting;
+    const std::lock_guard lock(starting);
+    const std::optional<InheritedFile> out = file_for_output(run.out);
+    const std::optional<InheritedFile> err = file_for_output(run.err);
+    const std::optional<InheritedFile> in = file_for_input(run.in);
+    const LentVariables lent(run.environment);
+    STARTUPINFOW start{};
+    start.cb = sizeof start;
+    start.dwFlags = STARTF_USESTDHANDLES;
+    start.hStdInput = in ? in->get() : GetStdHandle(STD_INPUT_HANDLE);
+    start.hStdOutput = out ? out->get() : nullptr;
+    start.hStdError = err ? err->get() : nullptr;
+    PROCESS_INFORMATION child{};
+    const wchar_t* folder = run.folder.empty() ? nullptr : run.folder.c_str();
+    if (CreateProcessW(run.program.c_str(), command_line(run).data(), nullptr, nullptr, TRUE, 0, nullptr,
+                       folder, &start, &child) == FALSE) {
+        return nullptr;
+    }
+    CloseHandle(child.hThread);
+    return child.hProcess;
+}
+
 } // namespace
 
 std::filesystem::path make_temp_folder() {
@@ -122,28 +150,29 @@ std::string c_nan_text(double value) {
     return std::signbit(value) ? "-nan" : "nan";
 }
 
+Silence::Silence() : m_out(_dup(_fileno(stdout))), m_err(_dup(_fileno(stderr))) {
+    std::fflush(nullptr);
+    const int nothing = _open("NUL", _O_WRONLY | _O_BINARY);
+    _dup2(nothing, _fileno(stdout));
+    _dup2(nothing, _fileno(stderr));
+    _close(nothing);
+}
+
+Silence::~Silence() {
+    std::fflush(nullptr);
+    _dup2(m_out, _fileno(stdout));
+    _dup2(m_err, _fileno(stderr));
+    _close(m_out);
+    _close(m_err);
+}
+
 int run_program(const ProgramRun& run) {
-    const std::optional<InheritedFile> out = file_for_output(run.out);
-    const std::optional<InheritedFile> err = file_for_output(run.err);
-    const std::optional<InheritedFile> in = file_for_input(run.in);
-    const LentVariables lent(run.environment);
-    STARTUPINFOW start{};
-    start.cb = sizeof start;
-    start.dwFlags = STARTF_USESTDHANDLES;
-    start.hStdInput = in ? in->get() : GetStdHandle(STD_INPUT_HANDLE);
-    start.hStdOutput = out ? out->get() : nullptr;
-    start.hStdError = err ? err->get() : nullptr;
-    PROCESS_INFORMATION child{};
-    const wchar_t* folder = run.folder.empty() ? nullptr : run.folder.c_str();
-    if (CreateProcessW(run.program.c_str(), command_line(run).data(), nullptr, nullptr, TRUE, 0, nullptr,
-                       folder, &start, &child) == FALSE) {
-        return -1;
-    }
-    WaitForSingleObject(child.hProcess, INFINITE);
+    HANDLE process = start_program(run);
+    if (process == nullptr) return -1;
+    WaitForSingleObject(process, INFINITE);
     DWORD status = 0;
-    GetExitCodeProcess(child.hProcess, &status);
-    CloseHandle(child.hThread);
-    CloseHandle(child.hProcess);
+    GetExitCodeProcess(process, &status);
+    CloseHandle(process);
     return static_cast<int>(status);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/temp_folder.h"
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <optional>
 #include <pm_test_paths.h>
@@ -48,6 +49,11 @@ protected:
     void expect_not_found(const std::vector<std::string>& arguments, const std::string& line) const;
 };
 
-inline const std::string sample_folder = PM_SAMPLES;
+// With its drive, where there are drives: programs run in folders of other ones.
+inline const std::string sample_folder = std::filesystem::absolute(PM_SAMPLES).generic_string();
+
+// A command that replaces the first of its first word in a file by its second. Without words it fails.
+inline const std::string replacing_editor =
+    '"' + std::filesystem::absolute(PM_REPLACING_EDITOR).make_preferred().string() + '"';
 
 } // namespace pm::test

@@ -1,7 +1,5 @@
+#include "text.h"
 #include "tools/run_tool.h"
-
-#include <cstdlib>
-#include <gmock/gmock.h>
 #include <sstream>
 
 namespace pm::test {
@@ -23,6 +21,7 @@ protected:
     std::string flat(const std::string& file) const { return run({"tree", file, "--flat"}).out; }
 
     std::vector<std::string> samples;
+    const std::string editor = "VISUAL=" + replacing_editor;
 };
 
 TEST_F(PmToolVerbs, LsListsANode) {
@@ -157,7 +156,7 @@ TEST_F(PmToolVerbs, MergeListsConflicts) {
 }
 
 TEST_F(PmToolVerbs, EditorChangesTheTree) {
-    const ToolSetting setting{.environment = {"VISUAL=sed -i 's/\"value\": 2.5/\"value\": 3.5/'"}};
+    const ToolSetting setting{.environment = {editor + " 2.5 3.5"}};
     const ToolRun result = run({"edit", "a.pia"}, setting);
     EXPECT_EQ(0, result.status) << result.err;
     EXPECT_EQ("~ \\x\\y\\c: double 2.5 -> double 3.5\n", result.out);
@@ -168,7 +167,8 @@ TEST_F(PmToolVerbs, MistakeInTheEditorChangesNothingAndKeepsTheText) {
     const std::string before = folder.read("a.pia");
     const ToolRun result =
         run({"edit", "a.pia"},
-            {.input = "", .environment = {"VISUAL=sed -i '1s/{/[/'", "TMPDIR=" + folder.path().string()}});
+            {.input = "",
+             .environment = {editor + " { [", temp_folder_variable + ("=" + folder.path().string())}});
     EXPECT_EQ(2, result.status);
     EXPECT_EQ(before, folder.read("a.pia"));
     EXPECT_NE(std::string::npos, result.err.find("what was edited stays in ")) << result.err;
@@ -177,9 +177,9 @@ TEST_F(PmToolVerbs, MistakeInTheEditorChangesNothingAndKeepsTheText) {
 
 TEST_F(PmToolVerbs, EditorThatFailsChangesNothing) {
     const std::string before = folder.read("a.pia");
-    const ToolRun result = run({"edit", "a.pia"}, {.environment = {"VISUAL=false"}});
+    const ToolRun result = run({"edit", "a.pia"}, {.environment = {editor}});
     EXPECT_EQ(2, result.status);
-    EXPECT_EQ("pmtool: the editor \"false\" ended with 1\n", result.err);
+    EXPECT_EQ("pmtool: the editor " + pmtool::in_quotes(replacing_editor) + " ended with 1\n", result.err);
     EXPECT_EQ(before, folder.read("a.pia"));
 }
 
@@ -253,50 +253,9 @@ TEST_F(PmToolVerbs, ShellsCompleteVerbsAndOptions) {
     EXPECT_EQ(2, run({"completion", "csh"}).status);
 }
 
-TEST_F(PmToolVerbs, BashTakesItsCompletion) {
-    folder.write("try",
-                 "source completion\nCOMP_WORDS=(pmtool set --ex) COMP_CWORD=2\n_pmtool\n"
-                 "echo \"${COMPREPLY[@]}\"\nCOMP_WORDS=(pmtool ident) COMP_CWORD=1\n_pmtool\n"
-                 "echo \"${COMPREPLY[@]}\"\nCOMP_WORDS=(pmtool convert --to '') COMP_CWORD=3\n_pmtool\n"
-                 "echo \"${COMPREPLY[@]}\"\n");
-    folder.write("completion", run({"completion", "bash"}).out);
-    const std::string command = "cd '" + folder.path().string() + "' && bash try > out 2>&1";
-    EXPECT_EQ(0, std::system(command.c_str()));
-    EXPECT_EQ("--existing\nidentify\ndoc dpia pia json\n", folder.read("out"));
-}
-
-TEST_F(PmToolVerbs, ColoursGoToATerminalAlone) {
+TEST_F(PmToolVerbs, ColoursAreForTerminalsOrWhoAsks) {
     EXPECT_EQ(std::string::npos, run({"tree", "a.pia"}).out.find('\x1B'));
     EXPECT_NE(std::string::npos, run({"tree", "a.pia", "--color", "always"}).out.find('\x1B'));
-    const std::string program = "'" + std::string(PMTOOL) + "'";
-    const auto on_terminal = [&](const std::string& words) {
-        const std::string line = "cd '" + folder.path().string() + "' && script -qec \"stty cols 20; " +
-                                 words + " " + program + " tree a.pia x\" /dev/null > out 2>&1 < /dev/null";
-        EXPECT_EQ(0, std::system(line.c_str()));
-        return folder.read("out");
-    };
-    EXPECT_NE(std::string::npos, on_terminal("TERM=xterm").find('\x1B'));
-    EXPECT_EQ("a: long = 1\r\nb: string = \"t\"\r\ny\\\r\n  c: double = 2.5\r\n", on_terminal("NO_COLOR=1"));
-    folder.write("a.pia", "PIAFILEVERSION_2.0,\r\nx{\n b=\"" + std::string(40, 't') + "\n}\n");
-    EXPECT_EQ("b: string = \"tttttt\xE2\x80\xA6\r\n", on_terminal("NO_COLOR=1"));
-}
-
-TEST_F(PmToolVerbs, LongWorkIsShownOnATerminal) {
-    const auto on_terminal = [&](const std::string& seconds, const std::string& words) {
-        const std::string command = "cd '" + folder.path().string() +
-                                    "' && rm -f pipe && mkfifo pipe && { (sleep " + seconds +
-                                    "; cat a.pia) > pipe & } && script -qec \"'" PMTOOL "' " + words +
-                                    "\" /dev/null > out 2>&1 < /dev/null";
-        EXPECT_EQ(0, std::system(command.c_str()));
-        return folder.read("out");
-    };
-    // A machine that has much to do may take a second more.
-    EXPECT_THAT(on_terminal("2.5", "get pipe n"),
-                testing::MatchesRegex("\rreading pipe ... 2 s(\rreading pipe ... [0-9]+ s)*\r\x1B.K1\r\n"));
-    EXPECT_THAT(on_terminal("2.5", "check pipe"),
-                testing::MatchesRegex("\rchecking pipe ... 2 s(\rchecking pipe ... [0-9]+ s)*\r\x1B.K"
-                                      "pipe: no bad lines\r\n"));
-    EXPECT_EQ("1\r\n", on_terminal("0.1", "get pipe n"));
 }
 
 } // namespace

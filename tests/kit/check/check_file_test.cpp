@@ -78,12 +78,6 @@ TEST_F(CheckFile, FolderIsWalkedInTheOrderOfNames) {
                 ElementsAre("a.pia:2:3 unknown-type", "b.pia:2:1 bad-line", "z.pia:2:1 unopened-node"));
 }
 
-TEST_F(CheckFile, LinkToAFolderIsNotFollowed) {
-    write("a/a.pia", "PIAFILEVERSION_2.0\na\n");
-    fs::create_directory_symlink(m_folder, m_folder / "a" / "up");
-    EXPECT_THAT(lines_of(check_file(m_folder.string())), ElementsAre("a.pia:2:1 bad-line"));
-}
-
 TEST_F(CheckFile, FileOfNoKnownKindIsToldWhenItIsNamed) {
     EXPECT_THAT(lines_of(check_file(write("readme.txt", "x"))), ElementsAre("readme.txt:0:0 unknown-kind"));
 }

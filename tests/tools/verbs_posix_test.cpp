@@ -1,0 +1,63 @@
+#include "tools/run_tool.h"
+
+#include <cstdlib>
+#include <gmock/gmock.h>
+
+namespace pm::test {
+
+namespace {
+
+class PmToolShell : public ToolTest {
+protected:
+    PmToolShell() {
+        folder.write("a.pia", "PIAFILEVERSION_2.0,\r\nn=1\nx{\n a=1\n b=\"t\n y{\n  c=2.5\n }\n}\n");
+    }
+};
+
+TEST_F(PmToolShell, BashTakesItsCompletion) {
+    folder.write("try",
+                 "source completion\nCOMP_WORDS=(pmtool set --ex) COMP_CWORD=2\n_pmtool\n"
+                 "echo \"${COMPREPLY[@]}\"\nCOMP_WORDS=(pmtool ident) COMP_CWORD=1\n_pmtool\n"
+                 "echo \"${COMPREPLY[@]}\"\nCOMP_WORDS=(pmtool convert --to '') COMP_CWORD=3\n_pmtool\n"
+                 "echo \"${COMPREPLY[@]}\"\n");
+    folder.write("completion", run({"completion", "bash"}).out);
+    const std::string command = "cd '" + folder.path().string() + "' && bash try > out 2>&1";
+    EXPECT_EQ(0, std::system(command.c_str()));
+    EXPECT_EQ("--existing\nidentify\ndoc dpia pia json\n", folder.read("out"));
+}
+
+TEST_F(PmToolShell, ColoursGoToATerminalAlone) {
+    const std::string program = "'" + std::string(PMTOOL) + "'";
+    const auto on_terminal = [&](const std::string& words) {
+        const std::string line = "cd '" + folder.path().string() + "' && script -qec \"stty cols 20; " +
+                                 words + " " + program + " tree a.pia x\" /dev/null > out 2>&1 < /dev/null";
+        EXPECT_EQ(0, std::system(line.c_str()));
+        return folder.read("out");
+    };
+    EXPECT_NE(std::string::npos, on_terminal("TERM=xterm").find('\x1B'));
+    EXPECT_EQ("a: long = 1\r\nb: string = \"t\"\r\ny\\\r\n  c: double = 2.5\r\n", on_terminal("NO_COLOR=1"));
+    folder.write("a.pia", "PIAFILEVERSION_2.0,\r\nx{\n b=\"" + std::string(40, 't') + "\n}\n");
+    EXPECT_EQ("b: string = \"tttttt\xE2\x80\xA6\r\n", on_terminal("NO_COLOR=1"));
+}
+
+TEST_F(PmToolShell, LongWorkIsShownOnATerminal) {
+    const auto on_terminal = [&](const std::string& seconds, const std::string& words) {
+        const std::string command = "cd '" + folder.path().string() +
+                                    "' && rm -f pipe && mkfifo pipe && { (sleep " + seconds +
+                                    "; cat a.pia) > pipe & } && script -qec \"'" PMTOOL "' " + words +
+                                    "\" /dev/null > out 2>&1 < /dev/null";
+        EXPECT_EQ(0, std::system(command.c_str()));
+        return folder.read("out");
+    };
+    // A machine that has much to do may take a second more.
+    EXPECT_THAT(on_terminal("2.5", "get pipe n"),
+                testing::MatchesRegex("\rreading pipe ... 2 s(\rreading pipe ... [0-9]+ s)*\r\x1B.K1\r\n"));
+    EXPECT_THAT(on_terminal("2.5", "check pipe"),
+                testing::MatchesRegex("\rchecking pipe ... 2 s(\rchecking pipe ... [0-9]+ s)*\r\x1B.K"
+                                      "pipe: no bad lines\r\n"));
+    EXPECT_EQ("1\r\n", on_terminal("0.1", "get pipe n"));
+}
+
+} // namespace
+
+} // namespace pm::test
