@@ -31,6 +31,10 @@ TEST(Pages, GitUsesTheToolAsTold) {
     expect_page("git");
 }
 
+TEST(Pages, DevicesAreCheckedAsTold) {
+    expect_page("compatibility");
+}
+
 } // namespace
 
 } // namespace pm::test

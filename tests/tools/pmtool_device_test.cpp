@@ -1,5 +1,4 @@
 #include "tools/run_tool.h"
-#include "tools/transcript.h"
 #include <nlohmann/json.hpp>
 
 namespace pm::test {
@@ -174,10 +173,6 @@ TEST_F(PmToolDevice, TroubleIsToldInOneLine) {
                        ": The tree describes no device: no group of capabilities has a text \"abilities\".");
     expect_trouble({"check", file, "--explain"},
                    "--map, --owner and --explain go with --device; see pmtool check --help");
-}
-
-TEST(DevicePage, IsAsTold) {
-    expect_page("compatibility");
 }
 
 } // namespace
