@@ -14,6 +14,8 @@ import sys
 import tempfile
 from pathlib import Path
 
+from user_project import TOLD, write_project
+
 # The environment of someone who has only the prefix.
 ENVIRONMENT = {name: value for name, value in os.environ.items()
                if name not in ("LD_LIBRARY_PATH", "CMAKE_PREFIX_PATH", "PKG_CONFIG_PATH", "DESTDIR")}
@@ -26,38 +28,6 @@ PAGES = {"share/bash-completion/completions/pmtool", "share/zsh/vendor-completio
 
 
 LIBRARIES = ("pm9", "pm9kit", "pm9c")
-
-C_PROGRAM = r"""
-#include <pm/pm_c.h>
-#include <stdio.h>
-int main(void) {
-    char* text = NULL;
-    size_t length = 0;
-    if (pm9_error_text(PM9_ERR_BAD_LINE, &text, &length, NULL) != PM9_OK) return 1;
-    printf("%d %s\n", pm9_abi_version() >= PM9_ABI_VERSION, text);
-    pm9_free(text);
-    return 0;
-}
-"""
-KIT_PROGRAM = r"""
-#include <cstdio>
-#include <pm/kit/difference.h>
-int main() {
-    pm::Tree one, two;
-    two.set("a", 1);
-    std::printf("%s\n", pm::kit::difference_text(pm::kit::compare(one, two).at(0)).c_str());
-}
-"""
-CMAKE_PROJECT = """
-cmake_minimum_required(VERSION 3.25)
-project(user LANGUAGES C CXX)
-find_package(pm9 9 REQUIRED)
-add_executable(in_c program.c)
-target_link_libraries(in_c PRIVATE pm::pm9c)
-add_executable(with_kit program.cpp)
-target_link_libraries(with_kit PRIVATE pm::pm9kit)
-"""
-
 
 def run(*command, **environment):
     """What the command prints; an end other than well ends the test."""
@@ -155,10 +125,7 @@ def build_with_pkg_config(compiler, pkg_config, folder, prefix, lib, version):
 def build_in_c_and_with_the_kit(cmake, c_compiler, compiler, pkg_config, folder, prefix, lib):
     """Both by CMake and by the flags alone."""
     sources = folder / "user"
-    sources.mkdir()
-    (sources / "program.c").write_text(C_PROGRAM)
-    (sources / "program.cpp").write_text(KIT_PROGRAM)
-    (sources / "CMakeLists.txt").write_text(CMAKE_PROJECT)
+    write_project(sources)
     run(cmake, "-S", sources, "-B", sources / "build", "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}",
         f"-DCMAKE_CXX_COMPILER={compiler}", f"-DCMAKE_C_COMPILER={c_compiler}", "-DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF")
     run(cmake, "--build", sources / "build")
@@ -169,8 +136,7 @@ def build_in_c_and_with_the_kit(cmake, c_compiler, compiler, pkg_config, folder,
         run(*build, "-o", sources / name, *flags, f"-Wl,-rpath,{prefix / lib}", f"-Wl,-rpath-link,{prefix / lib}")
         for program in (sources / name, sources / "build" / name):
             told = run(program)
-            expect(told == {"in_c": "1 The line isn't valid\n", "with_kit": "+ \\a: long 1\n"}[name],
-                   f"{program} told {told}")
+            expect(told == TOLD[name], f"{program} told {told}")
 
 
 def main(cmake, compiler, c_compiler, pkg_config, build, lib, version):

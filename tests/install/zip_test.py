@@ -11,7 +11,10 @@ import tempfile
 import zipfile
 from pathlib import Path
 
+from user_project import TOLD, write_project
+
 CMAKE, CPACK, TOOLCHAIN, BUILD, WINE = sys.argv[1:]
+LIBRARIES = ("pm9", "pm9kit", "pm9c")
 RUNTIME = {"libgcc_s_seh-1.dll", "libstdc++-6.dll", "libwinpthread-1.dll"}
 
 
@@ -41,9 +44,11 @@ with tempfile.TemporaryDirectory() as name:
     zipfile.ZipFile(archive).extractall(folder / "un packed")
     (root,) = (folder / "un packed").iterdir()
     held = {path.relative_to(root).as_posix() for path in root.rglob("*") if path.is_file()}
-    wanted = {"bin/pmtool.exe", "bin/pm9.dll", "bin/pm9/pmres9.dll", *(f"bin/{dll}" for dll in RUNTIME),
-              "lib/libpm9.dll.a", "lib/cmake/pm9/pm9-config.cmake", "lib/cmake/pm9/pm9-targets.cmake",
-              "include/pm/pm.h", "share/doc/pm9/README.md", "share/doc/pm9/examples/samples/plotter.pia"}
+    wanted = {"bin/pmtool.exe", "bin/pm9/pmres9.dll", *(f"bin/{name}.dll" for name in LIBRARIES),
+              *(f"bin/{dll}" for dll in RUNTIME), *(f"lib/lib{name}.dll.a" for name in LIBRARIES),
+              "lib/cmake/pm9/pm9-config.cmake", "lib/cmake/pm9/pm9-targets.cmake",
+              "include/pm/pm.h", "include/pm/pm_c.h", "include/pm/kit/difference.h",
+              "share/doc/pm9/README.md", "share/doc/pm9/examples/samples/plotter.pia"}
     expect(wanted <= held, f"missing: {sorted(wanted - held)}")
     binaries = {path for path in held if path.startswith("bin/")}
     expect(binaries == {path for path in wanted if path.startswith("bin/")}, f"in bin: {sorted(binaries)}")
@@ -55,10 +60,18 @@ with tempfile.TemporaryDirectory() as name:
     run_windows(tool, "convert", samples / "plotter.pia", converted)
     expect(converted.exists(), "pmtool didn't write a file of that name")
 
-    # A program of somebody else's, built against the unpacked files.
-    run(CMAKE, "-S", root / "share/doc/pm9/examples", "-B", folder / "build", "-G", "Ninja",
-        f"-DCMAKE_TOOLCHAIN_FILE={TOOLCHAIN}", f"-Dpm9_DIR={root}/lib/cmake/pm9", "-DCMAKE_BUILD_TYPE=Debug")
-    run(CMAKE, "--build", folder / "build", "--target", "walk")
-    shutil.copy(folder / "build/walk.exe", root / "bin")
+    # Programs of somebody else's, built against the unpacked files.
+    projects = {"walk": root / "share/doc/pm9/examples", "in_c with_kit": folder / "user"}
+    write_project(folder / "user")
+    for programs, sources in projects.items():
+        build = folder / "build" / sources.name
+        run(CMAKE, "-S", sources, "-B", build, "-G", "Ninja", f"-DCMAKE_TOOLCHAIN_FILE={TOOLCHAIN}",
+            f"-Dpm9_DIR={root}/lib/cmake/pm9", "-DCMAKE_BUILD_TYPE=Debug")
+        run(CMAKE, "--build", build, "--target", *programs.split())
+        for program in programs.split():
+            shutil.copy(build / f"{program}.exe", root / "bin")
     shown = run_windows(root / "bin/walk.exe", samples / "plotter.pia")
     expect("copies = 1" in shown, f"walk: {shown}")
+    for program, expected in TOLD.items():
+        told = run_windows(root / f"bin/{program}.exe").replace("\r\n", "\n")
+        expect(told == expected, f"{program} told {told}")

@@ -101,7 +101,8 @@ TEST(HostileNumbers, LeaveDrawingsWithinBounds) {
         const Markup markup(page);
         for (const auto& element : markup.all()) {
             for (const std::string name : {"x", "y", "width", "height", "cx", "stroke-width"}) {
-                EXPECT_THAT(element.attribute(name), Not(testing::ContainsRegex("nan|inf|e")))
+                EXPECT_THAT(element.attribute(name),
+                            testing::AllOf(Not(HasSubstr("nan")), Not(HasSubstr("inf")), Not(HasSubstr("e"))))
                     << element.name;
             }
         }
