@@ -74,7 +74,7 @@ public:
         } catch (ZT_Exception& e) {
             show_name(e, m_source);
             take_reports(tree, section);
-            if (!m_input.keep_going) throw;
+            if (!m_input.keep_going || e.m_number == PM_ERR_NO_MEMORY) throw;
             m_content.stopped = true;
             m_content.reports.push_back(last_report(e, section));
         }

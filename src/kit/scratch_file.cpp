@@ -44,7 +44,7 @@ std::string read_bytes(const fs::path& file, const std::string& shown_name) {
     return bytes;
 }
 
-ScratchFile::ScratchFile() : m_folder(make_folder()), m_path(m_folder / "content") {
+ScratchFile::ScratchFile() : m_folder{make_folder()}, m_path(m_folder.path / "content") {
     const std::u8string name = m_path.u8string();
     m_name = file_name_to_utf16(std::string(name.begin(), name.end()));
 }
@@ -58,7 +58,12 @@ ScratchFile::ScratchFile(std::string_view content) : ScratchFile() {
 
 ScratchFile::~ScratchFile() {
     std::error_code ignored; // nothing is left to do about it
-    fs::remove_all(m_folder, ignored);
+    fs::remove(m_path, ignored);
+}
+
+ScratchFile::Folder::~Folder() {
+    std::error_code ignored;
+    fs::remove(path, ignored);
 }
 
 std::string ScratchFile::content() const {

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace pm::kit {
 
@@ -27,7 +28,16 @@ public:
     [[nodiscard]] std::string content() const;
 
 private:
-    std::filesystem::path m_folder;
+    // Goes last, and also where what stands behind it can't be made. Takes no memory.
+    struct Folder {
+        explicit Folder(std::filesystem::path made) noexcept : path(std::move(made)) {}
+        ~Folder();
+        Folder(const Folder&) = delete;
+        Folder& operator=(const Folder&) = delete;
+        std::filesystem::path path;
+    };
+
+    Folder m_folder;
     std::filesystem::path m_path;
     std::u16string m_name;
 };

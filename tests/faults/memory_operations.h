@@ -35,5 +35,7 @@ std::vector<const char*> store_failures(std::vector<const char*> others = {});
 std::span<const MemoryOperation> store_operations();
 std::span<const MemoryOperation> filer_operations();
 std::span<const MemoryOperation> codec_operations();
+// Of the kit and the C interface.
+std::span<const MemoryOperation> kit_operations();
 
 } // namespace pm::test

@@ -23,7 +23,7 @@ std::string ending_of(const std::exception_ptr& thrown) {
         return class_name(typeid(e)) + ' ' + std::to_string(e.m_number) + ", " + utf8(e.m_place) + ", " +
                without_folders(utf8(e.m_detail));
     } catch (const std::exception& e) {
-        return e.what();
+        return without_folders(e.what());
     }
 }
 
@@ -140,5 +140,6 @@ std::string name_of(const testing::TestParamInfo<MemoryOperation>& info) {
 INSTANTIATE_TEST_SUITE_P(Store, MemoryFaults, testing::ValuesIn(store_operations()), name_of);
 INSTANTIATE_TEST_SUITE_P(Filers, MemoryFaults, testing::ValuesIn(filer_operations()), name_of);
 INSTANTIATE_TEST_SUITE_P(Codecs, MemoryFaults, testing::ValuesIn(codec_operations()), name_of);
+INSTANTIATE_TEST_SUITE_P(Kit, MemoryFaults, testing::ValuesIn(kit_operations()), name_of);
 
 } // namespace

@@ -31,7 +31,7 @@ struct Input {
     // is then read half.
     bool exclusive = false;
     // What ends the reading of a section, or of a file of one tree, is its last report, and what was read
-    // before it stays; the other sections are read.
+    // before it stays; the other sections are read. Want of memory, number 55, ends all.
     bool keep_going = false;
 };
 
