@@ -4,8 +4,8 @@
 #include <string_view>
 
 // The keywords that cells of a device description hold. A cell holds one exactly as it stands here, with its
-// blanks and its case. What follows " = " tells the number or the name of the system's own; without it a keyword's
-// number is its place.
+// blanks and its case. What follows " = " tells the number or the name of the system's own; without it a
+// keyword's number is its place.
 namespace pm::kit::keywords {
 
 using Words = std::span<const std::string_view>;
