@@ -16,8 +16,8 @@ namespace {
 std::string folder_of(const std::string& path) {
     const std::size_t end = path.find_last_of(folder_separators());
     if (end == std::string::npos) return ".";
-    const bool belongs = end == 0 || path[end] == ':'; // the topmost folder, the folder that a drive is in
-    return path.substr(0, belongs ? end + 1 : end);
+    if (path[end] == ':') return path.substr(0, end + 1) + '.'; // where a drive is in just then
+    return end == 0 ? path.substr(0, 1) : path.substr(0, end);
 }
 
 void require_folder(const std::string& target, const std::string& path) {
