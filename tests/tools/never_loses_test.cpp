@@ -1,3 +1,4 @@
+#include "tools/replacing_editor.h"
 #include "tools/run_tool.h"
 
 #include <algorithm>

@@ -52,8 +52,4 @@ protected:
 // With its drive, where there are drives: programs run in folders of other ones.
 inline const std::string sample_folder = std::filesystem::absolute(PM_SAMPLES).generic_string();
 
-// A command that replaces the first of its first word in a file by its second. Without words it fails.
-inline const std::string replacing_editor =
-    '"' + std::filesystem::absolute(PM_REPLACING_EDITOR).make_preferred().string() + '"';
-
 } // namespace pm::test

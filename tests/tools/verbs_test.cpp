@@ -1,4 +1,5 @@
 #include "text.h"
+#include "tools/replacing_editor.h"
 #include "tools/run_tool.h"
 #include <sstream>
 
