@@ -20,11 +20,46 @@ namespace pmtool {
 
 namespace {
 
+struct VerbRow {
+    std::string_view name;
+    void (*add)(Commands&);
+    bool tells_of_all = false; // it needs the other verbs
+};
+
 // In the order of help.
-constexpr void (*all_verbs[])(Commands&) = {
-    add_identify, add_tree,     add_ls,      add_get,    add_set,   add_rm,        add_mv,   add_cp,
-    add_apply,    add_edit,     add_diff,    add_merge,  add_check, add_convert,   add_dump, add_codec,
-    add_report,   add_sections, add_extract, add_bundle, add_help,  add_completion};
+constexpr VerbRow all_verbs[] = {{"identify", add_identify},
+                                 {"tree", add_tree},
+                                 {"ls", add_ls},
+                                 {"get", add_get},
+                                 {"set", add_set},
+                                 {"rm", add_rm},
+                                 {"mv", add_mv},
+                                 {"cp", add_cp},
+                                 {"apply", add_apply},
+                                 {"edit", add_edit},
+                                 {"diff", add_diff},
+                                 {"merge", add_merge},
+                                 {"check", add_check},
+                                 {"convert", add_convert},
+                                 {"dump", add_dump},
+                                 {"codec", add_codec},
+                                 {"report", add_report},
+                                 {"sections", add_sections},
+                                 {"extract", add_extract},
+                                 {"bundle", add_bundle},
+                                 {"help", add_help, true},
+                                 {"completion", add_completion, true}};
+
+// Setting all of them up takes longer than most of what they do: where the first word is a verb's name, that
+// verb is all.
+void add_verbs(Commands& commands, const std::vector<std::string>& words) {
+    const auto asked = words.size() > 1 ? std::ranges::find(all_verbs, words[1], &VerbRow::name)
+                                        : std::ranges::end(all_verbs);
+    if (asked != std::ranges::end(all_verbs) && !asked->tells_of_all) return asked->add(commands);
+    for (const VerbRow& row : all_verbs) {
+        row.add(commands);
+    }
+}
 
 int trouble(const std::string& text, int status = exit_trouble) {
     std::fflush(stdout);
@@ -88,9 +123,7 @@ int run(const Commands& commands, const Request& request) {
 
 int run_program(const std::vector<std::string>& words) {
     Commands commands;
-    for (const auto add : all_verbs) {
-        add(commands);
-    }
+    add_verbs(commands, words);
     try {
         const Request request = commands.parse(words);
         const std::string verb(request.entry == nullptr ? "" : request.entry->verb.name);
