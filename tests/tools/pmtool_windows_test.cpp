@@ -57,6 +57,11 @@ TEST_F(PmToolWindows, NamesAreOfEveryScript) {
     EXPECT_EQ((std::vector<std::string>{"a.pia", name}), pmtool::names_in(folder.path().string()));
 }
 
+TEST_F(PmToolWindows, DeviceTakesWhatIsWritten) {
+    expect_output({"convert", "a.pia", "NUL", "--to", "pia"}, "");
+    EXPECT_EQ((std::vector<std::string>{"a.pia"}), file_names());
+}
+
 TEST_F(PmToolWindows, MissingFolderIsNamed) {
     expect_trouble({"convert", "a.pia", "no\\b.pia"},
                    "no\\b.pia: the folder no doesn't exist (error 63); make it first");

@@ -54,6 +54,16 @@ struct Closer {
 };
 using File = std::unique_ptr<std::FILE, Closer>;
 
+// Devices, such as NUL and CON, have names in every folder and pass for files there.
+bool is_device(const std::string& name) {
+    const HANDLE file = CreateFileW(to_native(name).c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    const DWORD type = GetFileType(file);
+    CloseHandle(file);
+    return type == FILE_TYPE_CHAR || type == FILE_TYPE_PIPE;
+}
+
 File open_file(const std::string& name, const wchar_t* mode) {
     File file(_wfopen(to_native(name).c_str(), mode));
     if (file != nullptr) return file;
@@ -194,6 +204,7 @@ std::string_view folder_separators() {
 FileKind kind_of(const std::string& path) {
     std::error_code error;
     const fs::file_status status = fs::status(to_path(path), error);
+    if (!fs::is_directory(status) && is_device(path)) return FileKind::special;
     if (!fs::exists(status)) return FileKind::missing;
     if (fs::is_regular_file(status)) return FileKind::regular;
     return fs::is_directory(status) ? FileKind::folder : FileKind::special;
