@@ -46,7 +46,7 @@ std::optional<Bytes> armoured_bytes(std::u16string_view text) {
         bytes.push_back(static_cast<unsigned char>(bits >> held));
     }
     const unsigned check = unsigned{bytes[bytes.size() - 2]} << 8 | bytes[bytes.size() - 1];
-    bytes.resize(bytes.size() - 2);
+    bytes.erase(bytes.end() - 2, bytes.end());
     if (check != check_value(bytes)) return std::nullopt;
     return bytes;
 }
