@@ -1,3 +1,4 @@
+#include "support/temp_folder.h"
 #include <chrono>
 #include <filesystem>
 #include <fmt/format.h>
@@ -39,12 +40,6 @@ std::vector<std::string> lines_of(const std::vector<Diagnostic>& all) {
 
 class CheckFile : public testing::Test {
 protected:
-    void SetUp() override {
-        m_folder = fs::temp_directory_path() / fmt::format("pm_check_{}", static_cast<const void*>(this));
-        fs::create_directories(m_folder);
-    }
-    void TearDown() override { fs::remove_all(m_folder); }
-
     std::string write(const std::string& name, const std::string& content) const {
         const fs::path path = m_folder / name;
         fs::create_directories(path.parent_path());
@@ -52,7 +47,7 @@ protected:
         return path.string();
     }
 
-    fs::path m_folder;
+    pm::test::TempFolder m_folder;
 };
 
 TEST_F(CheckFile, SamplesAreClean) {
@@ -74,7 +69,7 @@ TEST_F(CheckFile, FolderIsWalkedInTheOrderOfNames) {
     write("a/z.pia", "PIAFILEVERSION_2.0\n}\n");
     write("a.pia", "PIAFILEVERSION_2.0\na=x\n");
     write("readme.txt", "nothing to be checked");
-    EXPECT_THAT(lines_of(check_file(m_folder.string())),
+    EXPECT_THAT(lines_of(check_file(m_folder.path().string())),
                 ElementsAre("a.pia:2:3 unknown-type", "b.pia:2:1 bad-line", "z.pia:2:1 unopened-node"));
 }
 

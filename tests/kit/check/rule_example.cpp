@@ -1,5 +1,6 @@
 #include "rule_example.h"
 
+#include "support/temp_folder.h"
 #include <algorithm>
 #include <charconv>
 #include <filesystem>
@@ -103,31 +104,8 @@ std::string dpia_of(const std::vector<std::string>& spans) {
     return word(version) + word(told.value_or(count)) + entries + data;
 }
 
-class Folder {
-public:
-    explicit Folder(std::string_view name)
-        : m_path(fs::temp_directory_path() /
-                 fmt::format("pm_rule_{}_{}", name, static_cast<const void*>(this))) {
-        fs::create_directories(m_path);
-    }
-    ~Folder() {
-        std::error_code error;
-        fs::remove_all(m_path, error);
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    const fs::path& path() const { return m_path; }
-    void write(const std::string& name, const std::string& bytes) const {
-        std::ofstream(m_path / name, std::ios::binary) << bytes;
-    }
-
-private:
-    fs::path m_path;
-};
-
 std::string doc_of(const std::vector<std::string>& spans) {
-    const Folder folder("doc");
+    const pm::test::TempFolder folder;
     const std::string name = (folder.path() / "example.doc").string();
     Tree tree;
     tree.set("\\media\\copies", 2);
@@ -207,7 +185,7 @@ public:
             add_row(span, what, rest);
         }
     }
-    void write(const Folder& folder) const {
+    void write(const pm::test::TempFolder& folder) const {
         for (const auto& [name, bytes] : m_files) {
             folder.write(name + ".pdt", name == "Misc Non-Localizable Info" ? form() : bytes);
         }
@@ -281,7 +259,7 @@ std::vector<Diagnostic> check_example(const Cell& cell, CheckOptions options) {
     for (const std::string& span : cell.spans) {
         description.take(span);
     }
-    const Folder folder("pdt");
+    const pm::test::TempFolder folder;
     description.write(folder);
     return check_file(folder.path().string(), options);
 }
