@@ -57,7 +57,7 @@ with tempfile.TemporaryDirectory() as name:
     copies = run_windows(tool, "get", samples / "plotter.pia", "\\media\\copies")
     expect(copies == "1\n", f"pmtool get: {copies}")
     converted = folder / "plotter \N{LATIN SMALL LETTER A WITH DIAERESIS}\N{CYRILLIC SMALL LETTER ZHE}.doc"
-    run_windows(tool, "convert", samples / "plotter.pia", converted)
+    run_windows(tool, "convert", samples / "plotter.pia", converted, "--lossy")
     expect(converted.exists(), "pmtool didn't write a file of that name")
 
     # Programs of somebody else's, built against the unpacked files.

@@ -60,8 +60,8 @@ TEST_F(PmToolCheck, FoldersAreWalked) {
     std::filesystem::create_directory(folder / "more");
     folder.write("more/open.pia", "PIAFILEVERSION_2.0,\ny{\n");
     expect_no({"check", ".", "--rule", "unclosed-node"},
-              "./" + unclosed +
-                  "./more/open.pia:2:1: warning: The node \"y\" isn't closed. [unclosed-node]\n");
+              as_found("./") + unclosed + as_found("./more/open.pia") +
+                  ":2:1: warning: The node \"y\" isn't closed. [unclosed-node]\n");
 }
 
 TEST_F(PmToolCheck, NotesCountWhenStrict) {

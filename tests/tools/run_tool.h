@@ -52,4 +52,9 @@ protected:
 // With its drive, where there are drives: programs run in folders of other ones.
 inline const std::string sample_folder = std::filesystem::absolute(PM_SAMPLES).generic_string();
 
+// A name with the system's own separators, as files that are found in a folder are shown.
+inline std::string as_found(const std::string& name) {
+    return std::filesystem::path(name).make_preferred().string();
+}
+
 } // namespace pm::test
