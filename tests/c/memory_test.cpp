@@ -2,9 +2,8 @@
 
 #include "base/allocator.h"
 #include "c/c_support.h"
-#include <cstdlib>
+#include "support/replaced_new.h"
 #include <functional>
-#include <new>
 
 namespace {
 
@@ -18,48 +17,10 @@ bool fails_now() {
     return true;
 }
 
-void* block_of(std::size_t size) noexcept {
-    return fails_now() ? nullptr : std::malloc(size > 0 ? size : 1);
-}
-
-void* block_or_throw(std::size_t size) {
-    void* const block = block_of(size);
-    if (block == nullptr) throw std::bad_alloc();
-    return block;
-}
-
 } // namespace
 
-// In place of those of the whole program, all forms of them: a sanitizer has forms of its own.
-void* operator new(std::size_t size) {
-    return block_or_throw(size);
-}
-void* operator new[](std::size_t size) {
-    return block_or_throw(size);
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return block_of(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    return block_of(size);
-}
-void operator delete(void* block) noexcept {
-    std::free(block);
-}
-void operator delete[](void* block) noexcept {
-    std::free(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-    std::free(block);
-}
-void operator delete[](void* block, std::size_t) noexcept {
-    std::free(block);
-}
-void operator delete(void* block, const std::nothrow_t&) noexcept {
-    std::free(block);
-}
-void operator delete[](void* block, const std::nothrow_t&) noexcept {
-    std::free(block);
+bool pm::test::refuses_block(std::size_t) noexcept {
+    return fails_now();
 }
 
 namespace {

@@ -2,8 +2,6 @@
 
 #include "base/allocator.h"
 #include <cerrno>
-#include <cstdlib>
-#include <new>
 
 namespace pm::test {
 
@@ -126,50 +124,10 @@ void free(void* block) {
 
 #else
 
-namespace {
+#include "support/replaced_new.h"
 
-void* block_of(std::size_t size) noexcept {
-    return pm::test::fails(pm::test::MemoryOf::process) ? nullptr : std::malloc(size > 0 ? size : 1);
-}
-
-void* block_or_throw(std::size_t size) {
-    void* const block = block_of(size);
-    if (block == nullptr) throw std::bad_alloc();
-    return block;
-}
-
-} // namespace
-
-// In place of those of the whole program, all forms of them: a sanitizer has forms of its own.
-void* operator new(std::size_t size) {
-    return block_or_throw(size);
-}
-void* operator new[](std::size_t size) {
-    return block_or_throw(size);
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return block_of(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    return block_of(size);
-}
-void operator delete(void* block) noexcept {
-    std::free(block);
-}
-void operator delete[](void* block) noexcept {
-    std::free(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-    std::free(block);
-}
-void operator delete[](void* block, std::size_t) noexcept {
-    std::free(block);
-}
-void operator delete(void* block, const std::nothrow_t&) noexcept {
-    std::free(block);
-}
-void operator delete[](void* block, const std::nothrow_t&) noexcept {
-    std::free(block);
+bool pm::test::refuses_block(std::size_t) noexcept {
+    return fails(MemoryOf::process);
 }
 
 #endif
