@@ -1,3 +1,4 @@
+#include "safe_save.h"
 #include "support/system.h"
 #include "system.h"
 #include "tools/run_tool.h"
@@ -35,6 +36,25 @@ TEST_F(PmToolWindows, TargetThatIsInUseStays) {
     }
     EXPECT_EQ("old", folder.read("b.pia"));
     EXPECT_EQ((std::vector<std::string>{"a.pia", "b.pia"}), file_names());
+}
+
+TEST_F(PmToolWindows, WhatAKilledProgramLeftGoesWithTheNextSaving) {
+    folder.write(".pmtool-scratch-1a2b3c", "half");
+    folder.write(".pmtool-scratch-pad", "the user's own");
+    folder.write(".pmtool-config", "the user's own");
+    pmtool::save_safely(path("a.pia"), "new");
+    EXPECT_EQ("new", folder.read("a.pia"));
+    EXPECT_EQ((std::vector<std::string>{".pmtool-config", ".pmtool-scratch-pad", "a.pia"}), file_names());
+}
+
+TEST_F(PmToolWindows, ScratchFileOfAProgramThatLivesStays) {
+    folder.write("b.pia", "old");
+    pmtool::ScratchFile scratch(path("a.pia"));
+    scratch.write("new");
+    expect_output({"convert", "b.pia", "c.pia"}, "");
+    scratch.replace_target(std::nullopt);
+    EXPECT_EQ("new", folder.read("a.pia"));
+    EXPECT_EQ((std::vector<std::string>{"a.pia", "b.pia", "c.pia"}), file_names());
 }
 
 TEST_F(PmToolWindows, DriveStandsInFrontOfAName) {

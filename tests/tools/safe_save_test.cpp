@@ -196,12 +196,13 @@ TEST_F(SafeSave, BackupWhereFilesHaveNoSecondNamesIsACopyWithTheSameRights) {
 
 TEST_F(SafeSave, WhatAKilledProgramLeftGoesWithTheNextSaving) {
     folder.write("a", "old");
-    folder.write(".pmtool-AbCdEf", "half");
-    folder.write(".pmtool-AbCdEf~", "older");
-    folder.write(".pmtool-GhIjKl~", "older");
-    folder.write(".pmtool-notes", "the user's own");
+    folder.write(".pmtool-scratch-AbCdEf", "half");
+    folder.write(".pmtool-scratch-AbCdEf~", "older");
+    folder.write(".pmtool-scratch-GhIjKl~", "older");
+    folder.write(".pmtool-config", "the user's own");
+    folder.write(".pmtool-scratch-pad", "the user's own");
     save_safely(path("a"), "new");
-    EXPECT_EQ((std::vector<std::string>{".pmtool-notes", "a"}), file_names());
+    EXPECT_EQ((std::vector<std::string>{".pmtool-config", ".pmtool-scratch-pad", "a"}), file_names());
 }
 
 TEST_F(SafeSave, ScratchFileOfAProgramThatLivesStays) {

@@ -85,6 +85,10 @@ private:
     std::intptr_t m_file = none; // the system's own
 };
 
+// What the name of a scratch file begins with; six characters more make it whole.
+inline constexpr std::string_view scratch_prefix = ".pmtool-scratch-";
+inline constexpr std::size_t scratch_random = 6;
+
 // A file beside a target that comes into its place once it is whole, and goes when this object dies or a
 // signal ends the program. What one that was killed has left goes when the next is made in the same folder.
 class ScratchFile {

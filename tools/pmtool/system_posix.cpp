@@ -262,8 +262,6 @@ void sync_folder(const std::string& folder) {
 
 // --- scratch files
 
-constexpr std::string_view scratch_prefix = ".pmtool-";
-constexpr std::size_t scratch_random = 6;
 // Behind the name of a scratch file: the old content on its way to being a backup.
 constexpr char spare_suffix = '~';
 

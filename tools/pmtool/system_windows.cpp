@@ -2,17 +2,19 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <fmt/format.h>
 #include <io.h>
 #include <mutex>
 #include <pm/text.h>
+#include <random>
 #include <system_error>
+#include <utility>
 // After this header alone.
 #include <windows.h>
 
@@ -97,15 +99,17 @@ std::FILE* stream_of(Stream stream) {
 
 UINT code_page_before = 0;
 
-std::wstring scratch_name;
-std::atomic<bool> scratch_is_there = false;
-
+// Of the scratch file that there is, for who holds the lock.
 std::recursive_mutex console_handling;
+HANDLE scratch = INVALID_HANDLE_VALUE;
 
 BOOL WINAPI end_by_console(DWORD) {
     const std::lock_guard lock(console_handling);
-    if (scratch_is_there) DeleteFileW(scratch_name.c_str());
-    return FALSE; // and the program ends
+    FILE_DISPOSITION_INFO removal{TRUE};
+    if (scratch != INVALID_HANDLE_VALUE) {
+        SetFileInformationByHandle(scratch, FileDispositionInfo, &removal, sizeof removal);
+    }
+    return FALSE; // and the program ends, and with it the file
 }
 
 // One that takes no part of a file keeps the others of its kind out.
@@ -119,6 +123,44 @@ std::wstring lock_name(const std::string& path) {
 std::string folder_of(const std::string& path) {
     const std::size_t end = path.find_last_of("/\\:");
     return end == std::string::npos ? "." : path.substr(0, end + 1);
+}
+
+// --- scratch files
+
+constexpr std::size_t largest_write = std::size_t{1} << 30;
+
+bool is_scratch_name(const std::string& name) {
+    return name.starts_with(scratch_prefix) && name.size() == scratch_prefix.size() + scratch_random;
+}
+
+// Removes what programs left that were killed before they were done. One that lives has its file open, so
+// that it stays.
+void clean_up(const std::string& folder) {
+    std::error_code error;
+    for (const fs::directory_entry& entry : fs::directory_iterator(to_path(folder), error)) {
+        if (is_scratch_name(to_utf8(entry.path().filename().native()))) DeleteFileW(entry.path().c_str());
+    }
+}
+
+// Nobody else can write to it, move it or remove it while it is open.
+int open_scratch(const std::string& folder, std::string& name) {
+    std::mt19937 random(std::random_device{}());
+    HANDLE file = INVALID_HANDLE_VALUE;
+    while (file == INVALID_HANDLE_VALUE) {
+        const fs::path path = to_path(folder) / fmt::format("{}{:06x}", scratch_prefix, random() & 0xFFFFFF);
+        name = to_utf8(path.native());
+        file = CreateFileW(path.c_str(), GENERIC_WRITE | DELETE, FILE_SHARE_READ, nullptr, CREATE_NEW, 0,
+                           nullptr);
+        if (file == INVALID_HANDLE_VALUE && GetLastError() != ERROR_FILE_EXISTS) fail_last();
+    }
+    scratch = file;
+    return _open_osfhandle(reinterpret_cast<std::intptr_t>(file), _O_BINARY);
+}
+
+void close_scratch(int& file) {
+    if (file < 0) return;
+    scratch = INVALID_HANDLE_VALUE;
+    _close(std::exchange(file, -1));
 }
 
 } // namespace
@@ -257,22 +299,25 @@ FileLock::~FileLock() {
 
 ScratchFile::ScratchFile(const std::string& target)
     : m_target(target), m_is_new(kind_of(target) == FileKind::missing) {
-    std::array<wchar_t, MAX_PATH> name{};
-    if (GetTempFileNameW(to_native(folder_of(target)).c_str(), L"pmt", 0, name.data()) == 0) fail_last();
-    scratch_name = name.data();
-    scratch_is_there = true;
-    m_name = to_utf8(scratch_name);
+    const SignalDelay delay;
+    const FileLock folder(folder_of(target));
+    clean_up(folder_of(target));
+    m_file = open_scratch(folder_of(target), m_name);
 }
 
 ScratchFile::~ScratchFile() {
+    const SignalDelay delay;
+    close_scratch(m_file);
     if (!m_name.empty()) DeleteFileW(to_native(m_name).c_str());
-    scratch_is_there = false;
 }
 
 void ScratchFile::write(std::string_view bytes) {
-    const File file = open_file(m_name, L"ab");
-    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
-    if (!written || std::fflush(file.get()) != 0 || _commit(_fileno(file.get())) != 0) fail_errno();
+    while (!bytes.empty()) {
+        const int written =
+            _write(m_file, bytes.data(), static_cast<unsigned>(std::min(bytes.size(), largest_write)));
+        if (written < 0) fail_errno();
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
 }
 
 // The rights of the folder go to what is moved within it.
@@ -281,13 +326,17 @@ void ScratchFile::keep_attributes() {}
 void ScratchFile::replace_target(const std::optional<std::string>& backup_suffix) {
     constexpr DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
     const std::wstring target = to_native(m_target);
+    if (_commit(m_file) != 0) fail_errno();
     if (backup_suffix && !m_is_new) {
         const std::wstring backup = to_native(m_target + *backup_suffix);
         if (CopyFileW(target.c_str(), backup.c_str(), FALSE) == FALSE) fail_last();
     }
+    const SignalDelay delay;
+    // What is open can't be moved, and what isn't would be anybody's to clean up but for this lock.
+    const FileLock folder(folder_of(m_target));
+    close_scratch(m_file);
     if (MoveFileExW(to_native(m_name).c_str(), target.c_str(), flags) == FALSE) fail_last();
     m_name.clear();
-    scratch_is_there = false;
 }
 
 EditorFile::EditorFile(std::string_view ending, std::string_view content) {
