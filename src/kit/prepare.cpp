@@ -1,5 +1,6 @@
 #include "measure.h"
 #include "scratch_file.h"
+#include "string_stream.h"
 #include "text_reader.h"
 #include "tree_place.h"
 #include <algorithm>
@@ -49,6 +50,7 @@ std::string saved_to_file(const Tree& tree, const SaveOptions& options) {
 std::string saved_to_stream(const Tree& tree, const SaveOptions& options) {
     std::stringstream stream;
     tree.save(stream, options);
+    require_memory(stream);
     return std::move(stream).str();
 }
 

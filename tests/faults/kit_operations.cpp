@@ -1,41 +1,18 @@
+#include "faults/kit_trees.h"
 #include "faults/memory_operations.h"
 
 #include "kit/scratch_file.h"
+#include <pm/kit/check.h>
 #include <pm/kit/difference.h>
 #include <pm/kit/edit.h>
-#include <pm/kit/file.h>
-#include <pm/kit/json.h>
 #include <pm/kit/loss.h>
 #include <pm/kit/merge.h>
 #include <pm/kit/pattern.h>
-#include <pm/pm_c.h>
+#include <pm/kit/report.h>
 
 namespace pm::test {
 
 namespace {
-
-// Trees that are there before memory fails.
-struct Trees {
-    Tree first;
-    Tree second;
-    std::string json;
-    std::string file = FaultFiles::get().narrow("long.pia");
-
-    Trees() {
-        first.set("\\media\\copies", 2);
-        first.set("\\media\\name", "a text that no string holds in itself");
-        second.set("\\media\\copies", 3);
-        second.set("\\media\\size\\*\\width", 84.1, 1);
-        json = kit::to_json(first);
-    }
-    static const Trees& get() {
-        const Spared test;
-        static const Trees trees;
-        return trees;
-    }
-};
-
-constexpr std::string_view script = "set \\media\\copies long 7\ncp \\media\\ \\copy\\\n";
 
 void prepare(Subject& subject, PM_Object::FileType type) {
     const kit::Prepared prepared = kit::prepare(Trees::get().first, {.type = type});
@@ -43,65 +20,29 @@ void prepare(Subject& subject, PM_Object::FileType type) {
     subject.note(hex_text(prepared.bytes) + std::to_string(prepared.losses.size()));
 }
 
-// A status that isn't PM9_OK; takes no memory.
-class Status : public std::exception {
-public:
-    explicit Status(pm9_status status) { std::snprintf(m_text, sizeof m_text, "status %d", status); }
-    const char* what() const noexcept override { return m_text; }
-
-private:
-    char m_text[20];
-};
-
-void require(pm9_status status) {
-    if (status != PM9_OK) throw Status(status);
+// A file with a mistake of each kind that a rule of PIA looks for in its text.
+void check(Subject& subject, const kit::CheckOptions& options) {
+    const std::vector<kit::Diagnostic> found = kit::check_content(
+        "PIAFILEVERSION_2.0\r\nn{\r\na=1\r\na=2\r\nb=what is this\r\nc=\"caf\xE9\r\n", "broken.pia", options);
+    const Spared test;
+    for (const kit::Diagnostic& diagnostic : found) {
+        subject.note(diagnostic.rule);
+    }
 }
 
-// What a function of the C interface gave.
-class Given {
-public:
-    Given() = default;
-    ~Given() { pm9_free(text); }
-    Given(const Given&) = delete;
-    Given& operator=(const Given&) = delete;
-    char* text = nullptr;
-    std::size_t length = 0;
-};
-
-class CTree {
-public:
-    CTree() { require(pm9_tree_new(&tree, nullptr)); }
-    ~CTree() { pm9_tree_delete(tree); }
-    CTree(const CTree&) = delete;
-    CTree& operator=(const CTree&) = delete;
-    pm9_tree* tree = nullptr;
-};
-
-void c_load_and_save(Subject& subject) {
-    const CTree made;
-    Given given;
-    require(pm9_tree_load(made.tree, Trees::get().file.c_str(), PM9_Z, nullptr, nullptr));
-    require(pm9_tree_save_memory(made.tree, nullptr, &given.text, &given.length, nullptr));
-    subject.note(std::string_view(given.text, given.length));
+kit::ExplainedFindings compatibility() {
+    return kit::explain_compatibility(Trees::get().plotter, Trees::get().description);
 }
 
-void c_json(Subject& subject) {
-    const CTree made;
-    Given given;
-    const std::string& json = Trees::get().json;
-    require(pm9_tree_from_json(made.tree, json.data(), json.size(), nullptr));
-    require(pm9_tree_apply(made.tree, script.data(), script.size(), nullptr));
-    require(pm9_tree_to_json(made.tree, "\\", PM9_Z, nullptr, &given.text, &given.length, nullptr));
-    subject.note(std::string_view(given.text, given.length));
-}
-
-void c_read_and_script(Subject& subject) {
-    const CTree empty;
-    const CTree made;
-    Given given;
-    require(pm9_tree_read(made.tree, Trees::get().file.c_str(), PM9_Z, nullptr, nullptr));
-    require(pm9_script(empty.tree, made.tree, nullptr, &given.text, &given.length, nullptr));
-    subject.note(std::string_view(given.text, given.length));
+// The failures of a check that reads a PIA file, and `others`.
+std::vector<const char*> check_failures(std::vector<const char*> others) {
+    others.insert(others.end(), {"PM_Memory_Exception 55, .\\pmpia, line",
+                                 "PM_Memory_Exception 55, PM_Object::PM_Object, m_root",
+                                 "PM_Memory_Exception 55, PM_Object::PM_Object, m_strings",
+                                 "PM_Memory_Exception 55, PM_Object::load(), ",
+                                 "PM_Memory_Exception 55, PM_Object::load(), pFiler",
+                                 "PM_Memory_Exception 55, pm::identify(), ", "std::bad_alloc"});
+    return store_failures(others);
 }
 
 const MemoryOperation operations[] = {
@@ -160,15 +101,37 @@ const MemoryOperation operations[] = {
                      "PM_Memory_Exception 55, PM_PIAFile::save(), piter",
                      "PM_Memory_Exception 55, PM_Object::PM_Object, m_root",
                      "PM_Memory_Exception 55, PM_Object::PM_Object, m_strings", "std::bad_alloc"})},
+    {"Check", [](Subject& s) { check(s, {}); }, check_failures({})},
+    {"CheckWithRoundTrip", [](Subject& s) { check(s, {.round_trip = true}); },
+     check_failures({"PM_Memory_Exception 55, PM_Object::save(), pFiler",
+                     "PM_Memory_Exception 55, PM_PIAFile::save(), buffer",
+                     "PM_Memory_Exception 55, PM_PIAFile::save(), piter",
+                     "PM_Severe 64, PM_PIAFile::save(), "})},
+    {"CheckFile",
+     [](Subject& s) {
+         const auto found = kit::check_file(Trees::get().file);
+         const Spared test;
+         s.note(found.empty() ? "clean" : found.front().rule);
+     },
+     check_failures({"PM_Memory_Exception 55, .\\pmpia, data", "unreadable"}), LessDone::rule},
+    {"Compatibility", [](Subject& s) { s.note(kit::findings_to_json(compatibility())); }, {"std::bad_alloc"}},
+    {"MapOfSettings",
+     [](Subject& s) { s.note(kit::map_to_json(kit::load_map(Trees::get().map))); },
+     {"std::bad_alloc"}},
+    {"ReportPage",
+     [](Subject& s) {
+         kit::ReportInput input;
+         input.description = {"dx4200", Trees::get().description.root(), {}};
+         input.configurations.push_back({"plotter", Trees::get().plotter.root(), compatibility()});
+         s.note(kit::report_page(input));
+     },
+     {"std::bad_alloc"}},
     {"ScratchFile",
      [](Subject& s) {
          const kit::ScratchFile file("a content");
          s.note(file.content());
      },
      {"a temporary file can't be written", "a temporary file: the file can't be read", "std::bad_alloc"}},
-    {"CLoadAndSave", c_load_and_save, {"status 55", "status 64"}},
-    {"CJson", c_json, {"status 55"}},
-    {"CReadAndScript", c_read_and_script, {"status 55", "status 64", "status 200"}},
 };
 
 } // namespace

@@ -11,7 +11,8 @@ namespace pm::test {
 enum class LessDone {
     never,
     bad_line, // "57": a raw value of a text format is a bad line, with its default in place
-    nothing   // "nothing done": a section of a DPIA file isn't loaded
+    nothing,  // "nothing done": a section of a DPIA file isn't loaded
+    rule      // "unreadable": the rule that a check tells of a file for which the system has no memory
 };
 
 // An operation whose memory fails.
@@ -35,7 +36,7 @@ std::vector<const char*> store_failures(std::vector<const char*> others = {});
 std::span<const MemoryOperation> store_operations();
 std::span<const MemoryOperation> filer_operations();
 std::span<const MemoryOperation> codec_operations();
-// Of the kit and the C interface.
 std::span<const MemoryOperation> kit_operations();
+std::span<const MemoryOperation> c_operations();
 
 } // namespace pm::test

@@ -74,6 +74,9 @@ protected:
     std::string less_done(const Subject& subject) const {
         const bool is_less = subject.outcome() != m_expected;
         if (is_less && GetParam().less_done == LessDone::bad_line && subject.notes() == "57 ") return "57";
+        if (is_less && GetParam().less_done == LessDone::rule && subject.notes() == "unreadable ") {
+            return "unreadable";
+        }
         const bool is_nothing = is_less && GetParam().less_done == LessDone::nothing;
         return is_nothing && subject.outcome() == Subject().outcome() ? "nothing done" : "";
     }
@@ -141,5 +144,6 @@ INSTANTIATE_TEST_SUITE_P(Store, MemoryFaults, testing::ValuesIn(store_operations
 INSTANTIATE_TEST_SUITE_P(Filers, MemoryFaults, testing::ValuesIn(filer_operations()), name_of);
 INSTANTIATE_TEST_SUITE_P(Codecs, MemoryFaults, testing::ValuesIn(codec_operations()), name_of);
 INSTANTIATE_TEST_SUITE_P(Kit, MemoryFaults, testing::ValuesIn(kit_operations()), name_of);
+INSTANTIATE_TEST_SUITE_P(CInterface, MemoryFaults, testing::ValuesIn(c_operations()), name_of);
 
 } // namespace

@@ -28,7 +28,8 @@ bool holds_description(const std::string& folder, const CheckOptions& options) {
     if (options.type && *options.type != PM_Object::FILE_PDT) return false;
     try {
         return find_string_file(file_name_to_utf16(folder)).has_value();
-    } catch (const ZT_Exception&) {
+    } catch (const ZT_Exception& e) {
+        if (tells_want_of_memory(e)) throw;
         return false;
     }
 }

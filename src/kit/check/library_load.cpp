@@ -74,6 +74,10 @@ Heard heard_of(const ZT_Exception& exception) {
     return heard;
 }
 
+bool tells_want_of_memory(const ZT_Exception& exception) noexcept {
+    return exception.m_number == PM_ERR_NO_MEMORY || exception.m_number == PM_ERR_NO_MEMORY_FOR_FILE;
+}
+
 std::vector<Heard> hear(std::string_view content, PM_Object::FileType type) {
     Tree tree;
     return hear_of(tree, [&](Tree& target) {

@@ -18,6 +18,8 @@ struct Heard {
 
 [[nodiscard]] Heard heard_of(const Report& report);
 [[nodiscard]] Heard heard_of(const ZT_Exception& exception);
+// Which says nothing of the file.
+[[nodiscard]] bool tells_want_of_memory(const ZT_Exception& exception) noexcept;
 
 // What a load says, of a stream of this content or of anything that `load` does.
 [[nodiscard]] std::vector<Heard> hear(std::string_view content, PM_Object::FileType type);
@@ -28,6 +30,7 @@ std::vector<Heard> hear_of(Tree& tree, Load load) {
     try {
         load(tree);
     } catch (const ZT_Exception& e) {
+        if (tells_want_of_memory(e)) throw;
         last = heard_of(e);
     }
     for (const Report& report : tree.reports()) {

@@ -1,5 +1,6 @@
 #include "check/narrow_text.h"
 
+#include "string_stream.h"
 #include <algorithm>
 #include <fmt/format.h>
 #include <pm/pm.h>
@@ -19,6 +20,7 @@ bool is_continuation(char c) {
 std::u16string decode_piece(std::string_view bytes) {
     std::stringstream stream;
     stream << "PIAFILEVERSION_2.0\na=\"" << bytes << "\"\n";
+    require_memory(stream);
     Tree tree;
     tree.load(stream);
     std::u16string text = tree.get<std::u16string>("a").value_or(u"\"");

@@ -4,6 +4,7 @@
 #include "check/files.h"
 #include "check/library_load.h"
 #include "check/narrow_text.h"
+#include "string_stream.h"
 #include <algorithm>
 #include <fmt/format.h>
 #include <functional>
@@ -124,6 +125,7 @@ void round_trip_pia(std::string_view bytes, const Place& where, Findings& findin
     const auto save_and_load = [](const Tree& tree, Tree& read_back) {
         std::stringstream stream;
         save(tree, stream, {.utf8 = pm_system_code_page() == utf8});
+        require_memory(stream);
         read_back.load(stream);
     };
     compare_round(load, save_and_load, where, findings);
@@ -149,7 +151,8 @@ void round_trip_dpia(std::string_view bytes, const Place& where, Findings& findi
     std::vector<DpiaSection> sections;
     try {
         sections = dpia_sections(stream);
-    } catch (const ZT_Exception&) {
+    } catch (const ZT_Exception& e) {
+        if (tells_want_of_memory(e)) throw;
         return; // told by the check of the directory
     }
     std::uint64_t left = bytes.size(); // sections may share bytes, again and again

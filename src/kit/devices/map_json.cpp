@@ -1,15 +1,12 @@
+#include "devices/json_tree.h"
 #include <algorithm>
 #include <array>
-#include <limits>
-#include <nlohmann/json.hpp>
 #include <pm/kit/compatibility.h>
 #include <pm/kit/error.h>
 
 namespace pm::kit {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr std::array<std::string_view, 7> form_names{"as-is",       "name",   "length", "yes-no",
                                                      "orientation", "colour", "unit"};
@@ -28,46 +25,36 @@ Enum one_of_names(const std::array<std::string_view, count>& names, const std::s
 // One object of the map: what of it is read is taken off its members, and none may be left.
 class Members {
 public:
-    Members(const Json& json, std::string_view what) : m_what(what) {
-        if (!json.is_object()) throw Error(m_what + " is no object.");
-        m_json = &json;
+    Members(const JsonTree& json, std::string_view what)
+        : m_what(what), m_members(json.as<JsonTree::Object>()) {
+        if (m_members == nullptr) throw Error(m_what + " is no object.");
     }
 
     // Null if there is no such member.
-    const Json* member(std::string_view name) {
+    const JsonTree* member(std::string_view name) {
         m_known.push_back(name);
-        const auto found = m_json->find(std::string(name));
-        return found == m_json->end() ? nullptr : &*found;
+        const auto found = std::ranges::find(*m_members, name, &JsonTree::Object::value_type::first);
+        return found == m_members->end() ? nullptr : &found->second;
     }
     std::string text(std::string_view name, bool is_needed = false) {
-        const Json* found = member(name);
+        const JsonTree* const found = member(name);
         if (found == nullptr && !is_needed) return {};
-        if (found == nullptr || !found->is_string() ||
-            (is_needed && found->get_ref<const std::string&>().empty())) {
+        const auto* const text = found != nullptr ? found->as<std::string>() : nullptr;
+        if (text == nullptr || (is_needed && text->empty())) {
             throw Error(m_what + " has no text \"" + std::string(name) + "\".");
         }
-        return *found;
+        return *text;
     }
     bool truth(std::string_view name) {
-        const Json* found = member(name);
-        if (found != nullptr && !found->is_boolean()) throw wrong(name, "a truth value");
-        return found != nullptr && found->get<bool>();
+        const bool* const truth = of_kind<bool>(name, "a truth value");
+        return truth != nullptr && *truth;
     }
-    const Json* list(std::string_view name) {
-        const Json* found = member(name);
-        if (found != nullptr && !found->is_array()) throw wrong(name, "a list");
-        return found;
-    }
-    const Json* object(std::string_view name) {
-        const Json* found = member(name);
-        if (found != nullptr && !found->is_object()) throw wrong(name, "an object");
-        return found;
-    }
-    Error wrong(std::string_view name, std::string_view wanted) const {
-        return Error("\"" + std::string(name) + "\" of " + m_what + " is not " + std::string(wanted) + '.');
+    const JsonTree::List* list(std::string_view name) { return of_kind<JsonTree::List>(name, "a list"); }
+    const JsonTree::Object* object(std::string_view name) {
+        return of_kind<JsonTree::Object>(name, "an object");
     }
     void expect_no_more() const {
-        for (const auto& [name, value] : m_json->items()) {
+        for (const auto& [name, value] : *m_members) {
             if (std::ranges::find(m_known, name) == m_known.end()) {
                 throw Error(m_what + " has no member \"" + name + "\".");
             }
@@ -75,28 +62,35 @@ public:
     }
 
 private:
+    // Null if there is no such member.
+    template<class Kind>
+    const Kind* of_kind(std::string_view name, std::string_view wanted) {
+        const JsonTree* const found = member(name);
+        if (found == nullptr) return nullptr;
+        const Kind* const value = found->as<Kind>();
+        if (value == nullptr) {
+            throw Error("\"" + std::string(name) + "\" of " + m_what + " is not " + std::string(wanted) +
+                        '.');
+        }
+        return value;
+    }
+
     std::string m_what;
-    const Json* m_json = nullptr;
+    const JsonTree::Object* m_members;
     std::vector<std::string_view> m_known;
 };
 
-std::int32_t code_of(const Json& json) {
-    if (json.is_number_integer()) {
-        const auto number = json.get<std::int64_t>();
-        if (number >= std::numeric_limits<std::int32_t>::min() &&
-            number <= std::numeric_limits<std::int32_t>::max()) {
-            return static_cast<std::int32_t>(number);
-        }
-    }
+std::int32_t code_of(const JsonTree& json) {
+    const auto* const number = json.as<std::int64_t>();
+    if (number != nullptr && std::in_range<std::int32_t>(*number)) return static_cast<std::int32_t>(*number);
     throw Error("A code is no integer of 32 bits.");
 }
 
-std::int32_t code_of(const std::string& text) {
-    const Json json = Json::parse(text, nullptr, false);
-    return code_of(json);
+std::int32_t code_of(std::string_view text) {
+    return code_of(parse_json(text).value_or(JsonTree()));
 }
 
-SettingPath read_setting(const Json& json) {
+SettingPath read_setting(const JsonTree& json) {
     Members members(json, "A setting");
     SettingPath path;
     path.setting = members.text("setting", true);
@@ -104,18 +98,18 @@ SettingPath read_setting(const Json& json) {
     path.key = members.text("key");
     const std::string form = members.text("form");
     if (!form.empty()) path.form = one_of_names<SettingForm>(form_names, form, "form");
-    if (const Json* codes = members.object("codes")) {
-        for (const auto& [number, code] : codes->items()) {
+    if (const JsonTree::Object* const codes = members.object("codes")) {
+        for (const auto& [number, code] : *codes) {
             path.codes[code_of(number)] = code_of(code);
         }
     }
     path.zero_is_unset = members.truth("zero-is-unset");
     path.any_case = members.truth("any-case");
     path.is_default = members.truth("default");
-    if (const Json* owner = members.object("owner")) {
-        Members parts(*owner, "An owner");
+    if (members.object("owner") != nullptr) {
+        Members parts(*members.member("owner"), "An owner");
         path.owner = parts.text("path", true);
-        const Json* digit = parts.member("digit");
+        const JsonTree* const digit = parts.member("digit");
         path.owner_digit = digit != nullptr ? code_of(*digit) : -1;
         if (path.owner_digit < 0 || path.owner_digit > most_digit) {
             throw Error("An owner has no digit from 0 to 255.");
@@ -126,14 +120,15 @@ SettingPath read_setting(const Json& json) {
     return path;
 }
 
-QuietPath read_quiet(const Json& json) {
+QuietPath read_quiet(const JsonTree& json) {
     Members members(json, "A quiet path");
     QuietPath quiet;
     quiet.path = members.text("path", true);
-    if (const Json* values = members.list("values")) {
-        for (const Json& value : *values) {
-            if (!value.is_string()) throw Error("A quiet value is no text.");
-            quiet.values.push_back(value);
+    if (const JsonTree::List* const values = members.list("values")) {
+        for (const JsonTree& value : *values) {
+            const auto* const text = value.as<std::string>();
+            if (text == nullptr) throw Error("A quiet value is no text.");
+            quiet.values.push_back(*text);
         }
     }
     quiet.any_case = members.truth("any-case");
@@ -141,7 +136,7 @@ QuietPath read_quiet(const Json& json) {
     return quiet;
 }
 
-ValueRule read_rule(const Json& json) {
+ValueRule read_rule(const JsonTree& json) {
     Members members(json, "A rule");
     ValueRule rule;
     rule.name = members.text("rule", true);
@@ -159,90 +154,115 @@ ValueRule read_rule(const Json& json) {
 }
 
 template<class Item>
-void read_list(std::vector<Item>& into, const Json* list, Item (*read)(const Json&)) {
+void read_list(std::vector<Item>& into, const JsonTree::List* list, Item (*read)(const JsonTree&)) {
     if (list == nullptr) return;
     std::vector<Item> items;
-    for (const Json& json : *list) {
+    for (const JsonTree& json : *list) {
         items.push_back(read(json));
     }
     into.insert(into.begin(), std::make_move_iterator(items.begin()), std::make_move_iterator(items.end()));
 }
 
-Json parse(std::string_view text) {
-    try {
-        return Json::parse(text);
-    } catch (const Json::parse_error& error) {
-        const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size()));
-        throw Error("The map is no JSON.",
-                    1 + static_cast<std::uint64_t>(std::count(text.begin(), end, '\n')));
+JsonTree parse_map(std::string_view text) {
+    std::size_t read = 0;
+    std::optional<JsonTree> json = parse_json(text, &read);
+    if (json) return std::move(*json);
+    const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(read, text.size()));
+    throw Error("The map is no JSON.", 1 + static_cast<std::uint64_t>(std::count(text.begin(), end, '\n')));
+}
+
+template<class Item>
+void write_list(JsonLines& out, std::string_view name, const std::vector<Item>& items);
+
+void write(JsonLines& out, const SettingPath& path) {
+    out.member("setting", path.setting);
+    out.member("path", path.path);
+    if (!path.key.empty()) out.member("key", path.key);
+    if (path.form != SettingForm::as_is) out.member("form", form_names[static_cast<std::size_t>(path.form)]);
+    if (!path.codes.empty()) {
+        out.open_member("codes", '{');
+        for (const auto& [number, code] : path.codes) {
+            out.member(std::to_string(number), code);
+        }
+        out.close('}');
+    }
+    if (path.zero_is_unset) out.member("zero-is-unset", true);
+    if (path.any_case) out.member("any-case", true);
+    if (path.is_default) out.member("default", true);
+    if (!path.owner.empty()) {
+        out.open_member("owner", '{');
+        out.member("path", path.owner);
+        out.member("digit", path.owner_digit);
+        out.close('}');
     }
 }
 
-Json setting_json(const SettingPath& path) {
-    Json json{{"setting", path.setting}, {"path", path.path}};
-    if (!path.key.empty()) json["key"] = path.key;
-    if (path.form != SettingForm::as_is) json["form"] = form_names[static_cast<std::size_t>(path.form)];
-    for (const auto& [number, code] : path.codes) {
-        json["codes"][std::to_string(number)] = code;
+void write(JsonLines& out, const ValueRule& rule) {
+    out.member("rule", rule.name);
+    out.member("severity", severity_name(rule.severity));
+    out.member("setting", rule.setting);
+    out.member("test", test_names[static_cast<std::size_t>(rule.test)]);
+    out.member("capability", rule.capability);
+}
+
+void write(JsonLines& out, const QuietPath& quiet) {
+    out.member("path", quiet.path);
+    if (!quiet.values.empty()) {
+        out.open_member("values", '[');
+        for (const std::string& value : quiet.values) {
+            out.value(value);
+        }
+        out.close(']');
     }
-    if (path.zero_is_unset) json["zero-is-unset"] = true;
-    if (path.any_case) json["any-case"] = true;
-    if (path.is_default) json["default"] = true;
-    if (!path.owner.empty()) json["owner"] = {{"path", path.owner}, {"digit", path.owner_digit}};
-    return json;
+    if (quiet.any_case) out.member("any-case", true);
 }
 
-Json rule_json(const ValueRule& rule) {
-    return {{"rule", rule.name},
-            {"severity", severity_name(rule.severity)},
-            {"setting", rule.setting},
-            {"test", test_names[static_cast<std::size_t>(rule.test)]},
-            {"capability", rule.capability}};
+void write(JsonLines& out, const Offer& offer) {
+    out.member("value", offer.value);
+    out.member("text", offer.text);
+    out.member("path", offer.path);
 }
 
-Json quiet_json(const QuietPath& quiet) {
-    Json json{{"path", quiet.path}};
-    if (!quiet.values.empty()) json["values"] = quiet.values;
-    if (quiet.any_case) json["any-case"] = true;
-    return json;
+void write(JsonLines& out, const Finding& finding) {
+    out.member("rule", finding.rule);
+    out.member("severity", severity_name(finding.severity));
+    out.member("configuration_path", finding.configuration_path);
+    out.member("description_path", finding.description_path);
+    out.member("configured", finding.configured);
+    out.member("described", finding.described);
+    out.member("text", finding.text);
+    write_list(out, "offers", finding.offers);
+    out.member("message", finding.message);
 }
 
-Json offers_json(const std::vector<Offer>& offers) {
-    Json list = Json::array();
-    for (const Offer& offer : offers) {
-        list.push_back({{"value", offer.value}, {"text", offer.text}, {"path", offer.path}});
+void write(JsonLines& out, const Look& look) {
+    out.member("rule", look.rule);
+    out.member("setting", look.setting);
+    out.member("configuration_path", look.configuration_path);
+    out.member("description_path", look.description_path);
+    out.member("outcome", look.outcome);
+}
+
+template<class Item>
+void write_list(JsonLines& out, std::string_view name, const std::vector<Item>& items) {
+    out.open_member(name, '[');
+    for (const Item& item : items) {
+        out.open('{');
+        write(out, item);
+        out.close('}');
     }
-    return list;
+    out.close(']');
 }
 
-Json finding_json(const Finding& finding) {
-    return {{"rule", finding.rule},
-            {"severity", severity_name(finding.severity)},
-            {"configuration_path", finding.configuration_path},
-            {"description_path", finding.description_path},
-            {"configured", finding.configured},
-            {"described", finding.described},
-            {"text", finding.text},
-            {"offers", offers_json(finding.offers)},
-            {"message", finding.message}};
-}
-
-Json look_json(const Look& look) {
-    return {{"rule", look.rule},
-            {"setting", look.setting},
-            {"configuration_path", look.configuration_path},
-            {"description_path", look.description_path},
-            {"outcome", look.outcome}};
-}
-
-std::string written(const Json& json) {
-    return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+std::string written(JsonLines& out) {
+    out.close('}');
+    return out.take() + '\n';
 }
 
 } // namespace
 
 CompatibilityMap load_map(std::string_view text) {
-    const Json json = parse(text);
+    const JsonTree json = parse_map(text);
     Members members(json, "The map");
     CompatibilityMap map;
     if (!members.truth("replace")) map = built_in_map();
@@ -254,29 +274,21 @@ CompatibilityMap load_map(std::string_view text) {
 }
 
 std::string map_to_json(const CompatibilityMap& map) {
-    Json json{
-        {"replace", true}, {"settings", Json::array()}, {"quiet", Json::array()}, {"rules", Json::array()}};
-    for (const SettingPath& path : map.settings) {
-        json["settings"].push_back(setting_json(path));
-    }
-    for (const QuietPath& quiet : map.quiet) {
-        json["quiet"].push_back(quiet_json(quiet));
-    }
-    for (const ValueRule& rule : map.rules) {
-        json["rules"].push_back(rule_json(rule));
-    }
-    return written(json);
+    JsonLines out;
+    out.open('{');
+    out.member("replace", true);
+    write_list(out, "settings", map.settings);
+    write_list(out, "quiet", map.quiet);
+    write_list(out, "rules", map.rules);
+    return written(out);
 }
 
 std::string findings_to_json(const ExplainedFindings& explained) {
-    Json json{{"findings", Json::array()}};
-    for (const Finding& finding : explained.findings) {
-        json["findings"].push_back(finding_json(finding));
-    }
-    for (const Look& look : explained.looks) {
-        json["looks"].push_back(look_json(look));
-    }
-    return written(json);
+    JsonLines out;
+    out.open('{');
+    write_list(out, "findings", explained.findings);
+    if (!explained.looks.empty()) write_list(out, "looks", explained.looks);
+    return written(out);
 }
 
 } // namespace pm::kit

@@ -126,6 +126,11 @@ TEST(Map, RefusesWhatItDoesNotKnow) {
               "0 A code is no integer of 32 bits.");
     EXPECT_EQ(error_of(R"({"settings": [{"setting": "a", "path": "\\a", "codes": {"1": 2147483648}}]})"),
               "0 A code is no integer of 32 bits.");
+    EXPECT_EQ(
+        error_of(R"({"settings": [{"setting": "a", "path": "\\a", "codes": {"1": 18446744073709551615}}]})"),
+        "0 A code is no integer of 32 bits.");
+    EXPECT_EQ(error_of(R"({"settings": [{"setting": "a", "path": "\\a", "owner": 1}]})"),
+              "0 \"owner\" of A setting is not an object.");
     EXPECT_EQ(error_of(R"({"settings": [{"setting": "a", "path": "\\a", "owner": {"path": "\\o"}}]})"),
               "0 An owner has no digit from 0 to 255.");
     EXPECT_EQ(

@@ -139,7 +139,8 @@ std::optional<std::string> string_file_in(const std::filesystem::path& folder) {
     try {
         const auto found = find_string_file(file_name_to_utf16(folder.empty() ? "." : name_of_path(folder)));
         if (found) return file_name_to_utf8(*found);
-    } catch (const ZT_Exception&) {
+    } catch (const ZT_Exception& e) {
+        if (tells_want_of_memory(e)) throw;
         // a file there can't be read
     }
     return std::nullopt;
