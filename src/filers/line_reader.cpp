@@ -28,12 +28,13 @@ void LineReader::attach(std::string_view text) {
     m_at = text.data();
     m_end = text.data() + text.size();
     m_last_block = true;
+    find_whole_lines(m_end - std::min(text.size(), margin));
 }
 
 void LineReader::start(std::istream* stream, InflateReader* source) {
     m_stream = stream;
     m_source = source;
-    m_at = m_end = m_buffer.data();
+    m_at = m_end = m_whole_end = m_buffer.data();
     m_last_block = false;
 }
 
@@ -43,15 +44,25 @@ bool LineReader::fill() {
     if (!m_last_block) {
         const auto left = static_cast<std::size_t>(m_end - m_at);
         std::memmove(m_buffer.data(), m_at, left);
-        const std::size_t given = read_block(m_buffer.data() + left, m_buffer.size() - left);
+        const std::size_t given = read_block(m_buffer.data() + left, block_size - left);
         m_at = m_buffer.data();
         m_end = m_at + left + given;
+        std::memset(m_buffer.data() + left + given, 0, margin);
+        find_whole_lines(m_end);
         if (given > 0) return true;
     }
     // The stream's state is kept as if it were read only as far as lines were handed out: a block that runs
     // into the end leaves no mark until that end is asked for.
     if (m_stream != nullptr && m_stream->good()) m_stream->setstate(std::ios::eofbit);
     return false;
+}
+
+// Those that end in front of `last`.
+void LineReader::find_whole_lines(const char* last) {
+    while (last != m_at && last[-1] != '\n') {
+        --last;
+    }
+    m_whole_end = last;
 }
 
 std::size_t LineReader::read_block(char* to, std::size_t size) {

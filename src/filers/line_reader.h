@@ -35,13 +35,22 @@ public:
     Line read_line(std::size_t limit = static_cast<std::size_t>(-1));
     // Passes over blanks, tabs, carriage returns, vertical tabs, form feeds and line feeds.
     void skip_white_space();
+    // The lines at hand that are whole, line feeds included; so many bytes behind them can be read. More
+    // lines may be had with read_line().
+    static constexpr std::size_t margin = 16;
+    std::string_view whole_lines() const {
+        return {m_at, m_at < m_whole_end ? static_cast<std::size_t>(m_whole_end - m_at) : 0};
+    }
+    // Goes on at a place in the whole lines.
+    void go_on_at(const char* place) { m_at = place; }
     // Whether nothing more is to be had, because the stream ended or failed.
     bool at_end();
 
 private:
     void start(std::istream* stream, InflateReader* source);
-    bool full() const { return !m_last_block && static_cast<std::size_t>(m_end - m_at) == m_buffer.size(); }
+    bool full() const { return !m_last_block && static_cast<std::size_t>(m_end - m_at) == block_size; }
     bool fill();
+    void find_whole_lines(const char* last);
     std::size_t read_block(char* to, std::size_t size);
     Line take(std::size_t length, std::size_t skipped, End end);
 
@@ -49,8 +58,9 @@ private:
     InflateReader* m_source = nullptr;
     const char* m_at = nullptr; // in m_buffer, or in a text in memory
     const char* m_end = nullptr;
-    bool m_last_block = false; // nothing is to be had behind the block at hand
-    std::array<char, block_size> m_buffer;
+    const char* m_whole_end = nullptr; // behind the last line feed in front of which lines are whole
+    bool m_last_block = false;         // nothing is to be had behind the block at hand
+    std::array<char, block_size + margin> m_buffer;
 };
 
 } // namespace pm

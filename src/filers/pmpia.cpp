@@ -4,6 +4,7 @@
 #include "base/text.h"
 #include "filers/compressed_body.h"
 #include "filers/pia_writer.h"
+#include "filers/plain_lines.h"
 #include "filers/wide_text.h"
 #include "platform/code_page.h"
 #include "store/value_text.h"
@@ -242,6 +243,7 @@ void PM_PIAFile::load_body(PM_Object& target, const char16_t* base, bool from_st
     pm::WideText line(pm::code_page(text_code_page()));
     bool more = true;
     while (more) {
+        load_plain_lines(place);
         more = read_line(line, from_stream);
         std::u16string_view text = line.view();
         if (text.empty() || text.front() == u';') continue;
@@ -251,6 +253,15 @@ void PM_PIAFile::load_body(PM_Object& target, const char16_t* base, bool from_st
         line.truncate(text.size());
         load_line(place, line);
     }
+}
+
+// As many as follow one another.
+void PM_PIAFile::load_plain_lines(pm::TreeCursor& place) {
+    if (m_unopened != 0) return;
+    static_assert(pm::LineReader::margin >= pm::PlainLines::margin);
+    const pm::PlainLines loaded = pm::load_plain_lines(place, m_reader.whole_lines());
+    m_line_number += loaded.count;
+    m_reader.go_on_at(loaded.end);
 }
 
 // False for the last line.

@@ -57,6 +57,7 @@ private:
     // with m_stream at its end, if `header` tells no version.
     std::unique_ptr<pm::CompressedBody> attach_body(std::u16string_view header);
     void load_body(PM_Object& target, const char16_t* base, bool from_stream);
+    void load_plain_lines(pm::TreeCursor& place);
     bool read_line(pm::WideText& line, bool from_stream);
     void load_line(pm::TreeCursor& place, pm::WideText& line);
     void property_line(pm::TreeCursor& place, const pm::TreeCursor::Name& name, pm::WideText& line);

@@ -146,6 +146,12 @@ void TreeCursor::set_by_path(std::u16string_view name, const void* data, std::si
     m_object.setData(whole.text(), data, size, type, -1, true);
 }
 
+std::u16string_view TreeCursor::expected_name() const {
+    if (!m_in_step || m_reached != m_count) return {};
+    const PM_Property* const model = m_models[m_turn % most_models];
+    return model != nullptr ? model->entry().view() : std::u16string_view();
+}
+
 PM_Property& TreeCursor::property_here(std::u16string_view name, PropType type) {
     PM_Node& node = *m_levels[m_count].node;
     const PM_Property*& model = m_models[m_turn++ % most_models];

@@ -49,6 +49,10 @@ public:
     // Whether leave() changes the path.
     bool is_moved_by(const Name& name) const;
 
+    // The name that a property here is likely to have; empty if none is known. Valid as long as the tree
+    // isn't changed by others.
+    std::u16string_view expected_name() const;
+
     // Set a property here, strictly; there is room for its name. Numbers 51, 54 and 55 as setData().
     void set_data(const Name& name, const void* data, std::size_t size, PropType type);
     void set_long(const Name& name, std::int32_t value) { set_data(name, &value, sizeof value, PROP_LONG); }

@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "base/widen.h"
 #include "platform/code_page.h"
+#include "store/armour.h"
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -33,56 +34,6 @@ pm::Block<T> allocate_or_throw(std::size_t count, const char16_t* what) {
     return block;
 }
 
-// CRC-16 of polynomial 0xA001, reflected.
-constexpr std::array<std::uint16_t, 256> make_crc_table() {
-    std::array<std::uint16_t, 256> table{};
-    for (unsigned byte = 0; byte < table.size(); ++byte) {
-        unsigned crc = byte;
-        for (int bit = 0; bit < 8; ++bit) {
-            crc = (crc & 1) != 0 ? (crc >> 1) ^ 0xA001U : crc >> 1;
-        }
-        table[byte] = static_cast<std::uint16_t>(crc);
-    }
-    return table;
-}
-
-constexpr std::array<std::uint16_t, 256> crc_table = make_crc_table();
-constexpr std::size_t check_size = 2; // the high byte comes first
-
-std::uint16_t string_crc(std::span<const std::uint8_t> bytes) {
-    unsigned crc = crc_table[1];
-    for (const std::uint8_t byte : bytes) {
-        crc = (crc >> 8) ^ crc_table[(crc ^ byte) & 0xFF];
-    }
-    return static_cast<std::uint16_t>(crc);
-}
-
-// Armoured text: 4 units of 6 bits for 3 bytes.
-constexpr std::size_t group_units = 4;
-constexpr std::size_t group_bytes = 3;
-
-bool is_armour(char16_t unit) {
-    return unit >= u' ' && unit <= u'_';
-}
-
-void encode_group(const std::uint8_t* bytes, char* text) {
-    const unsigned bits = unsigned{bytes[0]} << 16U | unsigned{bytes[1]} << 8U | bytes[2];
-    for (std::size_t unit = 0; unit < group_units; ++unit) {
-        text[unit] = static_cast<char>(' ' + (bits >> (18 - 6 * unit) & 0x3F));
-    }
-}
-
-// Units that a cut group lacks count as zero bits.
-void decode_group(std::u16string_view text, std::uint8_t* bytes) {
-    unsigned bits = 0;
-    for (std::size_t unit = 0; unit < group_units; ++unit) {
-        bits = bits << 6U | (unit < text.size() ? text[unit] - u' ' : 0U);
-    }
-    for (std::size_t byte = 0; byte < group_bytes; ++byte) {
-        bytes[byte] = static_cast<std::uint8_t>(bits >> (16 - 8 * byte));
-    }
-}
-
 struct Payload {
     pm::Block<std::uint8_t> bytes; // null if the text is not armoured or there is no memory
     std::size_t size = 0;
@@ -91,80 +42,44 @@ struct Payload {
 Payload decode_armour(std::u16string_view text) {
     constexpr std::size_t shortest = 3;
     constexpr std::size_t excess = 2; // of a last group of two units
-    if (text.size() < shortest || text.size() % group_units == 1) return {};
-    if (!std::all_of(text.begin(), text.end(), is_armour)) return {};
+    if (text.size() < shortest || text.size() % pm::armour_group_units == 1) return {};
+    if (!std::all_of(text.begin(), text.end(), pm::is_armour)) return {};
 
-    const std::size_t size = text.size() * group_bytes / group_units - check_size;
-    auto bytes = pm::allocate_block<std::uint8_t>(size + check_size + excess);
+    const std::size_t size =
+        text.size() * pm::armour_group_bytes / pm::armour_group_units - pm::armour_check_size;
+    auto bytes = pm::allocate_block<std::uint8_t>(size + pm::armour_check_size + excess);
     if (!bytes) return {};
     std::uint8_t* out = bytes.get();
-    for (std::size_t at = 0; at < text.size(); at += group_units, out += group_bytes) {
-        decode_group(text.substr(at, group_units), out);
+    for (std::size_t at = 0; at < text.size(); at += pm::armour_group_units, out += pm::armour_group_bytes) {
+        pm::decode_armour_group(text.substr(at, pm::armour_group_units), out);
     }
     const unsigned stored = unsigned{bytes[size]} << 8U | bytes[size + 1];
-    if (stored != string_crc({bytes.get(), size})) return {};
+    if (stored != pm::armour_check({bytes.get(), size})) return {};
     return {std::move(bytes), size};
 }
 
 // The text of a double: "0.33333333333 (55555555U3_#T@)" in the exact form.
-constexpr std::size_t armoured_units = 14;
-constexpr std::size_t bracketed_units = armoured_units + 2;
+constexpr std::size_t bracketed_units = pm::armoured_double_size + 2;
 constexpr double decimals_scale = 10000.0;
-
-std::uint16_t crc_of(std::uint64_t bits) {
-    unsigned crc = crc_table[1];
-    for (unsigned byte = 0; byte < sizeof bits; ++byte) {
-        crc = (crc >> 8) ^ crc_table[(crc ^ (bits >> 8 * byte)) & 0xFF];
-    }
-    return static_cast<std::uint16_t>(crc);
-}
-
-// The 64 bits, least significant byte first, their check value, and bytes that fill the last group.
-constexpr std::size_t armour_bytes = 4 * group_bytes;
-constexpr std::size_t scratch_size = 32;
-
-void pack_bits(std::uint64_t bits, std::uint8_t* out) {
-    for (std::size_t i = 0; i < sizeof bits; ++i) {
-        out[i] = static_cast<std::uint8_t>(bits >> 8 * i);
-    }
-    const unsigned check = crc_of(bits);
-    out[sizeof bits] = static_cast<std::uint8_t>(check >> 8);
-    out[sizeof bits + 1] = static_cast<std::uint8_t>(check);
-    std::fill(out + sizeof bits + check_size, out + armour_bytes, std::uint8_t{0});
-}
 
 // Writes " (", the armour and ")"; nothing without memory. Gives the end.
 char* write_armour(double value, char* out) {
-    const auto scratch = pm::allocate_block<std::uint8_t>(scratch_size);
-    if (!scratch) return out;
-    pack_bits(std::bit_cast<std::uint64_t>(value), scratch.get());
-    char text[armour_bytes / group_bytes * group_units];
-    for (std::size_t group = 0; group < armour_bytes / group_bytes; ++group) {
-        encode_group(scratch.get() + group * group_bytes, text + group * group_units);
-    }
+    if (pm::armour_is_refused()) return out;
     *out++ = ' ';
     *out++ = '(';
-    out = std::copy_n(text, armoured_units, out);
+    out = pm::write_armoured_double(value, out);
     *out++ = ')';
     return out;
 }
 
 // `armoured` has the length of a double's armour. False without memory, too.
 bool disarm_double(std::u16string_view armoured, double& out) {
-    if (!std::all_of(armoured.begin(), armoured.end(), is_armour)) return false;
-    const auto bytes = pm::allocate_block<std::uint8_t>(scratch_size);
-    if (!bytes) return false;
-    for (std::size_t group = 0; group < armour_bytes / group_bytes; ++group) {
-        decode_group(armoured.substr(group * group_units, group_units), bytes.get() + group * group_bytes);
-    }
-    std::uint64_t bits = 0;
-    for (std::size_t i = sizeof bits; i-- > 0;) {
-        bits = bits << 8 | bytes[i];
-    }
-    const unsigned check = unsigned{bytes[sizeof bits]} << 8U | bytes[sizeof bits + 1];
-    if (check != crc_of(bits)) return false;
-    out = std::bit_cast<double>(bits);
-    return true;
+    if (!std::all_of(armoured.begin(), armoured.end(), pm::is_armour)) return false;
+    if (pm::armour_is_refused()) return false;
+    char narrow[pm::armoured_double_size];
+    std::transform(armoured.begin(), armoured.end(), narrow,
+                   [](char16_t unit) { return static_cast<char>(unit); });
+    return pm::read_armoured_double(narrow, out);
 }
 
 __extension__ using uint128 = unsigned __int128;
@@ -184,13 +99,13 @@ constexpr auto powers_of_five = make_powers_of_five();
 constexpr double powers_of_ten[] = {1e-3, 1e-2, 1e-1, 1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10};
 
 // value * 10^scale, rounded to an integer: exactly, halves to even. The value is from 1e-4 to below 1e11, the
-// result about eleven digits long.
-std::uint64_t scaled_integer(double value, int scale) {
+// scale one of powers_of_five.
+uint128 scaled_integer(double value, int scale) {
     const auto bits = std::bit_cast<std::uint64_t>(value);
     const std::uint64_t mantissa = (bits & 0xFFFFFFFFFFFFF) | 0x10000000000000;
     const int shift = 1075 - scale - static_cast<int>(bits >> 52); // always positive
     const uint128 product = static_cast<uint128>(mantissa) * powers_of_five[static_cast<std::size_t>(scale)];
-    const auto whole = static_cast<std::uint64_t>(product >> shift);
+    const uint128 whole = product >> shift;
     const uint128 half = uint128{1} << (shift - 1);
     const uint128 rest = product & ((uint128{1} << shift) - 1);
     return whole + (rest > half || (rest == half && (whole & 1) != 0) ? 1 : 0);
@@ -207,10 +122,13 @@ char* write_digits(std::uint64_t value, char* out, int count) {
 char* write_11_fixed(double value, char* out) {
     const auto* const above = std::upper_bound(std::begin(powers_of_ten), std::end(powers_of_ten), value);
     int exponent = static_cast<int>(above - std::begin(powers_of_ten)) - 4;
-    std::uint64_t digits = scaled_integer(value, digits_shown - 1 - exponent);
+    const auto digits_at = [value](int at) {
+        return static_cast<std::uint64_t>(scaled_integer(value, digits_shown - 1 - at));
+    };
+    std::uint64_t digits = digits_at(exponent);
     // A power of ten that no double is may be one off, and rounding may add a digit.
-    if (digits < least_11_digits) digits = scaled_integer(value, digits_shown - 1 - --exponent);
-    if (digits >= 10 * least_11_digits) digits = scaled_integer(value, digits_shown - 1 - ++exponent);
+    if (digits < least_11_digits) digits = digits_at(--exponent);
+    if (digits >= 10 * least_11_digits) digits = digits_at(++exponent);
     if (exponent < 0) {
         *out++ = '0';
         *out++ = '.';
@@ -224,10 +142,14 @@ char* write_11_fixed(double value, char* out) {
     return std::copy(all + exponent + 1, all + digits_shown, out);
 }
 
+bool is_fixed(double magnitude) {
+    return magnitude >= 1e-4 && magnitude < 9.9999e10;
+}
+
 // "%#.11g"; gives the end.
 char* write_11_digits(double value, char* out) {
     const double magnitude = std::abs(value);
-    if (magnitude >= 1e-4 && magnitude < 9.9999e10) {
+    if (is_fixed(magnitude)) {
         if (value < 0) *out++ = '-';
         return write_11_fixed(magnitude, out);
     }
@@ -272,7 +194,7 @@ std::size_t find_armour(std::u16string_view text) {
 bool parse_exact_form(std::u16string_view text, std::size_t blank, double& out) {
     if (blank == std::u16string_view::npos) return false;
     double value = 0;
-    if (!disarm_double(text.substr(blank + 2, armoured_units), value)) return false;
+    if (!disarm_double(text.substr(blank + 2, pm::armoured_double_size), value)) return false;
     char visible[pm::double_text_capacity];
     const std::string_view told(visible, static_cast<std::size_t>(write_11_digits(value, visible) - visible));
     if (!same_ascii(text.substr(0, blank), told)) return false;
@@ -474,6 +396,13 @@ std::size_t format_double(double value, char16_t* buffer) {
 bool parse_double(std::u16string_view text, double& out) {
     const std::size_t blank = find_armour(text);
     return parse_exact_form(text, blank, out) || parse_short_form(text, out) || scan_whole(text, blank, out);
+}
+
+bool shows_digits(double magnitude, std::uint64_t digits, std::size_t decimals) {
+    // Ten digits and a zero are also what the next power of ten down gives, rounded up.
+    if (digits <= least_11_digits || digits >= 10 * least_11_digits) return false;
+    if (!is_fixed(magnitude) || decimals >= powers_of_five.size()) return false;
+    return scaled_integer(magnitude, static_cast<int>(decimals)) == digits;
 }
 
 bool hex_to_bytes(std::u16string_view digits, unsigned char* out) {

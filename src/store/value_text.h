@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <pm/value_text.h>
 #include <string_view>
 
@@ -22,6 +23,10 @@ char* format_double(double value, char* out);
 // takes completely. A visible number that was edited voids the exact bits behind it. False, with `out`
 // untouched, if the text is no number.
 bool parse_double(std::u16string_view text, double& out);
+
+// Whether format_double() surely shows a positive number by these eleven digits, so many of them behind the
+// point.
+[[nodiscard]] bool shows_digits(double magnitude, std::uint64_t digits, std::size_t decimals);
 
 // What pm_hex_to_bin() makes of digits that are all ASCII and even in number; `out` may begin where they do.
 // False, with nothing done, if there are others among them.
