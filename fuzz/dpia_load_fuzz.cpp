@@ -4,6 +4,7 @@
 #include <pm/pm.h>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -14,6 +15,29 @@ bool load_section(PM_Object& object, const pm::fuzz::MemoryFile& file, int index
     name[4096] = 0;
     object.load_section(file.name(), PM_Object::FILE_DPIA, u"section", name);
     return true;
+}
+
+// A directory that can be listed tells as many sections as the file is known by.
+void list_sections(const std::string& content) {
+    std::stringstream stream(content);
+    const auto identity = pm::identify_content(content);
+    try {
+        const std::vector<pm::DpiaSection> sections = pm::dpia_sections(stream);
+        const bool known = identity && identity->type == PM_Object::FILE_DPIA;
+        pm::fuzz::require(!known || identity->section_count == sections.size());
+    } catch (const ZT_Exception& e) {
+        pm::fuzz::require(e.m_number != 0);
+    }
+}
+
+// Hardly a directory names this one.
+void look_for_no_section(const pm::fuzz::MemoryFile& file) {
+    PM_Object object;
+    try {
+        object.load_section(file.name(), PM_Object::FILE_DPIA, u"section", u"\n\n no section \n\n");
+    } catch (const ZT_Exception& e) {
+        pm::fuzz::require(e.m_number != 0);
+    }
 }
 
 } // namespace
@@ -32,5 +56,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         pm::fuzz::require(e.m_number != 0);
     }
     bound.require_held();
+    list_sections(content);
+    look_for_no_section(file);
     return 0;
 }

@@ -1,14 +1,17 @@
-// First byte: a table of a device description, modulo their number, by its number. The rest: its file. A form
-// feed ends the file and begins that of the next table. All other tables have their headings only.
+// First byte: a table of a device description, modulo their number, by its number; from 240 on it is loaded
+// to a base with a "*". The rest: its file. A form feed ends the file and begins that of the next table. All
+// other tables have their headings only. Its version is read too.
 
 #include "cost.h"
 #include "fuzz_support.h"
+#include "pdt/pmpdt.h"
 #include "pdt/section_reader.h"
 #include "platform/code_page.h"
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <pm/pm.h>
 #include <stdexcept>
 #include <string>
@@ -57,7 +60,9 @@ private:
     fs::path m_strings;
 };
 
-// What every load that comes to its end has written.
+constexpr const char16_t* root = u"\\";
+
+// What every load to the root that comes to its end has written.
 void check(const PM_Object& object) {
     require(object.getPropertySize(u"\\media\\abilities") == 52 * sizeof(char16_t));
     require(object.getPropertySize(u"\\media\\ui_owner") == 24 * sizeof(char16_t));
@@ -80,17 +85,30 @@ pm::fuzz::Cost allowed_cost(std::size_t size) {
     return cost;
 }
 
-void load(const Description& description, std::size_t size) {
+void load(const Description& description, std::size_t size, const char16_t* base) {
     const pm::fuzz::CostBound bound(allowed_cost(size));
     PM_Object object;
     bool whole = true;
     try {
-        object.load(description.string_file().c_str(), PM_Object::FILE_PDT, u"\\");
+        object.load(description.string_file().c_str(), PM_Object::FILE_PDT, base);
     } catch (const ZT_Exception&) {
         whole = false;
     }
     bound.require_held();
-    if (whole) check(object);
+    if (whole && base == root) check(object);
+}
+
+void read_version(const Description& description) {
+    constexpr std::size_t capacity = 16;
+    const std::unique_ptr<char16_t[]> buffer(new char16_t[capacity]());
+    try {
+        PM_PDTFile filer(nullptr);
+        filer.open(description.string_file().c_str(), false);
+        filer.getVersion(buffer.get(), capacity);
+    } catch (const PM_Severe& e) {
+        require(e.m_number == PM_ERR_NOT_OPENED);
+    }
+    require(buffer[capacity - 1] == 0);
 }
 
 } // namespace
@@ -109,7 +127,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         changed.push_back(section);
         if (more) rest.remove_prefix(end + 1);
     }
-    load(description, size);
+    constexpr int first_for_star = 240;
+    load(description, size, data[0] < first_for_star ? root : u"\\device\\*\\");
+    read_version(description);
     for (const int each : changed) {
         description.reset(each);
     }
