@@ -5,6 +5,7 @@
 #include "support/temp_folder.h"
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -80,6 +81,23 @@ TEST_F(LockedPosix, FolderPipeAndDeviceAreRefused) {
         EXPECT_EQ(nullptr, LockedFile::create(name));
         EXPECT_FALSE(first_bytes(name, 8));
     }
+}
+
+std::ptrdiff_t open_files() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+TEST_F(LockedPosix, NothingStaysOpenThatWasReadOrRefused) {
+    const auto name = folder.write("file", "content");
+    const auto before = open_files();
+    EXPECT_TRUE(first_bytes(name, 4));
+    EXPECT_FALSE(first_bytes(folder.wide("."), 4));
+    EXPECT_EQ(nullptr, LockedFile::open(folder.wide(".")));
+    {
+        const auto file = LockedFile::open(name);
+        EXPECT_EQ(nullptr, LockedFile::open(name));
+    }
+    EXPECT_EQ(before, open_files());
 }
 
 } // namespace

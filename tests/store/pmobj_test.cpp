@@ -374,6 +374,23 @@ TEST(Object, AnIndexWithoutAStarIsOneMoreLevel) {
     EXPECT_EQ(9, long_at(object, u"Pens\\0"));
 }
 
+TEST(Object, ASecondValueAtAnIndexReplacesTheFirst) {
+    PM_Object object;
+    object.SetProperty(u"Pens", 7, 3);
+    object.SetProperty(u"Pens", 8, 3);
+    EXPECT_EQ(8, long_at(object, u"Pens\\3"));
+    object.deletePath(u"Pens\\3");
+    EXPECT_FALSE(object.pathExists(u"Pens\\3"));
+}
+
+TEST(Object, AStrictPropertyAtAnIndexRefusesAnotherType) {
+    PM_Object object;
+    object.SetProperty(u"Pen*\\Width", 1, 3);
+    expect_thrown<PM_Warning>([&] { object.SetProperty(u"Pen*\\Width", 2.5, 3); }, PM_ERR_WRONG_TYPE,
+                              set_place, u"");
+    EXPECT_EQ(1, long_at(object, u"Pen3\\Width"));
+}
+
 TEST(Object, StarsAreOrdinaryWhereNoIndexIsTaken) {
     PM_Object object;
     object.SetProperty(u"Pen*\\Width", 1, 1);
@@ -506,6 +523,15 @@ TEST(Object, A257thComponentRaises51OutOfEveryOperationAndKeepsItsReferences) {
         object.deletePath(u"x");
         EXPECT_TRUE(object.pathExists(u"x"));
     }
+}
+
+TEST(Object, A257thComponentRaises51BelowANodeOf256Too) {
+    PM_Object object;
+    object.SetProperty(u"p", 1);
+    object.duplicate(u"p", levels(256, u"x").c_str());
+    const std::u16string path = levels(257, u"x");
+    expect_thrown<PM_Warning>([&] { object.SetProperty(path.c_str(), 1); }, PM_ERR_BAD_PATH,
+                              u"PM_Path::PM_Path()", path.substr(0, 259));
 }
 
 TEST(Object, AnUnknownNameIsMetBeforeTheCountOfComponents) {

@@ -303,6 +303,17 @@ TEST(FormatDouble, ReproducesTheNumbersOfASampleFile) {
     EXPECT_EQ(5, found);
 }
 
+TEST(FormatDouble, RoundingUpToAPowerOfTenKeepsElevenDigits) {
+    EXPECT_EQ(u"0.0010000000000 (", formatted(0.0009999999999999).substr(0, 17));
+    EXPECT_EQ(u"1.0000000000 (", formatted(0.9999999999999).substr(0, 14));
+    EXPECT_EQ(u"100000.00000 (", formatted(99999.9999999).substr(0, 14));
+}
+
+TEST(FormatDouble, ADigitBehindTheEleventhThatIsExactlyAHalfRoundsToEven) {
+    EXPECT_EQ(u"12345678.062 (", formatted(12345678.0625).substr(0, 14));
+    EXPECT_EQ(u"12345678.188 (", formatted(12345678.1875).substr(0, 14));
+}
+
 TEST(FormatDouble, KeepsTheSignInTheExactForm) {
     const std::u16string text = formatted(-1.0 / 3.0);
     EXPECT_EQ(u"-0.33333333333 (55555555U;", text.substr(0, 26));
