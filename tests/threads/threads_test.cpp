@@ -1,35 +1,24 @@
 #include "platform/code_page.h"
 #include "support/recording_handler.h"
-#include "support/temp_folder.h"
 #include "support/tree_dump.h"
-#include <barrier>
-#include <functional>
-#include <gtest/gtest.h>
+#include "threads/independent.h"
 #include <memory>
-#include <ostream>
 #include <pm/pm.h>
 #include <pm_test_paths.h>
 #include <sstream>
-#include <string>
-#include <thread>
-#include <utility>
-#include <vector>
-
-// Threads that each work with objects of their own need no lock: each gets what it gets alone. Under the
-// thread sanitizer these tests also hold that nothing in the library is shared without one.
 
 namespace {
 
+using pm::test::expect_independent;
+using pm::test::failure;
+using pm::test::Lines;
 using pm::test::RecordingHandler;
 using pm::test::Report;
 using pm::test::TempFolder;
+using pm::test::ThreadWork;
 using pm::test::tree_dump;
 using pm::test::utf8;
-using Lines = std::vector<std::string>;
-using Work = std::function<Lines(int number, const TempFolder& folder)>;
-
-constexpr int thread_count = 4;
-constexpr const char* no_failure = "nothing was thrown";
+using pm::test::Work;
 
 std::u16string sample(const char* name) {
     return pm::to_wide(std::string(PM_SAMPLES "/") + name, pm::utf8_code_page);
@@ -146,19 +135,6 @@ Lines code_pages(int number, const TempFolder&) {
     return lines;
 }
 
-// What a failing operation tells: class apart, all that the exception says, and the text of its number.
-std::string failure(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const ZT_Exception& e) {
-        ZT_String text;
-        pm_error_text(e.m_number, text);
-        return std::to_string(e.kind()) + ' ' + std::to_string(e.m_number) + ' ' + e.m_place_narrow + ' ' +
-               utf8(e.m_detail) + ' ' + utf8(text.text());
-    }
-    return no_failure;
-}
-
 // Bad files of each text format, without a handler, with one that goes on and with one that stops.
 Lines failures(int number, const TempFolder& folder) {
     const std::string bad = "\x01 bad " + std::to_string(number);
@@ -223,52 +199,7 @@ Lines texts(int number, const TempFolder&) {
     return lines;
 }
 
-// A failure in a thread is a result as well, which differs from the right one.
-Lines result_of(const Work& piece, int number, const TempFolder& folder) {
-    Lines lines;
-    const std::string told = failure([&] { lines = piece(number, folder); });
-    if (told != no_failure) lines.push_back(told);
-    return lines;
-}
-
-// Runs every piece of work in each of the threads at once, thread by thread beginning with another piece, and
-// expects of each what it gives alone afterwards: before, it would make ready what threads may share.
-void expect_independent(const std::vector<Work>& pieces, int rounds) {
-    std::vector<std::vector<Lines>> results(thread_count, std::vector<Lines>(pieces.size()));
-    std::barrier start(thread_count);
-    {
-        std::vector<std::jthread> threads;
-        for (int number = 0; number < thread_count; ++number) {
-            threads.emplace_back([&, number] {
-                const TempFolder folder;
-                start.arrive_and_wait();
-                for (std::size_t at = 0; at < static_cast<std::size_t>(rounds) * pieces.size(); ++at) {
-                    const std::size_t piece = (at + static_cast<std::size_t>(number)) % pieces.size();
-                    results[static_cast<std::size_t>(number)][piece] =
-                        result_of(pieces[piece], number, folder);
-                }
-            });
-        }
-    }
-    for (int number = 0; number < thread_count; ++number) {
-        const TempFolder folder;
-        for (std::size_t piece = 0; piece < pieces.size(); ++piece) {
-            const Lines alone = result_of(pieces[piece], number, folder);
-            EXPECT_FALSE(alone.empty());
-            EXPECT_EQ(alone, results[static_cast<std::size_t>(number)][piece])
-                << "thread " << number << ", piece " << piece;
-        }
-    }
-}
-
-struct Row {
-    const char* name;
-    Work work;
-
-    friend void PrintTo(const Row& row, std::ostream* out) { *out << row.name; }
-};
-
-class Threads : public testing::TestWithParam<Row> {};
+class Threads : public testing::TestWithParam<ThreadWork> {};
 
 } // namespace
 
@@ -277,10 +208,11 @@ TEST_P(Threads, EachGetsWhatItGetsAlone) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Work, Threads,
-                         testing::Values(Row{"Pia", pia}, Row{"Dpia", dpia}, Row{"Doc", doc}, Row{"Pc2", pc2},
-                                         Row{"Cfg", cfg}, Row{"Pcp", pcp}, Row{"Pdt", pdt},
-                                         Row{"CodePages", code_pages}, Row{"Failures", failures},
-                                         Row{"Texts", texts}),
+                         testing::Values(ThreadWork{"Pia", pia}, ThreadWork{"Dpia", dpia},
+                                         ThreadWork{"Doc", doc}, ThreadWork{"Pc2", pc2},
+                                         ThreadWork{"Cfg", cfg}, ThreadWork{"Pcp", pcp},
+                                         ThreadWork{"Pdt", pdt}, ThreadWork{"CodePages", code_pages},
+                                         ThreadWork{"Failures", failures}, ThreadWork{"Texts", texts}),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(ThreadsOverAllFormats, EachGetsWhatItGetsAlone) {

@@ -1,15 +1,15 @@
-#include "check/code_page_scope.h"
 #include "check/content.h"
 #include "check/files.h"
 #include "check/folder.h"
 #include <filesystem>
 #include <istream>
 #include <iterator>
+#include <pm/kit/file.h>
 
 namespace pm::kit {
 
 std::vector<Diagnostic> check_file(std::string_view file, const CheckOptions& options) {
-    const CodePageScope scope(options.code_page);
+    const ScopedCodePage scope(options.code_page);
     Findings findings(options);
     std::error_code error;
     if (std::filesystem::is_directory(path_of_name(file), error)) {
@@ -22,7 +22,7 @@ std::vector<Diagnostic> check_file(std::string_view file, const CheckOptions& op
 
 std::vector<Diagnostic> check_content(std::string_view content, std::string_view name,
                                       const CheckOptions& options) {
-    const CodePageScope scope(options.code_page);
+    const ScopedCodePage scope(options.code_page);
     Findings findings(options);
     check_content({content, std::string(name), {}}, options, findings);
     return findings.take();

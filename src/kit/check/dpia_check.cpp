@@ -1,11 +1,12 @@
 #include "check/dpia_check.h"
 
-#include "check/code_page_scope.h"
 #include "check/narrow_text.h"
 #include "check/pia/check.h"
 #include <algorithm>
 #include <fmt/format.h>
+#include <pm/code_page.h>
 #include <pm/error_number.h>
+#include <pm/kit/file.h>
 #include <pm/text.h>
 #include <unordered_map>
 
@@ -223,7 +224,7 @@ void DirectoryCheck::check_neighbours() {
 }
 
 void DirectoryCheck::check_sections(const std::string& wanted) {
-    const CodePageScope scope(utf8);
+    const ScopedCodePage scope(utf8);
     std::uint64_t left = m_content.size(); // sections may share bytes, again and again
     bool found = false;
     for (const Entry& entry : m_entries) {

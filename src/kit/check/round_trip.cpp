@@ -1,6 +1,5 @@
 #include "check/round_trip.h"
 
-#include "check/code_page_scope.h"
 #include "check/files.h"
 #include "check/library_load.h"
 #include "check/narrow_text.h"
@@ -9,6 +8,7 @@
 #include <fmt/format.h>
 #include <functional>
 #include <pm/inspect.h>
+#include <pm/kit/file.h>
 #include <pm/pm.h>
 #include <sstream>
 #include <unordered_map>
@@ -146,7 +146,7 @@ void round_trip_doc(const CheckedContent& content, const Place& where, Findings&
 }
 
 void round_trip_dpia(std::string_view bytes, const Place& where, Findings& findings) {
-    const CodePageScope scope(utf8);
+    const ScopedCodePage scope(utf8);
     std::stringstream stream{std::string(bytes)};
     std::vector<DpiaSection> sections;
     try {

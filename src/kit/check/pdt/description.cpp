@@ -1,6 +1,5 @@
 #include "check/pdt/description.h"
 
-#include "check/code_page_scope.h"
 #include "check/files.h"
 #include "check/library_load.h"
 #include "check/numbers.h"
@@ -11,8 +10,10 @@
 #include <cstdlib>
 #include <deque>
 #include <fmt/format.h>
+#include <pm/code_page.h>
 #include <pm/error_number.h>
 #include <pm/inspect.h>
+#include <pm/kit/file.h>
 #include <pm/text.h>
 
 namespace pm::kit {
@@ -33,7 +34,7 @@ unsigned string_code_page() {
 // The system's own where the machine can't convert it.
 NarrowText string_narrow() {
     try {
-        const CodePageScope scope(string_code_page());
+        const ScopedCodePage scope(string_code_page());
         return NarrowText(pm_system_code_page());
     } catch (const PM_Error&) {
         return NarrowText(pm_system_code_page());
