@@ -286,6 +286,10 @@ TEST(PiaValue, RawDataWhoseBytesAreOddInNumberIsThrown) {
                               PM_ERR_BAD_RAW_DATA, u".\\pmpia", u"bad raw data value");
 }
 
+TEST(PiaValue, ADigitBeyondAsciiIsReadByItsByte) {
+    EXPECT_EQ((Lines{"a void B9", "b void 49", "c long 1"}), loaded("a=\\0\xE9\\\nb=\\\xE9\xE9\\\nc=1\n"));
+}
+
 // Long lines, names and paths.
 
 TEST(PiaLoad, LinesOfAnyLengthAreRead) {

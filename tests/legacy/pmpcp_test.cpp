@@ -310,6 +310,16 @@ TEST_F(Pcp, AnEndThatClosesNothingGoesUpFromTheBase) {
     EXPECT_TRUE(handler.reports.empty());
 }
 
+TEST_F(Pcp, WithNothingToCutFromTheNumbersOfColorsGoOnWithTheLastName) {
+    load("END_COLOR\nROTATE=1\nBEGIN_COLOR=DEFAULT\nPEN_SPEED=5\nEND_COLOR\n");
+    Lines expected = {"\\ROTATE long 1"};
+    for (int color = 1; color <= 255; ++color) {
+        expected.push_back("\\ROTATE" + std::to_string(color) + "\\PEN_SPEED long 5");
+    }
+    EXPECT_EQ(expected, tree());
+    EXPECT_EQ(Numbers{PM_ERR_BAD_LINE}, numbers());
+}
+
 std::string color_line(int color, const std::string& rest) {
     return "\\" + std::to_string(color) + "\\" + rest;
 }

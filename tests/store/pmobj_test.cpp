@@ -1,6 +1,7 @@
 #include "platform/code_page.h"
 #include "store/pmpmgr.h"
 #include "support/exceptions.h"
+#include "support/tree_text.h"
 #include <array>
 #include <bit>
 #include <cmath>
@@ -729,6 +730,17 @@ TEST(Duplicate, TheContentLandsInTheDestinationItself) {
     EXPECT_FALSE(object.GetProperty(u"c\\b\\p", value));
 }
 
+TEST(Duplicate, WhatFollowsADeeperNodeStaysBesideItsParent) {
+    PM_Object object;
+    object.SetProperty(u"a\\x\\y\\n\\p", 1);
+    object.SetProperty(u"a\\x\\z\\p", 2);
+    object.SetProperty(u"a\\z\\p", 3);
+    object.duplicate(u"a", u"c");
+    EXPECT_EQ((std::vector<std::string>{"a\\x\\y\\n\\p long 1", "a\\x\\z\\p long 2", "a\\z\\p long 3",
+                                        "c\\x\\y\\n\\p long 1", "c\\x\\z\\p long 2", "c\\z\\p long 3"}),
+              pm::test::tree_text(object));
+}
+
 TEST(Duplicate, MissingLevelsOfTheDestinationAreMadeOnce) {
     OpenObject object;
     object.SetProperty(u"a\\p", 1);
@@ -790,6 +802,18 @@ TEST(Duplicate, IntoItsOwnInsideEndsAt256Components) {
     expect_thrown<PM_Warning>([&] { object.duplicate(u"\\", u"a"); }, PM_ERR_BAD_PATH,
                               u"PM_Object::duplicate()", u"a");
     EXPECT_EQ(1, long_at(object, u"a\\a\\a\\p"));
+}
+
+TEST(Duplicate, WhatACopyHas256NodesDeepNoPathReaches) {
+    PM_Object object;
+    object.SetProperty(u"a\\a", 1); // a path of that name alone goes as deep as it may
+    (void)thrown_by([&] { object.duplicate(u"\\", u"a"); });
+    EXPECT_EQ(1, long_at(object, levels(256, u"a").c_str()));
+    int value = 0;
+    const std::u16string deeper = levels(257, u"a");
+    expect_thrown<PM_Warning>([&] { (void)object.GetProperty(deeper.c_str(), value); }, PM_ERR_BAD_PATH,
+                              u"PM_Path::PM_Path()", deeper.substr(0, 259));
+    EXPECT_EQ(0, value);
 }
 
 TEST(Duplicate, OfAMissingNodeWithKnownNamesMakesTheDestinationOnly) {

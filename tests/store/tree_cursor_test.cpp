@@ -41,6 +41,23 @@ TEST(TreeCursor, NodesAreMadeWithTheirFirstProperty) {
     EXPECT_EQ(Lines{"base\\deep\\x\\a long 1"}, tree_text(object));
 }
 
+TEST(TreeCursor, BelowABaseOf255ComponentsIsRoomForAProperty) {
+    std::u16string base;
+    std::string line;
+    for (int level = 0; level < 255; ++level) {
+        base += u"\\x";
+        line += "x\\";
+    }
+    PM_Object object;
+    TreeCursor place(object, base);
+    place.set_long(u"a", 1);
+    place.set_long(u"b", 2);
+    EXPECT_EQ((Lines{line + "a long 1", line + "b long 2"}), tree_text(object));
+    ASSERT_TRUE(place.push(u"y"));
+    expect_thrown<PM_Warning>([&] { place.set_long(u"a", 1); }, PM_ERR_BAD_PATH, u"PM_Path::PM_Path()",
+                              (base + u"\\y\\a").substr(0, 259));
+}
+
 TEST(TreeCursor, AnotherTypeIs54) {
     PM_Object object;
     TreeCursor place(object, u"\\");
