@@ -118,6 +118,14 @@ TEST(ReadFile, CompoundFileNeedNotBeWritable) {
                              u"PM_DOCFile::open()", file_name_to_utf16(name));
 }
 
+TEST(ReadFile, CompoundFileThatIsNoneIsNamedAsItWasGiven) {
+    const TempFolder folder;
+    folder.write("a.doc", "no compound file");
+    const std::string name = (folder / "a.doc").string();
+    expect_thrown<PM_Severe>([&] { (void)read_file({.file = name, .type = PM_Object::FILE_DOC}); },
+                             PM_ERR_NOT_OPENED, u"PM_DOCFile::open()", file_name_to_utf16(name));
+}
+
 TEST(ReadFile, MissingFileIsTheLibrarys) {
     expect_thrown<PM_Severe>([] { (void)read_file({.file = "/nowhere/x.pia"}); }, PM_ERR_NO_SUCH_FILE,
                              u"pm::identify()", u"/nowhere/x.pia");

@@ -182,6 +182,19 @@ TEST_F(CheckFile, TableIsCheckedBesideTheOthersOfItsDescription) {
     EXPECT_THAT(lines_of(check_file((m_folder / "dx" / "Media Size.pdt").string())), IsEmpty());
 }
 
+TEST_F(CheckFile, TableByItselfIsOneByItsNameWhateverItsCellsHold) {
+    std::ifstream stream(PM_SAMPLES "/dx4200/Media Type.pdt", std::ios::binary);
+    const std::string content{std::istreambuf_iterator<char>(stream), {}};
+    EXPECT_THAT(lines_of(check_content(content + "DRFX_1\tFoil\t1x\t\t\r\n", "Media Type.pdt")),
+                ElementsAre("Media Type.pdt:11:13 partial-number"));
+}
+
+TEST_F(CheckFile, DescriptionFileOfAnotherNameIsAStringFileByItsContent) {
+    EXPECT_THAT(lines_of(check_content("a\tb\r\n1\t2\r\n", "other.pdt")),
+                ElementsAre("other.pdt:0:0 empty-table"));
+    EXPECT_THAT(lines_of(check_content("DRFX_1\r\n", "other.pdt")), ElementsAre("other.pdt:1:1 bad-line"));
+}
+
 TEST_F(CheckFile, DefaultBlockThatIsOpenDoesNotReachTheNextFile) {
     CheckOptions options;
     options.type = PM_Object::FILE_PCP;

@@ -49,6 +49,17 @@ TEST(ConfigurationPage, MarksWhatIsChosen) {
     EXPECT_THAT(page.texts("span", "badge good"), ElementsAre("possible"));
 }
 
+TEST(ConfigurationPage, MarksNoBoundOfASettingAsChosen) {
+    const Tree device = two_types();
+    const Tree office = wants("Bond", 1);
+    ReportInput input{ReportDescription{"device", device.root()}, {{"office.pia", office.root()}}};
+    input.configurations[0].check.looks.push_back(
+        passed("copies", "copies", "\\media\\copies", "\\media\\max_number_of_copies"));
+    const Markup page(pm::kit::report_page(input));
+    EXPECT_THAT(page.texts("div", "fact chosen"), IsEmpty());
+    EXPECT_THAT(page.texts("div", "fact"), testing::Contains("Most copies5"));
+}
+
 TEST(ConfigurationPage, ShowsAnImpossibleChoiceInItsPlace) {
     const Tree device = two_types();
     const Tree office = wants("Bond", 9);
@@ -141,6 +152,15 @@ TEST(ConfigurationAlone, ShowsNumberedPropertiesInOneRow) {
         tree.set("\\pens\\Color" + std::to_string(pen), pen < 3 ? pen : 0);
     }
     EXPECT_THAT(settings_of(tree).texts("tr", "setting"), ElementsAre("Color 1 to 9 1: 1 2: 2 3 to 9: 0"));
+}
+
+TEST(ConfigurationAlone, ShowsAPropertyWithoutANumberBesideTheNumberedOnes) {
+    Tree tree;
+    tree.set("\\pens\\Color", 7);
+    for (int pen = 1; pen <= 9; ++pen) {
+        tree.set("\\pens\\Color" + std::to_string(pen), 0);
+    }
+    EXPECT_THAT(settings_of(tree).texts("tr", "setting"), ElementsAre("Color7", "Color 1 to 9 1 to 9: 0"));
 }
 
 TEST(Comparison, ShowsWhatDiffersSideBySide) {
