@@ -125,6 +125,7 @@ TEST_F(Compare, WhatIsExcludedCountsOnNeitherSide) {
     b.set("\\x", 2);
     EXPECT_THAT(differences({.exclude = {"\\n\\**"}}), ElementsAre("~ \\x: long 1 -> long 2"));
     EXPECT_THAT(differences({.exclude = {"\\n\\", "x"}}), IsEmpty());
+    EXPECT_THAT(differences({.exclude = {"\\n\\", "x\\"}}), ElementsAre("~ \\x: long 1 -> long 2"));
     EXPECT_EQ("a path can't hold a zero",
               error_of([&] { (void)differences({.exclude = {std::string("\0", 1)}}); }));
 }

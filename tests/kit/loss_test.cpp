@@ -208,6 +208,15 @@ TEST(DocLosses, WhatCannotBeWrittenIsLeftOut) {
     EXPECT_EQ(2, read_content(prepared.bytes, {.file = "x"}).tree.get<int>("\\b\\d"));
 }
 
+TEST(DocLosses, EmptyNodeThatCannotBeWrittenIsLeftOut) {
+    const Prepared prepared = prepare(tree_of("set \\a long 1\nset \\x/y\\"), {.type = doc});
+    EXPECT_THAT(
+        texts(prepared.losses),
+        ElementsAre(
+            "\\x/y\\: lost: it can't be written to a doc file: The compound file can't be written (60)"));
+    EXPECT_EQ(1, read_content(prepared.bytes, {.file = "x"}).tree.get<int>("\\a"));
+}
+
 TEST(DocLosses, NamesThatDoNotComeBack) {
     EXPECT_THAT(losses("set \\copies long 1\nset \\COPIES long 2", {.type = doc}),
                 ElementsAre("\\copies: lost: it doesn't come back: long 1 -> nothing"));

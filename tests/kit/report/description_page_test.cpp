@@ -54,6 +54,12 @@ TEST(MediaSection, TellsTheBoundsOnceAndThePartThatIsPrintable) {
     EXPECT_THAT(page.texts("td"), testing::Contains("left 10, right 10, top 10, bottom 10 mm"));
 }
 
+TEST(MediaSection, LeavesATitleOfBoundsAlone) {
+    Tree tree = one_size();
+    tree.set("\\media\\size\\0\\localized_name", " (200 × 100 mm)");
+    EXPECT_THAT(page_of(tree).texts("p", "name"), ElementsAre("(200 × 100 mm)"));
+}
+
 TEST(MediaSection, GroupsSizesUnderTheNamesOfTheirGroups) {
     Tree tree = one_size();
     tree.set("\\media\\size\\1\\name", "Odd");
