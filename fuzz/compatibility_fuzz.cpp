@@ -3,6 +3,7 @@
 // than told.
 
 #include "base/allocator.h"
+#include "cost.h"
 #include "fuzz_support.h"
 #include <pm/exception.h>
 #include <pm/kit/compatibility.h>
@@ -52,7 +53,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const pm::Tree description = tree_of(input);
     const auto base = pm::kit::find_description(description);
     const pm::kit::CompatibilityOptions options{.description_base = "\\", .map = &map};
+    // Each finding lists at most 64 offers, so that the description counts for each line of the
+    // configuration.
+    const pm::fuzz::CostBound bound(pm::fuzz::linear_cost(size, std::size_t{1} << 16, 1000));
     const auto explained = pm::kit::explain_compatibility(configuration, description, options);
+    bound.require_held();
     // The same again, and each finding was a look.
     pm::fuzz::require(pm::kit::check_compatibility(configuration, description, options) ==
                       explained.findings);

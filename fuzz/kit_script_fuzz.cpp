@@ -1,6 +1,7 @@
 // Scripts of edits. Each edit's line reads back; what a script makes of a tree, another script makes of it,
 // too.
 
+#include "cost.h"
 #include "fuzz_support.h"
 #include <pm/kit/difference.h>
 #include <pm/kit/edit.h>
@@ -26,7 +27,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     tree.set("\\a\\b", 1);
     tree.set("\\a\\c\\d", "text");
     try {
+        const pm::fuzz::CostBound bound(pm::fuzz::linear_cost(size, 1024));
         const std::vector<Edit> edits = parse_script(text);
+        bound.require_held();
         for (const Edit& edit : edits) {
             require_reads_back(edit);
         }
