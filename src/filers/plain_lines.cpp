@@ -66,33 +66,44 @@ std::size_t widen_text(const char* from, char16_t* to, std::size_t most) {
     return most;
 }
 
-// Four bytes as units.
-std::uint64_t widened(std::uint32_t bytes) {
-    std::uint64_t units = bytes;
-    units = (units | units << 16) & 0x0000FFFF0000FFFF;
-    return (units | units << 8) & 0x00FF00FF00FF00FF;
+using Half = std::uint32_t; // four bytes
+
+Half half_at(const char* bytes) {
+    Half half = 0;
+    std::memcpy(&half, bytes, sizeof half);
+    return half;
 }
 
-bool same_four(const char* bytes, const char16_t* units) {
-    std::uint32_t four = 0;
-    std::uint64_t wide = 0;
-    std::memcpy(&four, bytes, sizeof four);
-    std::memcpy(&wide, units, sizeof wide);
-    return widened(four) == wide && (four & static_cast<std::uint32_t>(tops)) == 0;
+// Whether two runs of four bytes are of ASCII, and two runs of as many units.
+bool same_halves(const char* first, const char* last, const char16_t* first_units,
+                 const char16_t* last_units) {
+    const auto bytes = std::bit_cast<std::array<char, word_size>>(std::array{half_at(first), half_at(last)});
+    std::array<char16_t, word_size> wide;
+    widen_eight(bytes.data(), wide.data());
+    std::array<std::uint64_t, 2> units;
+    std::memcpy(&units[0], first_units, sizeof units[0]);
+    std::memcpy(&units[1], last_units, sizeof units[1]);
+    const auto told = std::bit_cast<std::array<std::uint64_t, 2>>(wide);
+    const std::uint64_t others = (told[0] ^ units[0]) | (told[1] ^ units[1]);
+    return (others | (std::bit_cast<std::uint64_t>(bytes) & tops)) == 0;
 }
 
 // Whether there are the bytes of ASCII that the name has.
 bool starts_with(const char* bytes, std::u16string_view name) {
-    if (name.size() < 4) {
+    constexpr std::size_t half = sizeof(Half);
+    if (name.size() < half) {
         return std::equal(name.begin(), name.end(), bytes, [](char16_t unit, char byte) {
             return unit < 0x80 && static_cast<char>(unit) == byte;
         });
     }
-    const std::size_t last = name.size() - 4;
-    for (std::size_t at = 0; at < last; at += 4) {
-        if (!same_four(bytes + at, name.data() + at)) return false;
+    const char16_t* const units = name.data();
+    const std::size_t last = name.size() - half; // the last half, which may overlap
+    std::size_t at = 0;
+    for (; at + half < last; at += word_size) {
+        if (!same_halves(bytes + at, bytes + at + half, units + at, units + at + half)) return false;
     }
-    return same_four(bytes + last, name.data() + last);
+    at = std::min(at, last);
+    return same_halves(bytes + at, bytes + last, units + at, units + last);
 }
 
 // A name that is widened.
@@ -136,7 +147,7 @@ private:
         if (length == 0 || length > longest_name) return nullptr;
         const WideName name(line, length);
         if (*at == '=') return load_value({name.view(), true}, at + 1);
-        return *at == '{' && at[1] == '\n' && m_place.push(name.view()) ? at + 2 : nullptr;
+        return *at == '{' && at[1] == '\n' && m_place.push({name.view(), true}) ? at + 2 : nullptr;
     }
 
     const char* load_value(const TreeCursor::Name& name, const char* value) {
@@ -150,7 +161,7 @@ private:
         const PlainNumber number(value);
         std::int32_t integer = 0;
         double real = 0;
-        if (*number.end != '\n') return load_exact_double(name, number);
+        if (*number.end() != '\n') return load_exact_double(name, number);
         if (number.as_long(integer)) {
             m_place.set_long(name, integer);
         } else if (number.as_short_double(real)) {
@@ -158,13 +169,13 @@ private:
         } else {
             return nullptr;
         }
-        return number.end + 1;
+        return number.end() + 1;
     }
 
-    // Behind the digits that are shown stands " (", the armour and ")".
-    const char* load_exact_double(const TreeCursor::Name& name, const PlainNumber& number) {
+    // Behind the digits that are shown stands " (", the armour and ")". Apart from what most numbers need.
+    [[gnu::noinline]] const char* load_exact_double(const TreeCursor::Name& name, PlainNumber number) {
         constexpr std::size_t closing = 2 + armoured_double_size;
-        const char* const behind = number.end;
+        const char* const behind = number.end();
         if (static_cast<std::size_t>(m_end - behind) < closing + 2) return nullptr;
         if (behind[0] != ' ' || behind[1] != '(' || behind[closing] != ')' || behind[closing + 1] != '\n') {
             return nullptr;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <bit>
+#include <cstring>
 
 namespace pm {
 
@@ -32,14 +33,18 @@ unsigned crc_of(std::uint64_t bits) {
 
 constexpr unsigned bits_a_unit = 6;
 
-// The bits of so many characters.
-template<std::size_t count>
-std::uint64_t joined(const char* armour) {
-    std::uint64_t bits = 0;
-    for (std::size_t unit = 0; unit < count; ++unit) {
-        bits = bits << bits_a_unit | static_cast<unsigned>(armour[unit] - ' ');
-    }
-    return bits;
+std::uint64_t big_endian_word(const char* bytes) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    if constexpr (std::endian::native == std::endian::little) word = __builtin_bswap64(word);
+    return word;
+}
+
+// The 48 bits of eight characters, given as one word less a blank each.
+std::uint64_t joined(std::uint64_t units) {
+    units = (units & 0x3F003F003F003F00) >> 2 | (units & 0x003F003F003F003F);
+    units = (units & 0x0FFF00000FFF0000) >> 4 | (units & 0x00000FFF00000FFF);
+    return units >> 32 << 24 | (units & 0xFFFFFF);
 }
 
 } // namespace
@@ -80,15 +85,16 @@ char* write_armoured_double(double value, char* out) {
     return out;
 }
 
+// The two words that are read overlap by two characters.
 bool read_armoured_double(const char* armour, double& out) {
-    bool sound = true;
-    for (std::size_t unit = 0; unit < armoured_double_size; ++unit) {
-        sound &= static_cast<unsigned char>(armour[unit] - ' ') < 64;
-    }
-    if (!sound) return false;
-    const std::uint64_t last = joined<last_units>(armour + first_units);
-    const std::uint64_t bits = __builtin_bswap64(joined<first_units>(armour) << 4 | last >> 20);
-    if ((last >> 4 & 0xFFFF) != crc_of(bits)) return false;
+    constexpr std::uint64_t blanks = 0x2020202020202020;
+    constexpr std::uint64_t beyond = 0xC0C0C0C0C0C0C0C0; // set in one too low, or too high
+    const std::uint64_t first = big_endian_word(armour) - blanks;
+    const std::uint64_t last = big_endian_word(armour + armoured_double_size - sizeof last) - blanks;
+    if (((first | last) & beyond) != 0) return false;
+    const std::uint64_t last_bits = joined(last);
+    const std::uint64_t bits = __builtin_bswap64(joined(first) << 16 | (last_bits >> 20 & 0xFFFF));
+    if ((last_bits >> 4 & 0xFFFF) != crc_of(bits)) return false;
     out = std::bit_cast<double>(bits);
     return true;
 }

@@ -75,8 +75,8 @@ inline bool same_text(std::u16string_view a, std::u16string_view b) {
 
 PM_PathStrings::Key::Key(std::u16string_view key_text) : text(key_text), print(print_of(key_text)) {}
 
-bool PM_PathStrings::Entry::is(std::u16string_view other) const {
-    return same_text(view(), other);
+bool PM_PathStrings::Entry::has_units(const char16_t* units) const {
+    return same_units(text(), units, m_length);
 }
 
 std::uint8_t PM_PathStrings::Key::bucket() const {
@@ -238,9 +238,13 @@ inline void copy_value(void* to, const void* from, std::size_t size) {
 void PM_Property::SetData(pm::Pool& pool, const void* data, std::size_t size) {
     if (size != this->size()) {
         drop_value(pool);
-        if (!make_room(pool, size)) raise_no_memory(u"PM_Property::SetData()", u"Property Manager");
+        if (!make_room(pool, size)) raise_no_memory();
     }
     if (size != 0) copy_value(m_held == large ? m_value.large.data : m_value.small, data, size);
+}
+
+void PM_Property::raise_no_memory() {
+    ::raise_no_memory(u"PM_Property::SetData()", u"Property Manager");
 }
 
 void PM_Property::GetData(void* buffer, std::size_t size) const {
@@ -297,11 +301,8 @@ inline T* PM_Node::List<T, next, index_from>::find(PM_PathStrings& strings,
 }
 
 template<class T, T* T::*next, int index_from>
-void PM_Node::List<T, next, index_from>::append(PM_PathStrings& strings, T& added) {
-    (m_last != nullptr ? m_last->*next : m_first) = &added;
-    m_last = &added;
-    if (m_index == nullptr) return;
-    if (!m_index->reserve(strings.pool(), m_index->count() + 1)) return drop_index(strings.pool());
+void PM_Node::List<T, next, index_from>::add_to_index(pm::Pool& pool, T& added) {
+    if (!m_index->reserve(pool, m_index->count() + 1)) return drop_index(pool);
     m_index->insert(added);
 }
 
@@ -388,12 +389,8 @@ PM_Property* PM_Node::AddProp(PM_PathStrings::Entry& name) {
     return find_prop(name) == nullptr ? append_prop(name) : nullptr;
 }
 
-PM_Property* PM_Node::append_prop(PM_PathStrings::Entry& name) {
-    auto* prop = m_strings->pool().make<PM_Property>(name);
-    if (prop == nullptr) raise_no_memory(u"PM_Node::AddProp", u"prop");
-    m_props.append(*m_strings, *prop);
-    m_prop_bits |= bit_of(name);
-    return prop;
+void PM_Node::raise_no_prop() {
+    raise_no_memory(u"PM_Node::AddProp", u"prop");
 }
 
 PM_Property* PM_Node::append_prop(std::u16string_view name) {

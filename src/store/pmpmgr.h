@@ -4,6 +4,7 @@
 #include "store/print_index.h"
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <pm/mem_obj.h>
 #include <pm/object.h>
 #include <string_view>
@@ -26,7 +27,9 @@ public:
         // Stands behind the last member, in the same block.
         const char16_t* text() const { return reinterpret_cast<const char16_t*>(&m_print + 1); }
         std::u16string_view view() const { return {text(), m_length}; }
-        bool is(std::u16string_view other) const;
+        bool is(std::u16string_view other) const {
+            return m_length == other.size() && (other.data() == text() || has_units(other.data()));
+        }
         std::int32_t count() const { return m_count; }
         std::uint32_t print() const { return m_print; }
 
@@ -36,6 +39,7 @@ public:
         Entry(std::size_t length, std::uint32_t print) noexcept
             : m_length(static_cast<std::uint32_t>(length)), m_print(print) {}
         ~Entry() override = default;
+        bool has_units(const char16_t* units) const;
         // Of an entry and its text.
         static std::size_t bytes_for(std::size_t length);
         void link_at(Entry*& head) noexcept;
@@ -186,6 +190,15 @@ public:
     // Copies `size` bytes in; an equal size takes no memory. `pool` is that of the tree. Number 55, place
     // u"PM_Property::SetData()", detail u"Property Manager": the property then has size 0 and no data.
     void SetData(pm::Pool& pool, const void* data, std::size_t size);
+    // The first value of a property that has just been made, strictly; failing as SetData().
+    template<class T>
+    void start(PropType type, T value) {
+        static_assert(sizeof value <= small_value);
+        set_kind(type, true);
+        if (pm::refused(sizeof value)) raise_no_memory();
+        m_held = sizeof value;
+        std::memcpy(m_value.small, &value, sizeof value);
+    }
     // Leaves no data.
     void drop_value(pm::Pool& pool) noexcept;
     // Copies the value out. PM_Warning, place u"PM_Property::GetData()", detail the name: number 59 if there
@@ -230,6 +243,7 @@ private:
         : m_name(&PM_PathStrings::AddReference(name)), m_print(name.print()) {}
     ~PM_Property() override = default;
     bool make_room(pm::Pool& pool, std::size_t size) noexcept;
+    [[noreturn]] static void raise_no_memory();
 
     PM_PathStrings::Entry* m_name;
     PM_Property* m_next = nullptr;
@@ -266,7 +280,13 @@ public:
     // u"PM_Node::AddProp", detail u"prop".
     PM_Property* AddProp(PM_PathStrings::Entry& name);
     // As AddProp(), for a name that no property of this node can have.
-    PM_Property* append_prop(PM_PathStrings::Entry& name);
+    PM_Property* append_prop(PM_PathStrings::Entry& name) {
+        auto* prop = m_strings->pool().make<PM_Property>(name);
+        if (prop == nullptr) raise_no_prop();
+        m_props.append(*m_strings, *prop);
+        m_prop_bits |= bit_of(name);
+        return prop;
+    }
     // The same for a name that has yet to be taken in; the table is as before where that fails.
     PM_Property* append_prop(std::u16string_view name);
 
@@ -307,7 +327,11 @@ private:
         T* first() const { return m_first; }
         T* find(PM_PathStrings& strings, const PM_PathStrings::Entry& name) const;
         T* find(PM_PathStrings& strings, const PM_PathStrings::Key& name) const;
-        void append(PM_PathStrings& strings, T& added);
+        void append(PM_PathStrings& strings, T& added) {
+            (m_last != nullptr ? m_last->*next : m_first) = &added;
+            m_last = &added;
+            if (m_index != nullptr) add_to_index(strings.pool(), added);
+        }
         T* unlink(PM_PathStrings& strings, const PM_PathStrings::Entry& name);
         void drop_index(pm::Pool& pool) const;
 
@@ -315,12 +339,14 @@ private:
         template<class Is>
         T* find_if(PM_PathStrings& strings, std::uint32_t print, Is is) const;
         bool make_index(pm::Pool& pool) const;
+        void add_to_index(pm::Pool& pool, T& added);
 
         T* m_first = nullptr;
         T* m_last = nullptr;
         mutable pm::PrintIndex<T>* m_index = nullptr;
     };
 
+    [[noreturn]] static void raise_no_prop();
     void destroy(PM_Property* prop);
     static std::uint32_t bit_of(const PM_PathStrings::Entry& name) {
         return std::uint32_t{1} << (name.print() & 31U);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <pm/error_number.h>
 #include <pm/exception.h>
+#include <utility>
 
 namespace pm {
 
@@ -48,6 +49,10 @@ public:
         m_entries[m_count] = &m_strings.Add(key);
         ++m_count;
     }
+    void add(PM_PathStrings::Entry& known) {
+        m_entries[m_count] = &PM_PathStrings::AddReference(known);
+        ++m_count;
+    }
     void add_new(const PM_PathStrings::Key& key) {
         m_entries[m_count] = &m_strings.AddNew(key);
         ++m_count;
@@ -62,7 +67,7 @@ private:
 };
 
 TreeCursor::TreeCursor(PM_Object& object, std::u16string_view base) : m_object(object), m_path(base) {
-    m_levels[0] = {0, object.m_root};
+    m_levels[0].node = object.m_root;
     m_by_path = always_by_path || base.find(u'*') != std::u16string_view::npos;
     add_base_levels();
 }
@@ -76,7 +81,7 @@ void TreeCursor::add_base_levels() {
             return;
         }
         at = std::min(text.find(u'\\', at), text.size());
-        m_levels[++m_count] = {at, nullptr};
+        m_levels[++m_count].end = static_cast<std::uint32_t>(at);
     }
     m_in_step = stands_at(m_levels[m_count]);
 }
@@ -92,15 +97,15 @@ std::u16string_view TreeCursor::name_of(std::size_t level) const {
     return name;
 }
 
-bool TreeCursor::has_room_for(std::u16string_view name) const {
-    const std::size_t separator = m_path.ends_in_separator() ? 0 : 1;
-    return m_path.length() + separator + name.size() <= WorkingPath::capacity;
-}
-
-bool TreeCursor::push(std::u16string_view name) {
-    if (!m_path.push(name)) return false;
-    m_in_step = m_in_step && m_count < most_levels && is_plain(name);
-    if (m_in_step) m_levels[++m_count] = {m_path.length(), nullptr};
+bool TreeCursor::push(const Name& name) {
+    if (!m_path.push(name.text)) return false;
+    m_in_step = m_in_step && m_count < most_levels && name.plain;
+    if (!m_in_step) return true;
+    Level& level = m_levels[++m_count];
+    level.end = static_cast<std::uint32_t>(m_path.length());
+    level.is_fresh = false;
+    if (level.node != nullptr) level.last = std::exchange(level.node, nullptr);
+    level.model = level.last != nullptr ? level.last->first_prop() : nullptr;
     return true;
 }
 
@@ -116,10 +121,6 @@ bool TreeCursor::pop() {
 
 TreeCursor::Name::Name(std::u16string_view name_text) : Name(name_text, is_plain(name_text)) {}
 
-bool TreeCursor::is_moved_by(const Name& name) const {
-    return m_path.ends_in_separator() || !name.plain;
-}
-
 void TreeCursor::leave(const Name& name) {
     if (is_moved_by(name) && m_path.push(name.text)) pop();
 }
@@ -129,36 +130,76 @@ void TreeCursor::set_string(const Name& name, std::u16string_view text) {
     set_data(name, text.data(), units * sizeof(char16_t), PROP_STRING);
 }
 
-void TreeCursor::set_data(const Name& name, const void* data, std::size_t size, PropType type) {
-    if (!m_in_step || m_by_path || !name.plain) {
-        set_by_path(name.text, data, size, type);
-        return;
+void TreeCursor::look_again() {
+    m_reached = 0;
+    for (Level& level : m_levels) {
+        level = {level.end};
     }
+    m_levels[0].node = m_object.m_root;
+}
+
+bool TreeCursor::Level::expects(std::u16string_view name) const {
+    return model != nullptr && model->entry().is(name);
+}
+
+// Null, with nothing done, where the name isn't the model's, or where a property may have it.
+inline PM_Property* TreeCursor::append_as_model(std::u16string_view name) {
+    Level& here = m_levels[m_count];
+    if (!m_in_step || !here.is_fresh || !here.expects(name)) return nullptr;
+    PM_PathStrings::Entry& entry = here.model->entry();
+    here.model = here.model->next();
+    return here.node->append_prop(entry);
+}
+
+template<class T>
+void TreeCursor::set_value(const Name& name, PropType type, T value) {
+    if (PM_Property* const prop = append_as_model(name.text)) return prop->start(type, value);
+    set_otherwise(name, &value, sizeof value, type);
+}
+
+void TreeCursor::set_long(const Name& name, std::int32_t value) {
+    set_value(name, PROP_LONG, value);
+}
+
+void TreeCursor::set_double(const Name& name, double value) {
+    set_value(name, PROP_DOUBLE, value);
+}
+
+void TreeCursor::set_bool(const Name& name, bool value) {
+    set_value(name, PROP_BOOL, static_cast<unsigned char>(value ? 1 : 0));
+}
+
+void TreeCursor::set_data(const Name& name, const void* data, std::size_t size, PropType type) {
+    PM_Property* const prop = append_as_model(name.text);
+    if (prop == nullptr) return set_otherwise(name, data, size, type);
+    prop->set_kind(type, true);
+    prop->SetData(m_object.m_strings->pool(), data, size);
+}
+
+void TreeCursor::set_otherwise(const Name& name, const void* data, std::size_t size, PropType type) {
+    if (!m_in_step || m_by_path || !name.plain) return set_by_path(name.text, data, size, type);
     PM_Property& prop =
         m_reached == m_count ? property_here(name.text, type) : property_below(name.text, type);
     prop.set_kind(type, true);
     prop.SetData(m_object.m_strings->pool(), data, size);
 }
 
+// What is set may stand in this node.
 void TreeCursor::set_by_path(std::u16string_view name, const void* data, std::size_t size, PropType type) {
+    m_levels[m_count].is_fresh = false;
+    m_models_are_plain = false;
     WorkingPath whole = m_path;
     whole.push(name);
     m_object.setData(whole.text(), data, size, type, -1, true);
 }
 
-std::u16string_view TreeCursor::expected_name() const {
-    if (!m_in_step || m_reached != m_count) return {};
-    const PM_Property* const model = m_models[m_turn % most_models];
-    return model != nullptr ? model->entry().view() : std::u16string_view();
-}
-
 PM_Property& TreeCursor::property_here(std::u16string_view name, PropType type) {
-    PM_Node& node = *m_levels[m_count].node;
-    const PM_Property*& model = m_models[m_turn++ % most_models];
-    const bool follows = model != nullptr && model->entry().is(name);
-    PM_Property& prop = follows ? pm::property_of(node, model->entry(), type) : property_of(node, name, type);
-    if (!follows) model = &prop;
-    return prop;
+    Level& here = m_levels[m_count];
+    const PM_Property* const model = here.model;
+    const bool as_model = here.expects(name);
+    here.is_fresh = false;
+    if (model != nullptr) here.model = model->next();
+    return as_model ? pm::property_of(*here.node, model->entry(), type) : property_of(*here.node, name, type);
 }
 
 PM_Property& TreeCursor::property_of(PM_Node& node, std::u16string_view name, PropType type) {
@@ -176,15 +217,24 @@ PM_Property& TreeCursor::property_below(std::u16string_view name, PropType type)
     for (std::size_t level = m_reached + 1; level <= m_count; ++level) {
         names.add(PM_PathStrings::Key(name_of(level)));
     }
-    names.add(PM_PathStrings::Key(name));
+    const PM_Property* const model = m_levels[m_count].model;
+    const bool as_model = m_levels[m_count].expects(name);
+    if (as_model) {
+        names.add(model->entry());
+    } else {
+        names.add(PM_PathStrings::Key(name));
+    }
     for (std::size_t i = 0; m_reached < m_count; ++i) {
         PM_Node& node = *m_levels[m_reached].node;
         PM_Node* const child = node.find_child(names[i]);
         m_levels[m_reached + 1].node = child != nullptr ? child : node.AddNode(names[i]);
         ++m_reached;
     }
-    m_turn = 0;
-    return pm::property_of(*m_levels[m_count].node, names.last(), type);
+    Level& here = m_levels[m_count];
+    m_models_are_plain = m_models_are_plain && here.node->first_prop() == nullptr;
+    here.is_fresh = as_model && m_models_are_plain;
+    here.model = model != nullptr && here.last != here.node ? model->next() : nullptr;
+    return pm::property_of(*here.node, names.last(), type);
 }
 
 } // namespace pm

@@ -232,6 +232,19 @@ TEST(PiaPlainLines, PropertiesThatAreThereKeepTheirTypes) {
         ASSERT_NO_FATAL_FAILURE(expect_as_wide(twice + "x{\n" + line + "\n}\n"));
 }
 
+TEST(PiaPlainLines, NameWithAStarIsNeverExpected) {
+    for (const Way way : {Way::plain, Way::by_path}) {
+        PM_Object object;
+        object.SetProperty(u"x\\q**", 1, 3);
+        pm::TreeCursor::always_by_path = way == Way::by_path;
+        pm::PlainLines::none_is_plain = way == Way::by_path;
+        pm::test::load_body(object, "x{\na=1\n}\ny{\nq3*=2\n}\nz{\nq3*=2\n}\n");
+        pm::TreeCursor::always_by_path = pm::PlainLines::none_is_plain = false;
+        EXPECT_EQ((Lines{"x\\q3* long 1", "x\\a long 1", "y\\q3-1 long 2", "z\\q3-1 long 2"}),
+                  tree_text(object));
+    }
+}
+
 // A tree of doubles of all sizes, as a file.
 std::string written_doubles(std::mt19937_64& random) {
     PM_Object object;

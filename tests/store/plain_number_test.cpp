@@ -22,15 +22,15 @@ std::optional<std::int32_t> long_of(const std::string& text) {
     const std::string line = lines_text(text);
     const PlainNumber number(line.c_str());
     std::int32_t value = 0;
-    return number.end == line.c_str() + text.size() && number.as_long(value) ? std::optional(value)
-                                                                             : std::nullopt;
+    return number.end() == line.c_str() + text.size() && number.as_long(value) ? std::optional(value)
+                                                                               : std::nullopt;
 }
 
 std::optional<double> short_double_of(const std::string& text) {
     const std::string line = lines_text(text);
     const PlainNumber number(line.c_str());
     double value = 0;
-    const bool read = number.end == line.c_str() + text.size() && number.as_short_double(value);
+    const bool read = number.end() == line.c_str() + text.size() && number.as_short_double(value);
     return read ? std::optional(value) : std::nullopt;
 }
 
@@ -39,10 +39,10 @@ std::optional<double> exact_double_of(const std::string& text) {
     const std::string line = lines_text(text);
     const PlainNumber number(line.c_str());
     double value = 0;
-    const std::string_view behind(number.end,
-                                  static_cast<std::size_t>(line.c_str() + text.size() - number.end));
+    const std::string_view behind(number.end(),
+                                  static_cast<std::size_t>(line.c_str() + text.size() - number.end()));
     const bool armoured = behind.size() == 17 && behind.starts_with(" (") && behind.ends_with(')');
-    const bool read = armoured && number.as_exact_double(number.end + 2, value);
+    const bool read = armoured && number.as_exact_double(number.end() + 2, value);
     return read ? std::optional(value) : std::nullopt;
 }
 

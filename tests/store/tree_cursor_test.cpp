@@ -97,6 +97,71 @@ TEST(TreeCursor, NodesOfOneKindMayHaveOtherNamesAtATurn) {
               tree_text(object));
 }
 
+TEST(TreeCursor, NodesOfOneKindAreOnesOfOneLevel) {
+    PM_Object object;
+    TreeCursor place(object, u"\\");
+    for (const char16_t* node : {u"x", u"y"}) {
+        ASSERT_TRUE(place.push(node));
+        place.set_long(u"first", 1);
+        ASSERT_TRUE(place.push(u"size"));
+        place.set_double(u"width", 2.5);
+        place.set_string(u"unit", u"mm");
+        ASSERT_TRUE(place.pop());
+        place.set_bool(u"last", true);
+        ASSERT_TRUE(place.pop());
+    }
+    EXPECT_EQ((Lines{"x\\first long 1", "x\\last bool 01", "x\\size\\width double 0000000000000440",
+                     "x\\size\\unit string mm", "y\\first long 1", "y\\last bool 01",
+                     "y\\size\\width double 0000000000000440", "y\\size\\unit string mm"}),
+              tree_text(object));
+}
+
+TEST(TreeCursor, NameThatAStarHasGivenIsThereOnce) {
+    PM_Object object;
+    TreeCursor place(object, u"\\");
+    ASSERT_TRUE(place.push(u"x"));
+    for (const char16_t* name : {u"a", u"q-1", u"b"})
+        place.set_long(name, 1);
+    ASSERT_TRUE(place.pop());
+    ASSERT_TRUE(place.push(u"y"));
+    place.set_long(u"a", 2);
+    place.set_long(u"q*", 2);
+    place.set_long(u"q-1", 3);
+    place.set_long(u"b", 2);
+    EXPECT_EQ(
+        (Lines{"x\\a long 1", "x\\q-1 long 1", "x\\b long 1", "y\\a long 2", "y\\q-1 long 3", "y\\b long 2"}),
+        tree_text(object));
+}
+
+TEST(TreeCursor, NodeThatIsReachedAgainKeepsItsProperties) {
+    PM_Object object;
+    TreeCursor place(object, u"\\");
+    for (const char16_t* node : {u"x", u"y", u"x", u"y", u"x"}) {
+        ASSERT_TRUE(place.push(node));
+        place.set_long(u"a", 1);
+        place.set_long(u"b", 2);
+        place.set_long(u"c", 3);
+        ASSERT_TRUE(place.pop());
+    }
+    EXPECT_EQ(
+        (Lines{"x\\a long 1", "x\\b long 2", "x\\c long 3", "y\\a long 1", "y\\b long 2", "y\\c long 3"}),
+        tree_text(object));
+}
+
+TEST(TreeCursor, PlaceThatOnlyItsPathNamesIsNotTheNodeInFront) {
+    PM_Object object;
+    TreeCursor place(object, u"\\");
+    ASSERT_TRUE(place.push(u"x"));
+    place.set_long(u"a", 1);
+    place.set_long(u"b", 1);
+    ASSERT_TRUE(place.pop());
+    ASSERT_TRUE(place.push(u"y"));
+    place.set_long(u"a", 1);
+    ASSERT_TRUE(place.push(u"s\\t"));
+    place.set_long(u"b", 2);
+    EXPECT_EQ((Lines{"x\\a long 1", "x\\b long 1", "y\\a long 1", "y\\s\\t\\b long 2"}), tree_text(object));
+}
+
 TEST(TreeCursor, ForgetsNamesThatMayHaveGone) {
     PM_Object object;
     TreeCursor place(object, u"\\");
