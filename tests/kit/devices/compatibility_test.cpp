@@ -20,6 +20,12 @@ pm::Tree through_pia(const pm::Tree& tree, const char* base) {
 
 const std::initializer_list<Item> copies{{"\\media\\copies", 10}};
 
+// As a finding shows what is asked for.
+std::string configuration_text(const pm::Value& value) {
+    const auto* number = std::get_if<std::int32_t>(&value);
+    return number != nullptr ? std::to_string(*number) : std::get<std::string>(value);
+}
+
 TEST(Compatibility, DescriptionThatWasSavedAndStandsUnderANodeIsFound) {
     const pm::Tree device = through_pia(small_device(), "\\devices\\first");
     EXPECT_EQ(find_description(device), "\\devices\\first");
@@ -133,6 +139,90 @@ TEST(Compatibility, ValuesOfOtherTypesThanADescriptionHasAreNothing) {
 
 TEST(Description, WhoseDefaultsArePossibleHasNoFindings) {
     EXPECT_EQ(check_description(small_device()), std::vector<Finding>{});
+}
+
+// Without a part of the description.
+TEST(Compatibility, WhatTheDescriptionIsSilentOfIsUnspoken) {
+    const struct {
+        Item asked;
+        const char* gone;
+        const char* at;
+        const char* what;
+    } rows[] = {
+        {{"\\io\\default_type", 4}, "\\io\\method", "\\io\\method", "methods of output"},
+        {{"\\io\\plot_to_file", 1}, "\\io\\method", "\\io\\method", "methods of output"},
+        {{"\\io\\serial\\baud_rate", 300}, "\\io\\method", "\\io\\method", "methods of output"},
+        {{"\\io\\file_extension", text("plt")},
+         "\\io\\default_plot_file_extension",
+         "\\io\\default_plot_file_extension",
+         "extension of plot files"},
+        {{"\\init_term\\pre_init", text("x")},
+         "\\init_term\\abilities",
+         "\\init_term\\abilities",
+         "start strings"},
+        {{"\\res_color_mem\\color_depth", 8},
+         "\\res_color_mem\\rcm_list",
+         "\\res_color_mem\\rcm_list",
+         "colour modes"},
+        {{"\\res_color_mem\\rcm_list\\Mono\\default_resolution", text("300_dpi")},
+         "\\res_color_mem\\rcm_list",
+         "\\res_color_mem\\rcm_list",
+         "colour modes"},
+        {{"\\res_color_mem\\dithering", text("Fine")},
+         "\\res_color_mem\\dithering_list",
+         "\\res_color_mem\\dithering_list",
+         "dithering methods"},
+        {{"\\media\\finishing\\cutting", text("Pages")},
+         "\\media\\destination",
+         "\\media\\destination",
+         "media destinations"},
+        {{"\\media\\finishing\\collate", 1},
+         "\\media\\destination",
+         "\\media\\destination",
+         "media destinations"},
+        {{"\\custom_name\\Fan_Speed", 5}, "\\custom_name", "\\custom_name", "custom capabilities"},
+        {{"\\physical_pen\\default_optimization", 1},
+         "\\physical_pen\\max_optimization",
+         "\\physical_pen\\max_optimization",
+         "optimisation of pens"},
+        {{"\\FILL_ADJUST", text("Y")},
+         "\\physical_pen\\area_fill_corr",
+         "\\physical_pen\\area_fill_corr",
+         "correction of area fills"},
+        {{"\\Plotter/Device/LineTypeTable\\Types", 2},
+         "\\linetype\\capabilities",
+         "\\linetype\\capabilities",
+         "line types"},
+        {{"\\media\\source\\Roll\\loaded", text("Wide")},
+         "\\media\\source\\Roll\\entry",
+         "\\media\\source\\Roll\\entry",
+         "entries of this source"},
+    };
+    for (const auto& row : rows) {
+        pm::Tree device = small_device();
+        device.erase(row.gone);
+        const Lines expected{std::string("warning ") + row.asked.first + " = " +
+                             configuration_text(row.asked.second) + " @ " + row.at +
+                             " = : The description tells no " + row.what + "."};
+        EXPECT_EQ(answer_of("unspoken", tree_of({row.asked}), device).findings, expected);
+    }
+}
+
+TEST(Compatibility, WhatIsNoNumberCanNotBeCompared) {
+    const struct {
+        const char* path;
+        const char* wanted;
+    } rows[] = {
+        {"\\io\\plot_to_file", "truth value"},
+        {"\\res_color_mem\\color_depth", "number"},
+        {"\\physical_pen\\default_optimization", "integer"},
+        {"\\FILL_ADJUST", "truth value"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(found("unspoken", {{row.path, text("some")}}),
+                  Lines{std::string("warning ") + row.path + " = some @  = : The value is no " + row.wanted +
+                        ", so that it can't be compared."});
+    }
 }
 
 TEST(Description, WhoseDefaultsAreNotPossibleIsFound) {
