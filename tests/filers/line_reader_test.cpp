@@ -45,6 +45,16 @@ TEST_F(LineReading, LinesEndInALineFeed) {
     EXPECT_EQ(std::ios::eofbit, stream.rdstate());
 }
 
+TEST_F(LineReading, TextBehindAStreamLeavesThatAlone) {
+    over("one\n");
+    expect_line("one", End::line);
+    reader->attach("two\nthree");
+    expect_line("two", End::line);
+    expect_line("three", End::stream);
+    expect_line("", End::stream);
+    EXPECT_TRUE(stream.good());
+}
+
 TEST_F(LineReading, LastLineNeedsNoLineFeed) {
     over("one\ntwo");
     expect_line("one", End::line);

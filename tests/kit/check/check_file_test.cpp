@@ -182,6 +182,23 @@ TEST_F(CheckFile, TableIsCheckedBesideTheOthersOfItsDescription) {
     EXPECT_THAT(lines_of(check_file((m_folder / "dx" / "Media Size.pdt").string())), IsEmpty());
 }
 
+TEST_F(CheckFile, DescriptionWhoseJoinsAreTooManyIsTheLibrarys) {
+    fs::copy(PM_SAMPLES "/dx4200", m_folder / "dx");
+    std::ofstream entries(m_folder / "dx" / "Media Source Entry.pdt", std::ios::binary | std::ios::app);
+    std::ofstream sources(m_folder / "dx" / "Media Source.pdt", std::ios::binary | std::ios::app);
+    entries << "Many\r\n";
+    for (int row = 0; row < 1200; ++row) {
+        entries << "\t\t\t\t\tA4\r\n";
+        sources << row << "\t\t\tMany\r\n";
+    }
+    entries.close();
+    sources.close();
+    CheckOptions options;
+    options.rules = {"damaged-file"};
+    EXPECT_THAT(lines_of(check_file((m_folder / "dx").string(), options)),
+                ElementsAre("strings.pdt:0:0 damaged-file"));
+}
+
 TEST_F(CheckFile, TableByItselfIsOneByItsNameWhateverItsCellsHold) {
     std::ifstream stream(PM_SAMPLES "/dx4200/Media Type.pdt", std::ios::binary);
     const std::string content{std::istreambuf_iterator<char>(stream), {}};

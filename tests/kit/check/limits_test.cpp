@@ -1,8 +1,11 @@
+#include "platform/compound_storage.h"
+#include "support/temp_folder.h"
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <pm/kit/check.h>
 #include <string>
+#include <utility>
 
 // What is too long for a page: each limit, and one more.
 namespace {
@@ -118,6 +121,22 @@ TEST(CheckLimits, TranslatedTextOf255CharactersIsUsed) {
     };
     EXPECT_THAT(text(255), IsEmpty());
     EXPECT_THAT(text(256), ElementsAre("1:21 cut-text 0 The text has 256 characters, and 255 are used."));
+}
+
+TEST(CheckLimits, StreamOf4096BytesLiesInSectorsOfItsOwn) {
+    const pm::test::TempFolder folder;
+    for (const auto& [size, behind] : {std::pair(4095, 4083), std::pair(4096, 4084), std::pair(4097, 4085)}) {
+        {
+            const auto root = pm::StgCreateDocfile(folder.wide("a.doc"));
+            ASSERT_TRUE(root->CreateStream(u"Version")->Write("1", 1));
+            std::string number("\1\0\0\0\4\0\0\0", 8);
+            number.resize(static_cast<std::size_t>(size));
+            ASSERT_TRUE(root->CreateStream(u"n")->Write(number.data(), number.size()));
+        }
+        EXPECT_THAT(
+            check(folder.read("a.doc"), PM_Object::FILE_DOC),
+            ElementsAre(fmt::format("0:0 trailing-data 0 {} bytes behind the value aren't read.", behind)));
+    }
 }
 
 TEST(CheckLimits, CompressedBodyOfTooMuchIsNotExpanded) {

@@ -1,5 +1,6 @@
 #include "kit/devices/small_device.h"
 #include <gtest/gtest.h>
+#include <pm/text.h>
 
 namespace {
 
@@ -49,6 +50,20 @@ TEST(Resolution, OfTheModePasses) {
     EXPECT_EQ(looked("resolution", {{"\\res_color_mem\\default_name", text("Colour")},
                                     {"\\res_color_mem\\resolution_x", 600},
                                     {"\\res_color_mem\\resolution_y", 600}}),
+              Lines{"passed \\res_color_mem\\resolution_x @ "
+                    "\\res_color_mem\\rcm_list\\Colour\\resolution_list\\600_dpi"});
+}
+
+TEST(Resolution, OfAModePassesIfNoOtherTellsAny) {
+    pm::Tree device = small_device();
+    const std::string other = "\\res_color_mem\\rcm_list\\Mono\\resolution_list\\300_dpi";
+    device.object().deletePath(pm::to_utf16(other).c_str());
+    EXPECT_EQ(answer_of("resolution",
+                        tree_of({{"\\res_color_mem\\default_name", text("Colour")},
+                                 {"\\res_color_mem\\resolution_x", 600},
+                                 {"\\res_color_mem\\resolution_y", 600}}),
+                        device)
+                  .looks,
               Lines{"passed \\res_color_mem\\resolution_x @ "
                     "\\res_color_mem\\rcm_list\\Colour\\resolution_list\\600_dpi"});
 }

@@ -10,6 +10,11 @@ TEST(PenCount, UpToTheMostPasses) {
               Lines{"passed \\physical_pen\\count @ \\physical_pen\\max_npens"});
 }
 
+TEST(PenCount, IsNoLengthInInches) {
+    EXPECT_EQ(looked("pen-count", {{"\\Plotter/User\\IsMetric", 0}, {"\\Plotter/Device\\Pens", 8}}),
+              Lines{"passed \\Plotter/Device\\Pens @ \\physical_pen\\max_npens"});
+}
+
 TEST(PenCount, AboveTheMostIsFound) {
     EXPECT_EQ(found("pen-count", {{"\\physical_pen\\count", 9}}),
               Lines{"error \\physical_pen\\count = 9 @ \\physical_pen\\max_npens = 8: The number of pens, 9, "

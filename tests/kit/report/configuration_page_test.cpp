@@ -79,6 +79,18 @@ TEST(ConfigurationPage, ShowsAnImpossibleChoiceInItsPlace) {
     EXPECT_THAT(page.section("fit"), HasSubstr("1 thing not possible"));
 }
 
+TEST(ConfigurationPage, ShowsTheValueOfAnOfferBehindItsText) {
+    const Tree device = two_types();
+    const Tree office = wants("Wool", 1);
+    ReportInput input{ReportDescription{"device", device.root()}, {{"office.pia", office.root()}}};
+    auto type = finding(Severity::error, "media-type", "\\media\\default_type", "\\media\\type", "No wool.");
+    type.configured = "Wool";
+    type.offers = {{"Bond", "Plain paper", "\\media\\type\\0"}, {"Film", "Film", "\\media\\type\\1"}};
+    input.configurations[0].check.findings.push_back(type);
+    EXPECT_THAT(Markup(pm::kit::report_page(input)).texts("p", "offers"),
+                ElementsAre("Offered instead: Plain paper Bond, Film"));
+}
+
 TEST(ConfigurationPage, ShowsWhatBelongsToNoSectionAtTheTop) {
     const Tree device = two_types();
     const Tree office = wants("Bond", 1);

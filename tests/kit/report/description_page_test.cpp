@@ -142,6 +142,17 @@ TEST(ResolutionSection, ShowsModesWithTheirResolutionsAndMemory) {
     EXPECT_EQ(page.find("rect", "fill").at(1).attribute("width"), "120");
 }
 
+TEST(PensSection, DrawsTheSpeedsWithTheirNumbers) {
+    Tree tree;
+    tree.set("\\physical_pen\\max_npens", 8);
+    tree.set("\\physical_pen\\min_speed", 10.0);
+    tree.set("\\physical_pen\\max_speed", 400.0);
+    tree.set("\\physical_pen\\default_speed", 205.0);
+    const Markup page = page_of(tree);
+    EXPECT_EQ(page.find("svg", "range").size(), 1U);
+    EXPECT_THAT(page.texts("text"), ElementsAre("10", "400", "205"));
+}
+
 TEST(DitheringSection, DrawsAMatrixByItsThresholds) {
     Tree tree;
     const std::string method = "\\res_color_mem\\dithering_list\\Two\\";
@@ -161,6 +172,18 @@ TEST(DitheringSection, DrawsAMatrixByItsThresholds) {
     EXPECT_EQ(page.find("rect", "gap").size(), 1U);
     EXPECT_THAT(page.texts("figcaption"), ElementsAre("Matrix M, 2 × 2"));
     EXPECT_EQ(page.find("path", "ink").size(), 1U);
+}
+
+TEST(DitheringSection, DrawsNoCellWhoseNameIsNoNumber) {
+    Tree tree;
+    const std::string method = "\\res_color_mem\\dithering_list\\One\\";
+    tree.set(method + "matrix_size_x", 1);
+    tree.set(method + "matrix_size_y", 1);
+    tree.set(method + "matrix_list\\M\\first\\data", 7);
+    tree.set(method + "matrix_list\\M\\0\\data", 3);
+    const Markup page = page_of(tree);
+    EXPECT_THAT(page.texts("figcaption"), ElementsAre("Matrix M, 1 × 1"));
+    EXPECT_THAT(page.texts("text"), ElementsAre("3"));
 }
 
 TEST(DitheringSection, DoesNotDrawAMatrixThatIsTooLarge) {
@@ -245,6 +268,12 @@ TEST(OwnershipSection, NamesSettingsUnderTheirOwners) {
                 testing::IsSupersetOf(
                     {"Start and end strings Before initialization At the end After initialization–",
                      "Start and end strings Before initialization At the end After initialization"}));
+}
+
+TEST(OwnershipSection, WhatIsNoDigitIsNobodys) {
+    Tree tree;
+    tree.set("\\init_term\\ui_owner", ":G ");
+    EXPECT_THAT(page_of(tree).texts("tr"), testing::Contains("Start and end strings––––"));
 }
 
 TEST(OwnershipSection, HasNoDigitsButThoseOfOwnersAndUnknownPlaces) {
