@@ -65,13 +65,13 @@ char* copy(std::string_view text, char* to) {
 
 char* write_long(const PM_Property& prop, char* to) {
     std::int32_t value = 0;
-    prop.GetData(&value, sizeof value);
+    prop.get_number(value);
     return std::to_chars(to, to + longest_number, value).ptr;
 }
 
 char* write_double(const PM_Property& prop, char* to) {
     double value = 0;
-    prop.GetData(&value, sizeof value);
+    prop.get_number(value);
     return format_double(value, to);
 }
 

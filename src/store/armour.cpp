@@ -32,6 +32,7 @@ unsigned crc_of(std::uint64_t bits) {
 }
 
 constexpr unsigned bits_a_unit = 6;
+constexpr std::uint64_t blanks = 0x2020202020202020;
 
 std::uint64_t big_endian_word(const char* bytes) {
     std::uint64_t word = 0;
@@ -46,6 +47,20 @@ std::uint64_t joined(std::uint64_t units) {
     units = (units & 0x0FFF00000FFF0000) >> 4 | (units & 0x00000FFF00000FFF);
     return units >> 32 << 24 | (units & 0xFFFFFF);
 }
+
+// The reverse, into eight characters.
+void write_units(std::uint64_t bits, char* out) {
+    std::uint64_t units = bits >> 24 << 32 | (bits & 0xFFFFFF);
+    units = (units & 0x00FFF00000FFF000) << 4 | (units & 0x00000FFF00000FFF);
+    units = (units & 0x0FC00FC00FC00FC0) << 2 | (units & 0x003F003F003F003F);
+    std::uint64_t word = units + blanks;
+    if constexpr (std::endian::native == std::endian::little) word = __builtin_bswap64(word);
+    std::memcpy(out, &word, sizeof word);
+}
+
+// A double's armour is two words that overlap by two characters. The first has the first 48 bits, the last
+// one the last 28, the check value and 4 bits that fill up.
+constexpr std::size_t last_word = armoured_double_size - sizeof(std::uint64_t);
 
 } // namespace
 
@@ -67,30 +82,18 @@ void decode_armour_group(std::u16string_view text, std::uint8_t* bytes) {
     }
 }
 
-// Ten characters have the first 60 bits, four have the last 4 with the check value and 4 that fill up.
-constexpr std::size_t first_units = 10;
-constexpr std::size_t last_units = 4;
-static_assert(first_units + last_units == armoured_double_size);
-
 char* write_armoured_double(double value, char* out) {
     const auto bits = std::bit_cast<std::uint64_t>(value);
-    const std::uint64_t first = __builtin_bswap64(bits);
-    const std::uint64_t last = (first & 0xF) << 20 | std::uint64_t{crc_of(bits)} << 4;
-    for (std::size_t unit = 0; unit < first_units; ++unit) {
-        *out++ = static_cast<char>(' ' + (first >> (58 - bits_a_unit * unit) & 0x3F));
-    }
-    for (std::size_t unit = 0; unit < last_units; ++unit) {
-        *out++ = static_cast<char>(' ' + (last >> (18 - bits_a_unit * unit) & 0x3F));
-    }
-    return out;
+    const std::uint64_t bytes = __builtin_bswap64(bits);
+    write_units(bytes >> 16, out);
+    write_units((bytes & 0xFFFFFFF) << 20 | std::uint64_t{crc_of(bits)} << 4, out + last_word);
+    return out + armoured_double_size;
 }
 
-// The two words that are read overlap by two characters.
 bool read_armoured_double(const char* armour, double& out) {
-    constexpr std::uint64_t blanks = 0x2020202020202020;
     constexpr std::uint64_t beyond = 0xC0C0C0C0C0C0C0C0; // set in one too low, or too high
     const std::uint64_t first = big_endian_word(armour) - blanks;
-    const std::uint64_t last = big_endian_word(armour + armoured_double_size - sizeof last) - blanks;
+    const std::uint64_t last = big_endian_word(armour + last_word) - blanks;
     if (((first | last) & beyond) != 0) return false;
     const std::uint64_t last_bits = joined(last);
     const std::uint64_t bits = __builtin_bswap64(joined(first) << 16 | (last_bits >> 20 & 0xFFFF));

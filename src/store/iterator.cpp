@@ -43,7 +43,7 @@ ValueBlock string_value(const PM_Property& prop) {
 
 ValueBlock long_value(const PM_Property& prop) {
     std::int32_t number = 0;
-    prop.GetData(&number, sizeof number);
+    prop.get_number(number);
     ValueBlock value(long_size, long_size + 1);
     *std::to_chars(value.bytes.get(), value.bytes.get() + long_size, number).ptr = '\0';
     return value;
@@ -51,7 +51,7 @@ ValueBlock long_value(const PM_Property& prop) {
 
 ValueBlock double_value(const PM_Property& prop) {
     double number = 0;
-    prop.GetData(&number, sizeof number);
+    prop.get_number(number);
     ValueBlock value(double_size, double_size);
     pm::format_double(number, reinterpret_cast<char16_t*>(value.bytes.get()));
     return value;

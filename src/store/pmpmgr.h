@@ -205,6 +205,13 @@ public:
     // is no data, 58 if `size`, the room in the buffer, is too small. A null buffer has no room.
     void GetData(void* buffer, std::size_t size) const;
 
+    // The same for a number; one that has another size does what GetData() does with it.
+    template<class T>
+    void get_number(T& out) const {
+        if (m_held != sizeof out) return GetData(&out, sizeof out);
+        std::memcpy(&out, m_value.small, sizeof out);
+    }
+
     const char16_t* name() const { return m_name->text(); }
     PM_PathStrings::Entry& entry() const { return *m_name; }
     std::uint32_t print() const { return m_print; }
