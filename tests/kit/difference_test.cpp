@@ -148,5 +148,14 @@ TEST(CompareAtLength, TakesTimeInProportion) {
     EXPECT_EQ(static_cast<std::size_t>(count) - 1, found.front().moved.size());
 }
 
+TEST(Difference, EachChangeHasItsName) {
+    EXPECT_EQ("added", change_name(Change::added));
+    EXPECT_EQ("removed", change_name(Change::removed));
+    EXPECT_EQ("type", change_name(Change::type));
+    EXPECT_EQ("value", change_name(Change::value));
+    EXPECT_EQ("strictness", change_name(Change::strictness));
+    EXPECT_EQ("order", change_name(Change::order));
+}
+
 } // namespace
 } // namespace pm::kit::test

@@ -4,6 +4,7 @@
 #include "support/ordinary_user.h"
 #include "support/temp_folder.h"
 #include <gmock/gmock.h>
+#include <iostream>
 #include <pm/code_page.h>
 #include <pm/error_number.h>
 #include <pm/kit/difference.h>
@@ -142,6 +143,32 @@ TEST(ReadFile, UnknownContentAndFoldersWithoutTablesAreRefused) {
     EXPECT_EQ(folder.path().string() + ": this is a folder, not a pia file", error_of([&] {
                   (void)read_file({.file = folder.path().string(), .type = PM_Object::FILE_PIA});
               }));
+}
+
+// What a program reads of its standard input.
+class StandardInput {
+public:
+    explicit StandardInput(const std::string& text) : m_text(text), m_before(std::cin.rdbuf(m_text.rdbuf())) {
+        std::cin.clear();
+    }
+    ~StandardInput() { std::cin.rdbuf(m_before); }
+    StandardInput(const StandardInput&) = delete;
+    StandardInput& operator=(const StandardInput&) = delete;
+
+private:
+    std::istringstream m_text;
+    std::streambuf* m_before;
+};
+
+TEST(ReadFile, ADashIsTheStandardInput) {
+    const StandardInput input("PIAFILEVERSION_2.0,TAG\nn{\na=1\n}\n");
+    const FileContent content = read_file({.file = "-"});
+    EXPECT_EQ(1, content.tree.at<int>("\\n\\a"));
+}
+
+TEST(ReadFile, AStandardInputOfNoKnownFormatIsRefused) {
+    const StandardInput input("nothing known");
+    EXPECT_EQ("-: the content is of no known format", error_of([] { (void)read_file({.file = "-"}); }));
 }
 
 TEST(ReadContent, IsWhatTheFileIs) {

@@ -112,4 +112,54 @@ TEST(CompoundContent, AStreamWhoseChainIsShorterThanItsSizeIsTold) {
               said_of(file));
 }
 
+void put_word(std::string& bytes, std::size_t at, std::uint32_t word) {
+    for (std::size_t byte = 0; byte < 4; ++byte) {
+        bytes[at + byte] = static_cast<char>(word >> 8 * byte);
+    }
+}
+
+constexpr std::size_t sector_size = 512;
+constexpr std::uint32_t table_sectors = 110; // one more than a header has room for
+constexpr std::uint32_t no_more = 0xFFFFFFFE;
+
+// A file of a root alone whose table goes on behind the list of the header, in sectors that are told in the
+// sector `list`.
+std::string file_of_long_table(std::uint32_t list) {
+    std::string file = file_with([](CompoundTree&) {}).substr(0, sector_size);
+    put_word(file, 44, table_sectors);
+    put_word(file, 48, table_sectors + 1); // the directory
+    put_word(file, 60, no_more);           // no mini stream
+    put_word(file, 64, 0);
+    put_word(file, 68, list);
+    put_word(file, 72, 1);
+    for (std::uint32_t sector = 0; sector + 1 < table_sectors; ++sector) {
+        put_word(file, 76 + 4 * std::size_t{sector}, sector);
+    }
+    std::string sectors((table_sectors + 2) * sector_size, '\xFF');
+    for (std::uint32_t sector = 0; sector < table_sectors; ++sector) {
+        put_word(sectors, 4 * std::size_t{sector}, 0xFFFFFFFD);
+    }
+    put_word(sectors, 4 * table_sectors, 0xFFFFFFFC);
+    put_word(sectors, 4 * (table_sectors + 1), no_more);
+    const std::size_t list_at = table_sectors * sector_size;
+    put_word(sectors, list_at, table_sectors - 1);
+    put_word(sectors, list_at + sector_size - 4, no_more);
+    std::string root("R\0o\0o\0t\0 \0E\0n\0t\0r\0y\0\0\0"sv);
+    root.resize(sector_size);
+    root[64] = 22; // bytes of the name
+    root[66] = 5;
+    for (const std::size_t link : {68, 72, 76}) {
+        put_word(root, link, 0xFFFFFFFF);
+    }
+    put_word(root, 116, no_more);
+    return file + sectors.replace(list_at + sector_size, sector_size, root);
+}
+
+TEST(CompoundContent, ATableThatGoesOnBehindTheHeaderIsRead) {
+    EXPECT_EQ(Lines{"bad-element : There is no stream \"Version\" in the root."},
+              said_of(file_of_long_table(table_sectors)));
+    EXPECT_EQ(Lines{"damaged-file : The allocation table lies outside of the file."},
+              said_of(file_of_long_table(table_sectors + 2)));
+}
+
 } // namespace

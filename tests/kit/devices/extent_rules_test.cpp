@@ -176,6 +176,14 @@ TEST(Rotation, ByAQuarterNeedsSizesOfBothRotations) {
                     "degrees. (0, 180)"});
 }
 
+TEST(Rotation, ThatNoSizeHasIsFound) {
+    pm::Tree device = small_device();
+    device.set("\\media\\size\\1\\landscape_mode", false);
+    EXPECT_EQ(answer_of("media-rotation", tree_of({{"\\media\\landscape", true}}), device).findings,
+              Lines{"error \\media\\landscape = true @ \\media\\size = : No media size of the device is "
+                    "landscape."});
+}
+
 TEST(Rotation, ByLessThanAQuarterIsFound) {
     EXPECT_EQ(found("media-rotation", {{"\\ROTATE", 45}}),
               Lines{"error \\ROTATE = 45 @ \\media\\landscape = true: The device can't turn a plot by 45 "
