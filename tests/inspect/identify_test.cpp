@@ -224,6 +224,18 @@ TEST(FindStringFile, FirstTableWithKeysIsTakenForOneOfAnotherName) {
     EXPECT_EQ(file, identify(folder.path().u16string())->string_file);
 }
 
+TEST(FindStringFile, FirstByItsNameIsTakenWhateverTheOrderInTheFolder) {
+    const TempFolder folder;
+    for (const char letter : std::string_view("mzaykbxcw")) {
+        folder.write(std::string(1, letter) + ".pdt", "DRFX_A_B3 \"text\"\n");
+    }
+    for (const char first : std::string_view("abckmwxyz")) {
+        const std::filesystem::path file = folder / (std::string(1, first) + ".pdt");
+        EXPECT_EQ(file.u16string(), find_string_file(folder.path().u16string()));
+        std::filesystem::remove(file);
+    }
+}
+
 TEST(FindStringFile, FolderThatCannotBeListedHasNone) {
     const TempFolder folder;
     EXPECT_EQ(std::nullopt, find_string_file(folder.wide("none")));

@@ -64,6 +64,18 @@ TEST_F(CheckFile, DiagnosticHasAllThatIsKnown) {
     EXPECT_THAT(check_file(name), ElementsAre(expected));
 }
 
+TEST_F(CheckFile, CompressedBodyThatIsNotReadIsNotChecked) {
+    EXPECT_THAT(
+        lines_of(check_content("piafileversion_2.0,compress\na=1\n", "a", {.type = PM_Object::FILE_PIA})),
+        ElementsAre("a:1:0 bad-header"));
+}
+
+TEST_F(CheckFile, TextInAMessageShowsItsControlCharacters) {
+    const std::vector<Diagnostic> all = check_content("PIAFILEVERSION_2.0\na=\x01\x7Fx\n", "a");
+    ASSERT_EQ(1U, all.size());
+    EXPECT_EQ(R"("\x01\x7Fx" has the form of no type.)", all[0].message);
+}
+
 TEST_F(CheckFile, FolderIsWalkedInTheOrderOfNames) {
     write("b.pia", "PIAFILEVERSION_2.0\na\n");
     write("a/z.pia", "PIAFILEVERSION_2.0\n}\n");

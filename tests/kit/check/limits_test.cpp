@@ -123,6 +123,19 @@ TEST(CheckLimits, TranslatedTextOf255CharactersIsUsed) {
     EXPECT_THAT(text(256), ElementsAre("1:21 cut-text 0 The text has 256 characters, and 255 are used."));
 }
 
+TEST(CheckLimits, SectionNameOf4096CharactersOfADpiaIsWhole) {
+    const auto named = [](std::size_t size) {
+        const std::string word = {static_cast<char>(size & 0xFF), static_cast<char>(size >> 8), '\0', '\0'};
+        const std::string body = "PIAFILEVERSION_2.0\na=1\n";
+        const std::string zero(4, '\0');
+        return check(std::string("\0\0\2\0\1\0\0\0", 8) + word + std::string(size, 'n') + zero + zero +
+                         static_cast<char>(body.size()) + zero.substr(1) + body,
+                     PM_Object::FILE_DPIA);
+    };
+    EXPECT_THAT(named(4096), IsEmpty());
+    EXPECT_THAT(named(4097), ElementsAre("0:0 cut-text 0 The name has more than 4096 characters."));
+}
+
 TEST(CheckLimits, StreamOf4096BytesLiesInSectorsOfItsOwn) {
     const pm::test::TempFolder folder;
     for (const auto& [size, behind] : {std::pair(4095, 4083), std::pair(4096, 4084), std::pair(4097, 4085)}) {

@@ -54,6 +54,11 @@ TEST(MediaSection, TellsTheBoundsOnceAndThePartThatIsPrintable) {
     EXPECT_THAT(page.texts("td"), testing::Contains("left 10, right 10, top 10, bottom 10 mm"));
 }
 
+TEST(MediaSection, TellsBoundsAndPrintablePartBelowTheName) {
+    EXPECT_THAT(page_of(one_size()).texts("p", "muted"),
+                testing::IsSupersetOf({"200 × 100 mm", "72 % printable"}));
+}
+
 TEST(MediaSection, LeavesATitleOfBoundsAlone) {
     Tree tree = one_size();
     tree.set("\\media\\size\\0\\localized_name", " (200 × 100 mm)");
@@ -140,6 +145,27 @@ TEST(ResolutionSection, ShowsModesWithTheirResolutionsAndMemory) {
     EXPECT_THAT(page.section("resolution"), HasSubstr("Grey scale"));
     EXPECT_EQ(page.find("rect", "fill").at(0).attribute("width"), "30"); // a quarter of 120
     EXPECT_EQ(page.find("rect", "fill").at(1).attribute("width"), "120");
+}
+
+TEST(ResolutionSection, ShowsTheInksOfAColourSystem) {
+    Tree tree;
+    tree.set("\\res_color_mem\\rcm_list\\Inks\\color_system", 4);
+    const Markup page = page_of(tree);
+    ASSERT_EQ(page.find("svg", "swatch").size(), 1U);
+    for (const char* const ink : {"cyan", "magenta", "yellow", "black"}) {
+        EXPECT_EQ(page.find("rect", ink).size(), 2U) << ink;
+    }
+    EXPECT_EQ(page.find("rect", "yellow").at(0).attribute("x"), "65");
+}
+
+TEST(ResolutionSection, DrawsNoInksOfAnUnknownSystem) {
+    for (const int system : {-1, 5}) {
+        Tree tree;
+        tree.set("\\res_color_mem\\rcm_list\\Inks\\color_system", system);
+        const Markup page = page_of(tree);
+        EXPECT_THAT(page.find("svg", "swatch"), IsEmpty());
+        EXPECT_THAT(page.section("resolution"), HasSubstr(system < 0 ? "unknown (-1)" : "unknown (5)"));
+    }
 }
 
 TEST(PensSection, DrawsTheSpeedsWithTheirNumbers) {
