@@ -218,6 +218,19 @@ TEST_F(CheckFile, TableByItselfIsOneByItsNameWhateverItsCellsHold) {
                 ElementsAre("Media Type.pdt:11:13 partial-number"));
 }
 
+TEST_F(CheckFile, EachLineOfOwnersIsAList) {
+    CheckOptions options;
+    options.rules = {"unknown-keyword"};
+    for (int line = 44; line <= 63; ++line) {
+        std::string content;
+        for (int at = 1; at <= 68; ++at) {
+            content += at == line ? "x\tALL\tBad\r\n" : "x\r\n";
+        }
+        EXPECT_THAT(lines_of(check_content(content, "Misc Non-Localizable Info.pdt", options)),
+                    ElementsAre(fmt::format("Misc Non-Localizable Info.pdt:{}:7 unknown-keyword", line)));
+    }
+}
+
 TEST_F(CheckFile, DescriptionFileOfAnotherNameIsAStringFileByItsContent) {
     EXPECT_THAT(lines_of(check_content("a\tb\r\n1\t2\r\n", "other.pdt")),
                 ElementsAre("other.pdt:0:0 empty-table"));

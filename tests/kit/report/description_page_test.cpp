@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <kit/report/pages.h>
@@ -198,6 +199,17 @@ TEST(DitheringSection, DrawsAMatrixByItsThresholds) {
     EXPECT_EQ(page.find("rect", "gap").size(), 1U);
     EXPECT_THAT(page.texts("figcaption"), ElementsAre("Matrix M, 2 × 2"));
     EXPECT_EQ(page.find("path", "ink").size(), 1U);
+}
+
+TEST(DitheringSection, DrawsTheDotsOfARamp) {
+    Tree tree;
+    const std::string method = "\\res_color_mem\\dithering_list\\One\\";
+    tree.set(method + "matrix_size_x", 1);
+    tree.set(method + "matrix_size_y", 1);
+    tree.set(method + "matrix_list\\M\\0\\data", 3);
+    const std::string dots = page_of(tree).find("path", "ink").at(0).attribute("d");
+    EXPECT_EQ(dots.substr(0, 24), "M0 0h1v1h-1zM1 0h1v1h-1z");
+    EXPECT_EQ(std::ranges::count(dots, 'M'), 48 * 16); // the darker half
 }
 
 TEST(DitheringSection, DrawsNoCellWhoseNameIsNoNumber) {
