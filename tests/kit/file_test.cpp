@@ -216,6 +216,14 @@ TEST(ReadContent, WhatEndsTheReadingIsThrownOrTheLastReport) {
     EXPECT_EQ("PM_PIAFile::load()", kept.reports.front().place);
 }
 
+TEST(ReadContent, WhatWasReadOfADamagedSectionStays) {
+    const std::string bytes = dpia({"a", "b"}, header + "x=1\nbad\n");
+    FileContent content;
+    EXPECT_THROW(read_content_into(content, bytes, {.file = "x"}), PM_Error);
+    EXPECT_EQ(1, content.tree.get<int>("\\a\\x"));
+    EXPECT_FALSE(content.tree.contains("\\b\\x"));
+}
+
 TEST(ReadContent, DamagedSectionDoesNotTakeTheOthersAlong) {
     std::string bytes = dpia({"a", "b"}, header + "x=1\nbad\n");
     const FileContent content = read_content(bytes, {.file = "x", .keep_going = true});

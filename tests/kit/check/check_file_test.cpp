@@ -237,6 +237,17 @@ TEST_F(CheckFile, DescriptionFileOfAnotherNameIsAStringFileByItsContent) {
     EXPECT_THAT(lines_of(check_content("DRFX_1\r\n", "other.pdt")), ElementsAre("other.pdt:1:1 bad-line"));
 }
 
+TEST_F(CheckFile, PenOfTheDefaultBlockIsANumberOrAnyPen) {
+    const auto check_pen = [](const std::string& line) {
+        return lines_of(check_content(";Created by Draftex\nBEGIN_COLOR=DEFAULT\n" + line + "\nEND_COLOR\n",
+                                      "a", {.type = PM_Object::FILE_PCP}));
+    };
+    EXPECT_THAT(check_pen("PEN_NUMBER=*"), IsEmpty());
+    EXPECT_THAT(check_pen("PEN_NUMBER=MOD16"), IsEmpty());
+    EXPECT_THAT(check_pen("PEN_NUMBER=5x"), ElementsAre("a:3:12 partial-number"));
+    EXPECT_THAT(check_pen("PEN_SPEED=*"), ElementsAre("a:3:11 partial-number"));
+}
+
 TEST_F(CheckFile, DefaultBlockThatIsOpenDoesNotReachTheNextFile) {
     CheckOptions options;
     options.type = PM_Object::FILE_PCP;
