@@ -148,6 +148,17 @@ TEST(ResolutionSection, ShowsModesWithTheirResolutionsAndMemory) {
     EXPECT_EQ(page.find("rect", "fill").at(1).attribute("width"), "120");
 }
 
+TEST(PensSection, NumbersADefaultSpeedThatIsFarFromBothEnds) {
+    Tree tree;
+    tree.set("\\physical_pen\\max_npens", 8);
+    tree.set("\\physical_pen\\min_speed", 0.0);
+    tree.set("\\physical_pen\\max_speed", 100.0);
+    tree.set("\\physical_pen\\default_speed", 20.0);
+    EXPECT_THAT(page_of(tree).texts("text"), ElementsAre("0", "100"));
+    tree.set("\\physical_pen\\default_speed", 21.0);
+    EXPECT_THAT(page_of(tree).texts("text"), ElementsAre("0", "100", "21"));
+}
+
 TEST(ResolutionSection, ShowsTheInksOfAColourSystem) {
     Tree tree;
     tree.set("\\res_color_mem\\rcm_list\\Inks\\color_system", 4);
