@@ -60,6 +60,13 @@ TEST(MediaSection, TellsBoundsAndPrintablePartBelowTheName) {
                 testing::IsSupersetOf({"200 × 100 mm", "72 % printable"}));
 }
 
+TEST(MediaSection, TagsTheSizeByDefault) {
+    Tree tree = one_size();
+    EXPECT_THAT(page_of(tree).texts("p", "marks"), IsEmpty());
+    tree.set("\\media\\default_size", "Card");
+    EXPECT_THAT(page_of(tree).texts("p", "marks"), ElementsAre("default"));
+}
+
 TEST(MediaSection, LeavesATitleOfBoundsAlone) {
     Tree tree = one_size();
     tree.set("\\media\\size\\0\\localized_name", " (200 × 100 mm)");
