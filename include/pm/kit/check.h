@@ -57,8 +57,8 @@ struct CheckOptions {
 //
 // `file` is UTF-8, or the bytes that the system knows the file by. What can't be read is a diagnostic of the
 // rule "unreadable" with the library's number, and what is of no known kind one of "unknown-kind". Throws
-// std::bad_alloc, PM_Memory_Exception (55) or PM_Severe number 64 for want of memory, and PM_Error number 78 for
-// a code page that the machine can't convert.
+// std::bad_alloc, PM_Memory_Exception (55) or PM_Severe number 64 for want of memory, and PM_Error number 78
+// for a code page that the machine can't convert.
 //
 // Several threads may check at once, but a check of a DPIA file or a device description, and any that names a
 // code page, sets that of the process for its time: other threads then read narrow text by it.
