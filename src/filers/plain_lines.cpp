@@ -189,10 +189,11 @@ private:
     const char* load_text(const TreeCursor::Name& name, const char* text) {
         char16_t units[longest_text + 1];
         const std::size_t length = widen_text(text, units, longest_text);
-        if (text[length] != '\n' || text[length - 1] == ' ') return nullptr;
+        const char* const end = text + length;
+        if (*end != '\n' || end[-1] == ' ') return nullptr; // there is the quote, at least
         units[length] = u'\0';
         m_place.set_string(name, {units, length});
-        return text + length + 1;
+        return end + 1;
     }
 
     const char* load_bool(const TreeCursor::Name& name, const char* value) {
