@@ -92,6 +92,27 @@ TEST_F(CComparison, LeavesOutWhatIsExcluded) {
                 ElementsAre("0 \\media\\name | string \"A0\""));
 }
 
+TEST_F(CComparison, TellsStrictnessAndOrderUnlessTheyDoNotCount) {
+    const CTree loose = small_tree();
+    const std::string script = "set \\media\\name string \"A0\"\nset \\media\\copies loose long 3\n";
+    ASSERT_EQ(pm9_tree_apply(loose.get(), script.data(), script.size(), nullptr), PM9_OK);
+    EXPECT_THAT(differences(second.get(), loose.get()),
+                ElementsAre("4 \\media\\copies | long 3 | long 3"));
+    const pm9_compare_options any_strictness{sizeof any_strictness, 0, nullptr, 0, 0, 1};
+    EXPECT_THAT(differences(second.get(), loose.get(), &any_strictness), ElementsAre());
+    const CTree turned = c_tree();
+    const CTree straight = c_tree();
+    for (const char* const path : {"\\a", "\\b"}) {
+        pm9_tree_set_long(straight.get(), path, PM9_Z, 1, nullptr);
+    }
+    for (const char* const path : {"\\b", "\\a"}) {
+        pm9_tree_set_long(turned.get(), path, PM9_Z, 1, nullptr);
+    }
+    EXPECT_THAT(differences(straight.get(), turned.get()), ElementsAre("5 \\"));
+    const pm9_compare_options any_order{sizeof any_order, 0, nullptr, 0, 1, 0};
+    EXPECT_THAT(differences(straight.get(), turned.get(), &any_order), ElementsAre());
+}
+
 TEST_F(CComparison, BecomesAScriptThatIsApplied) {
     char* text = nullptr;
     std::size_t length = 0;
