@@ -43,8 +43,9 @@ private:
     // closed.
     JsonTree& place() {
         if (m_open.empty()) return m_root;
-        if (auto* const list = std::get_if<JsonTree::List>(&m_open.back()->value))
+        if (auto* const list = std::get_if<JsonTree::List>(&m_open.back()->value)) {
             return list->emplace_back();
+        }
         auto& members = std::get<JsonTree::Object>(m_open.back()->value);
         const auto found = std::ranges::find(members, m_name, &JsonTree::Object::value_type::first);
         return found != members.end() ? found->second : members.emplace_back(m_name, JsonTree()).second;
