@@ -229,9 +229,9 @@ TEST(FindStringFile, FirstByItsNameIsTakenWhateverTheOrderInTheFolder) {
     for (const char letter : std::string_view("mzaykbxcw")) {
         folder.write(std::string(1, letter) + ".pdt", "DRFX_A_B3 \"text\"\n");
     }
-    for (const char first : std::string_view("abckmwxyz")) {
-        const std::filesystem::path file = folder / (std::string(1, first) + ".pdt");
-        EXPECT_EQ(file.u16string(), find_string_file(folder.path().u16string()));
+    for (const char16_t first : std::u16string_view(u"abckmwxyz")) {
+        const std::u16string file = folder.path().u16string() + u'/' + first + u".pdt";
+        EXPECT_EQ(file, find_string_file(folder.path().u16string()));
         std::filesystem::remove(file);
     }
 }
