@@ -96,8 +96,7 @@ TEST_F(CComparison, TellsStrictnessAndOrderUnlessTheyDoNotCount) {
     const CTree loose = small_tree();
     const std::string script = "set \\media\\name string \"A0\"\nset \\media\\copies loose long 3\n";
     ASSERT_EQ(pm9_tree_apply(loose.get(), script.data(), script.size(), nullptr), PM9_OK);
-    EXPECT_THAT(differences(second.get(), loose.get()),
-                ElementsAre("4 \\media\\copies | long 3 | long 3"));
+    EXPECT_THAT(differences(second.get(), loose.get()), ElementsAre("4 \\media\\copies | long 3 | long 3"));
     const pm9_compare_options any_strictness{sizeof any_strictness, 0, nullptr, 0, 0, 1};
     EXPECT_THAT(differences(second.get(), loose.get(), &any_strictness), ElementsAre());
     const CTree turned = c_tree();
