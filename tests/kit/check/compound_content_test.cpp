@@ -148,7 +148,7 @@ std::string file_of_long_table(std::uint32_t list) {
     root.resize(sector_size);
     root[64] = 22; // bytes of the name
     root[66] = 5;
-    for (const std::size_t link : {68, 72, 76}) {
+    for (const std::size_t link : {68U, 72U, 76U}) {
         put_word(root, link, 0xFFFFFFFF);
     }
     put_word(root, 116, no_more);
