@@ -141,8 +141,10 @@ void PiaWriter::write_body(PM_Iterator& walk) {
         write_properties(walk.currentNode(), 0);
         write_nodes(walk);
     } catch (const ZT_Exception&) {
-        if (m_stream != nullptr) flush();
-        throw;
+        if (m_stream == nullptr) throw;
+        flush();
+        if (m_stream->good()) throw;
+        return; // the stream failed before the value was met
     }
     m_pending.append(1, '\0');
     if (m_stream != nullptr) flush();

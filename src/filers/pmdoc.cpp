@@ -43,10 +43,13 @@ std::u16string version_text(float version) {
     throw PM_Warning(PM_ERR_VALUE_TOO_LARGE, u"PM_Property::GetData()", prop.name(), source);
 }
 
-// What no walk could give is met before its stream is made: a value that isn't there, and a raw one without
-// bytes or with too many.
+// What no walk could give is met before its stream is made: a value that isn't there, a number of too many
+// bytes, and a raw one without bytes or with too many.
 void check_value(const PM_Property& prop) {
+    std::array<char, sizeof(double)> number; // only read into
     if (prop.data() == nullptr) prop.GetData(nullptr, 0);
+    if (prop.type() == PROP_LONG) prop.GetData(number.data(), sizeof(std::int32_t));
+    if (prop.type() == PROP_DOUBLE || prop.type() == PROP_BOOL) prop.GetData(number.data(), number.size());
     if (prop.type() == PROP_VOID && (prop.size() == 0 || prop.size() > std::numeric_limits<int>::max())) {
         throw PM_Error(PM_ERR_BAD_RAW_DATA, u".\\pmobj", u"bad raw data value",
                        u"$Workfile: pmobj $ $Revision: #1 $");

@@ -206,7 +206,7 @@ void PM_PCPFile::keyword_line(Reading& reading, std::u16string_view line) {
     const bool has_value = line.find(u'=') != std::u16string_view::npos;
     const std::u16string_view key = has_value ? key_of(line) : line;
     if (has_value) reading.key_length = key.size();
-    if (key.empty() || key.size() > key_limit) {
+    if (key.empty() || (has_value && key.size() > key_limit)) {
         report_bad_line<PM_Warning>(load_place, line);
         return;
     }

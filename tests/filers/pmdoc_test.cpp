@@ -408,6 +408,35 @@ TEST_F(DocTest, ARawValueThatWasEmptiedIsMetBeforeItsStream) {
     EXPECT_EQ((Names{u"a", u"Version"}), elements_of(*open()));
 }
 
+TEST_F(DocTest, ANumberOfTooManyBytesIsMetBeforeItsStream) {
+    struct OpenObject : PM_Object {
+        using PM_Object::setData;
+    };
+    for (const auto& [type, size] :
+         {std::pair(PROP_LONG, 5U), std::pair(PROP_DOUBLE, 9U), std::pair(PROP_BOOL, 9U)}) {
+        OpenObject odd;
+        odd.SetProperty(u"a", 1);
+        odd.setData(u"x", "123456789", size, type, -1, true);
+        expect_thrown<PM_Warning>([&] { odd.save(path.c_str(), PM_Object::FILE_DOC, u"", u"\\"); },
+                                  PM_ERR_VALUE_TOO_LARGE, u"PM_Property::GetData()", u"x");
+        EXPECT_EQ((Names{u"a", u"Version"}), elements_of(*open()));
+    }
+}
+
+TEST_F(DocTest, VersionBelowTheRootIsWritten) {
+    object.SetProperty(u"n\\VERSION", 1);
+    object.SetProperty(u"n\\m\\version\\p", 2);
+    save();
+    const auto root = open();
+    const auto n = root->OpenStorage(u"n");
+    ASSERT_TRUE(n);
+    EXPECT_EQ((Names{u"m/", u"VERSION"}), elements_of(*n));
+    EXPECT_EQ(record(PROP_LONG, word(1)), bytes_of(*n, u"VERSION"));
+    const auto m = n->OpenStorage(u"m");
+    EXPECT_EQ(Names{u"version/"}, elements_of(*m));
+    EXPECT_EQ(record(PROP_LONG, word(2)), bytes_of(*m->OpenStorage(u"version"), u"p"));
+}
+
 TEST_F(DocTest, NamesThatTheFormatRefusesRaise60) {
     for (const char16_t* name : {u"a/b", u"a:b", u"a!b", u"a23456789b123456789c123456789d12"}) {
         PM_Object prop;

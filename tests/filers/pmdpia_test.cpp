@@ -587,6 +587,62 @@ TEST_F(DpiaTest, AReadThatFailsHasTheNumberOfItsCode) {
     }
 }
 
+// Takes so many bytes in all, and then no more.
+class FullBuffer : public std::stringbuf {
+public:
+    explicit FullBuffer(std::size_t room) : m_left(room) {}
+
+protected:
+    std::streamsize xsputn(const char* bytes, std::streamsize count) override {
+        if (static_cast<std::size_t>(count) > m_left) {
+            errno = ENOSPC;
+            return 0;
+        }
+        m_left -= static_cast<std::size_t>(count);
+        return std::stringbuf::xsputn(bytes, count);
+    }
+
+private:
+    std::size_t m_left;
+};
+
+TEST_F(DpiaTest, AWriteThatFailsIsToldWithItsPlaceAndSection) {
+    constexpr const char16_t* save_place = u"PM_DPIAFile::save()";
+    constexpr const char16_t* directory_place = u"PM_DPIAFile::write_directory";
+    add_section(object, u"One", u"first", 1);
+    const std::size_t section = zlib_section(object, u"s\\One\\data").size();
+    struct Case {
+        std::size_t room;
+        const char16_t* place;
+        const char16_t* detail;
+    };
+    // Version and count take 8 bytes, the entry 24, then the section; the directory is written again.
+    for (const Case& each :
+         {Case{0, save_place, u""}, Case{3, save_place, u""}, Case{4, directory_place, u""},
+          Case{8, directory_place, u"One"}, Case{31, directory_place, u"One"}, Case{32, save_place, u""},
+          Case{31 + section, save_place, u""}, Case{32 + section, directory_place, u""},
+          Case{36 + section, directory_place, u"One"}, Case{59 + section, directory_place, u"One"}}) {
+        SCOPED_TRACE(each.room);
+        FullBuffer buffer(each.room);
+        std::iostream stream(&buffer);
+        expect_thrown<PM_Severe>([&] { object.save(stream, PM_Object::FILE_DPIA, u"", u"s"); },
+                                 PM_ERR_DISK_FULL, each.place, each.detail);
+    }
+    FullBuffer buffer(60 + section);
+    std::iostream stream(&buffer);
+    object.save(stream, PM_Object::FILE_DPIA, u"", u"s");
+    EXPECT_EQ(saved(object), buffer.str());
+}
+
+TEST_F(DpiaTest, AShortFileIsToldWithItsName) {
+    const std::u16string path = folder.write("f.dpia", "ab");
+    expect_thrown<PM_Severe>([&] { object.load(path.c_str(), PM_Object::FILE_DPIA, u"\\"); },
+                             PM_ERR_STREAM_FAILED, version_place, path);
+    folder.write("f.dpia", version_2 + word(1));
+    expect_thrown<PM_Severe>([&] { object.load(path.c_str(), PM_Object::FILE_DPIA, u"\\"); },
+                             PM_ERR_STREAM_FAILED, load_place, path);
+}
+
 TEST_F(DpiaTest, TextsOfMoreThan4096UnitsAreCutTo4097) {
     load(version_2 + word(1) + version_2_entry(std::string(5000, 'd'), std::string(4096, 'i'), 0, 0));
     EXPECT_EQ(2 * 4097U, object.getPropertySize(u"DPIA_directory\\0\\descriptor"));

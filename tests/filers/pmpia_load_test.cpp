@@ -728,4 +728,24 @@ TEST(PiaStream, StreamThatBreaksInTheBodyIsToldByItsErrorCode) {
     EXPECT_EQ(Lines{"a long 1"}, tree_text(object));
 }
 
+// Reads a stream as if it were a file of that name.
+class NamedReader : public PM_PIAFile {
+public:
+    using PM_PIAFile::PM_PIAFile;
+    void take(std::iostream& stream, const char16_t* name) {
+        attach(&stream);
+        m_filename = name;
+    }
+};
+
+TEST(PiaStream, FileThatBreaksInTheBodyIsToldWithItsName) {
+    BreakingBuffer buffer(pia_header + std::string(400'000, ' '), 200'000);
+    std::iostream stream(&buffer);
+    NamedReader reader(nullptr);
+    reader.take(stream, u"a file");
+    PM_Object object;
+    expect_thrown<PM_Severe>([&] { reader.load(&object, u"\\", PM_Object::FILE_PIA); }, PM_ERR_FILE_NOT_OPEN,
+                             load_place, u"a file");
+}
+
 } // namespace

@@ -354,4 +354,20 @@ TEST(PiaReference, SavesTheSampleByteForByte) {
     EXPECT_EQ(bytes, saved(object, u"DX4200CFG_1.0"));
 }
 
+TEST(PiaSaveFailure, StreamThatFailedBeforeABadValueIsToldFirst) {
+    struct HeaderOnly : std::stringbuf {
+        std::streamsize xsputn(const char* bytes, std::streamsize count) override {
+            return std::string_view(bytes, static_cast<std::size_t>(count)).starts_with("PIAFILE")
+                       ? std::stringbuf::xsputn(bytes, count)
+                       : 0;
+        }
+    } buffer;
+    std::iostream stream(&buffer);
+    PM_Object object;
+    object.SetProperty(u"a", 1);
+    object.setVoidProperty(u"b", nullptr, 0);
+    expect_thrown<PM_Severe>([&] { object.save(stream, PM_Object::FILE_PIA, u"test", u"\\"); },
+                             PM_ERR_STREAM_FAILED, u"PM_PIAFile::save()", u"");
+}
+
 } // namespace

@@ -1,5 +1,7 @@
+#include "legacy/pmpcp.h"
 #include "support/exceptions.h"
 #include "support/temp_folder.h"
+#include <array>
 #include <gtest/gtest.h>
 #include <pm/error_number.h>
 #include <pm/object.h>
@@ -30,6 +32,14 @@ TEST_F(FolderAsFile, FailureOfAPc2FileNamesTheFile) {
 TEST_F(FolderAsFile, FailureOfACfgFileNamesTheFile) {
     expect_thrown<PM_Severe>([&] { object.load_cfg_section(name.c_str(), PM_Object::FILE_CFG, u"\\", 1); },
                              PM_ERR_NOT_READ, u"PM_CFGFile::load_section()", name);
+}
+
+TEST_F(FolderAsFile, VersionFailureOfAPcpFileNamesTheFile) {
+    PM_PCPFile filer(nullptr);
+    filer.open(name.c_str(), false);
+    std::array<char16_t, 8> version{};
+    expect_thrown<PM_Severe>([&] { filer.getVersion(version.data(), version.size()); }, PM_ERR_NOT_READ,
+                             u"PM_PCPFile::getVersion()", name);
 }
 
 } // namespace

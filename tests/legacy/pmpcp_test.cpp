@@ -522,6 +522,12 @@ TEST_F(Pcp, AKeyOf512UnitsIsABadLine) {
     EXPECT_EQ(load_place, handler.reports[0].place);
 }
 
+TEST_F(Pcp, ALineWithoutAValueIsAKeyOfAnyLength) {
+    load(std::string(600, 'x') + "\n");
+    ASSERT_EQ((Numbers{PM_ERR_BAD_LINE}), numbers());
+    EXPECT_EQ(keys_place, handler.reports[0].place);
+}
+
 // ---- Base
 
 TEST_F(Pcp, ABaseMayEndInASeparatorOrNotAndEmptyIsTheRoot) {

@@ -164,4 +164,66 @@ TEST(LoadSteps, StepReadsItsTableAlone) {
               object.items(u""));
 }
 
+// --- The type of capabilities: 0 in every load, another number here to tell where it goes
+
+// What one table writes below `path`, with 7 in place of 0.
+pm::test::Items items_of_caps_type_7(const Description& description, Section section,
+                                     std::u16string_view path) {
+    pm::test::DescriptionLoad load(description);
+    load.caps_type = 7;
+    OpenObject object;
+    load.load_section_into(object, section);
+    return object.items(path);
+}
+
+TEST(CapsType, OfACustomCapabilityIsZeroAndOfItsValuesThatOfTheLoad) {
+    Description description;
+    description.rows(Section::custom_capability, "C\t\t\t\t\t\tPT_Long\tN\t5\n");
+    const auto items = items_of_caps_type_7(description, Section::custom_capability, u"custom_name");
+    EXPECT_TRUE(pm::test::has_item(items, "C\\custom_caps_type=0"));
+    EXPECT_TRUE(pm::test::has_item(items, "C\\value_list\\0\\caps_type=7"));
+}
+
+TEST(CapsType, OfADitheringMethodIsZero) {
+    Description description;
+    description.rows(Section::dithering_method, "M\n");
+    EXPECT_TRUE(pm::test::has_item(
+        items_of_caps_type_7(description, Section::dithering_method, u"res_color_mem\\dithering_list"),
+        "M\\caps_type=0"));
+}
+
+TEST(CapsType, OfAMethodItsProtocolsAndRatesIsThatOfTheLoad) {
+    Description description;
+    description.rows(Section::io_method, "RS232\t\tP\t\t\t\t\t\t\t\t\t\t\t300\n");
+    const auto items = items_of_caps_type_7(description, Section::io_method, u"io\\method");
+    for (const char* item :
+         {"4\\caps_type=7", "4\\protocol\\0\\caps_type=7", "4\\baudrates\\0\\caps_type=7"}) {
+        EXPECT_TRUE(pm::test::has_item(items, item)) << item;
+    }
+}
+
+TEST(CapsType, OfAMediaDescriptionIsThatOfTheLoad) {
+    Description description;
+    description.rows(Section::media_description, "A\n");
+    EXPECT_TRUE(pm::test::has_item(
+        items_of_caps_type_7(description, Section::media_description, u"media\\description"),
+        "0\\caps_type=7"));
+}
+
+TEST(CapsType, OfASourceItsEntriesAndSizesIsThatOfTheLoad) {
+    Description description;
+    description.rows(Section::media_source_entry, "E\t\t\t\t\tS1\n")
+        .rows(Section::media_source, "S\t\t\tE\n");
+    pm::test::DescriptionLoad load(description);
+    load.caps_type = 7;
+    OpenObject object;
+    load.load_section_into(object, Section::media_source_entry);
+    load.load_section_into(object, Section::media_source);
+    const auto items = object.items(u"media\\source");
+    for (const char* item :
+         {"S\\caps_type=7", "S\\entry\\E\\caps_type=7", "S\\entry\\E\\size_names\\0\\caps_type=7"}) {
+        EXPECT_TRUE(pm::test::has_item(items, item)) << item;
+    }
+}
+
 } // namespace

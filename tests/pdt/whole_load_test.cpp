@@ -43,6 +43,97 @@ TEST(WholeLoad, RefusedWriteEndsTheLoad) {
     EXPECT_EQ(Items{}, object.items(u"io"));
 }
 
+void expect_refused(const Description& description, OpenObject& object) {
+    expect_thrown<PM_Warning>([&] { description.load(object); }, PM_ERR_WRONG_TYPE, u"PM_Object::SetData()",
+                              u"");
+}
+
+TEST(WholeLoad, RefusedWriteOfADestinationLeavesWhatWasWritten) {
+    Description description;
+    description.rows(Section::media_stapling, "S\t\tPortraitUL\tEndofjob\t1\n")
+        .rows(Section::media_destination, "D\t\t\tS\t\t\t\tS\n");
+    OpenObject object;
+    object.SetProperty(u"media\\destination\\D\\stapling\\S\\when", 2.5);
+    expect_refused(description, object);
+    const Items expected = {"localized_name=\"\"",      "caps_type=0",
+                            "default_stapling=\"S\"",   "stapling\\S\\when=2.5",
+                            "stapling\\S\\caps_type=0", "stapling\\S\\localized_name=\"\"",
+                            "stapling\\S\\location=1"};
+    EXPECT_EQ(expected, object.items(u"media\\destination\\D"));
+    EXPECT_EQ(Items{}, object.items(u"RASTER"));
+}
+
+TEST(WholeLoad, RefusedWriteOfAColorModeLeavesWhatWasWritten) {
+    Description description;
+    description.rows(Section::resolution, "R\t\t600\n")
+        .rows(Section::resolution_color_memory, "M\t\t\t\t\t\tR\n");
+    OpenObject object;
+    object.SetProperty(u"res_color_mem\\rcm_list\\M\\resolution_list\\R\\physical_resolution_y", 1);
+    expect_refused(description, object);
+    const Items expected = {"localized_name=\"\"",
+                            "number_of_colors=0",
+                            "color_depth=0",
+                            "undithered_colors=0",
+                            "color_system=5",
+                            "caps_type=0",
+                            "resolution_list\\R\\physical_resolution_y=1",
+                            "resolution_list\\R\\caps_type=0",
+                            "resolution_list\\R\\localized_name=\"\"",
+                            "resolution_list\\R\\physical_resolution_x=600.0"};
+    EXPECT_EQ(expected, object.items(u"res_color_mem\\rcm_list\\M"));
+    // The form is read by then, and of the closing texts that of io alone is written.
+    EXPECT_EQ((Items{"ui_owner=\"000000000\"", "abilities=\"000000000000\""}), object.items(u"io"));
+    EXPECT_EQ(Items{"ui_owner=\"0000000\""}, object.items(u"physical_pen"));
+}
+
+TEST(WholeLoad, RefusedWriteOfASizeLeavesWhatWasWritten) {
+    Description description;
+    description.rows(Section::media_size, "A\t\t\tL\tN\n");
+    OpenObject object;
+    object.SetProperty(u"media\\size\\0\\landscape_mode", 1);
+    expect_refused(description, object);
+    EXPECT_EQ((Items{"landscape_mode=1", "caps_type=0", "name=\"A\"", "localized_name=\"\""}),
+              object.items(u"media\\size\\0"));
+}
+
+TEST(WholeLoad, RefusedWriteOfATypeLeavesWhatWasWritten) {
+    Description description;
+    description.rows(Section::media_type, "A\t\t600\t300\t5\n");
+    OpenObject object;
+    object.SetProperty(u"media\\type\\0\\max_resolution_y", 1);
+    expect_refused(description, object);
+    EXPECT_EQ((Items{"max_resolution_y=1", "name=\"A\"", "caps_type=0", "localized_name=\"\"",
+                     "max_resolution_x=600.0"}),
+              object.items(u"media\\type\\0"));
+}
+
+TEST(WholeLoad, RefusedWriteOfRastersLeavesWhatWasWritten) {
+    OpenObject object;
+    object.SetProperty(u"RASTER\\orientation_prefs", 2.5);
+    expect_refused(Description(), object);
+    EXPECT_EQ((Items{"orientation_prefs=2.5", "abilities=\"0000\""}), object.items(u"RASTER"));
+}
+
+TEST(WholeLoad, RefusedWriteOfANameOfTheModelLeavesWhatWasWritten) {
+    Description description;
+    description.rows(Section::misc_localizable_info, "\tx\n\tx\n\tx\n");
+    OpenObject object;
+    object.SetProperty(u"meta\\localized_family_name", 1);
+    expect_refused(description, object);
+    EXPECT_EQ(
+        (Items{"localized_family_name=1", "model_abilities=\"000000000000\"", "localized_model_name=\"\""}),
+        object.items(u"meta"));
+}
+
+TEST(WholeLoad, RefusedWriteOfALinetypeLeavesWhatWasWritten) {
+    Description description;
+    description.rows(Section::line_type_capabilities, "Solid\t1\nDashed\t2\n");
+    OpenObject object;
+    object.SetProperty(u"linetype\\font\\1\\width", 1);
+    expect_refused(description, object);
+    EXPECT_EQ((Items{"font\\1\\width=1", "font\\0\\width=1.0"}), object.items(u"linetype"));
+}
+
 TEST(WholeLoad, TextIsCarriedThroughTheSectionsInTheirOrder) {
     Description description;
     description.strings("DRFX_CUSTOM_CAPABILITY_B3 \"custom\"\nDRFX_MEDIA_TYPE_B3 \"type\"\n")

@@ -210,4 +210,33 @@ TEST(AllocationFailure, ValuesOfAWalkTellWhatFailed) {
     EXPECT_EQ((Failures{no_value, no_value, no_value, no_value, {u".\\pmobj", u"data"}, no_value}), failures);
 }
 
+TEST(AllocationFailure, AFailedOverwriteHasTheNewTypeAndStrictness) {
+    PM_Object object;
+    object.SetProperty(u"a", 1, -1, false);
+    {
+        const FailingAllocation failing(0);
+        (void)pm::test::thrown_by([&] { object.SetProperty(u"a", u"a longer text"); });
+        EXPECT_TRUE(FailingAllocation::was_hit());
+    }
+    EXPECT_EQ(0U, object.getPropertySize(u"a"));
+    int value = 0;
+    pm::test::expect_thrown<PM_Warning>([&] { (void)object.GetProperty(u"a", value); }, PM_ERR_WRONG_TYPE,
+                                        u"PM_Object::GetData()", u"");
+    char16_t text[20];
+    pm::test::expect_thrown<PM_Warning>([&] { (void)object.GetProperty(u"a", text, sizeof text); },
+                                        PM_ERR_NO_VALUE, u"PM_Property::GetData()", u"a");
+}
+
+TEST(AllocationFailure, NodesMadeBeforeAPropertyFailsStay) {
+    PM_Object object;
+    fill(object);
+    {
+        const FailingAllocation failing(5); // the property, behind two names and the node
+        pm::test::expect_thrown<PM_Memory_Exception>([&] { object.SetProperty(u"new\\prop", 1); },
+                                                     PM_ERR_NO_MEMORY, u"PM_Node::AddProp", u"prop");
+    }
+    EXPECT_TRUE(object.pathExists(u"new\\known"));
+    EXPECT_FALSE(object.pathExists(u"new\\prop"));
+}
+
 } // namespace

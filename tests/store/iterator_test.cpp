@@ -306,4 +306,17 @@ TEST_F(ValueTest, AWalkGivenUpEarlyLeavesItsValueToTheCaller) {
     PM_Mem_Obj::operator delete(value);
 }
 
+TEST_F(ValueTest, TheCallBehindAnEndGoesOnOrBeginsAgain) {
+    object.SetProperty(u"a", 1);
+    object.root().AddProp(object.strings().Add(PM_PathStrings::Key(u"untyped")));
+    object.SetProperty(u"z", 2);
+    Walk walk(object, u"\\");
+    EXPECT_EQ(u"a", std::u16string(walk.next()));
+    EXPECT_EQ(nullptr, walk.next()); // stands on the one of no type
+    EXPECT_EQ(u"z", std::u16string(walk.next()));
+    EXPECT_STREQ("2", walk.value);
+    EXPECT_EQ(nullptr, walk.next());
+    EXPECT_EQ(u"a", std::u16string(walk.next()));
+}
+
 } // namespace

@@ -45,6 +45,11 @@ TEST(PendingRecord, BlankRowBetweenNamesGivesNone) {
     EXPECT_EQ((Names{"A", "B"}), names(Read(Section::media_cutting, "A\n\n\nB\n\n").pdt.cutting));
 }
 
+TEST(PendingRecord, NameThatIsEmptyWhenCutIsNone) {
+    EXPECT_EQ((Names{"A", "B"}), names(Read(Section::media_cutting, "A\n\"\"\n  \nB\n").pdt.cutting));
+    EXPECT_EQ((Names{"", "A"}), names(Read(Section::media_cutting, "\"\"\nA\n").pdt.cutting));
+}
+
 TEST(PendingRecord, RowsWithoutANameGiveOneEmptyRecord) {
     Read read(Section::media_cutting, "\n\n\n");
     ASSERT_EQ(1, read.pdt.cutting.count());

@@ -121,4 +121,14 @@ TEST(MediaDescription, HeadingsOnlyMarkNothing) {
     EXPECT_EQ(Marks{}, read.pdt.media_marks());
 }
 
+// The text would be carried over to the section that is read next.
+TEST(MediaDescription, LooksNoTextUp) {
+    Description description;
+    description.strings("DRFX_MEDIA_DESCRIPTION_B3 \"area\"\n")
+        .rows(Section::media_description, "A\n")
+        .rows(Section::media_destination, "D\n");
+    EXPECT_EQ((Items{"D\\localized_name=\"\"", "D\\caps_type=0"}),
+              pm::test::items_of(description, u"media\\destination"));
+}
+
 } // namespace

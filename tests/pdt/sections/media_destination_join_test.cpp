@@ -88,6 +88,16 @@ TEST(MediaStapling, WritesNothingAndMarksNothing) {
     EXPECT_EQ(pm::test::items_of(pm::test::Description(), u"media"), staples.object.items(u"media"));
 }
 
+TEST(MediaStapling, NameThatIsEmptyWhenCutIsPassedOver) {
+    const Staples staples(
+        "A\t\tPortraitUL\tEndofjob\t1\n\"\"\t\tPortraitUR\tEndofset\t2\n  \t\tLandscapeUL\tNone\t3\n");
+    ASSERT_EQ(1, staples.pdt.stapling.count());
+    EXPECT_EQ(std::u16string(u"A"), staples.first().name.text());
+    EXPECT_EQ(1, staples.first().location);
+    EXPECT_EQ(1, staples.first().when);
+    EXPECT_EQ(1, staples.first().orientation);
+}
+
 // --- The join
 
 // A description with a record of each finishing kind.

@@ -199,4 +199,10 @@ TEST(MediaType, LastLineWithoutLineEndIsNotUsed) {
     EXPECT_EQ(3U, Types("A\nB").items().size());
 }
 
+TEST(MediaType, ResolutionsAreNotRounded) {
+    const Types types("A\t\t0.1\t0.2\n");
+    EXPECT_TRUE(has_item(types.items(), "0\\max_resolution_x=0.1"));
+    EXPECT_TRUE(has_item(types.items(), "0\\max_resolution_y=0.2"));
+}
+
 } // namespace

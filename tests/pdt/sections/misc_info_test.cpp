@@ -440,6 +440,26 @@ TEST(MiscInfo, LinetypeAbilitiesNeedALabel) {
     EXPECT_EQ(Items{}, effect({{43, "\tLinetypeScale"}}));
 }
 
+TEST(MiscInfo, EachFormHasItsSize) {
+    pm::test::Description description;
+    description.rows(Section::misc_info, form({{3, "\t8"},
+                                               {5, "\t0.1"},
+                                               {16, "\tab"},
+                                               {17, "\tY"},
+                                               {29, "\tN"},
+                                               {31, "\ta b"},
+                                               {40, "\t0.1"}}));
+    PM_Object object;
+    description.load(object);
+    EXPECT_EQ(4U, object.getPropertySize(u"physical_pen\\max_npens"));
+    EXPECT_EQ(8U, object.getPropertySize(u"physical_pen\\max_speed"));
+    EXPECT_EQ(6U, object.getPropertySize(u"meta\\canonical_family_name"));
+    EXPECT_EQ(1U, object.getPropertySize(u"physical_pen\\programmable_widths"));
+    EXPECT_EQ(1U, object.getPropertySize(u"res_color_mem\\memory_changes_print_area"));
+    EXPECT_EQ(8U, object.getPropertySize(u"media\\default_source"));
+    EXPECT_EQ(8U, object.getPropertySize(u"media\\size_max_x"));
+}
+
 // --- Owners
 
 struct OwnerGroup {

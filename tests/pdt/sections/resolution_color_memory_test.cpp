@@ -103,6 +103,14 @@ TEST(MemoryArea, LastLineWithoutLineEndIsNotUsed) {
     EXPECT_EQ(3U, Read("A\nB", "", "").areas().size());
 }
 
+TEST(MemoryArea, NameOfTwoQuotesIsNone) {
+    const Read read("\"\"\t\t1\t5\n", "", "");
+    EXPECT_EQ(Items{}, read.areas());
+    EXPECT_EQ(Marks{6}, read.marks());
+    ASSERT_EQ(1, read.pdt.memory_areas.count());
+    EXPECT_EQ(-1, record(read.pdt.memory_areas, 0).name.length());
+}
+
 // --- Resolutions as records
 
 TEST(Resolution, NamedRowFillsTheRecord) {
@@ -164,6 +172,24 @@ TEST(Resolution, MarksNothingAndWritesNothing) {
 
 TEST(Resolution, LastLineWithoutLineEndIsNotUsed) {
     EXPECT_EQ(1, Read("", "R\nS", "").pdt.resolutions.count());
+}
+
+TEST(Resolution, NameOfTwoQuotesGoesOnWithTheRecord) {
+    const Read read("", "R\t\t1\n\"\"\t\t9\t\t\t\t\t\tD\tA\n", "");
+    ASSERT_EQ(1, read.pdt.resolutions.count());
+    const UC_Resolution& resolution = record(read.pdt.resolutions, 0);
+    EXPECT_EQ(1.0F, resolution.physical_x);
+    EXPECT_EQ(0, resolution.dithering.length());
+    EXPECT_EQ(0, resolution.default_mem_area.length());
+    EXPECT_EQ(Items{"A"}, names(resolution.mem_areas));
+}
+
+TEST(Resolution, MemoryAreaOfANamedRowIsCutOnceForTheDefaultAndAgainForTheList) {
+    const Read read("", "R\t\t\t\t\t\t\t\t\t\"\"A\"\"\nS\t\t\t\t\t\t\t\t\t\"\"\n", "");
+    EXPECT_EQ("\"A\"", name_of(record(read.pdt.resolutions, 0).default_mem_area));
+    EXPECT_EQ(Items{"A"}, names(record(read.pdt.resolutions, 0).mem_areas));
+    EXPECT_EQ(0, record(read.pdt.resolutions, 1).default_mem_area.length());
+    EXPECT_EQ(Items{}, names(record(read.pdt.resolutions, 1).mem_areas));
 }
 
 // --- Colour modes
@@ -263,6 +289,16 @@ TEST(ColorMode, RowsBeforeTheFirstNameFillAnEmptyRecord) {
 
 TEST(ColorMode, LastLineWithoutLineEndIsNotUsed) {
     EXPECT_EQ(1, Read("", "", "M\nN").pdt.color_modes.count());
+}
+
+TEST(ColorMode, NameOfTwoQuotesGoesOnWithTheRecord) {
+    const Read read("", "", "M\t\t1\t\t\t\tR\tD\n\"\"\t\t2\t\t\t\tS\tE\tY\n");
+    ASSERT_EQ(1, read.pdt.color_modes.count());
+    const UC_Resolution_Color_Memory& mode = record(read.pdt.color_modes, 0);
+    EXPECT_EQ(1, mode.number_of_colors);
+    EXPECT_EQ("D", name_of(mode.default_resolution));
+    EXPECT_EQ((Items{"R", "S"}), names(mode.resolutions));
+    EXPECT_EQ((Marks{0, 1, 2}), read.marks());
 }
 
 // --- Modes, resolutions and memory areas joined
