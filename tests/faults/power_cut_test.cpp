@@ -1,4 +1,5 @@
 #include "faults/disk.h"
+#include "faults/preloaded.h"
 #include "faults/system_calls.h"
 #include "support/exceptions.h"
 #include "tools/run_tool.h"
@@ -40,7 +41,7 @@ protected:
     std::vector<DiskChange> changes_of(const std::vector<std::string>& arguments) {
         const std::filesystem::path log = m_log / "log";
         ToolSetting setting;
-        setting.environment = {"LD_PRELOAD=" FAULTS_PRELOAD, "FAULTS_FOLDER=" + folder.path().string(),
+        setting.environment = {m_preloaded.variable(), "FAULTS_FOLDER=" + folder.path().string(),
                                "FAULTS_LOG=" + log.string(), "ASAN_OPTIONS=verify_asan_link_order=0"};
         const ToolRun result = run(arguments, setting);
         EXPECT_EQ(0, result.status) << result.err;
@@ -62,6 +63,7 @@ protected:
     }
 
 private:
+    Preloaded m_preloaded;
     TempFolder m_log;
 };
 

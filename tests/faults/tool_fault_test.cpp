@@ -1,3 +1,4 @@
+#include "faults/preloaded.h"
 #include "faults/system_calls.h"
 #include "faults/torture.h"
 #include "tools/run_tool.h"
@@ -12,11 +13,13 @@ using namespace pm::test;
 // The tool with one of its calls failing, in the folder of its files or in that of temporary ones.
 class ToolFaults : public ToolTest {
 protected:
+    static constexpr std::uint64_t most_calls = 1000; // of a kind in an edit
+
     ToolRun run_failing(const std::vector<std::string>& arguments, const std::filesystem::path& where,
                         const CallFault& fault) {
         std::filesystem::remove(m_other / "unmet");
         ToolSetting setting;
-        setting.environment = {"LD_PRELOAD=" FAULTS_PRELOAD,
+        setting.environment = {m_preloaded.variable(),
                                "FAULTS_FOLDER=" + where.string(),
                                "FAULTS_CALLS=" + std::to_string(fault.calls),
                                "FAULTS_PLACE=" + std::to_string(fault.place),
@@ -41,6 +44,7 @@ protected:
             for (const int code : {EIO, ENOSPC, EACCES, EMFILE, ENOMEM}) {
                 if (!torture() && code != (calls == call_write ? ENOSPC : EIO)) continue;
                 for (CallFault fault{calls, 0, code}; !HasFailure(); ++fault.place) {
+                    ASSERT_LT(fault.place, most_calls);
                     SCOPED_TRACE(testing::Message()
                                  << "kind " << calls << ", call " << fault.place << ", code " << code);
                     folder.write(name, old_content);
@@ -74,6 +78,7 @@ protected:
 
 private:
     TempFolder m_other;
+    Preloaded m_preloaded;
 };
 
 TEST_F(ToolFaults, LeaveAPiaFileWhole) {
