@@ -45,6 +45,12 @@ if(NOT WIN32 AND NOT PM_SANITIZE AND NOT PM_SANITIZE_THREADS)
         $<$<BOOL:${PM_X86_64}>:-fcf-protection>)
     target_link_options(pm_hardening INTERFACE LINKER:-z,relro,-z,now,-z,noexecstack)
 endif()
+# Without any optimisation a text that is put together from parts has branches that no source has: was this part made,
+# so that it must go? What would join lines or conditions stays off.
+if(PM_COVERAGE)
+    target_compile_options(pm_hardening INTERFACE
+        -O1 -fno-inline -fno-ssa-phiopt -fno-if-conversion -fno-if-conversion2)
+endif()
 
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)

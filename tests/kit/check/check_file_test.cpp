@@ -56,6 +56,17 @@ TEST_F(CheckFile, SamplesAreClean) {
     EXPECT_THAT(lines_of(check_file(PM_SAMPLES, options)), IsEmpty());
 }
 
+TEST_F(CheckFile, LineThatEndsALoadLeavesTheWorkingPathToTheLinesBehindIt) {
+    const std::string name = write("a.pia", "PIAFILEVERSION_2.0\nc=1\n\\=1\n}\n");
+    EXPECT_THAT(lines_of(check_file(name)),
+                ElementsAre("a.pia:3:1 odd-name", "a.pia:3:1 bad-line", "a.pia:4:1 unopened-node"));
+}
+
+TEST_F(CheckFile, PropertyOfANewNodeInItsNameIsKnownInThatNode) {
+    const std::string name = write("a.pia", "PIAFILEVERSION_2.0\na\\b=1\nb=\"x\n");
+    EXPECT_THAT(lines_of(check_file(name)), ElementsAre("a.pia:2:2 odd-name", "a.pia:3:1 retyped-name"));
+}
+
 TEST_F(CheckFile, DiagnosticHasAllThatIsKnown) {
     const std::string name = write("a.pia", "PIAFILEVERSION_2.0\nn{\n  b=truely\n}\n");
     const Diagnostic expected{

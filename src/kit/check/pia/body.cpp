@@ -87,7 +87,9 @@ void PiaBody::property_line(std::string_view text, std::size_t name_length) {
         check_name(name);
         property_value(name, text, read_pia_value(value, m_source));
     }
-    if (is_plain(name) && !m_path.ends_with('\\')) return;
+    // A line that ends a load leaves no trace in the working path of what is loaded without it.
+    const bool ends_load = !m_instead.empty();
+    if (ends_load || (is_plain(name) && !m_path.ends_with('\\'))) return;
     push(name);
     static_cast<void>(pop());
     find_node();
@@ -279,10 +281,10 @@ PiaBody::Target PiaBody::target_of(std::string_view name) {
     if (last == std::string::npos || name.find_first_not_of('\\') == std::string_view::npos) {
         return {0, {}, last != std::string::npos, m_depth};
     }
-    m_names.push_back(path.substr(last + 1));
+    const std::string_view kept = m_names.emplace_back(path.substr(last + 1));
     std::size_t depth = 0;
     const std::size_t node = node_of(std::string_view(path).substr(0, last), depth);
-    return {node, m_names.back(), true, depth};
+    return {node, kept, true, depth};
 }
 
 std::string PiaBody::path_of(std::string_view name) const {
