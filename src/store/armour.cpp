@@ -1,8 +1,8 @@
 #include "store/armour.h"
 
+#include "base/big_endian.h"
 #include <array>
 #include <bit>
-#include <cstring>
 
 namespace pm {
 
@@ -34,13 +34,6 @@ unsigned crc_of(std::uint64_t bits) {
 constexpr unsigned bits_a_unit = 6;
 constexpr std::uint64_t blanks = 0x2020202020202020;
 
-std::uint64_t big_endian_word(const char* bytes) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes, sizeof word);
-    if constexpr (std::endian::native == std::endian::little) word = __builtin_bswap64(word);
-    return word;
-}
-
 // The 48 bits of eight characters, given as one word less a blank each.
 std::uint64_t joined(std::uint64_t units) {
     units = (units & 0x3F003F003F003F00) >> 2 | (units & 0x003F003F003F003F);
@@ -53,9 +46,7 @@ void write_units(std::uint64_t bits, char* out) {
     std::uint64_t units = bits >> 24 << 32 | (bits & 0xFFFFFF);
     units = (units & 0x00FFF00000FFF000) << 4 | (units & 0x00000FFF00000FFF);
     units = (units & 0x0FC00FC00FC00FC0) << 2 | (units & 0x003F003F003F003F);
-    std::uint64_t word = units + blanks;
-    if constexpr (std::endian::native == std::endian::little) word = __builtin_bswap64(word);
-    std::memcpy(out, &word, sizeof word);
+    store_u64_from_top(out, units + blanks);
 }
 
 // A double's armour is two words that overlap by two characters. The first has the first 48 bits, the last
@@ -92,8 +83,8 @@ char* write_armoured_double(double value, char* out) {
 
 bool read_armoured_double(const char* armour, double& out) {
     constexpr std::uint64_t beyond = 0xC0C0C0C0C0C0C0C0; // set in one too low, or too high
-    const std::uint64_t first = big_endian_word(armour) - blanks;
-    const std::uint64_t last = big_endian_word(armour + last_word) - blanks;
+    const std::uint64_t first = load_u64_from_top(armour) - blanks;
+    const std::uint64_t last = load_u64_from_top(armour + last_word) - blanks;
     if (((first | last) & beyond) != 0) return false;
     const std::uint64_t last_bits = joined(last);
     const std::uint64_t bits = __builtin_bswap64(joined(first) << 16 | (last_bits >> 20 & 0xFFFF));
