@@ -111,12 +111,52 @@ public:
     explicit Comparison(const CompareOptions& options) : m_options(options), m_exclusion(options.exclude) {}
 
     void compare(const Node& first, const Node& second) {
-        compare_properties(first, second);
-        compare_children(first, second);
+        open(first, second, m_path.size());
+        while (!m_levels.empty()) {
+            Level& level = m_levels.back();
+            if (level.next < level.children.now.size()) {
+                const auto [before, after] = level.children.now[level.next++];
+                compare_child(before, after);
+            } else {
+                add_order(level.children, "\\");
+                close();
+            }
+        }
     }
     std::vector<Difference> take() { return std::move(m_differences); }
 
 private:
+    // A node that is compared, and the length of the path in front of it. A list of them takes the place of
+    // calls in each other: trees may be deep, and stacks small.
+    struct Level {
+        Lists<Node> children;
+        std::size_t length;
+        std::size_t next = 0;
+    };
+
+    void open(const Node& first, const Node& second, std::size_t length) {
+        compare_properties(first, second);
+        m_levels.push_back(
+            {pair_up(handles_of(first.children(), m_exclusion), handles_of(second.children(), m_exclusion)),
+             length});
+        for (const Node& node : m_levels.back().children.removed) {
+            add_nodes(Change::removed, node);
+        }
+    }
+
+    // The start isn't entered.
+    void close() {
+        const std::size_t length = m_levels.back().length;
+        m_levels.pop_back();
+        if (!m_levels.empty()) leave(length);
+    }
+
+    void compare_child(const std::optional<Node>& before, const Node& after) {
+        if (!before) return add_nodes(Change::added, after);
+        const std::size_t length = enter(after);
+        open(*before, after, length);
+    }
+
     void compare_properties(const Node& first, const Node& second) {
         const auto lists = pair_up(handles_of(first.properties(), m_exclusion),
                                    handles_of(second.properties(), m_exclusion));
@@ -147,35 +187,34 @@ private:
         }
     }
 
-    void compare_children(const Node& first, const Node& second) {
-        const auto lists =
-            pair_up(handles_of(first.children(), m_exclusion), handles_of(second.children(), m_exclusion));
-        for (const Node& node : lists.removed) {
-            add_nodes(Change::removed, node);
-        }
-        for (const auto& [before, after] : lists.now) {
-            if (before) {
-                const std::size_t length = enter(after);
-                compare(*before, after);
-                leave(length);
-            } else {
-                add_nodes(Change::added, after);
-            }
-        }
-        add_order(lists, "\\");
-    }
-
     // A node with all that is in it.
     void add_nodes(Change change, const Node& node) {
-        const std::size_t length = enter(node);
+        struct Open {
+            std::vector<Node> children;
+            std::size_t length;
+            std::size_t next = 0;
+        };
+        std::vector<Open> levels{{{node}, m_path.size()}};
+        while (!levels.empty()) {
+            Open& level = levels.back();
+            if (level.next < level.children.size()) {
+                const Node child = level.children[level.next++];
+                const std::size_t length = enter(child);
+                add_node(change, child);
+                levels.push_back({handles_of(child.children(), m_exclusion), length});
+            } else {
+                const std::size_t length = level.length;
+                levels.pop_back();
+                if (!levels.empty()) leave(length);
+            }
+        }
+    }
+
+    void add_node(Change change, const Node& node) {
         m_differences.push_back({change, m_path, {}, {}, {}});
         for (const Property& property : handles_of(node.properties(), m_exclusion)) {
             add_property(change, property);
         }
-        for (const Node& child : handles_of(node.children(), m_exclusion)) {
-            add_nodes(change, child);
-        }
-        leave(length);
     }
 
     void add_property(Change change, const Property& property) {
@@ -214,6 +253,7 @@ private:
     const CompareOptions& m_options;
     Exclusion m_exclusion;
     std::string m_path = "\\";
+    std::vector<Level> m_levels;
     std::vector<Difference> m_differences;
 };
 

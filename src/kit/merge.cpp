@@ -79,6 +79,24 @@ struct Sides {
     std::optional<Handle> second;
 };
 
+// The three sides of a list, and all its names in the order that it gets.
+template<class Handle>
+struct Lists {
+    template<class Range>
+    Lists(const Range& of_base, const Range& of_first, const Range& of_second)
+        : base(by_name(of_base)), first(by_name(of_first)), second(by_name(of_second)),
+          names(merged_names(names_of(of_base), names_of(of_first), names_of(of_second))) {}
+
+    [[nodiscard]] Sides<Handle> sides_of(std::u16string_view name) const {
+        return {find(base, name), find(first, name), find(second, name)};
+    }
+
+    ByName<Handle> base;
+    ByName<Handle> first;
+    ByName<Handle> second;
+    Names names;
+};
+
 std::optional<Stored> stored_side(const std::optional<Property>& property) {
     return property ? std::optional(stored(*property)) : std::nullopt;
 }
@@ -89,26 +107,59 @@ public:
         : m_merged(merged), m_prefer(prefer), m_builder(merged.tree.object()) {}
 
     void merge(const Node& base, const Node& first, const Node& second) {
-        merge_nodes({base, first, second}, m_builder.root());
+        open({base, first, second}, m_builder.root(), m_path.size());
+        while (!m_levels.empty()) {
+            Level& level = m_levels.back();
+            if (level.next < level.children.names.size()) {
+                const std::u16string_view name = level.children.names[level.next++];
+                merge_child(name, level.children.sides_of(name), *level.to);
+            } else {
+                close();
+            }
+        }
     }
 
 private:
-    void merge_nodes(const Sides<Node>& sides, const PM_Node& to) {
-        const Sides<Node> sound{sides.base.value_or(empty()), sides.first.value_or(empty()),
-                                sides.second.value_or(empty())};
-        merge_properties(sound, to);
-        merge_children(sound, to);
+    // What has to be done with a node that one side removed, once it is merged.
+    struct Removal {
+        std::size_t conflicts; // that there were before
+        bool preferred;
+    };
+
+    // A node that is merged, and the length of the path in front of it. A list of them takes the place of
+    // calls in each other: trees may be deep, and stacks small.
+    struct Level {
+        Lists<Node> children;
+        const PM_Node* to;
+        std::size_t length;
+        std::optional<Removal> removal;
+        std::size_t next = 0;
+    };
+
+    void open(const Sides<Node>& sides, const PM_Node& to, std::size_t length,
+              std::optional<Removal> removal = {}) {
+        const Node base = sides.base.value_or(empty());
+        const Node first = sides.first.value_or(empty());
+        const Node second = sides.second.value_or(empty());
+        const Lists<Property> properties(base.properties(), first.properties(), second.properties());
+        for (const std::u16string_view name : properties.names) {
+            merge_property(name, properties.sides_of(name), to);
+        }
+        m_levels.push_back({{base.children(), first.children(), second.children()}, &to, length, removal});
     }
 
-    void merge_properties(const Sides<Node>& sides, const PM_Node& to) {
-        const auto base = by_name(sides.base->properties());
-        const auto first = by_name(sides.first->properties());
-        const auto second = by_name(sides.second->properties());
-        for (const std::u16string_view name :
-             merged_names(names_of(sides.base->properties()), names_of(sides.first->properties()),
-                          names_of(sides.second->properties()))) {
-            merge_property(name, {find(base, name), find(first, name), find(second, name)}, to);
-        }
+    void close() {
+        const Level& level = m_levels.back();
+        if (level.removal) close_removed(*level.removal, *level.to);
+        m_path.resize(level.length);
+        m_levels.pop_back();
+    }
+
+    void close_removed(const Removal& removal, const PM_Node& node) {
+        // Changed in its order or its nodes alone.
+        if (m_merged.conflicts.size() == removal.conflicts)
+            m_merged.conflicts.push_back({m_path, {}, {}, {}});
+        if (removal.preferred) m_builder.erase(node);
     }
 
     void merge_property(std::u16string_view name, const Sides<Property>& sides, const PM_Node& to) {
@@ -122,40 +173,23 @@ private:
         if (kept) put_stored(m_builder, to, name, *kept);
     }
 
-    void merge_children(const Sides<Node>& sides, const PM_Node& to) {
-        const auto base = by_name(sides.base->children());
-        const auto first = by_name(sides.first->children());
-        const auto second = by_name(sides.second->children());
-        for (const std::u16string_view name :
-             merged_names(names_of(sides.base->children()), names_of(sides.first->children()),
-                          names_of(sides.second->children()))) {
-            merge_child(name, {find(base, name), find(first, name), find(second, name)}, to);
-        }
-    }
-
     // A node that a side removed goes with all that the other side left as it was.
     void merge_child(std::u16string_view name, const Sides<Node>& sides, const PM_Node& to) {
         const std::size_t length = m_path.size();
-        (m_path += to_utf8(name)) += '\\';
         const bool removed = sides.base && (!sides.first || !sides.second);
-        if (!removed) {
-            merge_nodes(sides, m_builder.child(to, name));
-        } else if (sides.first || sides.second) {
-            merge_removed(name, sides, to);
+        if (removed && !is_changed(sides)) return;
+        (m_path += to_utf8(name)) += '\\';
+        std::optional<Removal> removal;
+        if (removed) {
+            removal = {m_merged.conflicts.size(), (m_prefer == Prefer::first) == !sides.first.has_value()};
         }
-        m_path.resize(length);
+        open(sides, m_builder.child(to, name), length, removal);
     }
 
-    void merge_removed(std::u16string_view name, const Sides<Node>& sides, const PM_Node& to) {
-        const Node& changed = sides.first ? *sides.first : *sides.second;
-        if (compare(*sides.base, changed).empty()) return;
-        const PM_Node& node = m_builder.child(to, name);
-        const std::size_t before = m_merged.conflicts.size();
-        merge_nodes(sides, node);
-        // Changed in its order or its nodes alone.
-        if (m_merged.conflicts.size() == before) m_merged.conflicts.push_back({m_path, {}, {}, {}});
-        const bool prefers_removal = (m_prefer == Prefer::first) == !sides.first.has_value();
-        if (prefers_removal) m_builder.erase(node);
+    // Of a node that the base has: whether a side that still has it changed it.
+    static bool is_changed(const Sides<Node>& sides) {
+        const std::optional<Node>& left = sides.first ? sides.first : sides.second;
+        return left && !compare(*sides.base, *left).empty();
     }
 
     [[nodiscard]] Node empty() const { return m_empty.root(); }
@@ -165,6 +199,7 @@ private:
     TreeBuilder m_builder;
     Tree m_empty;
     std::string m_path = "\\";
+    std::vector<Level> m_levels;
 };
 
 std::string side_text(const std::optional<Stored>& stored) {
