@@ -1,4 +1,5 @@
 #include "kit/devices/small_device.h"
+#include <gtest/gtest.h>
 
 namespace pm::test {
 
@@ -237,6 +238,22 @@ Answer answer_of(std::string_view rule, const Tree& configuration, const Tree& d
                  const kit::CompatibilityOptions& options) {
     const auto explained = kit::explain_compatibility(configuration, device, options);
     return {findings_of(explained.findings, rule), looks_of(explained.looks, rule)};
+}
+
+void expect_said(std::string_view rule, const std::vector<Case>& cases,
+                 const kit::CompatibilityOptions& options) {
+    for (const Case& row : cases) {
+        Tree device = small_device();
+        for (const char* const path : row.gone)
+            device.erase(path);
+        for (const auto& [path, value] : row.more)
+            device.set(path, value);
+        auto [said, looks] = answer_of(rule, tree_of(row.asked), device, options);
+        for (const std::string& look : looks) {
+            if (!look.starts_with("found ")) said.push_back(look);
+        }
+        EXPECT_EQ(said, row.said) << "row " << &row - cases.data();
+    }
 }
 
 Lines found(std::string_view rule, std::initializer_list<Item> configuration) {

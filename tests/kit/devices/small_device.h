@@ -22,6 +22,13 @@ inline Tree tree_of(std::initializer_list<Item> items) {
     return tree;
 }
 
+inline Tree tree_of(const std::vector<Item>& items) {
+    Tree tree;
+    for (const auto& [path, value] : items)
+        tree.set(path, value);
+    return tree;
+}
+
 inline Value text(const char* value) {
     return std::string(value);
 }
@@ -46,5 +53,16 @@ std::vector<std::string> found(std::string_view rule, std::initializer_list<Item
 std::vector<std::string> looked(std::string_view rule, std::initializer_list<Item> configuration);
 
 using Lines = std::vector<std::string>;
+
+// A configuration on small_device() without some paths and with others, and what a rule says of it: its
+// findings, then what it looked at without finding anything.
+struct Case {
+    std::vector<Item> asked;
+    std::vector<const char*> gone;
+    std::vector<Item> more;
+    Lines said;
+};
+void expect_said(std::string_view rule, const std::vector<Case>& cases,
+                 const kit::CompatibilityOptions& options = {});
 
 } // namespace pm::test
