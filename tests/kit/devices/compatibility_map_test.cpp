@@ -145,4 +145,152 @@ TEST(Map, RefusesWhatItDoesNotKnow) {
     EXPECT_EQ(error_of(R"({"quiet": [{"path": "\\a", "values": [1]}]})"), "0 A quiet value is no text.");
 }
 
+TEST(Map, RefusesMembersOfOtherKinds) {
+    const struct {
+        const char* json;
+        const char* error;
+    } rows[] = {
+        {R"({"replace": 1})", "\"replace\" of The map is not a truth value."},
+        {R"({"rules": {}})", "\"rules\" of The map is not a list."},
+        {R"({"rules": [[]]})", "A rule is no object."},
+        {R"({"quiet": [true]})", "A quiet path is no object."},
+        {R"({"quiet": [{"path": 1}]})", "A quiet path has no text \"path\"."},
+        {R"({"quiet": [{"path": "\\a", "values": "x"}]})", "\"values\" of A quiet path is not a list."},
+        {R"({"quiet": [{"path": "\\a", "any-case": "x"}]})",
+         "\"any-case\" of A quiet path is not a truth value."},
+        {R"({"quiet": [{"path": "\\a", "value": "x"}]})", "A quiet path has no member \"value\"."},
+        {R"({"settings": [{"setting": "a", "path": "\\a", "key": 1}]})", "A setting has no text \"key\"."},
+        {R"({"settings": [{"setting": "a", "path": "\\a", "form": null}]})",
+         "A setting has no text \"form\"."},
+        {R"({"settings": [{"setting": "a", "path": "\\a", "codes": []}]})",
+         "\"codes\" of A setting is not an object."},
+        {R"({"settings": [{"setting": "a", "path": "\\a", "codes": {"1": 1.5}}]})",
+         "A code is no integer of 32 bits."},
+        {R"({"settings": [{"setting": "a", "path": "\\a", "codes": {"-2147483649": 1}}]})",
+         "A code is no integer of 32 bits."},
+        {R"({"settings": [{"setting": "a", "path": "\\a", "owner": {"digit": 1}}]})",
+         "An owner has no text \"path\"."},
+        {R"({"settings": [{"setting": "a", "path": "\\a", "owner": {"path": "\\o", "digit": 256}}]})",
+         "An owner has no digit from 0 to 255."},
+        {R"({"settings": [{"setting": "a", "path": "\\a", "owner": {"path": "\\o", "digit": -1}}]})",
+         "An owner has no digit from 0 to 255."},
+        {R"({"settings": [{"setting": "a", "path": "\\a", "owner": {"path": "\\o", "digit": 1, "x": 1}}]})",
+         "An owner has no member \"x\"."},
+        {R"({"rules": [{"rule": "r", "setting": "a", "test": "equal", "capability": ""}]})",
+         "A rule has no text \"capability\"."},
+        {R"({"rules": [{"rule": "r", "setting": "a", "capability": "\\c"}]})",
+         "A rule has no text \"test\"."},
+    };
+    for (const auto& [json, error] : rows)
+        EXPECT_EQ(error_of(json), std::string("0 ") + error);
+}
+
+TEST(Map, WithAPathThatIsQuietWhateverItHolds) {
+    const auto map = load_map(R"({"replace": true, "quiet": [{"path": "\\note", "any-case": true}]})");
+    EXPECT_EQ(map.quiet, (std::vector<QuietPath>{{.path = "\\note", .any_case = true}}));
+    EXPECT_EQ(load_map(map_to_json(map)), map);
+    expect_said(
+        "unspoken",
+        {{{{"\\NOTE", text("x")}, {"\\a\\note", 1}},
+          {},
+          {},
+          {"note \\a\\note = 1 @  = : Nothing in the description speaks of it.", "unspoken \\a\\note @ "}}},
+        {.map = &map});
+}
+
+TEST(Map, TakesTheFirstPathOfASettingAndEachSettingOfAPath) {
+    CompatibilityMap map;
+    map.settings = {{.setting = "copies", .path = "\\a", .codes = {{1, 20}}},
+                    {.setting = "copies", .path = "\\*"},
+                    {.setting = "pen_count", .path = "\\a"}};
+    const std::vector<Item> asked{{"\\a", 1}, {"\\b", 10}};
+    expect_said("copies",
+                {{asked,
+                  {},
+                  {},
+                  {"error \\a = 1 @ \\media\\max_number_of_copies = 9: The number of copies, 20, is above "
+                   "the most, 9. (1 to 9)",
+                   "error \\b = 10 @ \\media\\max_number_of_copies = 9: The number of copies, 10, is above "
+                   "the most, 9. (1 to 9)"}}},
+                {.map = &map});
+    expect_said("pen-count", {{asked, {}, {}, {"passed \\a @ \\physical_pen\\max_npens"}}}, {.map = &map});
+}
+
+// What is no number, and what is no text, on either side.
+TEST(Map, RulesCompareValuesOfEachType) {
+    const auto map = load_map(R"({"settings": [{"setting": "a", "path": "\\a"}], "rules": [
+        {"rule": "r-one", "setting": "a", "test": "one-of", "capability": "\\list\\*\\value"},
+        {"rule": "r-most", "setting": "a", "test": "at-most", "capability": "\\of\\most"},
+        {"rule": "r-least", "setting": "a", "test": "at-least", "capability": "\\of\\least"},
+        {"rule": "r-bits", "setting": "a", "test": "bits-of", "capability": "\\of\\bits"}]})");
+    const CompatibilityOptions options{.map = &map};
+    const std::vector<Item> list{{"\\list\\0\\value", 1},
+                                 {"\\list\\1\\value", text("x")},
+                                 {"\\list\\1\\localized_name", text("ix")},
+                                 {"\\list\\2\\value", true},
+                                 {"\\list\\3\\note", 5}};
+    expect_said(
+        "r-one",
+        {{{{"\\a", text("x")}}, {}, list, {"passed \\a @ \\list\\1\\value"}},
+         {{{"\\a", text("1")}}, {}, list, {"passed \\a @ \\list\\0\\value"}},
+         {{{"\\a", 5}},
+          {},
+          list,
+          {"error \\a = 5 @ \\list\\*\\value = : The device doesn't offer \"5\" here. (1; x, ix; true)"}},
+         {{{"\\a", pm::Bytes(1)}},
+          {},
+          list,
+          {"error \\a = 00 @ \\list\\*\\value = : The device doesn't offer \"00\" here. (1; x, ix; true)"}}},
+        options);
+    const Item most{"\\of\\most", 5};
+    const Item least{"\\of\\least", 5};
+    const Item bits{"\\of\\bits", 5};
+    expect_said("r-most",
+                {{{{"\\a", text("x")}},
+                  {},
+                  {most},
+                  {"error \\a = x @ \\of\\most = 5: The device doesn't offer \"x\" here. (5)"}},
+                 {{{"\\a", 1}},
+                  {},
+                  {{"\\of\\most", text("x")}},
+                  {"error \\a = 1 @ \\of\\most = x: The device doesn't offer \"1\" here. (x)"}}},
+                options);
+    expect_said("r-least",
+                {{{{"\\a", text("x")}},
+                  {},
+                  {least},
+                  {"error \\a = x @ \\of\\least = 5: The device doesn't offer \"x\" here. (5)"}},
+                 {{{"\\a", 1}},
+                  {},
+                  {{"\\of\\least", text("x")}},
+                  {"error \\a = 1 @ \\of\\least = x: The device doesn't offer \"1\" here. (x)"}}},
+                options);
+    expect_said("r-bits",
+                {{{{"\\a", text("x")}},
+                  {},
+                  {bits},
+                  {"error \\a = x @ \\of\\bits = 5: The device doesn't offer \"x\" here. (5)"}},
+                 {{{"\\a", 1.5}},
+                  {},
+                  {bits},
+                  {"error \\a = 1.5 @ \\of\\bits = 5: The device doesn't offer \"1.5\" here. (5)"}},
+                 {{{"\\a", 1}},
+                  {},
+                  {{"\\of\\bits", 1.5}},
+                  {"error \\a = 1 @ \\of\\bits = 1.5: The device doesn't offer \"1\" here. (1.5)"}}},
+                options);
+}
+
+TEST(Map, RuleOffersUpTo64) {
+    const auto map = load_map(R"({"settings": [{"setting": "a", "path": "\\a"}], "rules": [
+        {"rule": "r", "setting": "a", "test": "one-of", "capability": "\\list\\*\\value"}]})");
+    pm::Tree device = small_device();
+    for (int i = 0; i < 70; ++i)
+        device.set("\\list\\" + std::to_string(i) + "\\value", i);
+    const auto findings = check_compatibility(tree_of({{"\\a", 70}}), device, {.map = &map});
+    ASSERT_EQ(findings.size(), 1U);
+    ASSERT_EQ(findings[0].offers.size(), 64U);
+    EXPECT_EQ(findings[0].offers.back().value, "63");
+}
+
 } // namespace

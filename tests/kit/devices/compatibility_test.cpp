@@ -254,4 +254,60 @@ TEST(Description, WhoseDefaultsAreNotPossibleIsFound) {
                      "custom \\custom_name\\Fan_Speed\\default_value"}));
 }
 
+TEST(Compatibility, LengthsAreInchesOnlyWhereTheUnitIsRead) {
+    const Item width{"\\SIZE\\A\\X", 20};
+    expect_said("media-extent",
+                {{{width, {"\\UNITS", text("inches")}},
+                  {},
+                  {},
+                  {"error \\SIZE\\A\\X = 20 @ \\media\\size_max_x = 500: The largest size of the device is "
+                   "500 x 300. (500 x 300)"}},
+                 {{width, {"\\UNITS", text("feet")}}, {}, {}, {"passed \\SIZE\\A\\X @ \\media\\size_max_x"}},
+                 {{width, {"\\UNITS", false}, {"\\SIZE\\B\\X", text("some")}},
+                  {},
+                  {},
+                  {"error \\SIZE\\A\\X = 20 @ \\media\\size_max_x = 500: The largest size of the device is "
+                   "500 x 300. (500 x 300)",
+                   "unspoken \\SIZE\\B\\X @ "}}});
+    expect_said("unspoken", {{{{"\\UNITS", text("feet")}},
+                              {},
+                              {},
+                              {"note \\UNITS = feet @  = : Nothing in the description speaks of it.",
+                               "unspoken \\UNITS @ "}},
+                             {{{"\\UNITS", text("Millimetres")}}, {}, {}, {}}});
+}
+
+TEST(Compatibility, WhatIsUnsetByItsValueIsNotConfigured) {
+    expect_said("media-size", {{{{"\\media\\default_size", text("")}}, {}, {}, {}},
+                               {{{"\\media\\default_size", 0}}, {}, {}, {}},
+                               {{{"\\media\\default_size", 1}},
+                                {},
+                                {},
+                                {"error \\media\\default_size = 1 @ \\media\\size = : The device has no "
+                                 "media size \"1\". (A4, DIN A4; A4_wide, DIN A4 quer; Free, Frei)"}},
+                               {{{"\\media\\default_size", text("A4 ")}},
+                                {},
+                                {},
+                                {"passed \\media\\default_size @ \\media\\size\\0"}}});
+}
+
+// Names and texts as numbers, bounds without their other side.
+TEST(Compatibility, WhatADescriptionHoldsAsAnotherTypeIsNothing) {
+    expect_said("media-size", {{{{"\\media\\default_size", text("B9")}},
+                                {"\\media\\size\\1\\localized_name"},
+                                {{"\\media\\size\\1\\localized_name", 4}},
+                                {"error \\media\\default_size = B9 @ \\media\\size = : The device has no "
+                                 "media size \"B9\". (A4, DIN A4; A4_wide; Free, Frei)"}}});
+    expect_said("media-printable",
+                {{{{"\\media\\margin_left", 5}},
+                  {"\\media\\description\\0\\printable_bounds_ury"},
+                  {},
+                  {"unspoken \\media\\margin_left @ \\media\\description\\0\\printable_bounds_llx"}}});
+    expect_said("io-baud-rate", {{{{"\\io\\serial\\baud_rate", 300}},
+                                  {"\\io\\method\\4\\baudrates\\0\\rate"},
+                                  {{"\\io\\method\\4\\baudrates\\0\\rate", text("fast")}},
+                                  {"error \\io\\serial\\baud_rate = 300 @ \\io\\method\\4\\baudrates = : "
+                                   "Output by 4 (RS232) has no baud rate of 300. (19200)"}}});
+}
+
 } // namespace

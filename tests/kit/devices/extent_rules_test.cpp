@@ -191,4 +191,152 @@ TEST(Rotation, ByLessThanAQuarterIsFound) {
                     "180, 270)"});
 }
 
+constexpr const char* size = "\\media\\default_size";
+constexpr const char* landscape = "\\media\\landscape";
+const Item metric{"\\Plotter/User\\IsMetric", 1};
+const Item form_a4{"\\Plotter/DriverCustom\\dmFormName", text("A4")};
+
+TEST(Extent, OfASideThatIsTooLongIsFoundThere) {
+    expect_said("media-extent",
+                {{{{"\\SIZE\\Big\\X", 400.0}, {"\\SIZE\\Big\\Y", 600.0}},
+                  {},
+                  {},
+                  {"error \\SIZE\\Big\\Y = 600 @ \\media\\size_max_y = 300: The largest size of the device "
+                   "is 500 x 300. (500 x 300)",
+                   "passed \\SIZE\\Big\\X @ \\media\\size_max_x"}},
+                 {{{"\\SIZE\\Big\\X", 600.0}, {"\\SIZE\\Big\\Y", 100.0}},
+                  {},
+                  {},
+                  {"error \\SIZE\\Big\\X = 600 @ \\media\\size_max_x = 500: The largest size of the device "
+                   "is 500 x 300. (500 x 300)",
+                   "passed \\SIZE\\Big\\Y @ \\media\\size_max_y"}},
+                 {{{"\\SIZE\\Big\\X", 400.0}, {"\\SIZE\\Big\\Y", text("some")}},
+                  {},
+                  {},
+                  {"passed \\SIZE\\Big\\X @ \\media\\size_max_x", "unspoken \\SIZE\\Big\\Y @ "}},
+                 {{{"\\media\\size\\7\\height", 501.0}, {"\\media\\size\\7\\name", text("Poster")}},
+                  {},
+                  {},
+                  {"error \\media\\size\\7\\height = 501 @ \\media\\size_max_y = 300: The largest size of "
+                   "the device is 500 x 300. (500 x 300)"}}});
+}
+
+TEST(Printable, PlotNeedsRoomAlongBothSides) {
+    const Item wide{"\\Plotter/User\\PlotWidth", 281.0};
+    const Item high{"\\Plotter/User\\PlotHeight", 300.0};
+    expect_said("media-printable",
+                {{{metric, wide},
+                  {},
+                  {},
+                  {"error \\Plotter/User\\PlotWidth = 281 @ \\media\\description = : No media size of the "
+                   "device has a printable area of 281 x 0."}},
+                 {{metric, form_a4, high},
+                  {},
+                  {},
+                  {"error \\Plotter/User\\PlotHeight = 300 @ \\media\\description\\0\\printable_bounds_ury = "
+                   "283: The printable area of \"A4\" (DIN A4) is only 283 high. (Free, Frei)"}},
+                 {{metric, form_a4, wide, high},
+                  {},
+                  {},
+                  {"error \\Plotter/User\\PlotWidth = 281 @ \\media\\description\\0\\printable_bounds_urx = "
+                   "198: The printable area of \"A4\" (DIN A4) is only 198 wide.",
+                   "error \\Plotter/User\\PlotHeight = 300 @ \\media\\description\\0\\printable_bounds_ury = "
+                   "283: The printable area of \"A4\" (DIN A4) is only 283 high."}},
+                 {{metric, form_a4, high},
+                  {"\\media\\size\\2\\media_description_name"},
+                  {},
+                  {"error \\Plotter/User\\PlotHeight = 300 @ \\media\\description\\0\\printable_bounds_ury = "
+                   "283: The printable area of \"A4\" (DIN A4) is only 283 high."}},
+                 {{metric, high},
+                  {"\\media\\description\\2\\printable_bounds_urx"},
+                  {},
+                  {"error \\Plotter/User\\PlotHeight = 300 @ \\media\\description = : No media size of the "
+                   "device has a printable area of 0 x 300."}}});
+}
+
+TEST(Printable, SizesWithRoomAreOfferedTheSmallestFirst) {
+    expect_said("media-printable",
+                {{{metric, form_a4, {"\\Plotter/User\\PlotHeight", 300.0}},
+                  {},
+                  {{"\\media\\size\\3\\name", text("Less")},
+                   {"\\media\\size\\3\\media_description_name", text("Less_area")},
+                   {"\\media\\description\\3\\name", text("Less_area")},
+                   {"\\media\\description\\3\\printable_bounds_llx", 0},
+                   {"\\media\\description\\3\\printable_bounds_lly", 0},
+                   {"\\media\\description\\3\\printable_bounds_urx", 200},
+                   {"\\media\\description\\3\\printable_bounds_ury", 300}},
+                  {"error \\Plotter/User\\PlotHeight = 300 @ \\media\\description\\0\\printable_bounds_ury = "
+                   "283: The printable area of \"A4\" (DIN A4) is only 283 high. (Less; Free, Frei)"}}});
+}
+
+TEST(Rotation, IsOfferedWithSizesOfTheSameSidesAlone) {
+    const std::vector<Item> asked{{size, text("A4")}, {landscape, true}};
+    expect_said("media-rotation", {{asked,
+                                    {"\\media\\description\\1"},
+                                    {},
+                                    {"error \\media\\landscape = true @ \\media\\size\\0\\landscape_mode = "
+                                     "false: The media size \"A4\" (DIN A4) is portrait."}},
+                                   {asked,
+                                    {"\\media\\description\\0"},
+                                    {},
+                                    {"error \\media\\landscape = true @ \\media\\size\\0\\landscape_mode = "
+                                     "false: The media size \"A4\" (DIN A4) is portrait."}},
+                                   {asked,
+                                    {"\\media\\description\\1\\media_bounds_urx"},
+                                    {},
+                                    {"error \\media\\landscape = true @ \\media\\size\\0\\landscape_mode = "
+                                     "false: The media size \"A4\" (DIN A4) is portrait."}},
+                                   {asked,
+                                    {"\\media\\description\\0\\media_bounds_urx"},
+                                    {},
+                                    {"error \\media\\landscape = true @ \\media\\size\\0\\landscape_mode = "
+                                     "false: The media size \"A4\" (DIN A4) is portrait."}},
+                                   {asked,
+                                    {"\\media\\size\\1\\landscape_mode"},
+                                    {},
+                                    {"error \\media\\landscape = true @ \\media\\size\\0\\landscape_mode = "
+                                     "false: The media size \"A4\" (DIN A4) is portrait."}},
+                                   {asked,
+                                    {},
+                                    {{"\\media\\description\\1\\media_bounds_urx", 298.0}},
+                                    {"error \\media\\landscape = true @ \\media\\size\\0\\landscape_mode = "
+                                     "false: The media size \"A4\" (DIN A4) is portrait."}},
+                                   {asked,
+                                    {},
+                                    {{"\\media\\description\\1\\media_bounds_ury", 211.0}},
+                                    {"error \\media\\landscape = true @ \\media\\size\\0\\landscape_mode = "
+                                     "false: The media size \"A4\" (DIN A4) is portrait."}}});
+}
+
+TEST(Rotation, OfAnEntryIsThatOfItsSize) {
+    const Item turned{"\\media\\size\\7\\landscape_mode", true};
+    expect_said("media-rotation",
+                {{{turned, {"\\media\\size\\7\\name", text("A4 wide")}},
+                  {},
+                  {},
+                  {"passed \\media\\size\\7\\landscape_mode @ \\media\\size\\1\\landscape_mode"}},
+                 {{turned, {"\\media\\size\\7\\name", text("A4")}},
+                  {},
+                  {},
+                  {"error \\media\\size\\7\\landscape_mode = true @ \\media\\size\\0\\landscape_mode = "
+                   "false: The media size \"A4\" (DIN A4) is portrait. (A4_wide, DIN A4 quer)"}},
+                 {{turned, {"\\media\\size\\7\\name", text("Poster")}}, {}, {}, {}},
+                 {{turned}, {}, {}, {}}});
+}
+
+TEST(Rotation, ByAnythingButHalvesIsFoundWithoutSizesOfBoth) {
+    expect_said("media-rotation",
+                {{{{"\\ROTATE", 45}},
+                  {landscape},
+                  {},
+                  {"error \\ROTATE = 45 @ \\media\\landscape = : The device can't turn a plot by 45 degrees. "
+                   "(0, 180)"}},
+                 {{{"\\ROTATE", 90}},
+                  {},
+                  {{landscape, false}},
+                  {"error \\ROTATE = 90 @ \\media\\landscape = : The device can't turn a plot by 90 degrees. "
+                   "(0, 180)"}},
+                 {{{"\\ROTATE", -180}}, {}, {{landscape, false}}, {"passed \\ROTATE @ \\media\\landscape"}}});
+}
+
 } // namespace

@@ -80,4 +80,41 @@ TEST(Finishing, AtADestinationThatIsNotThereIsLeftToItsRule) {
     EXPECT_EQ(answer_of("unspoken", configuration, small_device()).findings, Lines{});
 }
 
+TEST(Cutting, ByDefaultIsThatOfItsDestination) {
+    expect_said("cutting", {{{{"\\media\\destination\\Basket\\default_cutting", text("Pages")}},
+                             {},
+                             {},
+                             {"passed \\media\\destination\\Basket\\default_cutting @ "
+                              "\\media\\destination\\Basket\\cutting\\Pages"}},
+                            {{{"\\media\\destination\\Basket\\default_cutting", text("Sets")}},
+                             {},
+                             {},
+                             {"error \\media\\destination\\Basket\\default_cutting = Sets @ "
+                              "\\media\\destination\\Basket\\cutting = : The destination \"Basket\" (Korb) "
+                              "doesn't cut by \"Sets\". (Pages, Seiten; Finisher, Hefter)"}},
+                            {{{"\\media\\destination\\Bin\\default_cutting", text("Pages")}}, {}, {}, {}}});
+}
+
+TEST(Collating, OfADestinationThatCanDoBothPasses) {
+    const Item neither{"\\media\\destination\\Finisher\\collating\\None\\collating_type", 0};
+    expect_said("collating",
+                {{{finisher, {"\\media\\finishing\\collate", false}},
+                  {},
+                  {neither},
+                  {"passed \\media\\finishing\\collate @ \\media\\destination\\Finisher\\collating"}},
+                 {{finisher, {"\\media\\finishing\\collate", true}},
+                  {},
+                  {neither},
+                  {"passed \\media\\finishing\\collate @ \\media\\destination\\Finisher\\collating"}},
+                 {{{"\\media\\finishing\\collate", true}},
+                  {"\\media\\destination\\Finisher\\collating"},
+                  {},
+                  {"error \\media\\finishing\\collate = true @ \\media\\destination\\Basket\\collating = : "
+                   "The destination \"Basket\" (Korb), the device's default, doesn't collate."}},
+                 {{{"\\media\\default_destination", text("Bin")}, {"\\media\\finishing\\collate", true}},
+                  {},
+                  {},
+                  {}}});
+}
+
 } // namespace

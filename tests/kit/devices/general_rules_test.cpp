@@ -110,4 +110,124 @@ TEST(Owner, OtherThanTheOneToldIsAWarning) {
     EXPECT_EQ(answer.looks.back(), "passed \\physical_pen\\table\\1\\speed @ \\physical_pen\\ui_owner");
 }
 
+TEST(Model, IsComparedWithTheNameThatTheDescriptionHas) {
+    const char* const canonical = "\\meta\\canonical_model_name";
+    expect_said("model", {{{{"\\MODEL", text("Draftex 1")}},
+                           {canonical},
+                           {},
+                           {"passed \\MODEL @ \\meta\\canonical_model_name"}},
+                          {{{"\\MODEL", text("Draftex 1")}},
+                           {"\\meta\\localized_model_name"},
+                           {},
+                           {"warning \\MODEL = Draftex 1 @ \\meta\\canonical_model_name = DX-1: The "
+                            "configuration is made for another model. (DX-1)"}},
+                          {{{"\\MODEL", text("7")}},
+                           {"\\meta"},
+                           {{canonical, 7}},
+                           {"unspoken \\MODEL @ \\meta\\canonical_model_name"}}});
+}
+
+TEST(Custom, ValueIsOfItsTypeWhereThatIsAKnownOne) {
+    const char* const any = "\\custom_name\\Any";
+    const char* const of_any = "\\custom_name\\Any\\data_type";
+    expect_said(
+        "custom",
+        {{{{any, 1}}, {}, {{of_any, 7}}, {"passed \\custom_name\\Any @ \\custom_name\\Any\\value_list"}},
+         {{{any, true}}, {}, {{of_any, -1}}, {"passed \\custom_name\\Any @ \\custom_name\\Any\\value_list"}},
+         {{{any, 1}}, {}, {{of_any, 2}}, {"passed \\custom_name\\Any @ \\custom_name\\Any\\value_list"}},
+         {{{any, true}},
+          {},
+          {{of_any, 2}},
+          {"error \\custom_name\\Any = true @ \\custom_name\\Any\\data_type = 2: \"Any\" has values of "
+           "another type."}},
+         {{{any, 0.5}}, {}, {{of_any, 2}}, {"passed \\custom_name\\Any @ \\custom_name\\Any\\value_list"}},
+         {{{any, true}}, {}, {{of_any, 3}}, {"passed \\custom_name\\Any @ \\custom_name\\Any\\value_list"}},
+         {{{any, 1}},
+          {},
+          {{of_any, 3}},
+          {"error \\custom_name\\Any = 1 @ \\custom_name\\Any\\data_type = 3: \"Any\" has values of another "
+           "type."}},
+         {{{any, pm::Bytes(2)}},
+          {},
+          {{of_any, 4}},
+          {"passed \\custom_name\\Any @ \\custom_name\\Any\\value_list"}},
+         {{{any, text("x")}},
+          {},
+          {{of_any, 4}},
+          {"error \\custom_name\\Any = x @ \\custom_name\\Any\\data_type = 4: \"Any\" has values of another "
+           "type."}}});
+}
+
+TEST(Custom, ValuesOfAListAreComparedByTheirTypes) {
+    const char* const any = "\\custom_name\\Any";
+    const Item of_any{"\\custom_name\\Any\\data_type", 7};
+    const Item first{"\\custom_name\\Any\\value_list\\0\\value", 1};
+    const Item second{"\\custom_name\\Any\\value_list\\1\\value", text("x")};
+    const Item third{"\\custom_name\\Any\\value_list\\2\\value", true};
+    const Item empty{"\\custom_name\\Any\\value_list\\3\\note", 1};
+    expect_said("custom", {{{{any, true}},
+                            {},
+                            {of_any, first, second, empty},
+                            {"error \\custom_name\\Any = true @ \\custom_name\\Any\\value_list = : \"Any\" "
+                             "has no value \"true\". (1; x)"}},
+                           {{{any, 1}},
+                            {},
+                            {of_any, second, third, empty},
+                            {"error \\custom_name\\Any = 1 @ \\custom_name\\Any\\value_list = : \"Any\" has "
+                             "no value \"1\". (x; true)"}},
+                           {{{any, true}},
+                            {},
+                            {of_any, first, second, third},
+                            {"passed \\custom_name\\Any @ \\custom_name\\Any\\value_list"}},
+                           {{{any, 1.0}},
+                            {},
+                            {of_any, first, second},
+                            {"passed \\custom_name\\Any @ \\custom_name\\Any\\value_list"}},
+                           {{{any, text("x")}},
+                            {},
+                            {of_any, first, second},
+                            {"passed \\custom_name\\Any @ \\custom_name\\Any\\value_list"}},
+                           {{{any, text("y")}},
+                            {},
+                            {of_any, empty},
+                            {"passed \\custom_name\\Any @ \\custom_name\\Any\\value_list"}}});
+}
+
+TEST(Custom, ValuesOfAListAreOfferedUpTo64) {
+    pm::Tree device = small_device();
+    for (int i = 0; i < 70; ++i)
+        device.set("\\custom_name\\Ink\\value_list\\" + std::to_string(i) + "\\value", std::to_string(i));
+    const auto findings =
+        pm::kit::check_compatibility(tree_of({{"\\custom_name\\Ink", text("High")}}), device);
+    ASSERT_EQ(findings.size(), 1U);
+    ASSERT_EQ(findings[0].offers.size(), 64U);
+    EXPECT_EQ(findings[0].offers.back().value, "63");
+}
+
+TEST(Owner, IsNoneWhereTheTextOfOwnersIsTooShort) {
+    expect_said("owner", {{{pens},
+                           {},
+                           {{"\\physical_pen\\ui_owner", text("001")}},
+                           {"note \\physical_pen\\table\\1\\width = 0.5 @ \\physical_pen\\ui_owner = 1: "
+                            "Owner 1 has this setting, and 1 more like it.",
+                            "passed \\physical_pen\\count @ \\physical_pen\\ui_owner"}}});
+}
+
+TEST(Owner, OfAPathOfItsOwnIsToldByTheDigitThere) {
+    pm::kit::CompatibilityMap map;
+    const auto add_path = [&](const char* path, const char* owner, int digit) {
+        map.settings.push_back({.setting = path + 1, .path = path, .owner = owner, .owner_digit = digit});
+    };
+    add_path("\\b", "\\owners", 2);
+    add_path("\\c", "\\owners", -1);
+    add_path("\\d", "\\owners", 3);
+    add_path("\\e", "\\number", 0);
+    expect_said("owner",
+                {{{{"\\b", 1}, {"\\c", 1}, {"\\d", 1}, {"\\e", 1}},
+                  {},
+                  {{"\\owners", text("012")}, {"\\number", 3}},
+                  {"note \\b = 1 @ \\owners = 2: Owner 2 has this setting."}}},
+                {.map = &map});
+}
+
 } // namespace

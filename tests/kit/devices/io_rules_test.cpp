@@ -143,4 +143,150 @@ TEST(StartStrings, ThatTheDeviceDoesNotTakeAreFoundUnlessEmpty) {
               Lines{"passed \\init_term\\post_init @ \\init_term\\abilities"});
 }
 
+constexpr const char* io_type = "\\io\\default_type";
+constexpr const char* rate = "\\io\\serial\\baud_rate";
+constexpr const char* output_timeout = "\\io\\output_timeout";
+constexpr const char* data_bits = "\\Plotter/User\\DataBits";
+constexpr const char* stop_bits = "\\Plotter/User\\StopBits";
+constexpr const char* parity = "\\Plotter/User\\Parity";
+constexpr const char* method_4 = "\\io\\method\\4";
+
+TEST(IoMethod, WithoutAWordIsToldByItsNumber) {
+    const std::vector<Item> others{{"\\io\\method\\9\\caps_type", 0},
+                                   {"\\io\\method\\10\\caps_type", 0},
+                                   {"\\io\\method\\x\\caps_type", 0},
+                                   {"\\io\\method\\-\\caps_type", 0}};
+    expect_said("io-method",
+                {{{{io_type, 5}},
+                  {},
+                  others,
+                  {"error \\io\\default_type = 5 @ \\io\\method = : The device has no output by 5 "
+                   "(Parallel). (4, RS232; 6, Network; 9; 10; x; -)"}},
+                 {{{io_type, 11}},
+                  {},
+                  {},
+                  {"error \\io\\default_type = 11 @ \\io\\method = : The device has no output by 11. (4, "
+                   "RS232; 6, Network)"}},
+                 {{{io_type, -1}},
+                  {},
+                  {},
+                  {"error \\io\\default_type = -1 @ \\io\\method = : The device has no output by -1. (4, "
+                   "RS232; 6, Network)"}},
+                 {{{io_type, text("z")}},
+                  {},
+                  {},
+                  {"error \\io\\default_type = z @ \\io\\method = : The device has no output by z. (4, "
+                   "RS232; 6, Network)"}},
+                 {{{io_type, 2.5}},
+                  {},
+                  {},
+                  {"error \\io\\default_type = 2.5 @ \\io\\method = : The device has no output by 2.5. (4, "
+                   "RS232; 6, Network)"}},
+                 {{{io_type, 10}}, {}, others, {"passed \\io\\default_type @ \\io\\method\\10"}}});
+}
+
+TEST(IoMethod, ToAFileOfTheDevicePasses) {
+    expect_said("io-method", {{{{"\\io\\plot_to_file", true}},
+                               {},
+                               {{"\\io\\method\\2\\caps_type", 0}},
+                               {"passed \\io\\plot_to_file @ \\io\\method"}}});
+}
+
+TEST(IoParameter, OfAMethodThatIsNotThereIsToldOfOnce) {
+    expect_said("io-timeout", {{{{output_timeout, 5}, {io_type, 5}}, {}, {}, {}},
+                               {{{output_timeout, 5}},
+                                {io_type},
+                                {{io_type, 5}},
+                                {"error \\io\\output_timeout = 5 @ \\io\\method = : The device has no output "
+                                 "by 5 (Parallel). (4, RS232; 6, Network)"}},
+                               {{{output_timeout, 5}},
+                                {io_type},
+                                {{io_type, text("none")}},
+                                {"error \\io\\output_timeout = 5 @ \\io\\method = : The device has no output "
+                                 "by none. (4, RS232; 6, Network)"}}});
+    expect_said("io-baud-rate", {{{{rate, 9600}, {io_type, 6}},
+                                  {method_4},
+                                  {},
+                                  {"warning \\io\\serial\\baud_rate = 9600 @ \\io\\method = : The device has "
+                                   "no output by 4 (RS232). (6, Network)"}},
+                                 {{{rate, 9600}, {io_type, 4}}, {method_4}, {}, {}},
+                                 {{{rate, 9600}},
+                                  {method_4},
+                                  {},
+                                  {"error \\io\\serial\\baud_rate = 9600 @ \\io\\method = : The device has "
+                                   "no output by 4 (RS232). (6, Network)"}}});
+    expect_said("io-protocol", {{{{"\\io\\serial\\protocol", text("8N1")}},
+                                 {method_4},
+                                 {},
+                                 {"error \\io\\serial\\protocol = 8N1 @ \\io\\method = : The device has no "
+                                  "output by 4 (RS232). (6, Network)"}},
+                                {{{data_bits, 8}},
+                                 {method_4},
+                                 {},
+                                 {"error \\Plotter/User\\DataBits = 8 @ \\io\\method = : The device has no "
+                                  "output by 4 (RS232). (6, Network)"}}});
+    expect_said("io-handshake", {{{{"\\io\\serial\\handshake", 2}},
+                                  {method_4},
+                                  {},
+                                  {"error \\io\\serial\\handshake = 2 @ \\io\\method = : The device has no "
+                                   "output by 4 (RS232). (6, Network)"}}});
+}
+
+TEST(IoParameter, OfAMethodThatIsNotInUseIsAWarningUnlessItIsADefault) {
+    const Item network{io_type, 6};
+    expect_said("io-baud-rate",
+                {{{network, {"\\io\\method\\4\\default_baud_rate", 300}},
+                  {},
+                  {},
+                  {"error \\io\\method\\4\\default_baud_rate = 300 @ \\io\\method\\4\\baudrates = : Output "
+                   "by 4 (RS232) has no baud rate of 300. (9600; 19200)"}}});
+    expect_said("io-handshake",
+                {{{network, {"\\io\\serial\\handshake", 3}},
+                  {},
+                  {},
+                  {"warning \\io\\serial\\handshake = 3 @ \\io\\method\\4\\handshakes = 6: The device "
+                   "doesn't offer handshake 3 (fXIn + fXOut). (2, fXOut; 4, Cts)"}},
+                 {{network, {"\\io\\serial\\handshake", 2}},
+                  {},
+                  {},
+                  {"passed \\io\\serial\\handshake @ \\io\\method\\4\\handshakes"}},
+                 {{network, {"\\io\\serial\\handshake", 0}},
+                  {},
+                  {},
+                  {"passed \\io\\serial\\handshake @ \\io\\method\\4\\handshakes"}}});
+    const auto map =
+        pm::kit::load_map(R"({"settings": [{"setting": "output_timeout", "path": "\\wait", "key": "4"}]})");
+    expect_said("io-timeout",
+                {{{network, {"\\wait", 1}},
+                  {},
+                  {},
+                  {"warning \\wait = 1 @ \\io\\method\\4\\min_output_timeout = 5: The timeout of output, 1, "
+                   "is below the least, 5. (5 to 300)"}},
+                 {{network, {"\\wait", 5}}, {}, {}, {"passed \\wait @ \\io\\method\\4\\max_output_timeout"}}},
+                {.map = &map});
+}
+
+TEST(IoProtocol, OfBitsIsComparedByThoseThatCanBeRead) {
+    expect_said("io-protocol",
+                {{{{data_bits, 7}, {parity, text("even")}},
+                  {},
+                  {},
+                  {"passed \\Plotter/User\\DataBits @ \\io\\method\\4\\protocol\\1",
+                   "unspoken \\Plotter/User\\Parity @ "}},
+                 {{{stop_bits, 1}, {parity, 2}},
+                  {},
+                  {},
+                  {"passed \\Plotter/User\\StopBits @ \\io\\method\\4\\protocol\\1"}},
+                 {{{stop_bits, 2}},
+                  {},
+                  {},
+                  {"error \\Plotter/User\\StopBits = 2 @ \\io\\method\\4\\protocol = : Output by 4 (RS232) "
+                   "has no protocol of these data bits, stop bits and parity. (8N1, acht Bits; 7E1)"}},
+                 {{{parity, 2}},
+                  {"\\io\\method\\4\\protocol\\1\\parity"},
+                  {},
+                  {"error \\Plotter/User\\Parity = 2 @ \\io\\method\\4\\protocol = : Output by 4 (RS232) has "
+                   "no protocol of these data bits, stop bits and parity. (8N1, acht Bits; 7E1)"}}});
+}
+
 } // namespace

@@ -175,4 +175,126 @@ TEST(SelectionMethod, AnotherIsFound) {
                     "selection method 2 (MediaSizeByMediaSize). (1, MediaSizeByMediaSource)"});
 }
 
+constexpr const char* size = "\\media\\default_size";
+constexpr const char* source = "\\media\\default_source";
+constexpr const char* loaded_roll = "\\media\\source\\Roll\\loaded";
+
+TEST(MediaLoaded, IsThatOfTheChosenSourceWhereThePathTellsNone) {
+    const auto map = pm::kit::load_map(R"({"settings": [{"setting": "loaded", "path": "\\paper"},
+        {"setting": "feed", "path": "\\feed"}, {"setting": "loaded_width", "path": "\\width"}]})");
+    expect_said("media-loaded",
+                {{{{"\\paper", text("Narrow")}, {"\\feed", 3}, {"\\width", 210}},
+                  {},
+                  {},
+                  {"passed \\paper @ \\media\\source\\Roll\\entry\\Narrow",
+                   "passed \\feed @ \\media\\source\\Roll\\feed",
+                   "passed \\width @ \\media\\source\\Roll\\entry\\Narrow\\width"}},
+                 {{{"\\paper", text("Sheet")}, {source, text("Tray")}, {"\\feed", 3}},
+                  {},
+                  {},
+                  {"error \\feed = 3 @ \\media\\source\\Tray\\feed = 2: The source \"Tray\" (Fach) has "
+                   "another feed. (2, SheetFeeder)",
+                   "passed \\paper @ \\media\\source\\Tray\\entry\\Sheet"}},
+                 {{{"\\paper", text("Narrow")}, {"\\feed", 3}, {"\\width", 210}}, {source}, {}, {}},
+                 {{{"\\paper", text("Narrow")}, {"\\media\\source\\Tray\\width", 297}},
+                  {},
+                  {},
+                  {"passed \\paper @ \\media\\source\\Roll\\entry\\Narrow",
+                   "passed \\media\\source\\Tray\\width @ \\media\\source\\Tray\\entry\\Sheet\\width"}}},
+                {.map = &map});
+    expect_said("media-source", {{{{"\\feed", 3}}, {}, {}, {}}}, {.map = &map});
+}
+
+TEST(MediaLoaded, InASourceThatIsNotThereIsLeftToItsRule) {
+    expect_said(
+        "media-loaded",
+        {{{{"\\media\\source\\Bin\\loaded", text("Wide")},
+           {"\\media\\source\\Bin\\feed", 3},
+           {"\\media\\source\\Bin\\width", 300}},
+          {},
+          {},
+          {}},
+         {{{loaded_roll, text("Sheet")}, {"\\media\\source\\Roll\\width", 300}},
+          {},
+          {},
+          {"error \\media\\source\\Roll\\loaded = Sheet @ \\media\\source\\Roll\\entry = : The source "
+           "\"Roll\" (Rolle) can't be loaded with \"Sheet\". (Wide, breit; Narrow, schmal)"}}});
+}
+
+TEST(MediaLoaded, FeedWithoutAWordIsToldByItsNumber) {
+    expect_said("media-loaded", {{{{"\\media\\source\\Roll\\feed", -1}},
+                                  {},
+                                  {{"\\media\\source\\Roll\\feed", 99}},
+                                  {"error \\media\\source\\Roll\\feed = -1 @ \\media\\source\\Roll\\feed = "
+                                   "99: The source \"Roll\" (Rolle) has another feed. (99)"}}});
+}
+
+TEST(SizeInSource, ByDefaultIsOneOfItsEntry) {
+    const char* const wide = "\\media\\source\\Roll\\entry\\Wide\\default_size";
+    const char* const sheet = "\\media\\source\\Roll\\entry\\Sheet\\default_size";
+    const char* const bin = "\\media\\source\\Bin\\entry\\Wide\\default_size";
+    expect_said("media-size-source", {{{{wide, text("Free")}},
+                                       {},
+                                       {},
+                                       {"passed \\media\\source\\Roll\\entry\\Wide\\default_size @ "
+                                        "\\media\\source\\Roll\\entry\\Wide\\size_names\\1"}},
+                                      {{{wide, text("A4 wide")}},
+                                       {},
+                                       {},
+                                       {"error \\media\\source\\Roll\\entry\\Wide\\default_size = A4 wide @ "
+                                        "\\media\\source\\Roll\\entry\\Wide\\size_names = : \"Wide\" (breit) "
+                                        "doesn't take its own default size \"A4_wide\". (A4; Free)"}},
+                                      {{{sheet, text("A4")}}, {}, {}, {}},
+                                      {{{bin, text("A4")}}, {}, {}, {}}});
+    const auto map = pm::kit::load_map(R"({"settings": [{"setting": "entry_size", "path": "\\of\\*"}]})");
+    expect_said("media-size-source", {{{{"\\of\\Roll", text("A4")}}, {}, {}, {}}}, {.map = &map});
+}
+
+TEST(SizeInSource, OfASourceWithWhatItIsLoadedWith) {
+    const Item tray{source, text("Tray")};
+    expect_said("media-size-source",
+                {{{tray, {"\\media\\source\\Tray\\loaded", text("Sheet")}},
+                  {},
+                  {},
+                  {"error \\media\\default_source = Tray @ \\media\\source\\Tray\\entry = Sheet: The media "
+                   "size \"A4\" (DIN A4), the device's default, isn't one that the source \"Tray\" (Fach) "
+                   "takes with \"Sheet\" loaded. (Roll\\Wide, Rolle: breit; Roll\\Narrow, Rolle: schmal)"}},
+                 {{tray, {size, text("A4_wide")}},
+                  {},
+                  {},
+                  {"passed \\media\\default_size @ \\media\\source\\Tray\\entry\\Sheet\\size_names\\0"}},
+                 {{tray, {size, text("A4")}},
+                  {},
+                  {},
+                  {"error \\media\\default_size = A4 @ \\media\\source\\Tray\\entry = : The media size "
+                   "\"A4\" (DIN A4) isn't one that the source \"Tray\" (Fach) takes. (Roll\\Wide, Rolle: "
+                   "breit; Roll\\Narrow, Rolle: schmal)"}},
+                 {{tray, {size, text("Poster")}}, {}, {}, {}},
+                 {{tray}, {size}, {}, {}},
+                 {{{size, text("A4")}}, {source}, {}, {}},
+                 {{{loaded_roll, text("Narrow")}}, {}, {}, {}}});
+}
+
+TEST(Duplex, ModeWithoutAWordIsToldByItsNumber) {
+    expect_said("duplex", {{{{"\\media\\default_duplexing_mode", 128}},
+                            {},
+                            {},
+                            {"error \\media\\default_duplexing_mode = 128 @ \\media\\duplexing_modes = 3: "
+                             "The device doesn't offer duplexing mode 128. (1, None; 2, Long)"}},
+                           {{{"\\media\\default_duplexing_mode", 3}},
+                            {},
+                            {},
+                            {"passed \\media\\default_duplexing_mode @ \\media\\duplexing_modes"}},
+                           {{{"\\media\\default_duplexing_mode", 6}},
+                            {},
+                            {},
+                            {"error \\media\\default_duplexing_mode = 6 @ \\media\\duplexing_modes = 3: The "
+                             "device doesn't offer duplexing mode 6 (Long + Short). (1, None; 2, Long)"}},
+                           {{{"\\media\\default_duplexing_mode", 4}},
+                            {},
+                            {{"\\media\\duplexing_modes", 192}},
+                            {"error \\media\\default_duplexing_mode = 4 @ \\media\\duplexing_modes = 192: "
+                             "The device doesn't offer duplexing mode 4 (Short). (64; 128)"}}});
+}
+
 } // namespace

@@ -35,4 +35,10 @@ TEST(PathPattern, MatchesInAnyCaseIfAsked) {
     EXPECT_EQ(match("\\Ab\\C*", "\\aB\\cX", true), "X");
 }
 
+TEST(PathPattern, HoldsBothEndsOfAComponent) {
+    EXPECT_EQ(match("\\x*y", "\\x1z"), "no");
+    EXPECT_EQ(match("\\x*y", "\\z1y"), "no");
+    EXPECT_EQ(match("\\x*Y", "\\X1y", true), "1");
+}
+
 } // namespace

@@ -144,4 +144,108 @@ TEST(LineWidth, OfAPenThatIsTooNarrowIsFound) {
               "at least 0.2. (from 0.2, Dotted)"});
 }
 
+constexpr const char* width = "\\physical_pen\\table\\1\\width";
+constexpr const char* least_width = "\\physical_pen\\min_width";
+constexpr const char* most_width = "\\physical_pen\\max_width";
+constexpr const char* line_types = "\\linetype\\capabilities";
+
+TEST(PenWidth, WithOneLimitIsHeldAgainstThat) {
+    expect_said("pen-width", {{{{width, 0.05}},
+                               {most_width},
+                               {},
+                               {"error \\physical_pen\\table\\1\\width = 0.05 @ \\physical_pen\\min_width = "
+                                "0.1: The pen's width, 0.05, is below the least, 0.1. (from 0.1)"}},
+                              {{{width, 5.0}},
+                               {most_width},
+                               {},
+                               {"passed \\physical_pen\\table\\1\\width @ \\physical_pen\\min_width"}},
+                              {{{width, 0.05}},
+                               {least_width},
+                               {},
+                               {"passed \\physical_pen\\table\\1\\width @ \\physical_pen\\max_width"}},
+                              {{{width, 5.0}},
+                               {least_width},
+                               {},
+                               {"error \\physical_pen\\table\\1\\width = 5 @ \\physical_pen\\max_width = "
+                                "1.4: The pen's width, 5, is above the most, 1.4. (up to 1.4)"}}});
+}
+
+TEST(Optimization, BelowNoneIsFound) {
+    expect_said("pen-optimization",
+                {{{{"\\OPTIMIZE_LEVEL", -1}},
+                  {},
+                  {},
+                  {"error \\OPTIMIZE_LEVEL = -1 @ \\physical_pen\\max_optimization = 2: The device's best "
+                   "optimisation of pens is 2. (0, No Optimizations; 1, Endpoint Swap; 2, Pen Sorting)"}},
+                 {{{"\\OPTIMIZE_LEVEL", 9}},
+                  {},
+                  {{"\\physical_pen\\max_optimization", 8}},
+                  {"error \\OPTIMIZE_LEVEL = 9 @ \\physical_pen\\max_optimization = 8: The device's best "
+                   "optimisation of pens is 8. (0, No Optimizations; 1, Endpoint Swap; 2, Pen Sorting; 3, "
+                   "Limited Motion Optimzation; 4, Full Motion Optimization; 5, Elimination of Overlapped "
+                   "Horizontal and Vertical Vectors; 6, Elimination of Overlapped Diagonal Vectors)"}}});
+}
+
+TEST(PenFill, ThatTheDeviceCorrectsPasses) {
+    expect_said("pen-fill", {{{{"\\FILL_ADJUST", text("Y")}},
+                              {},
+                              {{"\\physical_pen\\area_fill_corr", true}},
+                              {"passed \\FILL_ADJUST @ \\physical_pen\\area_fill_corr"}}});
+}
+
+TEST(LineType, IsMarkedByDigitsOfSixteen) {
+    const auto type = [](int number) { return Item{"\\1\\HW_LINETYPE", number}; };
+    expect_said(
+        "line-type",
+        {{{type(3)}, {}, {{line_types, text("A")}}, {"passed \\1\\HW_LINETYPE @ \\linetype\\capabilities"}},
+         {{type(2)},
+          {},
+          {{line_types, text("A")}},
+          {"error \\1\\HW_LINETYPE = 2 @ \\linetype\\capabilities = : The device doesn't draw line type 2 "
+           "(Dotted). (1, Dashed; 3, Dash_Dot)"}},
+         {{type(17)},
+          {},
+          {{line_types, text("F")}},
+          {"error \\1\\HW_LINETYPE = 17 @ \\linetype\\capabilities = : The device doesn't draw line type 17 "
+           "(User_Defined). (0, Solid; 1, Dashed; 2, Dotted; 3, Dash_Dot)"}},
+         {{type(4)},
+          {},
+          {{line_types, text("1G")}},
+          {"error \\1\\HW_LINETYPE = 4 @ \\linetype\\capabilities = : The device doesn't draw line type 4 "
+           "(Short_Dash). (0, Solid)"}},
+         {{type(4)},
+          {},
+          {{line_types, text("1a")}},
+          {"error \\1\\HW_LINETYPE = 4 @ \\linetype\\capabilities = : The device doesn't draw line type 4 "
+           "(Short_Dash). (0, Solid)"}},
+         {{type(0)},
+          {},
+          {{line_types, text("/1")}},
+          {"error \\1\\HW_LINETYPE = 0 @ \\linetype\\capabilities = : The device doesn't draw line type 0 "
+           "(Solid). (4, Short_Dash)"}},
+         {{type(-1)},
+          {},
+          {},
+          {"error \\1\\HW_LINETYPE = -1 @ \\linetype\\capabilities = : The device doesn't draw line type -1. "
+           "(0, Solid; 2, Dotted)"}}});
+}
+
+TEST(LineWidth, IsNotComparedWithoutBoth) {
+    const Item weight{"\\1\\PEN_WEIGHT", 0.1};
+    const Item dotted{"\\1\\HW_LINETYPE", 2};
+    expect_said("line-width", {{{dotted}, {}, {}, {}},
+                               {{weight}, {}, {}, {}},
+                               {{{"\\1\\PEN_WEIGHT", text("some")}, dotted}, {}, {}, {}},
+                               {{weight, {"\\1\\HW_LINETYPE", text("some")}}, {}, {}, {}},
+                               {{weight, dotted}, {"\\linetype\\font\\2\\width"}, {}, {}}});
+}
+
+TEST(LineWidth, OfATypeWithoutAWordIsToldByItsNumber) {
+    expect_said("line-width", {{{{"\\1\\PEN_WEIGHT", 0.1}, {"\\1\\HW_LINETYPE", 25}},
+                                {},
+                                {{"\\linetype\\font\\25\\width", 0.5}},
+                                {"error \\1\\PEN_WEIGHT = 0.1 @ \\linetype\\font\\25\\width = 0.5: The line "
+                                 "type 25 needs a width of at least 0.5. (from 0.5)"}}});
+}
+
 } // namespace
