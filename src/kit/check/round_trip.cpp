@@ -38,7 +38,7 @@ std::vector<Leaf> leaves_of(const Tree& tree) {
 
 std::string shown(const Property& property) {
     const PM_Property_View view = property.view();
-    if (view.type == PROP_VOID) return fmt::format("{} bytes", view.size);
+    if (view.type == PROP_VOID) return fmt::format("{} {}", view.size, view.size == 1 ? "byte" : "bytes");
     const Value value = property.value();
     if (const auto* text = std::get_if<std::string>(&value)) return in_quotes(*text);
     if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "TRUE" : "FALSE";
@@ -76,17 +76,23 @@ void Comparison::compare(const Tree& loaded, const Tree& read_back) {
     for (const Leaf& leaf : after) {
         found.emplace(leaf.path, &leaf.property);
     }
+    bool same_paths = before.size() == after.size();
     for (const Leaf& leaf : before) {
         const auto match = found.find(leaf.path);
         compare_leaf(leaf, match == found.end() ? nullptr : match->second);
-        if (match != found.end()) found.erase(match);
+        if (match != found.end()) {
+            found.erase(match);
+        } else {
+            same_paths = false;
+        }
     }
     for (const Leaf& leaf : after) {
         if (found.contains(leaf.path)) say(leaf.path, "The property wasn't there before.");
     }
+    if (!same_paths) return; // what is lost or new changes the order by itself
     const auto same_path = [](const Leaf& a, const Leaf& b) { return a.path == b.path; };
     const bool ordered = std::equal(before.begin(), before.end(), after.begin(), after.end(), same_path);
-    if (ordered || before.size() != after.size()) return;
+    if (ordered) return;
     m_findings.add({.rule = Rule::round_trip,
                     .place = m_where,
                     .message = "Nodes or properties come back in another order.",
@@ -169,6 +175,10 @@ void round_trip_dpia(std::string_view bytes, const Place& where, Findings& findi
 }
 
 } // namespace
+
+void compare_trees(const Tree& loaded, const Tree& read_back, const Place& where, Findings& findings) {
+    Comparison(where, findings).compare(loaded, read_back);
+}
 
 void check_round_trip(PM_Object::FileType type, const CheckedContent& content, const Place& where,
                       Findings& findings) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "check/content.h"
+#include <pm/tree.h>
 
 namespace pm::kit {
 
@@ -8,5 +9,8 @@ namespace pm::kit {
 // property.
 void check_round_trip(PM_Object::FileType type, const CheckedContent& content, const Place& where,
                       Findings& findings);
+
+// The comparison by itself: of a tree and what came back of it.
+void compare_trees(const Tree& loaded, const Tree& read_back, const Place& where, Findings& findings);
 
 } // namespace pm::kit
