@@ -1,10 +1,11 @@
 #include "check/files.h"
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <fmt/format.h>
 #include <fstream>
-#include <iterator>
+#include <istream>
 #include <pm/error_number.h>
 #include <random>
 
@@ -16,10 +17,17 @@ namespace {
 
 std::uint32_t number_of(const fs::path& path) {
     std::error_code error;
-    const fs::file_status status = fs::status(path, error);
-    if (status.type() == fs::file_type::not_found) return PM_ERR_NO_SUCH_FILE;
-    if (fs::is_directory(status)) return PM_ERR_IS_A_FOLDER;
-    return PM_ERR_ACCESS_DENIED;
+    const bool missing = fs::status(path, error).type() == fs::file_type::not_found;
+    return missing ? PM_ERR_NO_SUCH_FILE : PM_ERR_ACCESS_DENIED;
+}
+
+// What a buffer throws goes through the iterators of one; the stream makes it a state of its own.
+void read_all(std::istream& stream, std::string& bytes) {
+    std::array<char, 16384> piece{};
+    do {
+        stream.read(piece.data(), piece.size());
+        bytes.append(piece.data(), static_cast<std::size_t>(stream.gcount()));
+    } while (stream);
 }
 
 } // namespace
@@ -39,7 +47,8 @@ FileBytes read_bytes(std::string_view name) {
     if (fs::is_directory(path, error)) return {{}, PM_ERR_IS_A_FOLDER};
     std::ifstream stream(path, std::ios::binary);
     if (!stream) return {{}, number_of(path)};
-    FileBytes file{{std::istreambuf_iterator<char>(stream), {}}};
+    FileBytes file;
+    read_all(stream, file.bytes);
     if (stream.bad()) file.failure = PM_ERR_STREAM_FAILED;
     return file;
 }

@@ -1,0 +1,34 @@
+#include "support/temp_folder.h"
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <pm/kit/check.h>
+#include <sys/stat.h>
+
+namespace {
+
+using pm::kit::check_file;
+using Lines = std::vector<std::string>;
+
+Lines said(const std::string& file) {
+    Lines lines;
+    for (const auto& each : check_file(file)) {
+        lines.push_back(fmt::format("{} {} {}", each.rule, each.number, each.message));
+    }
+    return lines;
+}
+
+// The memory of a process opens, and its first page can't be read.
+TEST(CheckUnreadable, FileThatFailsWhileItIsReadIsTold) {
+    EXPECT_EQ(Lines{"unreadable 82 The file can't be read."}, said("/proc/self/mem"));
+}
+
+TEST(CheckUnreadable, WhatIsNoFileInAFolderIsPassedOver) {
+    const pm::test::TempFolder folder;
+    folder.write("b.pia", "PIAFILEVERSION_2.0\nb\n");
+    ASSERT_EQ(0, mkfifo((folder / "a.pia").c_str(), 0600));
+    std::filesystem::create_symlink("nowhere", folder / "c.pia");
+    EXPECT_EQ(Lines{"bad-line 57 \"b\" is no property, no node and no comment."},
+              said(folder.path().string()));
+}
+
+} // namespace
