@@ -102,6 +102,22 @@ TEST(ConfigurationPage, ShowsWhatBelongsToNoSectionAtTheTop) {
     EXPECT_THAT(page.texts("span", "sign unspoken"), ElementsAre("?", "?")); // the first is the legend's
 }
 
+TEST(ConfigurationPage, TellsWhatTheSignsMean) {
+    const Tree device = two_types();
+    const Tree office = wants("Bond", 1);
+    ReportInput input{ReportDescription{"device", device.root()}, {{"office.pia", office.root()}}};
+    EXPECT_THAT(Markup(pm::kit::report_page(input)).texts("p", "muted"),
+                testing::Contains("✓ possible; ? the device tells nothing of it."));
+}
+
+TEST(ConfigurationPage, HasTheDeviceAndItsConfigurationsAsItsTitle) {
+    const Tree device = two_types();
+    const Tree office = wants("Bond", 1);
+    ReportInput input{ReportDescription{"device", device.root()},
+                      {{"a.pia", office.root()}, {"b.pia", office.root()}}};
+    EXPECT_THAT(Markup(pm::kit::report_page(input)).texts("title"), ElementsAre("device – a.pia, b.pia"));
+}
+
 TEST(ConfigurationPage, ShowsTheFindingsOfTheDevicesOwnDefaults) {
     const Tree device = two_types();
     ReportInput input{ReportDescription{"device", device.root()}, {}};

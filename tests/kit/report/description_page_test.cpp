@@ -81,6 +81,40 @@ TEST(MediaSection, GroupsSizesUnderTheNamesOfTheirGroups) {
     EXPECT_THAT(page.section("media"), HasSubstr("not drawn"));
 }
 
+TEST(MediaSection, DrawsSizesWhoseSidesAreBothWithinBounds) {
+    for (const std::string side : {"media_bounds_urx", "media_bounds_ury"}) {
+        Tree tree = one_size();
+        for (const double length : {0.1, 999999.0}) {
+            tree.set("\\media\\description\\0\\" + side, length);
+            EXPECT_EQ(page_of(tree).find("svg", "medium").size(), 1U) << side << length;
+        }
+        for (const double length : {0.09, 1e6}) {
+            tree.set("\\media\\description\\0\\" + side, length);
+            EXPECT_THAT(page_of(tree).find("svg", "medium"), IsEmpty()) << side << length;
+        }
+    }
+}
+
+TEST(MediaSection, DrawsTheScaleOfAGroup) {
+    const Markup page = page_of(one_size());
+    std::vector<std::string> lines;
+    for (const MarkupElement& line : page.find("line", "scale")) {
+        lines.push_back(line.attribute("x1") + " " + line.attribute("y1") + " to " + line.attribute("x2") +
+                        " " + line.attribute("y2"));
+    }
+    EXPECT_THAT(lines, ElementsAre("1 8 to 51 8", "1 3 to 1 13", "51 3 to 51 13"));
+    EXPECT_THAT(page.texts("text"), ElementsAre("100 mm"));
+    EXPECT_EQ(page.find("text").at(0).attribute("x"), "58");
+}
+
+TEST(MediaSection, TellsNoMarginsOfASizeWithoutAPrintableArea) {
+    Tree tree;
+    tree.set("\\media\\size\\0\\name", "Odd");
+    tree.set("\\media\\size\\0\\width", 50.0);
+    tree.set("\\media\\size\\0\\height", 20.0);
+    EXPECT_THAT(page_of(tree).texts("tr", "size-row"), ElementsAre("OddOdd50 × 20 mm–––"));
+}
+
 TEST(MediaSection, TellsTheSourcesOfASize) {
     Tree tree = one_size();
     tree.set("\\media\\source\\Tray\\localized_name", "Upper tray");
@@ -177,6 +211,12 @@ TEST(ResolutionSection, ShowsTheInksOfAColourSystem) {
     EXPECT_EQ(page.find("rect", "yellow").at(0).attribute("x"), "65");
 }
 
+TEST(ResolutionSection, TellsTheColourSystemBesideItsInks) {
+    Tree tree;
+    tree.set("\\res_color_mem\\rcm_list\\Grays\\color_system", 3);
+    EXPECT_THAT(page_of(tree).texts("span", "muted"), ElementsAre("Grey scale"));
+}
+
 TEST(ResolutionSection, DrawsNoInksOfAnUnknownSystem) {
     for (const int system : {-1, 5}) {
         Tree tree;
@@ -252,6 +292,19 @@ TEST(DitheringSection, DoesNotDrawAMatrixThatIsTooLarge) {
                 ElementsAre("Matrix M, 2147483647 × 2147483647 (not drawn)"));
 }
 
+TEST(DitheringSection, TellsThePixelsOnceBothSidesOfTheRatioAreThere) {
+    const std::string method = "\\res_color_mem\\dithering_list\\One\\";
+    for (const std::string side : {"source_pixel_ratio", "pixel_expansion_ratio"}) {
+        Tree tree;
+        tree.set(method + side, 2);
+        EXPECT_THAT(page_of(tree).section("dither"), Not(HasSubstr("Pixels"))) << side;
+    }
+    Tree tree;
+    tree.set(method + "source_pixel_ratio", 2);
+    tree.set(method + "pixel_expansion_ratio", 3);
+    EXPECT_THAT(page_of(tree).texts("div", "fact"), testing::Contains("Pixels2 to 3"));
+}
+
 TEST(ConnectionsSection, TellsMethodsInWords) {
     Tree tree;
     tree.set("\\io\\default_type", 4);
@@ -274,6 +327,18 @@ TEST(ConnectionsSection, TellsMethodsInWords) {
     EXPECT_THAT(page.texts("li"), testing::IsSupersetOf({"1,200", "9,600 default", "XON/XOFF out", "CTS"}));
     EXPECT_THAT(page.texts("figcaption"), ElementsAre("Output timeout: 30 s by default, 5 to 105 s"));
     EXPECT_EQ(page.find("circle", "knob").at(0).attribute("cx"), "54"); // a quarter of the way
+}
+
+TEST(ConnectionsSection, HasAHeadingForEachListOfAMethod) {
+    Tree tree;
+    const std::string method = "\\io\\method\\4\\";
+    tree.set(method + "baudrates\\0\\rate", 1200);
+    tree.set(method + "protocol\\0\\canonical_name", "8N1");
+    tree.set(method + "handshakes", 6);
+    tree.set(method + "default_handshake", 2);
+    tree.set(method + "bidi_flags", 0);
+    EXPECT_THAT(page_of(tree).texts("h4"), ElementsAre("Baud rates", "Protocols", "Handshakes",
+                                                       "Handshake by default", "Reports of the device"));
 }
 
 TEST(PensSection, DrawsPensAsWideAsTheyAre) {
@@ -346,6 +411,12 @@ TEST(DescriptionPage, HasOnlyTheSectionsThatTheDescriptionFills) {
     EXPECT_THAT(page.texts("h1"), ElementsAre("Plotter 9"));
     EXPECT_THAT(page.texts("h2"), ElementsAre("Pens and line types"));
     EXPECT_THAT(page.texts("a"), ElementsAre("To the content", "Pens and line types"));
+}
+
+TEST(DescriptionPage, HasTheModelAsItsTitle) {
+    Tree tree;
+    tree.set("\\meta\\localized_model_name", "Plotter 9");
+    EXPECT_THAT(page_of(tree).texts("title"), ElementsAre("Plotter 9"));
 }
 
 TEST(DescriptionPage, OfATreeWithoutADescriptionHasNoSection) {

@@ -62,6 +62,9 @@ TEST(GroupedNumber, HasACommaForEachThousand) {
 
 TEST(SpokenName, HasBlanksAndACapital) {
     EXPECT_EQ(spoken("default_source"), "Default source");
+    EXPECT_EQ(spoken("zoom_10"), "Zoom 10");
+    EXPECT_EQ(spoken("a_z09"), "A z09");
+    EXPECT_EQ(spoken("2nd_zoom"), "2nd_zoom");
     EXPECT_EQ(spoken("dmFormName"), "dmFormName");
     EXPECT_EQ(spoken("Roll_1"), "Roll_1");
     EXPECT_EQ(spoken(""), "");
