@@ -1,3 +1,4 @@
+#include "support/scoped_settings.h"
 #include "support/temp_folder.h"
 #include <chrono>
 #include <filesystem>
@@ -184,6 +185,19 @@ TEST_F(CheckFile, OneSectionIsChecked) {
     EXPECT_THAT(lines_of(check_content(content, "a", options)), ElementsAre("a[office]:0:0 unreadable"));
 }
 
+TEST_F(CheckFile, CopyOfACompoundFileIsGoneBehindTheCheck) {
+    const std::string name = (m_folder / "a.doc").string();
+    pm::Tree tree;
+    tree.set("a", 1);
+    pm::save(tree, name, {.type = PM_Object::FILE_DOC});
+    const std::string content = pm::test::TempFolder::read_file(name);
+    const fs::path copies = m_folder / "copies";
+    fs::create_directory(copies);
+    const pm::test::ScopedVariable folder(pm::test::temp_folder_variable, copies.string());
+    EXPECT_THAT(check_content(content, "a"), IsEmpty());
+    EXPECT_TRUE(fs::is_empty(copies));
+}
+
 TEST_F(CheckFile, OnePlotterIsChecked) {
     const std::string content = "[PlotDriver#1]\nType=x\n[PlotDriver#2]\nAlias=y\n[PlotDriver]\nExternal=z\n";
     CheckOptions options;
@@ -227,6 +241,15 @@ TEST_F(CheckFile, TableByItselfIsOneByItsNameWhateverItsCellsHold) {
     const std::string content{std::istreambuf_iterator<char>(stream), {}};
     EXPECT_THAT(lines_of(check_content(content + "DRFX_1\tFoil\t1x\t\t\r\n", "Media Type.pdt")),
                 ElementsAre("Media Type.pdt:11:13 partial-number"));
+}
+
+TEST_F(CheckFile, NameOfARowEndsInFrontOfItsLastBlanks) {
+    CheckOptions options;
+    options.rules = {"repeated-name"};
+    const std::string headings = "Name\t\t\t\t\r\nName\t\t\t\t\r\n";
+    EXPECT_THAT(lines_of(check_content(headings + "Foil\t\t\t\t\r\nFoil  \t\t\t\t\r\n Foil\t\t\t\t\r\n",
+                                       "Media Type.pdt", options)),
+                ElementsAre("Media Type.pdt:4:1 repeated-name"));
 }
 
 TEST_F(CheckFile, EachLineOfOwnersIsAList) {
