@@ -50,7 +50,7 @@ Rule rule_of(std::uint32_t number) {
 }
 
 Heard make_heard(std::uint32_t number, std::string_view place, std::string_view detail) {
-    Heard heard{number, 0, {}, false};
+    Heard heard{number, 0, {}};
     take_line(number == PM_ERR_UNKNOWN_VALUE && detail.empty() ? place : detail, heard);
     return heard;
 }
@@ -69,9 +69,7 @@ Heard heard_of(const Report& report) {
 
 Heard heard_of(const ZT_Exception& exception) {
     const char16_t* const place = exception.m_place != nullptr ? exception.m_place : u"";
-    Heard heard = make_heard(exception.m_number, to_utf8(place), to_utf8(exception.m_detail));
-    heard.thrown = true;
-    return heard;
+    return make_heard(exception.m_number, to_utf8(place), to_utf8(exception.m_detail));
 }
 
 bool tells_want_of_memory(const ZT_Exception& exception) noexcept {

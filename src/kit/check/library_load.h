@@ -13,7 +13,6 @@ struct Heard {
     std::uint32_t number = 0;
     std::uint64_t counted = 0; // the line that it told, in its own count; 0 if it told none
     std::string text;          // the line, or what else it told
-    bool thrown = false;       // it ended the load
 };
 
 [[nodiscard]] Heard heard_of(const Report& report);
