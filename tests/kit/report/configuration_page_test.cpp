@@ -110,6 +110,27 @@ TEST(ConfigurationPage, TellsWhatTheSignsMean) {
                 testing::Contains("✓ possible; ? the device tells nothing of it."));
 }
 
+TEST(ConfigurationPage, MarksWhatIsImpossibleWhereItIsShown) {
+    Tree device = two_types();
+    device.set("\\media\\size\\0\\name", "Card");
+    device.set("\\io\\method\\4\\min_output_timeout", 5);
+    device.set("\\io\\method\\4\\max_output_timeout", 105);
+    device.set("\\io\\method\\4\\default_output_timeout", 30);
+    device.set("\\custom_name\\Fan\\value_list\\0\\value", "Off");
+    const Tree office = wants("Bond", 1);
+    ReportInput input{ReportDescription{"device", device.root()}, {{"office.pia", office.root()}}};
+    for (const std::string place :
+         {"\\media\\size\\0", "\\io\\method\\4\\min_output_timeout", "\\custom_name\\Fan\\value_list\\0"}) {
+        input.configurations[0].check.findings.push_back(
+            finding(Severity::error, "any", "\\media\\copies", place, "Bad."));
+    }
+    const Markup page(pm::kit::report_page(input));
+    EXPECT_THAT(page.texts("p", "marks"), ElementsAre("not possible"));
+    EXPECT_THAT(page.texts("figcaption"),
+                ElementsAre("Output timeout: 30 s by default, 5 to 105 s not possible"));
+    EXPECT_THAT(page.texts("tr", "custom"), ElementsAre("Fan not possibleFan–– Off not possible"));
+}
+
 TEST(ConfigurationPage, HasTheDeviceAndItsConfigurationsAsItsTitle) {
     const Tree device = two_types();
     const Tree office = wants("Bond", 1);
@@ -159,6 +180,14 @@ TEST(ConfigurationAlone, StandsInGroupsByItsNodes) {
     EXPECT_THAT(page.texts("h3"), ElementsAre("General", "Connections", "Site notes"));
     EXPECT_THAT(page.texts("tr", "setting"),
                 ElementsAre("NameOffice", "Default typeNetwork 6", "Serial › Baud rate9600", "Floorthird"));
+}
+
+TEST(ConfigurationAlone, TellsCodesAndMasksInWords) {
+    Tree tree;
+    tree.set("\\io\\handshakes", 6);
+    tree.set("\\media\\media_group", 4);
+    EXPECT_THAT(settings_of(tree).texts("tr", "setting"),
+                ElementsAre("HandshakesXON/XOFF out, CTS 6", "Media groupISO 4"));
 }
 
 TEST(ConfigurationAlone, ShowsNodesOfOneKindAsATable) {

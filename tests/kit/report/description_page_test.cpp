@@ -122,6 +122,20 @@ TEST(MediaSection, TellsTheSourcesOfASize) {
     EXPECT_THAT(page_of(tree).texts("td"), testing::Contains("Upper tray"));
 }
 
+TEST(MediaSection, TellsEachSourceOfASizeOnce) {
+    Tree tree = one_size();
+    tree.set("\\media\\source\\Tray\\entry\\Cards\\size_names\\0\\name", "Card");
+    tree.set("\\media\\source\\Tray\\entry\\More\\size_names\\0\\name", "Card");
+    tree.set("\\media\\source\\Roll\\entry\\Cards\\size_names\\0\\name", "Card");
+    EXPECT_THAT(page_of(tree).texts("td"), testing::Contains("Tray, Roll"));
+}
+
+TEST(MediaSection, CountsTheSizesOfItsTable) {
+    Tree tree = one_size();
+    tree.set("\\media\\size\\1\\name", "Odd");
+    EXPECT_THAT(page_of(tree).texts("summary"), ElementsAre("All 2 sizes as a table"));
+}
+
 TEST(MediaSection, ListsTypesAndMarksTheDefaultOne) {
     Tree tree;
     tree.set("\\media\\default_type", "Bond");
@@ -217,6 +231,22 @@ TEST(ResolutionSection, TellsTheColourSystemBesideItsInks) {
     EXPECT_THAT(page_of(tree).texts("span", "muted"), ElementsAre("Grey scale"));
 }
 
+TEST(ResolutionSection, TagsTheModeByDefault) {
+    Tree tree;
+    tree.set("\\res_color_mem\\default_name", "Grays");
+    tree.set("\\res_color_mem\\rcm_list\\Grays\\color_depth", 8);
+    tree.set("\\res_color_mem\\rcm_list\\Inks\\color_depth", 8);
+    EXPECT_THAT(page_of(tree).texts("h3"), ElementsAre("Grays default", "Inks"));
+}
+
+TEST(ResolutionSection, TellsTheMemoryBesideItsBar) {
+    Tree tree;
+    tree.set("\\res_color_mem\\mem_area_list\\Small\\device_memory", 128);
+    const Markup page = page_of(tree);
+    EXPECT_THAT(page.texts("td", "bar-cell"), ElementsAre("128 MB 128 MB", "–"));
+    EXPECT_THAT(page.texts("title"), testing::Contains("128 MB"));
+}
+
 TEST(ResolutionSection, DrawsNoInksOfAnUnknownSystem) {
     for (const int system : {-1, 5}) {
         Tree tree;
@@ -236,6 +266,20 @@ TEST(PensSection, DrawsTheSpeedsWithTheirNumbers) {
     const Markup page = page_of(tree);
     EXPECT_EQ(page.find("svg", "range").size(), 1U);
     EXPECT_THAT(page.texts("text"), ElementsAre("10", "400", "205"));
+}
+
+TEST(PensSection, TellsSpeedsThatMakeNoRangeInFacts) {
+    Tree tree;
+    tree.set("\\physical_pen\\max_width", 1.0);
+    tree.set("\\physical_pen\\min_speed", 10.0);
+    tree.set("\\physical_pen\\max_speed", 400.0);
+    EXPECT_THAT(page_of(tree).texts("div", "fact"),
+                ElementsAre("Descriptiondevice", "Lowest speed10 mm/s", "Highest speed400 mm/s"));
+    Tree other;
+    other.set("\\physical_pen\\max_width", 1.0);
+    other.set("\\physical_pen\\default_speed", 20.0);
+    EXPECT_THAT(page_of(other).texts("div", "fact"),
+                ElementsAre("Descriptiondevice", "Speed by default20 mm/s"));
 }
 
 TEST(DitheringSection, DrawsAMatrixByItsThresholds) {
@@ -292,6 +336,38 @@ TEST(DitheringSection, DoesNotDrawAMatrixThatIsTooLarge) {
                 ElementsAre("Matrix M, 2147483647 × 2147483647 (not drawn)"));
 }
 
+TEST(DitheringSection, DoesNotDrawAMatrixOfANegativeSide) {
+    for (const std::string side : {"matrix_size_x", "matrix_size_y"}) {
+        Tree tree;
+        const std::string method = "\\res_color_mem\\dithering_list\\Odd\\";
+        tree.set(method + "matrix_size_x", 2);
+        tree.set(method + "matrix_size_y", 2);
+        tree.set(method + side, -2);
+        tree.set(method + "matrix_list\\M\\0\\data", 1);
+        EXPECT_THAT(page_of(tree).texts("figcaption"), ElementsAre(HasSubstr(" (not drawn)"))) << side;
+    }
+}
+
+TEST(DitheringSection, DrawsNoDotAsLightAsItsThreshold) {
+    Tree tree;
+    const std::string method = "\\res_color_mem\\dithering_list\\Rows\\";
+    tree.set(method + "matrix_size_x", 1);
+    tree.set(method + "matrix_size_y", 2);
+    tree.set(method + "matrix_list\\M\\0\\data", 0);
+    tree.set(method + "matrix_list\\M\\1\\data", 31);
+    const std::string dots = page_of(tree).find("path", "ink").at(0).attribute("d");
+    EXPECT_EQ(std::ranges::count(dots, 'M'), 8 * (1 + 94)); // the next one of each row is just as light
+}
+
+TEST(DitheringSection, DrawsTheNumberOfAMiddleGreyAsOnLight) {
+    Tree tree;
+    const std::string method = "\\res_color_mem\\dithering_list\\One\\";
+    tree.set(method + "matrix_size_x", 1);
+    tree.set(method + "matrix_size_y", 1);
+    tree.set(method + "matrix_list\\M\\0\\data", 3);
+    EXPECT_THAT(page_of(tree).texts("text", "on-light"), ElementsAre("3"));
+}
+
 TEST(DitheringSection, TellsThePixelsOnceBothSidesOfTheRatioAreThere) {
     const std::string method = "\\res_color_mem\\dithering_list\\One\\";
     for (const std::string side : {"source_pixel_ratio", "pixel_expansion_ratio"}) {
@@ -339,6 +415,35 @@ TEST(ConnectionsSection, HasAHeadingForEachListOfAMethod) {
     tree.set(method + "bidi_flags", 0);
     EXPECT_THAT(page_of(tree).texts("h4"), ElementsAre("Baud rates", "Protocols", "Handshakes",
                                                        "Handshake by default", "Reports of the device"));
+}
+
+TEST(ConnectionsSection, TellsATimeoutWithoutAllItsNumbersInFacts) {
+    const std::vector<std::pair<std::string, std::string>> numbers{
+        {"min_", "Shortest Output timeout5 s"},
+        {"max_", "Longest Output timeout5 s"},
+        {"default_", "Output timeout by default5 s"}};
+    for (unsigned given = 1; given < 7; ++given) {
+        Tree tree;
+        std::vector<std::string> facts{"Descriptiondevice"};
+        for (std::size_t at = 0; at < numbers.size(); ++at) {
+            if ((given >> at & 1U) == 0) continue;
+            tree.set("\\io\\method\\4\\" + numbers[at].first + "output_timeout", 5);
+            facts.push_back(numbers[at].second);
+        }
+        EXPECT_EQ(page_of(tree).texts("div", "fact"), facts);
+    }
+}
+
+TEST(ConnectionsSection, TellsThatAMethodHasNothingMoreToSet) {
+    const std::string method = "\\io\\method\\4\\";
+    Tree tree;
+    tree.set(method + "handshakes", 6);
+    EXPECT_THAT(page_of(tree).texts("p", "muted"), ElementsAre("Nothing more to set."));
+    for (const std::string item : {"default_output_timeout", "protocol\\0\\parity", "baudrates\\0\\rate"}) {
+        Tree more;
+        more.set(method + item, 1);
+        EXPECT_THAT(page_of(more).texts("p", "muted"), IsEmpty()) << item;
+    }
 }
 
 TEST(PensSection, DrawsPensAsWideAsTheyAre) {
@@ -417,6 +522,17 @@ TEST(DescriptionPage, HasTheModelAsItsTitle) {
     Tree tree;
     tree.set("\\meta\\localized_model_name", "Plotter 9");
     EXPECT_THAT(page_of(tree).texts("title"), ElementsAre("Plotter 9"));
+}
+
+TEST(DescriptionPage, TellsOfTheDriverAtTheTop) {
+    Tree tree;
+    tree.set("\\meta\\canonical_model_name", "P9");
+    tree.set("\\meta\\canonical_family_name", "Plotters");
+    tree.set("\\meta\\driver_version", "1.2");
+    EXPECT_THAT(page_of(tree).texts("div", "fact"),
+                ElementsAre("FamilyPlotters", "ModelP9", "Version of the driver1.2", "Descriptiondevice"));
+    tree.set("\\meta\\localized_family_name", "All plotters");
+    EXPECT_EQ(page_of(tree).texts("div", "fact").at(0), "FamilyAll plotters");
 }
 
 TEST(DescriptionPage, OfATreeWithoutADescriptionHasNoSection) {

@@ -32,6 +32,7 @@ TEST(Escaping, ReplacesEachByteThatIsNoUtf8) {
 
 TEST(Escaping, ReplacesASurrogateAsOneCharacter) {
     EXPECT_EQ(escaped("a\xED\xA0\x80z"), "a\uFFFDz");
+    EXPECT_EQ(escaped("a\xED\xBF\xBFz"), "a\uFFFDz");
     EXPECT_EQ(escaped("\xED\xA0<"), "\uFFFD\uFFFD&lt;");
 }
 
