@@ -68,6 +68,11 @@ TEST_F(CheckFile, PropertyOfANewNodeInItsNameIsKnownInThatNode) {
     EXPECT_THAT(lines_of(check_file(name)), ElementsAre("a.pia:2:2 odd-name", "a.pia:3:1 retyped-name"));
 }
 
+TEST_F(CheckFile, EndOfANodeWhosePathIsUsedUpIsFound) {
+    const std::string name = write("a.pia", "PIAFILEVERSION_2.0\n\\{\na=1\nb=1\n}\n");
+    EXPECT_THAT(lines_of(check_file(name)), ElementsAre("a.pia:2:1 odd-name", "a.pia:5:1 unopened-node"));
+}
+
 TEST_F(CheckFile, DiagnosticHasAllThatIsKnown) {
     const std::string name = write("a.pia", "PIAFILEVERSION_2.0\nn{\n  b=truely\n}\n");
     const Diagnostic expected{

@@ -210,7 +210,10 @@ void PiaBody::closing_line(std::string_view text) {
     }
     const bool popped = pop();
     if (popped) find_node();
-    if (!m_open.empty()) return m_open.pop_back();
+    const bool opened = !m_open.empty();
+    if (opened) m_open.pop_back();
+    // Names that begin with a separator use up the working path, so that even an opened node may be gone.
+    if (opened && popped) return;
     say(Rule::unopened_node, text.data() + brace, "The \"}\" closes no node.",
         popped ? 0U : std::uint32_t{PM_ERR_BAD_LINE});
     if (!popped) end_load();
