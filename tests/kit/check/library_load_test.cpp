@@ -12,7 +12,7 @@ using namespace pm::kit;
 using Lines = std::vector<std::string>;
 
 Heard told_of(std::uint32_t number, std::uint64_t counted = 0, std::string text = {}) {
-    return {number, counted, std::move(text), false};
+    return {number, counted, std::move(text)};
 }
 
 // Of a file whose lines the library counts as 3, 5 and 8.
