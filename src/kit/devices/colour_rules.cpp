@@ -36,6 +36,15 @@ std::optional<Extent> asked_dots(Checker& check) {
     return Extent{first.value_or(second.value_or(0)), second.value_or(first.value_or(0))};
 }
 
+// The dots that a setting asks for together with the other one of its key.
+Extent dots_of(Checker& check, const Setting& setting) {
+    const bool is_x = setting.name == "resolution_x";
+    const Setting* other = check.settings.find(is_x ? "resolution_y" : "resolution_x", setting.key);
+    const double own = *setting.number;
+    const double beside = other != nullptr ? other->number.value_or(own) : own;
+    return is_x ? Extent{own, beside} : Extent{beside, own};
+}
+
 const DeviceResolution* resolution_with(const ColourMode& mode, const Extent& asked) {
     for (const DeviceResolution& resolution : mode.resolutions) {
         if (has_dots(resolution, asked)) return &resolution;
@@ -73,7 +82,7 @@ void check_dots(Checker& check, Setting& setting) {
         mode != nullptr ? mode->path + "\\resolution_list" : check.device.path(mode_list);
     if (!tells_dots(check.device, mode)) return check.silent(setting, list, "resolutions");
     if (!setting.number || *setting.number < 0) return check.unreadable(setting, "resolution");
-    const Extent asked = *asked_dots(check);
+    const Extent asked = dots_of(check, setting);
     for (const ColourMode& candidate : check.device.modes) {
         if (mode != nullptr && &candidate != mode) continue;
         if (const auto* resolution = resolution_with(candidate, asked)) {
@@ -317,7 +326,9 @@ void check_resolution(Checker& check) {
     for (const std::string_view name : {"resolution_x", "resolution_y"}) {
         for (Setting& setting : check.settings.all(name)) {
             // The pair is told of once, at x.
-            if (name == "resolution_y" && check.settings.has("resolution_x")) {
+            const Setting* x =
+                name == "resolution_y" ? check.settings.find("resolution_x", setting.key) : nullptr;
+            if (x != nullptr && x->number) {
                 if (!setting.number) check.unreadable(setting, "resolution");
                 Checker::leave(setting);
                 continue;

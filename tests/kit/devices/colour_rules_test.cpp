@@ -517,4 +517,37 @@ TEST(Dithering, ThatTheDeviceDoesNotListIsOfferedByItsName) {
            "Special: The resolution \"600_dpi\" (mittel) is dithered by \"Special\". (Special)"}}});
 }
 
+TEST(Resolution, ThatStandsInAnotherPlaceTooIsComparedThere) {
+    expect_said("resolution", {{{{dots_x, text("some")}, {"\\Plotter/DriverCustom\\dmPrintQuality", 300}},
+                                {},
+                                {},
+                                {"unspoken \\res_color_mem\\resolution_x @ ",
+                                 "passed \\Plotter/DriverCustom\\dmPrintQuality @ "
+                                 "\\res_color_mem\\rcm_list\\Mono\\resolution_list\\300_dpi"}}});
+}
+
+TEST(Resolution, BelongsTogetherByItsKey) {
+    const auto map = pm::kit::load_map(R"({"settings": [
+        {"setting": "resolution_x", "path": "\\x\\*"}, {"setting": "resolution_y", "path": "\\y\\*"}]})");
+    expect_said(
+        "resolution",
+        {{{{"\\x\\a", 300}, {"\\x\\b", 1200}, {"\\y\\b", 600}},
+          {},
+          {},
+          {"error \\x\\b = 1200 @ \\res_color_mem\\rcm_list = : The device has no resolution of 1200 x "
+           "600. (600 x 600, mittel; 1200 x 1200; 300 x 300)",
+           "passed \\x\\a @ \\res_color_mem\\rcm_list\\Mono\\resolution_list\\300_dpi"}}},
+        {.map = &map});
+}
+
+TEST(Resolution, OfTheHeightIsComparedWhereThatOfTheWidthCanNotBeRead) {
+    expect_said("resolution",
+                {{{{dots_y, 301}, {dots_x, text("some")}},
+                  {},
+                  {},
+                  {"error \\res_color_mem\\resolution_y = 301 @ \\res_color_mem\\rcm_list = : The device has "
+                   "no resolution of 301 x 301. (600 x 600, mittel; 1200 x 1200; 300 x 300)",
+                   "unspoken \\res_color_mem\\resolution_x @ "}}});
+}
+
 } // namespace
