@@ -123,11 +123,11 @@ bool has_frame(Checker& check, const Protocol& protocol, std::string_view key) {
     return true;
 }
 
-// Told of once, at the first part that is set.
+// Told of once, at the first part that can be read.
 bool is_first_part(Checker& check, const Setting& setting) {
     for (const std::string_view name : frame_settings) {
         const Setting* part = check.settings.find(name, setting.key);
-        if (part != nullptr) return part == &setting;
+        if (part != nullptr && part->number) return part == &setting;
     }
     return false;
 }

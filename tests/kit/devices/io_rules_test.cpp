@@ -289,4 +289,20 @@ TEST(IoProtocol, OfBitsIsComparedByThoseThatCanBeRead) {
                    "no protocol of these data bits, stop bits and parity. (8N1, acht Bits; 7E1)"}}});
 }
 
+TEST(IoProtocol, OfBitsIsToldOfAtTheFirstThatCanBeRead) {
+    expect_said("io-protocol",
+                {{{{data_bits, text("eight")}, {parity, 2}},
+                  {},
+                  {},
+                  {"unspoken \\Plotter/User\\DataBits @ ",
+                   "passed \\Plotter/User\\Parity @ \\io\\method\\4\\protocol\\1"}},
+                 {{{data_bits, text("eight")}, {parity, 1}},
+                  {},
+                  {},
+                  {"error \\Plotter/User\\Parity = 1 @ \\io\\method\\4\\protocol = : Output by 4 "
+                   "(RS232) has no protocol of these data bits, stop bits and parity. (8N1, acht "
+                   "Bits; 7E1)",
+                   "unspoken \\Plotter/User\\DataBits @ "}}});
+}
+
 } // namespace
