@@ -138,7 +138,7 @@ void check_range(Checker& check, Setting& setting, const Range& range, const std
     const bool is_above_most = range.most && is_above(number, *range.most);
     const bool is_below_least = range.least && is_above(*range.least, number);
     const std::string path = is_below_least || !range.most ? least_path : most_path;
-    if (!is_above_most && !is_below_least && number == number) return check.pass(setting, path);
+    if (!is_above_most && !is_below_least) return check.pass(setting, path);
     const double limit = is_below_least || !range.most ? *range.least : *range.most;
     check.fail(setting, {.description_path = path,
                          .described = number_text(limit),

@@ -2,6 +2,7 @@
 #include "devices/path_pattern.h"
 #include "devices/value_words.h"
 #include <algorithm>
+#include <cmath>
 #include <pm/exception.h>
 
 namespace pm::kit::devices {
@@ -37,6 +38,7 @@ std::optional<double> number_by_form(const Value& value, SettingForm form) {
     const auto* text = std::get_if<std::string>(&value);
     if (text == nullptr) {
         auto number = number_of(value);
+        if (number && std::isnan(*number)) return std::nullopt; // compares with nothing
         const bool is_truth = form == SettingForm::yes_no || form == SettingForm::orientation ||
                               form == SettingForm::colour || form == SettingForm::unit;
         if (number && is_truth) number = *number != 0 ? 1 : 0;

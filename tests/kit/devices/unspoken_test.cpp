@@ -1,5 +1,6 @@
 #include "kit/devices/small_device.h"
 #include <gtest/gtest.h>
+#include <limits>
 
 // What the rules say where they can't compare.
 namespace {
@@ -206,6 +207,26 @@ TEST(Unreadable, IsWhatIsInWords) {
         EXPECT_EQ(answer_of("unspoken", tree_of(asked), small_device()).findings,
                   Lines{std::string("warning ") + asked[0].first + " = " + shown(asked[0].second) +
                         " @  = : The value is no " + wanted + ", so that it can't be compared."});
+    }
+}
+
+TEST(Unreadable, IsWhatIsNoNumberThoughItsTypeIs) {
+    const struct {
+        const char* path;
+        const char* wanted;
+    } rows[] = {{"\\media\\copies", "number"},
+                {"\\media\\printable_area", "number"},
+                {"\\media\\margin_left", "number"},
+                {"\\media\\size\\7\\width", "number"},
+                {"\\ROTATE", "number"},
+                {"\\FILL_ADJUST", "truth value"},
+                {"\\physical_pen\\table\\1\\width", "number"},
+                {"\\res_color_mem\\resolution_x", "resolution"},
+                {"\\io\\serial\\baud_rate", "number"}};
+    for (const auto& [path, wanted] : rows) {
+        EXPECT_EQ(found("unspoken", {{path, std::numeric_limits<double>::quiet_NaN()}}),
+                  Lines{std::string("warning ") + path + " = nan @  = : The value is no " + wanted +
+                        ", so that it can't be compared."});
     }
 }
 
