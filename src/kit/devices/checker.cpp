@@ -93,7 +93,6 @@ void Checker::pass_over(const UnknownProperty& property) {
 
 Setting* Checker::chosen(std::string_view name, std::string_view default_path) {
     if (Setting* setting = settings.find(name, {})) return setting;
-    if (default_path.empty()) return nullptr;
     auto known = m_defaults.find(std::string(name));
     if (known != m_defaults.end()) return &known->second;
     const auto value = device.value(default_path);

@@ -50,7 +50,7 @@ public:
 
     // The chosen one of a setting: the first of the configuration without a key, or the description's own
     // default at `default_path`; null if there is neither.
-    Setting* chosen(std::string_view name, std::string_view default_path = {});
+    Setting* chosen(std::string_view name, std::string_view default_path);
 
     std::vector<Finding> findings;
     std::vector<Finding> unspoken; // in the order met
