@@ -83,12 +83,12 @@ inline constexpr std::size_t most_findings_with_offers = 1000;
     return {item.name, item.text, item.path};
 }
 
-// All items, those first whose names begin as the asked one.
+// All items that have a name, those first whose names begin as the asked one.
 template<class List>
 std::vector<Offer> nearest(const List& items, std::string_view asked) {
     std::vector<std::pair<std::size_t, const Named*>> order;
     for (const auto& item : items) {
-        order.emplace_back(common_begin(item.name, asked), &item);
+        if (!item.name.empty()) order.emplace_back(common_begin(item.name, asked), &item);
     }
     std::ranges::stable_sort(order, std::ranges::greater(), [](const auto& entry) { return entry.first; });
     if (order.size() > most_offers) order.resize(most_offers);

@@ -281,7 +281,8 @@ void Device::read_custom() {
 }
 
 std::string Device::path(std::string_view below) const {
-    return m_root.path() + std::string(below);
+    const bool is_whole = below.empty() || below.front() == '\\';
+    return m_root.path() + (is_whole ? "" : "\\") + std::string(below);
 }
 
 std::optional<Value> Device::value(std::string_view property_path) const {

@@ -83,7 +83,8 @@ void check_model(Checker& check) {
             } else {
                 check.fail(setting, {.description_path = path,
                                      .described = canonical,
-                                     .offers = {{canonical, localized, path}},
+                                     .offers = {canonical.empty() ? Offer{localized, {}, path}
+                                                                  : Offer{canonical, localized, path}},
                                      .message = "The configuration is made for another " +
                                                 std::string(identity.what) + '.'});
             }

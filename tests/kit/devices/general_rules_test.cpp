@@ -230,4 +230,23 @@ TEST(Owner, OfAPathOfItsOwnIsToldByTheDigitThere) {
                 {.map = &map});
 }
 
+TEST(Model, IsOfferedByTheNameThatTheDescriptionHas) {
+    expect_said("model", {{{{"\\MODEL", text("DX-1")}},
+                           {"\\meta\\canonical_model_name"},
+                           {},
+                           {"warning \\MODEL = DX-1 @ \\meta\\canonical_model_name = : The configuration is "
+                            "made for another model. (Draftex 1)"}}});
+}
+
+TEST(Owner, OfAPathThatBeginsWithoutABackslashIsToldByTheWholeOne) {
+    pm::kit::CompatibilityMap map;
+    map.settings = {{.setting = "a", .path = "\\a", .owner = "owners", .owner_digit = 1}};
+    expect_said("owner",
+                {{{{"\\a", 1}},
+                  {},
+                  {{"\\owners", text("01")}},
+                  {"note \\a = 1 @ \\owners = 1: Owner 1 has this setting."}}},
+                {.map = &map});
+}
+
 } // namespace

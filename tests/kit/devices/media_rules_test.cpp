@@ -297,4 +297,13 @@ TEST(Duplex, ModeWithoutAWordIsToldByItsNumber) {
                              "The device doesn't offer duplexing mode 4 (Short). (64; 128)"}}});
 }
 
+TEST(MediaSize, WithoutANameIsNotOffered) {
+    expect_said("media-size",
+                {{{{size, text("A4")}},
+                  {"\\media\\size\\0\\name"},
+                  {{"\\media\\size\\0\\name", 4}},
+                  {"error \\media\\default_size = A4 @ \\media\\size = : The device has no media "
+                   "size \"A4\". (A4_wide, DIN A4 quer; Free, Frei)"}}});
+}
+
 } // namespace
