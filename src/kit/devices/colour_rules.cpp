@@ -99,8 +99,12 @@ void check_dots(Checker& check, Setting& setting) {
 void check_resolution_name(Checker& check, Setting& setting) {
     const ColourMode* mode = setting.key.empty() ? chosen_mode(check) : check.device.modes.find(setting.key);
     if (mode == nullptr) {
-        if (!check.device.modes.empty()) return Checker::leave(setting);
-        return check.silent(setting, check.device.path(mode_list), "colour modes");
+        if (check.device.modes.empty()) {
+            check.silent(setting, check.device.path(mode_list), "colour modes");
+        } else if (setting.key.empty()) {
+            Checker::leave(setting);
+        } // else nothing speaks of it
+        return;
     }
     const std::string list = mode->path + "\\resolution_list";
     if (mode->resolutions.empty()) return check.silent(setting, list, "resolutions of this colour mode");
@@ -227,7 +231,8 @@ const DeviceResolution* keyed_resolution(const Device& device, std::string_view 
 void check_memory_name(Checker& check, Setting& setting) {
     const DeviceResolution* resolution = setting.key.empty() ? chosen_resolution(check).resolution
                                                              : keyed_resolution(check.device, setting.key);
-    if (resolution == nullptr) return Checker::leave(setting);
+    if (resolution == nullptr && setting.key.empty()) return Checker::leave(setting);
+    if (resolution == nullptr) return; // nothing speaks of it
     const std::string list = resolution->path + "\\mem_area";
     const Named* item = resolution->memory.find(setting.as_name());
     const MemoryArea* area = item != nullptr ? check.device.memory.find(item->name) : nullptr;

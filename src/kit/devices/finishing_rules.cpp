@@ -5,6 +5,7 @@ namespace pm::kit::devices {
 
 namespace {
 
+constexpr std::string_view default_destination = "\\media\\default_destination";
 constexpr std::array<std::string_view, 4> verbs{"collate", "cut", "fold", "staple"}; // by Finishing
 
 const NamedList<FinishingStep>& steps_of(const MediaDestination& destination, Finishing kind) {
@@ -18,9 +19,20 @@ struct Output {
 
 Output output_of(Checker& check, const Setting& setting) {
     if (!setting.key.empty()) return {check.device.destinations.find(setting.key), {}};
-    const Setting* chosen = check.chosen("destination", "\\media\\default_destination");
+    const Setting* chosen = check.chosen("destination", default_destination);
     if (chosen == nullptr) return {};
     return {check.device.destinations.find(chosen->as_name()), by_default(*chosen)};
+}
+
+// Of a destination of its own that isn't there nothing speaks.
+void answer_without_destination(Checker& check, Setting& setting) {
+    if (check.device.destinations.empty()) {
+        check.silent(setting, check.device.path("\\media\\destination"), "media destinations");
+    } else if (setting.key.empty() && check.chosen("destination", default_destination) == nullptr) {
+        check.silent(setting, check.device.path(default_destination), "default destination");
+    } else if (setting.key.empty()) {
+        Checker::leave(setting);
+    }
 }
 
 // What asks for nothing of its kind is possible where there is nothing of it.
@@ -44,10 +56,7 @@ std::vector<Offer> instead(Checker& check, const MediaDestination& destination, 
 
 void check_step(Checker& check, Setting& setting, Finishing kind) {
     const auto [destination, by_default] = output_of(check, setting);
-    if (destination == nullptr) {
-        if (!check.device.destinations.empty()) return Checker::leave(setting);
-        return check.silent(setting, check.device.path("\\media\\destination"), "media destinations");
-    }
+    if (destination == nullptr) return answer_without_destination(check, setting);
     const std::string list =
         destination->path + '\\' + std::string(finishing_names[static_cast<std::size_t>(kind)]);
     const std::string name = setting.as_name();
@@ -79,10 +88,7 @@ bool collates(const MediaDestination& destination, bool wanted) {
 
 void check_collate(Checker& check, Setting& setting) {
     const auto [destination, by_default] = output_of(check, setting);
-    if (destination == nullptr) {
-        if (!check.device.destinations.empty()) return Checker::leave(setting);
-        return check.silent(setting, check.device.path("\\media\\destination"), "media destinations");
-    }
+    if (destination == nullptr) return answer_without_destination(check, setting);
     const std::string list = destination->path + "\\collating";
     if (!setting.number) return check.unreadable(setting, "truth value");
     const bool wanted = *setting.number != 0;

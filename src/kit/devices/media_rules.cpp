@@ -88,7 +88,11 @@ void check_feed(Checker& check, Setting& setting) {
 
 void check_loaded_width(Checker& check, Setting& setting) {
     const MediaSource* source = source_of(check, setting);
-    const SourceEntry* entry = source != nullptr ? entry_in(check, *source) : nullptr;
+    if (source == nullptr) return Checker::leave(setting);
+    const SourceEntry* entry = entry_in(check, *source);
+    if (entry == nullptr && loaded_in(check, *source) == nullptr) {
+        return check.silent(setting, source->path + "\\default_entry", "default entry of this source");
+    }
     if (entry == nullptr) return Checker::leave(setting);
     const std::string path = entry->path + "\\width";
     if (!entry->width) return check.silent(setting, path, "width of this entry");
@@ -108,7 +112,7 @@ void check_entry_size(Checker& check, Setting& setting) {
     const SourceEntry* entry = source != nullptr && cut != std::string::npos
                                    ? source->entries.find(setting.key.substr(cut + 1))
                                    : nullptr;
-    if (entry == nullptr) return Checker::leave(setting);
+    if (entry == nullptr) return; // nothing speaks of it
     if (const Named* size = entry->sizes.find(setting.as_name())) return check.pass(setting, size->path);
     check.fail(setting, {.description_path = entry->path + "\\size_names",
                          .offers = nearest(entry->sizes, setting.as_name()),

@@ -230,4 +230,32 @@ TEST(Unreadable, IsWhatIsNoNumberThoughItsTypeIs) {
     }
 }
 
+TEST(Silence, OfADefaultIsUnspoken) {
+    const char* const none = "\\media\\default_destination: default destination";
+    expect_silences({
+        {{{"\\media\\finishing\\cutting", text("Pages")}}, "\\media\\default_destination", none},
+        {{{"\\media\\finishing\\collate", true}}, "\\media\\default_destination", none},
+        {{{"\\media\\source\\Roll\\width", 300}},
+         "\\media\\source\\Roll\\default_entry",
+         "\\media\\source\\Roll\\default_entry: default entry of this source"},
+    });
+}
+
+// Below an item that the description hasn't.
+TEST(Unspoken, IsADefaultOfWhatTheDescriptionHasNot) {
+    const Item rows[] = {
+        {"\\media\\destination\\Bin\\default_cutting", text("Pages")},
+        {"\\media\\source\\Bin\\entry\\Wide\\default_size", text("A4")},
+        {"\\media\\source\\Roll\\entry\\Sheet\\default_size", text("A4")},
+        {"\\res_color_mem\\rcm_list\\Gray\\default_resolution", text("300_dpi")},
+        {"\\res_color_mem\\rcm_list\\Gray\\resolution_list\\300_dpi\\default_mem_area", text("Small")},
+        {"\\res_color_mem\\rcm_list\\Mono\\resolution_list\\900_dpi\\default_mem_area", text("Small")},
+    };
+    for (const Item& item : rows) {
+        EXPECT_EQ(found("unspoken", {item}),
+                  Lines{std::string("note ") + item.first + " = " + shown(item.second) +
+                        " @  = : Nothing in the description speaks of it."});
+    }
+}
+
 } // namespace
