@@ -150,12 +150,11 @@ std::u16string require_name(std::u16string name) {
 
 class Reader : public nlohmann::json_sax<Json> {
 public:
-    Reader(std::string_view text, const char* const& at) : m_text(text), m_at(at) {}
-
     bool null() override { return scalar(Scalar()); }
     bool boolean(bool value) override { return scalar(value); }
+    // Of numbers with a sign: a zero is the negative one.
     bool number_integer(Json::number_integer_t value) override {
-        return number(value == 0 && is_negative_zero() ? Scalar(-0.0) : Scalar(std::int64_t{value}));
+        return number(value == 0 ? Scalar(-0.0) : Scalar(std::int64_t{value}));
     }
     bool number_unsigned(Json::number_unsigned_t value) override {
         return number(std::in_range<std::int64_t>(value) ? Scalar(static_cast<std::int64_t>(value))
@@ -205,17 +204,7 @@ private:
     std::u16string& name() {
         return m_levels.back() == Level::property ? m_property.name : m_nodes.back()->name;
     }
-    // Behind a whole number the reader has gone one character on.
-    bool is_negative_zero() const {
-        const char* at = m_at - 1;
-        while (at > m_text.data() && at[-1] == '0') {
-            --at;
-        }
-        return at > m_text.data() && at[-1] == '-';
-    }
 
-    std::string_view m_text;
-    const char* const& m_at;
     std::unique_ptr<ReadNode> m_root;
     std::vector<Level> m_levels;
     std::vector<ReadNode*> m_nodes; // those that stand open
@@ -409,7 +398,7 @@ private:
 
 Tree from_json(std::string_view text) {
     const char* at = text.data();
-    Reader reader(text, at);
+    Reader reader;
     try {
         Json::sax_parse(Position(at, text.data()), Position(at, text.data() + text.size()), &reader);
     } catch (const Mistake& mistake) {

@@ -174,6 +174,20 @@ TEST(FromJson, NumbersGoWhereTheyFit) {
     EXPECT_EQ("long 0", number("long", "-0"));
 }
 
+TEST(FromJson, NumbersOfEachSignAreRead) {
+    const auto number = [](const std::string& type, const std::string& text) {
+        const Tree tree =
+            from_json(with_property("\"name\": \"p\", \"type\": \"" + type + "\", \"value\": " + text));
+        return value_text(stored(*tree.root().properties().begin()));
+    };
+    EXPECT_EQ("long -5", number("long", "-5"));
+    EXPECT_EQ("long 0", number("long", "-0.0"));
+    EXPECT_EQ("double -5.0", number("double", "-5"));
+    EXPECT_EQ("double inf", number("double", "\"inf\""));
+    EXPECT_EQ("double -inf", number("double", "\"-inf\""));
+    EXPECT_EQ("double -0.0", number("double", "-0.0"));
+}
+
 TEST(FromJson, MistakesAreToldWithLineAndColumn) {
     EXPECT_EQ(
         "2:1: this isn't JSON: syntax error while parsing object key - unexpected end of input; expected "
