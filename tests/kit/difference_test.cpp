@@ -113,6 +113,22 @@ TEST_F(Compare, ToleranceIsOfDoublesOnly) {
     EXPECT_EQ(2U, differences({.tolerance = 100}).size());
 }
 
+TEST_F(Compare, ToleranceIsOfDoublesThatAreWhole) {
+    put(b, "\\y", {PROP_DOUBLE, true, Bytes(4)});
+    EXPECT_THAT(differences({.tolerance = 100}), ElementsAre("~ \\y: double 0.5 -> double bytes 00000000"));
+    put(a, "\\y", {PROP_DOUBLE, true, Bytes(4, std::byte{1})});
+    EXPECT_THAT(differences({.tolerance = 100}),
+                ElementsAre("~ \\y: double bytes 01010101 -> double bytes 00000000"));
+}
+
+TEST_F(Compare, NoValueIsNotAnEmptyOne) {
+    put(a, "\\r", {PROP_VOID, true, std::nullopt});
+    put(b, "\\r", {PROP_VOID, true, Bytes()});
+    EXPECT_THAT(differences(), ElementsAre("~ \\r: raw none -> raw"));
+    put(b, "\\r", {PROP_VOID, true, std::nullopt});
+    EXPECT_THAT(differences(), IsEmpty());
+}
+
 TEST_F(Compare, NarrowTextIsNotTheWideOneOfItsUnits) {
     a.object().SetProperty(u"\\z", u"ab");
     b.object().SetProperty(u"\\z", reinterpret_cast<const unsigned char*>("ab"));
@@ -146,6 +162,15 @@ TEST(CompareAtLength, TakesTimeInProportion) {
     const std::vector<Difference> found = compare(a, b);
     ASSERT_EQ(1U, found.size());
     EXPECT_EQ(static_cast<std::size_t>(count) - 1, found.front().moved.size());
+}
+
+TEST(Difference, IsToldByTheSideThatItHas) {
+    const Stored strict = make_stored(Value(std::int32_t{1}));
+    EXPECT_EQ("~ \\x: strict",
+              difference_text({.change = Change::strictness, .path = "\\x", .after = strict}));
+    EXPECT_EQ("~ \\x: loose", difference_text({.change = Change::strictness, .path = "\\x"}));
+    EXPECT_EQ("~ \\x:  -> long 1",
+              difference_text({.change = Change::value, .path = "\\x", .after = strict}));
 }
 
 TEST(Difference, EachChangeHasItsName) {

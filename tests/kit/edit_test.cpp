@@ -99,6 +99,20 @@ TEST_F(Apply, CopyLeavesTheSource) {
     EXPECT_EQ(1, tree.get<int>("\\x"));
 }
 
+TEST_F(Apply, MoveOfAPatternTakesWhatIsInANodeWithIt) {
+    run("mv \\n\\** \\all\\");
+    EXPECT_EQ("set \\x long 1\nset \\n\\\nset \\all\\\nset \\all\\p string \"a\"\nset \\all\\q bool true\n"
+              "set \\all\\m\\\nset \\all\\m\\r long 3\n",
+              text());
+}
+
+TEST_F(Apply, MoveToTheRootKeepsTheName) {
+    run("mv \\n\\* \\\nmv \\m\\r \\");
+    EXPECT_EQ(
+        "set \\x long 1\nset \\p string \"a\"\nset \\q bool true\nset \\r long 3\nset \\n\\\nset \\m\\\n",
+        text());
+}
+
 TEST_F(Apply, AsteriskInANameIsEscaped) {
     run("set \\[*] long 1\nmv \\[*] \\[*][*]");
     EXPECT_TRUE(find_all(tree, Pattern("\\[*][*]")).size() == 1);
@@ -128,6 +142,8 @@ TEST_F(Apply, PathThatIsTooDeepIsAnErrorAndNoCrash) {
     }
     EXPECT_EQ("1: " + deep + "\\: no path can be so: its names hold a zero, or are more than 256",
               error("set " + deep + "\\"));
+    EXPECT_EQ("1: " + deep + "\\: no path can be so: its names hold a zero, or are more than 256",
+              error("mv \\x " + deep + "\\"));
 }
 
 TEST(ParseScript, SkipsCommentsAndEmptyLines) {

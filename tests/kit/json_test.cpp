@@ -258,6 +258,29 @@ TEST(FromJson, NodesThatAreNoneAreRefused) {
     EXPECT_THAT(error_in(deep), ::testing::EndsWith(": a node is deeper than 256 levels"));
 }
 
+TEST(FromJson, ValuesOfOtherKindsAreRefused) {
+    const auto message = [](const std::string& text) {
+        const std::string error = error_in(text);
+        return error.substr(error.find(' ') + 1);
+    };
+    const std::string version = "\"pm9\" is the version of the form, 1";
+    const std::string units = "\"name_units\" are numbers from 0 to 65535";
+    EXPECT_EQ(version, message("{\"pm9\": \"1\"}"));
+    EXPECT_EQ("an object can't stand here", message("{\"pm9\": {}}"));
+    EXPECT_EQ("an object can't stand here", message(with_property("\"name\": {}")));
+    EXPECT_EQ("only objects can stand here", message("{\"pm9\": 1, \"nodes\": [1]}"));
+    EXPECT_EQ("only objects can stand here", message("{\"pm9\": 1, \"properties\": [null]}"));
+    EXPECT_EQ("\"nodes\" is an array", message("{\"pm9\": 1, \"nodes\": true}"));
+    EXPECT_EQ("\"name\" is a text", message(with_property("\"name\": 1")));
+    EXPECT_EQ(units, message(with_property("\"name_units\": [-1]")));
+    EXPECT_EQ(units, message(with_property("\"name_units\": [\"a\"]")));
+    EXPECT_EQ("an array can't stand here", message(with_property("\"name_units\": [[]]")));
+    EXPECT_EQ("an array can't stand here", message(with_property("\"value\": []")));
+    EXPECT_EQ("a double is a number, \"inf\", \"-inf\" or \"nan\"",
+              message(with_property("\"name\": \"a\", \"type\": \"double\", \"value\": true")));
+    EXPECT_EQ("\"strict\" is true or false", message(with_property("\"strict\": 1")));
+}
+
 TEST(FromJson, EveryPrefixIsRefused) {
     const std::string text = to_json(small_tree());
     for (std::size_t size = 0; size + 2 < text.size(); ++size) {

@@ -324,6 +324,35 @@ TEST(SourceLosses, AreReportsUnreadSectionsAndDiagnostics) {
                             "\\a: source: line 3, The name is there twice."));
 }
 
+TEST(SourceLosses, TellSectionNumberAndWhatIsWrong) {
+    const auto report = [](std::uint32_t number, std::string place, std::string detail, std::string section) {
+        return FileReport{{2, number, std::move(place), std::move(detail)}, std::move(section)};
+    };
+    FileContent source;
+    source.reports = {report(PM_ERR_BAD_LINE, "load", "\n2, a=", "Fir\nst"),
+                      report(PM_ERR_BAD_LINE, "load", "", ""), report(PM_ERR_UNKNOWN_VALUE, "c=yes", "", "2"),
+                      report(PM_ERR_UNKNOWN_VALUE, "c=yes", "d=no", ""), report(9999, "", "", "")};
+    EXPECT_THAT(texts(source_losses(source)),
+                ElementsAre("source: section Fir\\x0Ast, The line isn't valid (57): 2, a=",
+                            "source: The line isn't valid (57)",
+                            "source: section 2, The value is of no known type (88): c=yes",
+                            "source: The value is of no known type (88): d=no", "source: error 9999"));
+}
+
+TEST(SourceLosses, AreOfDiagnosticsWhatNoReportTells) {
+    const std::vector<Diagnostic> diagnostics{
+        {"cut-text", Severity::warning, {"x", "S", 0, 0}, "", "A text is cut.", 0},
+        {"bad-line", Severity::error, {"x", "S", 7, 1}, "", "The line is bad.", PM_ERR_BAD_LINE}};
+    FileContent source;
+    EXPECT_THAT(
+        texts(source_losses(source, diagnostics)),
+        ElementsAre("source: section S, A text is cut.", "source: section S, line 7, The line is bad."));
+    source.reports = {{{2, PM_ERR_BAD_LINE, "load", "7"}, "S"}};
+    EXPECT_THAT(
+        texts(source_losses(source, diagnostics)),
+        ElementsAre("source: section S, The line isn't valid (57): 7", "source: section S, A text is cut."));
+}
+
 TEST(FormChanges, AreToldALineEach) {
     const auto changes = [](const std::string& bytes, const WriteOptions& options) {
         return form_changes(read_content(bytes, {.file = "x"}), options);
@@ -337,6 +366,49 @@ TEST(FormChanges, AreToldALineEach) {
                 ElementsAre("the body is compressed now", "the header's tag \"T\" becomes \"U\""));
     EXPECT_THAT(changes("PIAFILEVERSION_2.0,T\r\na=1\n", {.type = doc}),
                 ElementsAre("the header's tag \"T\" isn't kept"));
+}
+
+TEST(FormChanges, OfCompressionAreToldWithoutThoseOfTheText) {
+    const FileContent source =
+        read_content(prepare(tree_of("set \\a long 1"), {.tag = "T,U,compress"}).bytes, {.file = "x"});
+    EXPECT_THAT(form_changes(source, {.tag = "T,U,compress"}), IsEmpty());
+    EXPECT_THAT(form_changes(source, {.tag = "T,U"}), ElementsAre("the body is no longer compressed"));
+    EXPECT_THAT(form_changes(source, {.tag = "U"}),
+                ElementsAre("the body is no longer compressed", "the header's tag \"T,U\" becomes \"U\""));
+}
+
+TEST(FormChanges, OfATreeWithoutAFileAreThoseOfItsHeader) {
+    FileContent source;
+    source.tag = "T";
+    EXPECT_THAT(form_changes(source, {.tag = "T"}), IsEmpty());
+    EXPECT_THAT(form_changes(source, {.type = dpia}), ElementsAre("the header's tag \"T\" isn't kept"));
+    source.tag = "compress";
+    EXPECT_THAT(form_changes(source, {.type = dpia}), IsEmpty());
+    source.type = PM_Object::FILE_PCP;
+    source.tag = "T";
+    EXPECT_THAT(form_changes(source, {.type = pia}), IsEmpty());
+}
+
+TEST(OptionsOf, KeepWhatTheFormatOfTheSourceCanKeep) {
+    FileContent source;
+    source.tag = "T";
+    source.sections = {{"a", "", "a"}};
+    EXPECT_EQ("T", options_of(source).tag);
+    EXPECT_THAT(options_of(source).sections, IsEmpty());
+    source.type = dpia;
+    source.by_section = true;
+    EXPECT_EQ(dpia, options_of(source).type);
+    EXPECT_EQ("", options_of(source).tag);
+    EXPECT_EQ(source.sections, options_of(source).sections);
+    source.type = PM_Object::FILE_PC2;
+    EXPECT_EQ(pia, options_of(source).type);
+}
+
+TEST(DocLosses, OfASubtreeAreToldBelowIt) {
+    const Tree tree = tree_of("set \\a\\x/y long 1\nset \\a\\b long 2");
+    EXPECT_THAT(texts(prepare(tree, {.type = doc, .subtree = "\\a"}).losses),
+                ElementsAre("\\x/y: lost: it can't be written to a doc file: The compound file can't be "
+                            "written (60): long 1 -> nothing"));
 }
 
 } // namespace

@@ -64,6 +64,17 @@ TEST(ValueText, ReadsBackToTheSameWhateverItIs) {
     }
 }
 
+TEST(ExactValue, IsNoneWithoutBytesButOfNoType) {
+    EXPECT_EQ(std::optional(Value()), exact_value({PROP_NONE, true, std::nullopt}));
+    EXPECT_EQ(std::nullopt, exact_value({PROP_LONG, true, std::nullopt}));
+    EXPECT_EQ(std::nullopt, exact_value({PROP_LONG, true, Bytes(3)}));
+}
+
+TEST(TypeName, OfNoTypeIsUnknown) {
+    EXPECT_EQ("none", type_name(PROP_NONE));
+    EXPECT_EQ("unknown", type_name(static_cast<PropType>(99)));
+}
+
 TEST(ParseValue, BlanksAroundWordsDoNotCount) {
     EXPECT_EQ(make_stored(Value(std::int32_t{2})), parse_value("  long \t 2  "));
     EXPECT_EQ(make_stored(Value(true)), parse_value("bool True"));
@@ -85,6 +96,11 @@ TEST(ParseValue, MistakesAreToldWithTheirColumn) {
     EXPECT_EQ("12: \\u asks for four hexadecimal digits", error_in("string \"\\u0g\""));
     EXPECT_EQ("5: \"ABC\" isn't an even number of hexadecimal digits, which raw asks for",
               error_in("raw ABC"));
+    EXPECT_EQ("5: \"A-\" isn't an even number of hexadecimal digits, which raw asks for", error_in("raw A-"));
+    EXPECT_EQ("5: \"-A\" isn't an even number of hexadecimal digits, which raw asks for", error_in("raw -A"));
+    EXPECT_EQ("8: \"NaN\" isn't a number, which double asks for", error_in("double NaN"));
+    EXPECT_EQ("8: \"infinity\" isn't a number, which double asks for", error_in("double infinity"));
+    EXPECT_EQ("1: a value of no type can't be told", error_of([] { (void)parse_value("x", PROP_NONE); }));
     EXPECT_EQ("6: none has no value", error_in("none 1"));
     EXPECT_EQ("9: this isn't UTF-8", error_in("string \"\xff\""));
     EXPECT_EQ("2: this isn't UTF-8", error_of([] { (void)parse_value("a\xff", PROP_STRING); }));
