@@ -1,4 +1,5 @@
 #include <array>
+#include <cctype>
 #include <charconv>
 #include <fmt/format.h>
 #include <report/connections.h>
@@ -24,8 +25,10 @@ void write_timeout(Page& page, const Node& method, std::string_view title, const
     const auto by_default = number(method, "default_" + kind);
     if (!low || !high || !by_default) {
         Facts facts(page);
-        facts.add_property(std::string("Shortest ") + std::string(title), method, "min_" + kind, " s");
-        facts.add_property(std::string("Longest ") + std::string(title), method, "max_" + kind, " s");
+        std::string inner(title); // behind another word
+        inner.front() = static_cast<char>(std::tolower(static_cast<unsigned char>(inner.front())));
+        facts.add_property("Shortest " + inner, method, "min_" + kind, " s");
+        facts.add_property("Longest " + inner, method, "max_" + kind, " s");
         facts.add_property(std::string(title) + " by default", method, "default_" + kind, " s");
         return;
     }

@@ -22,7 +22,7 @@ void write_collation_icon(Html& html, const Node& step) {
 }
 
 void write_cut_icon(Html& html, const Node& step) {
-    write_cut(html, integer(step, "when").value_or(-1));
+    write_cut(html, integer(step, "when").value_or(0));
 }
 
 void write_fold_icon(Html& html, const Node& step) {
