@@ -75,9 +75,9 @@ bool Compound::read_table() {
     std::vector<std::uint32_t> sectors;
     append_words(m_file.substr(76, std::min<std::size_t>(count, difat_in_header) * 4), sectors);
     std::uint32_t next = word(68);
-    for (std::size_t steps = 0; sectors.size() < count; ++steps) {
+    while (sectors.size() < count) { // each gives some, so a ring of them ends, too
         const std::string_view difat = sector(next);
-        if (difat.size() < m_sector || steps > m_sectors) return false;
+        if (difat.size() < m_sector) return false;
         append_words(difat.substr(0, m_sector - 4), sectors);
         next = word_in(difat, m_sector - 4);
     }

@@ -17,7 +17,7 @@ constexpr std::string_view refused_in_nodes = " *=\"'\t\r\n\v\b\f\a";
 
 // One of the file's own texts, or a kept one.
 bool is_plain(std::string_view name) {
-    return !name.empty() && name.find_first_of("\\*") == std::string_view::npos;
+    return name.find_first_of("\\*") == std::string_view::npos;
 }
 
 } // namespace

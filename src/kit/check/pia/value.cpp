@@ -137,7 +137,7 @@ void Reading::read_raw() {
     const std::size_t units = m_source.units(digits);
     if (digits.empty()) return refuse("The raw data has no digits.");
     if (units % 2 != 0) return refuse(fmt::format("The raw data has an odd number of digits, {}.", units));
-    if (digits.size() % 2 != 0 && !is_ascii(digits)) {
+    if (digits.size() % 2 != 0) {
         m_result.ends_load = true;
         remark(Rule::bad_line, digits.data(),
                "The raw data has characters that are of an odd number of bytes.", PM_ERR_BAD_RAW_DATA);
