@@ -10,7 +10,6 @@ using namespace pm::kit::report;
 using pm_test::Markup;
 using pm_test::MarkupElement;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 using Strings = std::vector<std::string>;
 
