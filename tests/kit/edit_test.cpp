@@ -135,6 +135,20 @@ TEST_F(Apply, WhatCannotBeDoneIsToldWithItsLine) {
     EXPECT_EQ("1: \\x\\: this is the path of a node, which has no value", error("set \\x\\ long 1"));
 }
 
+TEST_F(Apply, TargetWithAsterisksIsRefused) {
+    const Edit edit{Edit::Verb::move, "\\x", "\\a*", {}, 3};
+    EXPECT_EQ("3: \\a*: a target is one path, without asterisks",
+              error_of([&] { apply_edits(tree, std::vector<Edit>{edit}); }));
+    EXPECT_EQ(1, tree.get<int>("\\x"));
+}
+
+TEST_F(Apply, MoveOfAPatternTakesEachOfSeveralNodes) {
+    run("set \\n\\k\\s long 4\nmv \\n\\** \\");
+    EXPECT_EQ("set \\x long 1\nset \\p string \"a\"\nset \\q bool true\nset \\n\\\nset \\m\\\n"
+              "set \\m\\r long 3\nset \\k\\\nset \\k\\s long 4\n",
+              text());
+}
+
 TEST_F(Apply, PathThatIsTooDeepIsAnErrorAndNoCrash) {
     std::string deep;
     for (int i = 0; i < 257; ++i) {
@@ -179,6 +193,19 @@ TEST(EditLine, ReadsBack) {
         EXPECT_EQ(std::string::npos, line.find('\n'));
         EXPECT_TRUE(parse_script(line) == std::vector<Edit>{edit}) << line;
     }
+}
+
+TEST(EditLine, QuotesAPathThatIsNoBareWord) {
+    const auto line = [](const char* path) { return edit_line({Edit::Verb::remove, path, {}, {}, 1}); };
+    EXPECT_EQ("rm \"\"", line(""));
+    EXPECT_EQ("rm \"\\\"a\"", line("\"a"));
+    EXPECT_EQ("rm \"#a\"", line("#a"));
+    EXPECT_EQ("rm a#\"", line("a#\""));
+    EXPECT_EQ("rm \"a b\"", line("a b"));
+    EXPECT_EQ("rm \"a\\u007f\"", line("a\x7F"));
+    EXPECT_EQ("rm \"a\uFEFF\"", line("a\uFEFF"));
+    EXPECT_EQ("rm \"a\\ud800\"", line("a\xED\xA0\x80"));
+    EXPECT_EQ("rm \"a\uFFFD\"", line("a\xFF"));
 }
 
 TEST(Script, TurnsTheFirstTreeIntoTheSecondExactly) {

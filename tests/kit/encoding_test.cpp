@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <pm/kit/encoding.h>
+#include <pm/kit/stored.h>
 
 namespace pm::kit {
 
@@ -29,6 +30,17 @@ TEST(TextEncoding, CharactersThatMakeNoSequenceAreOthers) {
     EXPECT_EQ(TextEncoding::other, encoding_of(u"\u00C3"));
     EXPECT_EQ(TextEncoding::other, encoding_of(u"\u00C0\u00AF")); // longer than need be
     EXPECT_EQ(TextEncoding::other, encoding_of(u"\u0416"));       // not of the page at all
+}
+
+TEST(TextEncoding, SequenceThatIsCutIsNone) {
+    EXPECT_EQ(TextEncoding::other, encoding_of(u"\u00E2\u201A"));
+    EXPECT_EQ(TextEncoding::other, encoding_of(u"\u00F5\u20AC\u20AC\u20AC")); // beyond the last character
+}
+
+TEST(TextEncoding, TextWithoutAValueDoesNotCount) {
+    Tree tree;
+    put(tree, "\\a", {PROP_STRING, true, std::nullopt});
+    EXPECT_EQ(TextEncoding::ascii, text_encoding(tree));
 }
 
 TEST(TextEncoding, BothTogetherAreMixed) {

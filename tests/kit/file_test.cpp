@@ -105,6 +105,11 @@ TEST(ReadFile, SectionThatIsNotThereNamesThoseThatAre) {
               error_of([] { (void)read_sample("plotter.pia", "x"); }));
 }
 
+TEST(ReadFile, SectionOfAFileWithoutAnyIsNotThere) {
+    EXPECT_EQ("x: there is no section Office; there are: none",
+              error_of([] { (void)read_content(dpia({}, ""), {.file = "x", .section = "Office"}); }));
+}
+
 TEST(ReadFile, CompoundFileNeedNotBeWritable) {
     const TempFolder folder;
     const std::string name = (folder / "a.doc").string();
@@ -270,6 +275,12 @@ TEST(Formats, AreNamed) {
     EXPECT_EQ(std::nullopt, format_named("docx"));
     EXPECT_TRUE(is_written(PM_Object::FILE_PIA));
     EXPECT_FALSE(is_written(PM_Object::FILE_PC2));
+}
+
+TEST(Formats, OfNoTypeAreUnknown) {
+    const auto none = static_cast<PM_Object::FileType>(99);
+    EXPECT_EQ("unknown", format_name(none));
+    EXPECT_FALSE(is_written(none));
 }
 
 } // namespace

@@ -86,6 +86,15 @@ TEST(ToJson, CutNodeSaysSo) {
               }());
 }
 
+TEST(ToJson, NodeWithoutNodesIsNotCut) {
+    Tree tree;
+    tree.set("\\a\\b", true);
+    EXPECT_EQ(to_json(tree, {.indent = -1}), to_json(tree, {.indent = -1, .levels = 2}));
+    EXPECT_EQ("{\"pm9\": 1, \"properties\": [], \"nodes\": [{\"name\": \"a\", \"properties\": "
+              "[{\"name\": \"b\", \"type\": \"bool\", \"value\": true}]}]}\n",
+              to_json(tree, {.indent = -1, .levels = 1}));
+}
+
 TEST(ToJson, ValuesAreExact) {
     EXPECT_EQ("\"type\": \"double\", \"value\": -0.0}", one(make_stored(Value(-0.0))));
     EXPECT_EQ("\"type\": \"double\", \"value\": 1e+22}", one(make_stored(Value(1e22))));

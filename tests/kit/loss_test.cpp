@@ -163,6 +163,13 @@ TEST(PiaLosses, NegativeZeroBecomesZero) {
     EXPECT_THAT(losses("set \\a double -0.0", {.type = doc}), IsEmpty());
 }
 
+TEST(PiaLosses, NumbersThatTextCannotHold) {
+    const std::string script = "set \\a double nan\nset \\b double inf\nset \\c double 0.0";
+    EXPECT_THAT(losses(script, {}), ElementsAre("\\a: lost: it doesn't come back: double nan -> nothing",
+                                                "\\b: lost: it doesn't come back: double inf -> nothing"));
+    EXPECT_THAT(losses(script, {.type = doc}), IsEmpty());
+}
+
 TEST(PiaLosses, StrictnessIsANote) {
     const Prepared prepared = prepare(tree_of("set \\a loose long 1"), {});
     EXPECT_THAT(prepared.losses, IsEmpty());
@@ -206,6 +213,16 @@ TEST(DocLosses, WhatCannotBeWrittenIsLeftOut) {
     EXPECT_EQ("\\b\\c", prepared.losses[1].path);
     EXPECT_THAT(prepared.losses[1].reason, ::testing::EndsWith("(58)"));
     EXPECT_EQ(2, read_content(prepared.bytes, {.file = "x"}).tree.get<int>("\\b\\d"));
+}
+
+TEST(DocLosses, PropertiesOfATypeWithoutAValueAreLeftOut) {
+    EXPECT_THAT(
+        losses("set \\a raw 00\nset \\b long none\nset \\c string none", {.type = doc}),
+        ElementsAre(
+            "\\b: lost: it can't be written to a doc file: The property has no value (59): long none -> "
+            "nothing",
+            "\\c: lost: it can't be written to a doc file: The property has no value (59): string none -> "
+            "nothing"));
 }
 
 TEST(DocLosses, EmptyNodeThatCannotBeWrittenIsLeftOut) {
