@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <pm/kit/error.h>
+#include <pm/kit/stored.h>
 #include <sstream>
 
 namespace {
@@ -252,6 +253,29 @@ TEST(Description, WhoseDefaultsAreNotPossibleIsFound) {
                      "pen-width \\physical_pen\\default_width", "io-method \\io\\default_type",
                      "io-baud-rate \\io\\method\\4\\default_baud_rate",
                      "custom \\custom_name\\Fan_Speed\\default_value"}));
+}
+
+// No type, or no value of it.
+TEST(Compatibility, WhatHoldsNoValueIsNotConfigured) {
+    const Stored broken{PROP_LONG, true, std::nullopt};
+    pm::Tree configuration;
+    put(configuration, "\\media\\copies", broken);
+    put(configuration, "\\media\\default_size", {});
+    put(configuration, "\\a", broken);
+    put(configuration, "\\b", {});
+    EXPECT_EQ(answer_of("copies", configuration, small_device()).looks, Lines{});
+    EXPECT_EQ(answer_of("media-size", configuration, small_device()).looks, Lines{});
+    EXPECT_EQ(answer_of("unspoken", configuration, small_device()).findings,
+              (Lines{"note \\a =  @  = : Nothing in the description speaks of it.",
+                     "note \\b =  @  = : Nothing in the description speaks of it."}));
+}
+
+TEST(Compatibility, WhatHoldsNoValueIsNotDescribed) {
+    pm::Tree device = small_device();
+    put(device, "\\media\\max_number_of_copies", {PROP_LONG, true, std::nullopt});
+    EXPECT_EQ(answer_of("unspoken", tree_of(copies), device).findings,
+              Lines{"warning \\media\\copies = 10 @ \\media\\max_number_of_copies = : The description tells "
+                    "no maximum of copies."});
 }
 
 TEST(Compatibility, LengthsAreInchesOnlyWhereTheUnitIsRead) {
