@@ -81,11 +81,7 @@ bool is_drawable(const Size& size) {
     return in_range(size.width) && in_range(size.height);
 }
 
-std::string printable_text(const Size& size) {
-    if (!size.printable) {
-        return {};
-    }
-    const Bounds& bounds = *size.printable;
+std::string printable_text(const Bounds& bounds) {
     return fmt::format("{} × {} mm", shown(bounds.right - bounds.left), shown(bounds.top - bounds.bottom));
 }
 
@@ -106,7 +102,7 @@ void write_size_picture(Page& page, const Size& size, double pixels_a_mm) {
     const double height = *size.height * pixels_a_mm;
     std::string title = fmt::format("{}: {}", size.title, dimensions(size));
     if (size.printable) {
-        title += ", printable " + printable_text(size);
+        title += ", printable " + printable_text(*size.printable);
     }
     Picture picture(page.html, title, {width + 2, height + 2}, "medium");
     picture.rectangle(1, 1, width, height, "paper");
@@ -235,7 +231,7 @@ void write_size_table(Page& page, const std::vector<Size>& sizes) {
             write_code(html, size.name);
         }
         html.element("td", dimensions(size));
-        html.element("td", size.printable ? printable_text(size) : "–");
+        html.element("td", size.printable ? printable_text(*size.printable) : "–");
         if (size.printable && size.width && size.height) {
             const Bounds& bounds = *size.printable;
             html.element("td", fmt::format("left {}, right {}, top {}, bottom {} mm", shown(bounds.left),

@@ -1,3 +1,4 @@
+#include "support/system.h"
 #include "support/temp_folder.h"
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -20,6 +21,13 @@ Lines said(const std::string& file) {
 // The memory of a process opens, and its first page can't be read.
 TEST(CheckUnreadable, FileThatFailsWhileItIsReadIsTold) {
     EXPECT_EQ(Lines{"unreadable 82 The file can't be read."}, said("/proc/self/mem"));
+}
+
+TEST(CheckUnreadable, FolderThatMayNotBeListedHasNothingToCheck) {
+    const pm::test::TempFolder folder;
+    folder.write("b.pia", "PIAFILEVERSION_2.0\nb\n");
+    const pm::test::UnreadableFile unreadable(folder.path());
+    EXPECT_EQ(Lines(), said(folder.path().string()));
 }
 
 TEST(CheckUnreadable, WhatIsNoFileInAFolderIsPassedOver) {

@@ -98,6 +98,26 @@ TEST_F(CheckedFiles, TableIsNamedWithoutAFolder) {
     EXPECT_EQ((Lines{"Media Cutting.pdt:3 0 \"C\" is no keyword of its column."}), lines);
 }
 
+TEST_F(CheckedFiles, LongFileIsReadToItsEnd) {
+    m_folder.write("a.pia", "PIAFILEVERSION_2.0\n" + std::string(100'000, '\n') + "b");
+    EXPECT_EQ(Lines{"a.pia:100002 57 \"b\" is no property, no node and no comment."},
+              said(m_folder / "a.pia"));
+}
+
+TEST_F(CheckedFiles, NameShorterThanAnEndingHasNone) {
+    m_folder.write("a", "x");
+    EXPECT_EQ(Lines{"a:0 0 The content is of no known kind."}, said(m_folder / "a"));
+    const auto found = pm::kit::check_content("x", "a");
+    ASSERT_EQ(1U, found.size());
+    EXPECT_EQ("unknown-kind", found[0].rule);
+}
+
+TEST_F(CheckedFiles, FileThatMayNotBeReadIsTold) {
+    m_folder.write("a.pia", bad_line);
+    const pm::test::UnreadableFile unreadable(m_folder / "a.pia");
+    EXPECT_EQ(Lines{"a.pia:0 61 The file can't be opened."}, said(m_folder / "a.pia"));
+}
+
 // While one lives, the variable has this value.
 class ScopedVariable {
 public:

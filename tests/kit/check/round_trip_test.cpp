@@ -71,6 +71,7 @@ TEST(RoundTrip, EachSectionInsideTheFileIsTried) {
         {R"(DPIA `A: b=1` `longer 1` `B: a=-0.0`)", {}},
         {R"(DPIA `A: a=-0.0` `gap 9` `B: b=-0.0`)",
          {"[A] \\a: -0 comes back as 0.", "[B] \\b: -0 comes back as 0."}},
+        {R"(DPIA `A: b=1` `back 100` `B: a=-0.0`)", {}},
         {R"(DPIA `count 9` `A: a=-0.0`)", {}},
     });
 }

@@ -135,6 +135,27 @@ TEST(PiaRows, LinesThatAreNone) {
     });
 }
 
+TEST(PiaRows, PathsThatAreTooLongOrHoldAnIndex) {
+    const std::string long_name(511, 'x');
+    expect_said({
+        {"bad-line",
+         "PIA `" + long_name + "{` `" + long_name + "{` `a=1` `}` `}` `b=.`",
+         {"3:1 57 The name or path of the node is too long, and all in it isn't read.",
+          "7:3 57 \\b: \".\" is no number."}},
+        {"repeated-name",
+         "PIA `b*\\\\c=1` `d=2` `d=3`",
+         {"4:1 \\b*\\d: \"d\" is set on line 3 already, and that value is lost."}},
+    });
+}
+
+TEST(PiaRows, CompressedBodyOfNothing) {
+    expect_said({
+        {"damaged-compression",
+         "PIA file `PIAFILEVERSION_1.0,compress` `pmzlibcodec\\0\\0\\0\\0\\0\\0\\0\\0`",
+         {"2:0 84 The compressed body doesn't decode."}},
+    });
+}
+
 TEST(PiaRows, HeaderBehindAByteOrderMarkTellsTheKind) {
     expect_said({
         {"bad-header",
@@ -186,6 +207,15 @@ TEST(DpiaRows, LongNameOfFewCharactersIsWhole) {
         name += "\\xC3\\xA9";
     }
     expect_said({{"cut-text", "DPIA `" + name + ": a=1`", {}}});
+}
+
+TEST(DpiaRows, SectionOfNoBytesIsNoNeighbour) {
+    expect_said({
+        {"trailing-data",
+         "DPIA `longer 4294967273` `A: a=1`",
+         {"23 bytes behind the last section aren't read."}},
+        {"directory-gap", "DPIA `longer 4294967273` `A: a=1`", {}},
+    });
 }
 
 TEST(DpiaRows, SectionInsideAnotherSharesItsBytes) {
@@ -288,7 +318,7 @@ TEST(PdtRows, TextsOfRowsWithoutANameAndOfFormsWithoutAValue) {
 
 TEST(PdtRows, TablesWithoutContent) {
     expect_said({
-        {"short-row", "table Media Cutting `Cut` `name` `A`\n", {}},
+        {"short-row", "table Media Cutting `Cut` `name` `A\\n`", {}},
         {"unknown-reference", "PDT `blank Memory Area` `Resolution: 300 dpi→→→→→→→→→Full`", {}},
     });
 }

@@ -419,6 +419,23 @@ TEST(SparsePage, SettingsOfItsOwnThatSayLittle) {
     });
 }
 
+TEST(SparsePage, RangeOfAnotherTypeIsNone) {
+    const Tree tree = tree_of({{"\\custom_name\\A\\range_type", 1}, {"\\custom_name\\A\\range_max", 5.0}});
+    EXPECT_THAT(page_of(tree).texts("tr", "custom"), ElementsAre("AA––"));
+}
+
+TEST(SparsePage, DefaultNearTheHighEndOfARangeHasNoNumber) {
+    const auto numbers = [](int by_default) {
+        return page_of(tree_of({{"\\physical_pen\\max_npens", 8},
+                                {"\\physical_pen\\min_speed", 0},
+                                {"\\physical_pen\\max_speed", 100},
+                                {"\\physical_pen\\default_speed", by_default}}))
+            .texts("text");
+    };
+    EXPECT_THAT(numbers(79), ElementsAre("0", "100", "79"));
+    EXPECT_THAT(numbers(80), ElementsAre("0", "100"));
+}
+
 TEST(SparsePage, AbilitiesOfMethodsStandUnderTheirNumbersOrNames) {
     for (const auto& [name, head] : std::vector<std::pair<std::string, std::string>>{
              {"4", "Serial port (RS-232)"}, {"Fax", "Fax"}, {"4:", "4:"}, {"000004", "000004"}}) {

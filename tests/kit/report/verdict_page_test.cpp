@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 #include <kit/report/pages.h>
 #include <pm/value.h>
+#include <report/html.h>
 #include <report/marks.h>
+#include <report/picture.h>
+#include <report/reading.h>
 
 // What a page says of configurations: findings, marks, settings, and those of several side by side.
 namespace {
@@ -139,6 +142,49 @@ TEST(MarkOnAPage, OfADescriptionsDefaultsSaysSo) {
     EXPECT_THAT(page.texts("tr", "type-row"), ElementsAre("Bond default not possibleBond––", "FilmFilm––"));
     EXPECT_EQ("badge bad c0", page.find("span", "badge").at(0).attribute("class"));
     EXPECT_EQ("Defaults of the device: not possible", page.find("span", "badge").at(0).attribute("title"));
+}
+
+TEST(MarkOnAPage, SizeIsMarkedAsChosenOrNotPossible) {
+    Tree device;
+    device.set("\\media\\size\\0\\name", "A4");
+    const Tree office;
+    ReportInput input{ReportDescription{"device", device.root()}, {{"office.pia", office.root()}}};
+    auto& check = input.configurations[0].check;
+    const auto marks = [&] { return Markup(pm::kit::report_page(input)).texts("p", "marks"); };
+    EXPECT_THAT(marks(), IsEmpty());
+    check.findings.push_back(finding(Severity::error, "r", "\\a", "\\media\\size\\0", "No."));
+    EXPECT_THAT(marks(), ElementsAre("not possible"));
+    check.findings.clear();
+    check.looks.push_back(passed("media-size", "size", "\\a", "\\media\\size\\0"));
+    EXPECT_THAT(marks(), ElementsAre("chosen"));
+}
+
+TEST(LineSample, OfALineTypeThatIsNoneIsSolid) {
+    const auto dashes = [](long line_type) {
+        pm::kit::report::Html html;
+        pm::kit::report::write_line_sample(html, line_type, 2, "sample");
+        return Markup("<!DOCTYPE html>" + html.take()).find("line").at(0).attribute("stroke-dasharray");
+    };
+    EXPECT_EQ("12 6", dashes(1));
+    EXPECT_EQ("3 3 9 3", dashes(17));
+    EXPECT_EQ("", dashes(18));
+    EXPECT_EQ("", dashes(-1));
+}
+
+TEST(EscapedText, HasTheMarkOfASurrogateAloneReplaced) {
+    using pm::kit::report::escaped;
+    EXPECT_EQ("\uFFFDAz", escaped("\xED"
+                                  "Az"));
+    EXPECT_EQ("\uFFFD\uFFFDz", escaped("\xED\xC0z"));
+    EXPECT_EQ("\uFFFD\uFFFD", escaped("\xED\xA0"));
+}
+
+TEST(SpokenText, BeginsWithASmallLetter) {
+    using pm::kit::report::spoken;
+    EXPECT_EQ("{a_b", spoken("{a_b"));
+    EXPECT_EQ("1_b", spoken("1_b"));
+    EXPECT_EQ("a-b", spoken("a-b"));
+    EXPECT_EQ("Z b2", spoken("z_b2"));
 }
 
 TEST(MarkOnAPage, ConfigurationsAreLettersThenNumbers) {
@@ -277,6 +323,24 @@ TEST(SettingsOnAPage, CodedNumbersAreWords) {
     EXPECT_EQ("Other" + std::string(64, '0') + " (32 bytes)", row("other", pm::Bytes(32)));
     EXPECT_EQ("Other" + std::string(64, '0') + "… (33 bytes)", row("other", pm::Bytes(33)));
     EXPECT_EQ("Other−∞", row("other", -std::numeric_limits<double>::infinity()));
+}
+
+class RawObject : public PM_Object {
+public:
+    using PM_Object::setData;
+};
+
+// What a damaged file can leave.
+TEST(SettingsOnAPage, NumberOfAnotherSizeIsUnreadable) {
+    RawObject object;
+    object.setData(u"\\media\\copies", "12345", 5, PROP_LONG, -1, true);
+    const ReportInput input{{}, {{"office.pia", pm::root_of(object)}}};
+    EXPECT_THAT(Markup(pm::kit::report_page(input)).texts("tr", "setting"), ElementsAre("Copiesunreadable"));
+    object.setData(u"\\media\\size_max_x", "12345", 5, PROP_LONG, -1, true);
+    object.setData(u"\\media\\size_max_y", "1", 1, PROP_LONG, -1, true);
+    object.setData(u"\\media\\type\\0\\name", "A\0", 2, PROP_STRING, -1, true);
+    const ReportInput device{ReportDescription{"device", pm::root_of(object)}, {}};
+    EXPECT_THAT(Markup(pm::kit::report_page(device)).texts("div", "fact"), ElementsAre("Descriptiondevice"));
 }
 
 Markup side_by_side(const pm::Node& a, const pm::Node& b) {
