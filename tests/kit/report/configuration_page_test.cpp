@@ -110,6 +110,17 @@ TEST(ConfigurationPage, TellsWhatTheSignsMean) {
                 testing::Contains("✓ possible; ? the device tells nothing of it."));
 }
 
+TEST(ConfigurationPage, FoldsMoreThanThreeNotes) {
+    const Tree device = two_types();
+    const Tree office = wants("Bond", 1);
+    ReportInput input{ReportDescription{"device", device.root()}, {{"office.pia", office.root()}}};
+    auto& findings = input.configurations[0].check.findings;
+    findings.assign(3, finding(Severity::note, "unspoken", "\\media\\copies", "", "Unknown."));
+    EXPECT_THAT(Markup(pm::kit::report_page(input)).texts("summary"), IsEmpty());
+    findings.push_back(findings.back());
+    EXPECT_THAT(Markup(pm::kit::report_page(input)).texts("summary"), ElementsAre("4 notes"));
+}
+
 TEST(ConfigurationPage, MarksWhatIsImpossibleWhereItIsShown) {
     Tree device = two_types();
     device.set("\\media\\size\\0\\name", "Card");
@@ -186,8 +197,9 @@ TEST(ConfigurationAlone, TellsCodesAndMasksInWords) {
     Tree tree;
     tree.set("\\io\\handshakes", 6);
     tree.set("\\media\\media_group", 4);
+    tree.set("\\media\\color_system", 3);
     EXPECT_THAT(settings_of(tree).texts("tr", "setting"),
-                ElementsAre("HandshakesXON/XOFF out, CTS 6", "Media groupISO 4"));
+                ElementsAre("HandshakesXON/XOFF out, CTS 6", "Media groupISO 4", "Color systemGrey scale 3"));
 }
 
 TEST(ConfigurationAlone, ShowsNodesOfOneKindAsATable) {

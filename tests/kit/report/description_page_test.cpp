@@ -160,6 +160,12 @@ TEST(FlowSection, ShowsSourcesWithWhatTheyAreLoadedWith) {
     EXPECT_THAT(page.texts("li", "entry"), ElementsAre("Wide default Wide · 914.4 × 2500 mm, 1 size"));
 }
 
+TEST(FlowSection, TellsTheSizeThatAnEntryHasByDefault) {
+    Tree tree;
+    tree.set("\\media\\source\\Roll_1\\entry\\Wide\\default_size", "A0");
+    EXPECT_THAT(page_of(tree).texts("li", "entry"), ElementsAre("Wide Wide by default A0"));
+}
+
 TEST(FlowSection, DrawsTheFinishingOfAnOutputInTheOrderOfTheWork) {
     Tree tree;
     tree.set("\\media\\destination\\Bin\\default_stapling", "Corner");
@@ -237,6 +243,12 @@ TEST(ResolutionSection, TagsTheModeByDefault) {
     tree.set("\\res_color_mem\\rcm_list\\Grays\\color_depth", 8);
     tree.set("\\res_color_mem\\rcm_list\\Inks\\color_depth", 8);
     EXPECT_THAT(page_of(tree).texts("h3"), ElementsAre("Grays default", "Inks"));
+}
+
+TEST(ResolutionSection, TellsThatAModeHasNoResolutions) {
+    Tree tree;
+    tree.set("\\res_color_mem\\rcm_list\\Grays\\color_depth", 8);
+    EXPECT_THAT(page_of(tree).texts("p"), ElementsAre("Grays · 8 bit", "No resolutions."));
 }
 
 TEST(ResolutionSection, TellsTheMemoryBesideItsBar) {
