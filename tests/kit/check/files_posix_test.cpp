@@ -25,9 +25,11 @@ TEST(CheckUnreadable, FileThatFailsWhileItIsReadIsTold) {
 
 TEST(CheckUnreadable, FolderThatMayNotBeListedHasNothingToCheck) {
     const pm::test::TempFolder folder;
-    folder.write("b.pia", "PIAFILEVERSION_2.0\nb\n");
-    const pm::test::UnreadableFile unreadable(folder.path());
-    EXPECT_EQ(Lines(), said(folder.path().string()));
+    const std::filesystem::path closed = folder / "closed";
+    std::filesystem::create_directory(closed);
+    folder.write("closed/b.pia", "PIAFILEVERSION_2.0\nb\n");
+    const pm::test::UnreadableFile unreadable(closed);
+    EXPECT_EQ(Lines(), said(closed.string()));
 }
 
 TEST(CheckUnreadable, WhatIsNoFileInAFolderIsPassedOver) {

@@ -431,8 +431,8 @@ TEST(ConnectionsSection, HasAHeadingForEachListOfAMethod) {
 
 TEST(ConnectionsSection, TellsATimeoutWithoutAllItsNumbersInFacts) {
     const std::vector<std::pair<std::string, std::string>> numbers{
-        {"min_", "Shortest Output timeout5 s"},
-        {"max_", "Longest Output timeout5 s"},
+        {"min_", "Shortest output timeout5 s"},
+        {"max_", "Longest output timeout5 s"},
         {"default_", "Output timeout by default5 s"}};
     for (unsigned given = 1; given < 7; ++given) {
         Tree tree;
