@@ -157,8 +157,9 @@ private:
 
     void close_removed(const Removal& removal, const PM_Node& node) {
         // Changed in its order or its nodes alone.
-        if (m_merged.conflicts.size() == removal.conflicts)
+        if (m_merged.conflicts.size() == removal.conflicts) {
             m_merged.conflicts.push_back({m_path, {}, {}, {}});
+        }
         if (removal.preferred) m_builder.erase(node);
     }
 
