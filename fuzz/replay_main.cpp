@@ -1,5 +1,5 @@
 // The main of a fuzz target that isn't built with libFuzzer: runs it on each file of the command line, or of
-// the target's own folder of seeds.
+// the folder of seeds that has its program's name.
 
 #include "fuzz_support.h"
 #include <algorithm>
@@ -13,9 +13,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::vector<fs::path> seeds() {
+std::vector<fs::path> seeds_of(const fs::path& program) {
     std::vector<fs::path> files;
-    for (const auto& entry : fs::directory_iterator(PM_FUZZ_SEEDS)) {
+    for (const auto& entry : fs::directory_iterator(fs::path(PM_FUZZ_SEEDS) / program.filename())) {
         if (entry.is_regular_file()) files.push_back(entry.path());
     }
     std::sort(files.begin(), files.end());
@@ -36,7 +36,7 @@ bool replay(const fs::path& file) {
 } // namespace
 
 int main(int argc, char** argv) {
-    const std::vector<fs::path> files = argc > 1 ? std::vector<fs::path>(argv + 1, argv + argc) : seeds();
+    const std::vector<fs::path> files = argc > 1 ? std::vector<fs::path>(argv + 1, argv + argc) : seeds_of(argv[0]);
     const auto replayed = std::count_if(files.begin(), files.end(), replay);
     std::printf("%td of %zu files replayed\n", replayed, files.size());
     return replayed > 0 && static_cast<std::size_t>(replayed) == files.size() ? 0 : 1;
