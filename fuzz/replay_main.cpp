@@ -36,7 +36,8 @@ bool replay(const fs::path& file) {
 } // namespace
 
 int main(int argc, char** argv) {
-    const std::vector<fs::path> files = argc > 1 ? std::vector<fs::path>(argv + 1, argv + argc) : seeds_of(argv[0]);
+    const std::vector<fs::path> files =
+        argc > 1 ? std::vector<fs::path>(argv + 1, argv + argc) : seeds_of(argv[0]);
     const auto replayed = std::count_if(files.begin(), files.end(), replay);
     std::printf("%td of %zu files replayed\n", replayed, files.size());
     return replayed > 0 && static_cast<std::size_t>(replayed) == files.size() ? 0 : 1;
