@@ -52,6 +52,15 @@ void Checker::silent(Setting& setting, std::string description_path, std::string
                         "The description tells no " + std::string(what) + '.'});
 }
 
+void Checker::without_choice(Setting& setting, std::string_view choice, std::string_view default_path,
+                             std::string_view what) {
+    const Setting* const made = chosen(choice, default_path);
+    if (made == nullptr) return silent(setting, device.path(default_path), "default " + std::string(what));
+    if (!made->is_default()) return leave(setting);
+    silent(setting, device.path(default_path),
+           std::string(what) + ' ' + quoted(made->as_name()) + ", which is its default");
+}
+
 void Checker::unreadable(Setting& setting, std::string_view wanted) {
     look(setting, {}, "unspoken");
     unspoken.push_back({"unspoken",

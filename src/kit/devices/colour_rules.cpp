@@ -102,7 +102,7 @@ void check_resolution_name(Checker& check, Setting& setting) {
         if (check.device.modes.empty()) {
             check.silent(setting, check.device.path(mode_list), "colour modes");
         } else if (setting.key.empty()) {
-            Checker::leave(setting);
+            check.without_choice(setting, "mode", default_mode, "colour mode");
         } // else nothing speaks of it
         return;
     }
@@ -228,11 +228,28 @@ const DeviceResolution* keyed_resolution(const Device& device, std::string_view 
                                                             : nullptr;
 }
 
+// What names neither its resolution nor has one that is chosen. Of a resolution of its own that isn't there
+// nothing speaks.
+void answer_without_resolution(Checker& check, Setting& setting) {
+    if (!setting.key.empty()) return;
+    const auto chosen = chosen_resolution(check);
+    if (chosen.setting != nullptr) return Checker::leave(setting);
+    if (check.device.modes.empty()) {
+        check.silent(setting, check.device.path(mode_list), "colour modes");
+    } else if (chosen.mode == nullptr) {
+        check.without_choice(setting, "mode", default_mode, "colour mode");
+    } else {
+        const std::string& name = chosen.mode->default_resolution;
+        check.silent(setting, chosen.mode->path + "\\default_resolution",
+                     name.empty() ? "default resolution of this colour mode"
+                                  : "resolution " + quoted(name) + ", which is its default");
+    }
+}
+
 void check_memory_name(Checker& check, Setting& setting) {
     const DeviceResolution* resolution = setting.key.empty() ? chosen_resolution(check).resolution
                                                              : keyed_resolution(check.device, setting.key);
-    if (resolution == nullptr && setting.key.empty()) return Checker::leave(setting);
-    if (resolution == nullptr) return; // nothing speaks of it
+    if (resolution == nullptr) return answer_without_resolution(check, setting);
     const std::string list = resolution->path + "\\mem_area";
     const Named* item = resolution->memory.find(setting.as_name());
     const MemoryArea* area = item != nullptr ? check.device.memory.find(item->name) : nullptr;

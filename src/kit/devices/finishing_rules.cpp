@@ -28,10 +28,8 @@ Output output_of(Checker& check, const Setting& setting) {
 void answer_without_destination(Checker& check, Setting& setting) {
     if (check.device.destinations.empty()) {
         check.silent(setting, check.device.path("\\media\\destination"), "media destinations");
-    } else if (setting.key.empty() && check.chosen("destination", default_destination) == nullptr) {
-        check.silent(setting, check.device.path(default_destination), "default destination");
     } else if (setting.key.empty()) {
-        Checker::leave(setting);
+        check.without_choice(setting, "destination", default_destination, "destination");
     }
 }
 

@@ -58,9 +58,18 @@ std::vector<Offer> sources_for(const Device& device, const MediaSource& first, s
     return own;
 }
 
+// Of a source of its own that isn't there another rule tells.
+void answer_without_source(Checker& check, Setting& setting) {
+    if (!setting.key.empty()) return Checker::leave(setting);
+    if (!check.device.sources.empty()) {
+        return check.without_choice(setting, "source", default_source, "media source");
+    }
+    check.silent(setting, check.device.path("\\media\\source"), "media sources");
+}
+
 void check_loaded_entry(Checker& check, Setting& setting) {
     const MediaSource* source = source_of(check, setting);
-    if (source == nullptr) return Checker::leave(setting);
+    if (source == nullptr) return answer_without_source(check, setting);
     const std::string list = source->path + "\\entry";
     if (source->entries.empty()) return check.silent(setting, list, "entries of this source");
     if (const auto* entry = source->entries.find(setting.as_name())) return check.pass(setting, entry->path);
@@ -72,7 +81,7 @@ void check_loaded_entry(Checker& check, Setting& setting) {
 
 void check_feed(Checker& check, Setting& setting) {
     const MediaSource* source = source_of(check, setting);
-    if (source == nullptr) return Checker::leave(setting);
+    if (source == nullptr) return answer_without_source(check, setting);
     const std::string path = source->path + "\\feed";
     if (!source->feed) return check.silent(setting, path, "feed of this source");
     const auto asked = integer_of(setting.number);
@@ -88,7 +97,7 @@ void check_feed(Checker& check, Setting& setting) {
 
 void check_loaded_width(Checker& check, Setting& setting) {
     const MediaSource* source = source_of(check, setting);
-    if (source == nullptr) return Checker::leave(setting);
+    if (source == nullptr) return answer_without_source(check, setting);
     const SourceEntry* entry = entry_in(check, *source);
     if (entry == nullptr && loaded_in(check, *source) == nullptr) {
         return check.silent(setting, source->path + "\\default_entry", "default entry of this source");

@@ -308,7 +308,10 @@ TEST(Resolution, ByNameWithoutAModeIsOneOfTheChosen) {
           {},
           {},
           {"passed \\dpi @ \\res_color_mem\\rcm_list\\Mono\\resolution_list\\300_dpi"}},
-         {{{"\\dpi", text("300 dpi")}}, {default_mode}, {}, {}}},
+         {{{"\\dpi", text("300 dpi")}},
+          {default_mode},
+          {},
+          {"unspoken \\dpi @ \\res_color_mem\\default_name"}}},
         {.map = &map});
     expect_said("memory",
                 {{{{"\\dpi", text("1200 dpi")}, {installed, 64}},
@@ -479,7 +482,10 @@ TEST(Memory, ByNameWithoutAResolutionIsOneOfTheChosen) {
           {},
           {"error \\memory = Small @ \\res_color_mem\\rcm_list\\Colour\\resolution_list\\1200_dpi\\mem_area "
            "= : The resolution \"1200_dpi\" doesn't go with the memory \"Small\". (256, 256 MB)"}},
-         {{{"\\memory", text("Small")}}, {default_mode}, {}, {}},
+         {{{"\\memory", text("Small")}},
+          {default_mode},
+          {},
+          {"unspoken \\memory @ \\res_color_mem\\default_name"}},
          {{{"\\of\\Colour", text("Small")}}, {}, {}, {}}},
         {.map = &map});
 }

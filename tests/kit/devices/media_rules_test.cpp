@@ -195,7 +195,11 @@ TEST(MediaLoaded, IsThatOfTheChosenSourceWhereThePathTellsNone) {
                   {"error \\feed = 3 @ \\media\\source\\Tray\\feed = 2: The source \"Tray\" (Fach) has "
                    "another feed. (2, SheetFeeder)",
                    "passed \\paper @ \\media\\source\\Tray\\entry\\Sheet"}},
-                 {{{"\\paper", text("Narrow")}, {"\\feed", 3}, {"\\width", 210}}, {source}, {}, {}},
+                 {{{"\\paper", text("Narrow")}, {"\\feed", 3}, {"\\width", 210}},
+                  {source},
+                  {},
+                  {"unspoken \\paper @ \\media\\default_source", "unspoken \\feed @ \\media\\default_source",
+                   "unspoken \\width @ \\media\\default_source"}},
                  {{{"\\paper", text("Narrow")}, {"\\media\\source\\Tray\\width", 297}},
                   {},
                   {},

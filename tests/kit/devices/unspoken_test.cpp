@@ -25,7 +25,7 @@ std::string shown(const pm::Value& value) {
     return std::get<std::string>(value);
 }
 
-void expect_silences(std::initializer_list<Silence> rows) {
+void expect_silences(std::initializer_list<Silence> rows, const pm::kit::CompatibilityOptions& options = {}) {
     for (const Silence& row : rows) {
         pm::Tree device = small_device();
         if (row.gone != nullptr) device.erase(row.gone);
@@ -34,7 +34,7 @@ void expect_silences(std::initializer_list<Silence> rows) {
         const Lines expected{std::string("warning ") + row.asked[0].first + " = " +
                              shown(row.asked[0].second) + " @ " + told.substr(0, cut) +
                              " = : The description tells no " + told.substr(cut + 2) + "."};
-        EXPECT_EQ(answer_of("unspoken", tree_of(row.asked), device).findings, expected);
+        EXPECT_EQ(answer_of("unspoken", tree_of(row.asked), device, options).findings, expected);
     }
 }
 
@@ -239,6 +239,57 @@ TEST(Silence, OfADefaultIsUnspoken) {
          "\\media\\source\\Roll\\default_entry",
          "\\media\\source\\Roll\\default_entry: default entry of this source"},
     });
+}
+
+TEST(Silence, OfADefaultThatTheDescriptionHasNotIsUnspoken) {
+    const char* const basket = "\\media\\destination\\Basket";
+    const char* const none = "\\media\\default_destination: destination \"Basket\", which is its default";
+    expect_silences({{{{"\\media\\finishing\\cutting", text("Pages")}}, basket, none},
+                     {{{"\\media\\finishing\\collate", true}}, basket, none}});
+}
+
+TEST(Silence, OfTheChoiceOfWhatNamesNoneIsUnspoken) {
+    const auto map = pm::kit::load_map(R"({"settings": [
+        {"setting": "loaded", "path": "\\loaded"}, {"setting": "feed", "path": "\\feed"},
+        {"setting": "loaded_width", "path": "\\width"}, {"setting": "memory_area", "path": "\\memory"},
+        {"setting": "resolution", "path": "\\dots"}]})");
+    const Item memory{"\\memory", text("Small")};
+    const Item dots{"\\dots", text("600_dpi")};
+    const char* const mode = "\\res_color_mem\\rcm_list\\Colour";
+    const char* const no_mode = "\\res_color_mem\\default_name: default colour mode";
+    const char* const mode_gone =
+        "\\res_color_mem\\default_name: colour mode \"Colour\", which is its default";
+    expect_silences({{{{"\\loaded", text("Wide")}},
+                      "\\media\\default_source",
+                      "\\media\\default_source: default media source"},
+                     {{{"\\feed", 3}},
+                      "\\media\\source\\Roll",
+                      "\\media\\default_source: media source \"Roll\", which is its default"},
+                     {{{"\\width", 300}}, "\\media\\source", "\\media\\source: media sources"},
+                     {{memory}, "\\res_color_mem\\default_name", no_mode},
+                     {{memory}, mode, mode_gone},
+                     {{memory}, "\\res_color_mem\\rcm_list", "\\res_color_mem\\rcm_list: colour modes"},
+                     {{memory},
+                      "\\res_color_mem\\rcm_list\\Colour\\default_resolution",
+                      "\\res_color_mem\\rcm_list\\Colour\\default_resolution: default resolution of this "
+                      "colour mode"},
+                     {{memory},
+                      "\\res_color_mem\\rcm_list\\Colour\\resolution_list\\600_dpi",
+                      "\\res_color_mem\\rcm_list\\Colour\\default_resolution: resolution \"600_dpi\", which "
+                      "is its default"},
+                     {{dots}, "\\res_color_mem\\default_name", no_mode},
+                     {{dots}, mode, mode_gone}},
+                    {.map = &map});
+}
+
+// The choice is what is found.
+TEST(Silence, OfWhatTheConfigurationChoosesIsNotTold) {
+    const auto map = pm::kit::load_map(R"({"settings": [{"setting": "memory_area", "path": "\\memory"}]})");
+    const pm::Tree asked = tree_of({{"\\memory", text("Small")}, {"\\res_color_mem\\resolution_x", 7}});
+    EXPECT_EQ(answer_of("unspoken", asked, small_device(), {.map = &map}).findings, Lines());
+    EXPECT_EQ(found("unspoken", {{"\\media\\finishing\\cutting", text("Pages")},
+                                 {"\\media\\default_destination", text("Bin")}}),
+              Lines());
 }
 
 // Below an item that the description hasn't.
