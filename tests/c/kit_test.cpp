@@ -307,6 +307,24 @@ TEST_F(CCompatibility, TellsFindingsAsJson) {
     EXPECT_NE(findings(&options).find("\"looks\""), std::string::npos);
 }
 
+TEST_F(CCompatibility, ComparesTheNodeOfTheConfigurationThatItIsToldByTheMapThatItIsGiven) {
+    configuration = c_tree();
+    ASSERT_EQ(pm9_tree_set_string(configuration.get(), "\\here\\paper", PM9_Z, "A17", PM9_Z, nullptr),
+              PM9_OK);
+    ASSERT_EQ(pm9_tree_set_string(configuration.get(), "\\there\\paper", PM9_Z, "A18", PM9_Z, nullptr),
+              PM9_OK);
+    pm9_compatibility_options options{};
+    options.size = sizeof options;
+    options.owner = -1;
+    options.configuration_base = "\\here, and no more";
+    options.configuration_base_length = std::string_view("\\here").size();
+    options.map = R"({"replace": true, "settings": [{"setting": "size", "path": "\\paper"}]})";
+    options.map_length = PM9_Z;
+    const std::string told = findings(&options);
+    EXPECT_NE(told.find("The device has no media size \\\"A17\\\"."), std::string::npos) << told;
+    EXPECT_EQ(told.find("A18"), std::string::npos) << told;
+}
+
 TEST_F(CCompatibility, RefusesWhatIsNoDescriptionAndNoMap) {
     char* text = nullptr;
     std::size_t length = 0;

@@ -139,6 +139,15 @@ TEST(PiaLosses, NamesThatTextCannotHold) {
     EXPECT_THAT(losses("set \\1st long 1\nset \\2nd\\p long 1\nset \\x{ long 3", {}), IsEmpty());
 }
 
+TEST(PiaLosses, WhatComesBackElsewhereIsThatOfOnePropertyAlone) {
+    const std::string moved = "set \\x{y\\z long 1\n";
+    const std::string renamed = "set \\x\\\u0416 long 1\n";
+    const char* const told[] = {"\\x{y\\z: moved: it comes back in another place: \\x\\z",
+                                "\\x\\\u0416: renamed: it comes back under another name: \\x\\?"};
+    EXPECT_THAT(losses(moved + renamed, {}), ElementsAre(told[0], told[1]));
+    EXPECT_THAT(losses(renamed + moved, {}), ElementsAre(told[1], told[0]));
+}
+
 TEST(PiaLosses, WhatTheFormatHasNoFormFor) {
     EXPECT_THAT(losses("set \\e\\f\\\nset \\g\\p long 1", {}),
                 ElementsAre("\\e\\f\\: lost: a node in which there is nothing isn't read back"));
