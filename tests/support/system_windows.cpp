@@ -9,6 +9,7 @@
 #include <mutex>
 #include <new>
 #include <stdexcept>
+#include <system_error>
 #include <windows.h>
 
 namespace pm::test {
@@ -90,7 +91,7 @@ std::wstring command_line(const ProgramRun& run) {
     return line;
 }
 
-// The process, or null. A child inherits all that may be inherited just then; so one is started at a time.
+// The process. A child inherits all that may be inherited just then; so one is started at a time.
 HANDLE start_program(const ProgramRun& run) {
     static std::mutex starting;
     const std::lock_guard lock(starting);
@@ -108,7 +109,8 @@ HANDLE start_program(const ProgramRun& run) {
     const wchar_t* folder = run.folder.empty() ? nullptr : run.folder.c_str();
     if (CreateProcessW(run.program.c_str(), command_line(run).data(), nullptr, nullptr, TRUE, 0, nullptr,
                        folder, &start, &child) == FALSE) {
-        return nullptr;
+        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(),
+                                "can't start " + run.program.string());
     }
     CloseHandle(child.hThread);
     return child.hProcess;
@@ -168,7 +170,6 @@ Silence::~Silence() {
 
 int run_program(const ProgramRun& run) {
     HANDLE process = start_program(run);
-    if (process == nullptr) return -1;
     WaitForSingleObject(process, INFINITE);
     DWORD status = 0;
     GetExitCodeProcess(process, &status);
