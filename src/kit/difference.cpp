@@ -286,7 +286,7 @@ bool identical(const Tree& first, const Tree& second) {
 }
 
 std::string difference_text(const Difference& difference) {
-    const std::string path = printable(difference.path);
+    const std::string path = printable_text(difference.path);
     const auto entry = [&path](char mark, const std::optional<Stored>& value) {
         return value ? fmt::format("{} {}: {}", mark, path, value_text(*value))
                      : fmt::format("{} {}", mark, path);

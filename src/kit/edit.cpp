@@ -42,7 +42,7 @@ public:
 
 private:
     [[noreturn]] void fail(std::string_view path, std::string_view message) const {
-        throw Error(fmt::format("{}: {}", printable(path), message), m_edit.line);
+        throw Error(fmt::format("{}: {}", printable_text(path), message), m_edit.line);
     }
 
     void set(const std::string& path) {
@@ -202,7 +202,7 @@ void apply_edit(Tree& tree, const Edit& edit) {
     } catch (const PM_Warning& e) {
         if (e.m_number != PM_ERR_BAD_PATH) throw;
         throw Error(fmt::format("{}: no path can be so: its names hold a zero, or are more than 256",
-                                printable(edit.target.empty() ? edit.path : edit.target)),
+                                printable_text(edit.target.empty() ? edit.path : edit.target)),
                     edit.line);
     }
 }

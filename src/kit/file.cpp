@@ -13,6 +13,7 @@
 #include <pm/exception.h>
 #include <pm/kit/error.h>
 #include <pm/kit/file.h>
+#include <pm/kit/stored.h>
 #include <set>
 #include <sstream>
 
@@ -138,14 +139,14 @@ void name_nodes(std::vector<Section>& sections) {
 std::string names_of(const std::vector<Section>& sections) {
     std::string names;
     for (const Section& section : sections) {
-        names += (names.empty() ? "" : ", ") + printable(section.name);
+        names += (names.empty() ? "" : ", ") + printable_text(section.name);
     }
     return names.empty() ? "none" : names;
 }
 
 [[noreturn]] void refuse_section(const FileContent& content, const Input& input, const char* what) {
     throw Error(fmt::format("{}: there is no {} {}; there are: {}", input.file, what,
-                            printable(input.section), names_of(content.sections)));
+                            printable_text(input.section), names_of(content.sections)));
 }
 
 bool has_section(const std::vector<Section>& sections, std::string_view name) {

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <pm/kit/error.h>
 #include <pm/kit/json.h>
+#include <pm/kit/stored.h>
 #include <unordered_set>
 #include <utility>
 #include <variant>
@@ -173,7 +174,7 @@ public:
         const std::size_t column = text.find("column ");
         const std::size_t reason =
             column != std::string_view::npos ? text.find(": ", column) : text.find("] ");
-        fail("this isn't JSON: " + printable(text.substr(reason + 2)));
+        fail("this isn't JSON: " + printable_text(text.substr(reason + 2)));
     }
 
     const ReadNode& root() const { return *m_root; }

@@ -29,7 +29,7 @@ std::string side_text(const std::optional<Stored>& stored) {
 
 std::string place_text(const Place& place) {
     std::string text;
-    if (!place.section.empty()) text += fmt::format("section {}, ", printable(place.section));
+    if (!place.section.empty()) text += fmt::format("section {}, ", printable_text(place.section));
     if (place.line != 0) text += fmt::format("line {}, ", place.line);
     return text;
 }
@@ -45,14 +45,14 @@ Loss loss_of(const Diagnostic& diagnostic) {
 Loss loss_of(const FileReport& report) {
     Loss loss;
     loss.kind = LossKind::source;
-    if (!report.section.empty()) loss.reason = fmt::format("section {}, ", printable(report.section));
+    if (!report.section.empty()) loss.reason = fmt::format("section {}, ", printable_text(report.section));
     const std::string text = error_text(report.number);
     loss.reason +=
         text.empty() ? fmt::format("error {}", report.number) : fmt::format("{} ({})", text, report.number);
     std::string_view detail =
         report.detail.empty() && report.number == PM_ERR_UNKNOWN_VALUE ? report.place : report.detail;
     if (detail.starts_with('\n')) detail.remove_prefix(1);
-    if (!detail.empty()) loss.reason += ": " + printable(detail);
+    if (!detail.empty()) loss.reason += ": " + printable_text(detail);
     return loss;
 }
 
@@ -109,9 +109,9 @@ std::string_view loss_name(LossKind kind) noexcept {
 }
 
 std::string loss_text(const Loss& loss) {
-    std::string text = loss.path.empty() ? std::string() : printable(loss.path) + ": ";
+    std::string text = loss.path.empty() ? std::string() : printable_text(loss.path) + ": ";
     text += fmt::format("{}: {}", loss_name(loss.kind), loss.reason);
-    if (!loss.new_path.empty()) text += ": " + printable(loss.new_path);
+    if (!loss.new_path.empty()) text += ": " + printable_text(loss.new_path);
     const bool same = loss.kind == LossKind::renamed || loss.kind == LossKind::moved;
     if (!same && (loss.before || loss.after)) {
         text += fmt::format(": {} -> {}", side_text(loss.before), side_text(loss.after));

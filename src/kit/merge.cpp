@@ -216,7 +216,7 @@ Merged merge(const Tree& base, const Tree& first, const Tree& second, Prefer pre
 }
 
 std::string conflict_text(const Conflict& conflict) {
-    const std::string path = printable(conflict.path);
+    const std::string path = printable_text(conflict.path);
     if (conflict.path.ends_with('\\')) {
         return fmt::format("{}: removed on one side, changed on the other", path);
     }

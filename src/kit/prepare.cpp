@@ -11,6 +11,7 @@
 #include <pm/inspect.h>
 #include <pm/kit/error.h>
 #include <pm/kit/loss.h>
+#include <pm/kit/stored.h>
 #include <sstream>
 #include <unordered_map>
 
@@ -242,7 +243,7 @@ Prepared prepare(const Tree& intended, const WriteOptions& options) {
             fmt::format("{} files are read only; pia, dpia and doc are written", format_name(options.type)));
     }
     const std::optional<Node> top = intended.node(options.subtree);
-    if (!top) throw Error(fmt::format("{}: there is no such node", printable(options.subtree)));
+    if (!top) throw Error(fmt::format("{}: there is no such node", printable_text(options.subtree)));
     const ScopedCodePage code_page(options.code_page);
     Prepared prepared;
     std::vector<Loss> unwritten;

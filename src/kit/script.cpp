@@ -5,6 +5,7 @@
 #include <pm/kit/edit.h>
 #include <pm/kit/error.h>
 #include <pm/kit/pattern.h>
+#include <pm/kit/stored.h>
 
 namespace pm::kit {
 
@@ -16,10 +17,9 @@ constexpr std::string_view loose_word = "loose";
 // Whether a path needs no quotes.
 bool is_bare(std::string_view path) {
     if (path.empty() || path.front() == '"' || path.front() == '#') return false;
-    const std::u16string units = to_utf16(path);
-    return to_utf8(units) == path && std::ranges::none_of(units, [](char16_t unit) {
-               return unit <= u' ' || unit == 0x7F || (unit >= 0xD800 && unit <= 0xDFFF) || unit == u'\xFEFF';
-           });
+    constexpr std::string_view byte_order_mark = "\uFEFF";
+    return path.find(' ') == std::string_view::npos && path.find(byte_order_mark) == std::string_view::npos &&
+           printable_text(path) == path;
 }
 
 std::string path_word(std::string_view path) {

@@ -162,6 +162,24 @@ std::optional<Stored> parse_stored_form(TextReader& reader, std::string_view wor
     reader.fail_at(position, "bytes asks for an even number of hexadecimal digits");
 }
 
+bool is_surrogate(char32_t code) {
+    return code >= 0xD800 && code <= 0xDFFF;
+}
+
+// What nobody sees and a terminal obeys: control characters of both sets, the ends of lines and paragraphs,
+// and what turns the direction of writing.
+bool is_unseen(char32_t code) {
+    if (code >= 0x20 && code < 0x7F) return false;
+    constexpr std::pair<char32_t, char32_t> ranges[] = {{0, 0x1F},        {0x7F, 0x9F},     {0x061C, 0x061C},
+                                                        {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}};
+    return std::ranges::any_of(
+        ranges, [&](const auto& range) { return code >= range.first && code <= range.second; });
+}
+
+std::string byte_text(char32_t byte) {
+    return fmt::format("\\x{:02X}", static_cast<unsigned>(byte));
+}
+
 } // namespace
 
 Stored stored(const Property& property) {
@@ -230,6 +248,24 @@ Stored parse_value(std::string_view text, PropType type) {
     return make_stored(parse_word(reader, text, 0, type));
 }
 
+std::string printable_text(std::string_view text) {
+    std::u16string units = to_utf16(text);
+    const bool is_utf8 = to_utf8(units) == text;
+    if (!is_utf8) units = file_name_to_utf16(text); // which has units for bytes that are none
+    std::string out;
+    for (std::size_t at = 0; at < units.size();) {
+        const char32_t code = detail::next_code_point(units, at);
+        if (is_surrogate(code)) {
+            out += is_utf8 ? "\uFFFD" : byte_text(code & 0xFF);
+        } else if (is_unseen(code)) {
+            out += code <= 0xFF ? byte_text(code) : fmt::format("\\u{:04X}", static_cast<unsigned>(code));
+        } else {
+            detail::append_utf8(code, out);
+        }
+    }
+    return out;
+}
+
 std::string quoted_text(std::string_view text) {
     constexpr std::string_view short_forms = "btnvfr"; // of 8 to 13
     const std::u16string units = to_utf16(text);
@@ -240,7 +276,7 @@ std::string quoted_text(std::string_view text) {
             (out += '\\') += static_cast<char>(code);
         } else if (code >= 8 && code <= 13 && code != 11) {
             (out += '\\') += short_forms[code - 8];
-        } else if (code < 0x20 || code == 0x7F || (code >= 0xD800 && code <= 0xDFFF)) {
+        } else if (is_unseen(code) || is_surrogate(code)) {
             out += fmt::format("\\u{:04x}", static_cast<unsigned>(code));
         } else {
             detail::append_utf8(code, out);

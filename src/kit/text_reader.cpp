@@ -125,20 +125,6 @@ std::optional<Bytes> parse_hex(std::string_view digits) {
     return bytes;
 }
 
-std::string printable(std::string_view text) {
-    const std::u16string units = to_utf16(text);
-    std::string out;
-    for (std::size_t at = 0; at < units.size();) {
-        const char32_t code = detail::next_code_point(units, at);
-        if (code < 0x20 || code == 0x7F) {
-            out += fmt::format("\\x{:02X}", static_cast<unsigned>(code));
-        } else {
-            detail::append_utf8(code >= 0xD800 && code <= 0xDFFF ? U'\uFFFD' : code, out);
-        }
-    }
-    return out;
-}
-
 std::string double_text(double number) {
     std::string text = fmt::format("{}", number);
     if (std::isfinite(number) && text.find_first_of(".e") == std::string::npos) text += ".0";

@@ -52,7 +52,4 @@ std::optional<Bytes> parse_hex(std::string_view digits);
 // The shortest text that reads back to the same number; always with a "." or an exponent, if it is finite.
 std::string double_text(double number);
 
-// For the eye: control characters as \xNN, unpaired surrogates as U+FFFD.
-std::string printable(std::string_view text);
-
 } // namespace pm::kit

@@ -41,6 +41,32 @@ TEST(ValueText, UnpairedSurrogateIsEscaped) {
     EXPECT_EQ("string \"\\ud800x\"", text_of(to_utf8(u"\xD800x")));
 }
 
+TEST(QuotedText, EscapesWhatATerminalObeysAndWhatNobodySees) {
+    EXPECT_EQ("\"\\u001b[2J\\u009b31m\\u007f\\u0080\u00A0\"", quoted_text("\x1B[2J\xC2\x9B"
+                                                                          "31m\x7F\xC2\x80\xC2\xA0"));
+    EXPECT_EQ("\"a\\u202eb\\u2066c\\u2069\\u200e\\u200f\\u061c\\u2028\"",
+              quoted_text("a\u202Eb\u2066c\u2069\u200E\u200F\u061C\u2028"));
+}
+
+TEST(QuotedText, ReadsBackWhateverItEscapes) {
+    for (char16_t unit = 1; unit < 0xFFFF; ++unit) {
+        const std::string text = to_utf8(std::u16string(1, unit));
+        const auto value = exact_value(parse_value("string " + quoted_text(text)));
+        ASSERT_EQ(text, std::get<std::string>(value.value())) << static_cast<unsigned>(unit);
+    }
+}
+
+TEST(PrintableText, IsOneLineThatNoTerminalObeys) {
+    EXPECT_EQ("a\\x1B[2J\\x0A\\x9B\\x7F b", printable_text("a\x1B[2J\n\xC2\x9B\x7F b"));
+    EXPECT_EQ("\\u202Etxt.exe\\u2069\\u2028", printable_text("\u202Etxt.exe\u2069\u2028"));
+    EXPECT_EQ("B\u00FCro \u0416 \U0001F600 \\n", printable_text("B\u00FCro \u0416 \U0001F600 \\n"));
+}
+
+TEST(PrintableText, ShowsTheBytesThatAreNoUtf8AndUnpairedSurrogatesAsReplaced) {
+    EXPECT_EQ("B\\xFCro \u00E4 \\x9B", printable_text("B\xFCro \u00E4 \x9B"));
+    EXPECT_EQ("\uFFFDx\uFFFD", printable_text(to_utf8(u"\xD800x\xDC9B")));
+}
+
 TEST(ValueText, WhatNoValueTellsShowsItsBytes) {
     EXPECT_EQ("string bytes 616200", bytes_text(PROP_STRING, "ab", 3));
     EXPECT_EQ("string bytes 6100", bytes_text(PROP_STRING, "a", 2));

@@ -40,6 +40,32 @@ TEST_F(PmToolShell, ColoursGoToATerminalAlone) {
     EXPECT_EQ("b: string = \"tttttt\xE2\x80\xA6\r\n", on_terminal("NO_COLOR=1"));
 }
 
+TEST_F(PmToolShell, ValueThatATerminalWouldObeyIsShownThere) {
+    folder.write("a.pia", "PIAFILEVERSION_2.0,\r\nb=\"x\x1B]0;y\x07z\n");
+    const std::string line = "cd '" + folder.path().string() +
+                             "' && script -qec \"'" PMTOOL "' get a.pia b\" /dev/null > out 2>&1 < /dev/null";
+    EXPECT_EQ(0, std::system(line.c_str()));
+    EXPECT_EQ("x\\x1B]0;y\\x07z\r\n", folder.read("out"));
+    expect_output({"get", "a.pia", "b"}, "x\x1B]0;y\x07z\n");
+}
+
+TEST_F(PmToolShell, FileNameIsPartOfALineWhateverItHolds) {
+    const std::string name = "a\x1B[2J\nb.pia";
+    const std::string shown = "a\\x1B[2J\\x0Ab.pia";
+    folder.write(name, "PIAFILEVERSION_2.0,\r\nb\n");
+    expect_no({"check", name}, shown +
+                                   ":2:1: error: \"b\" is no property, no node and no comment. [bad-line] "
+                                   "(error 57)\n");
+    expect_trouble({"tree", name}, shown +
+                                       ":2: The line isn't valid (error 57): b; all bad lines are listed by: "
+                                       "pmtool check");
+    folder.write(name, "PIAFILEVERSION_2.0,\r\nb=1\n");
+    expect_output({"check", name}, shown + ": no bad lines\n");
+    expect_output({"diff", name, name}, shown + " and " + shown + " hold equal trees.\n");
+    EXPECT_TRUE(run({"identify", name}).out.starts_with(shown + ": pia (")) << run({"identify", name}).out;
+    expect_trouble({"tree", "none\n"}, "none\\x0A: The file doesn't exist (error 63)");
+}
+
 TEST_F(PmToolShell, LongWorkIsShownOnATerminal) {
     const auto on_terminal = [&](const std::string& seconds, const std::string& words) {
         const std::string command = "cd '" + folder.path().string() +

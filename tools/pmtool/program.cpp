@@ -63,7 +63,7 @@ void add_verbs(Commands& commands, const std::vector<std::string>& words) {
 
 int trouble(const std::string& text, int status = exit_trouble) {
     std::fflush(stdout);
-    fmt::print(stderr, "pmtool: {}\n", text);
+    complain(text);
     return status;
 }
 

@@ -239,7 +239,7 @@ Source read_one_tree(const SourceOptions& options, Damage damage) {
 
 void tell_dropped(const Source& source) {
     for (const std::string& line : source.dropped) {
-        fmt::print(stderr, "pmtool: dropped: {}\n", line);
+        complain("dropped: " + line);
     }
 }
 

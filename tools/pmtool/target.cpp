@@ -45,7 +45,7 @@ kit::Prepared prepare(const Writing& writing, const TargetOptions& options) {
 }
 
 void tell(const std::string& file, std::string_view kind, const std::string& text) {
-    fmt::print(stderr, "pmtool: {}: {}{}\n", file, kind, text);
+    complain(fmt::format("{}: {}{}", file, kind, text));
 }
 
 std::string plural(std::size_t count, std::string_view word) {

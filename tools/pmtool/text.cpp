@@ -1,7 +1,9 @@
 #include "text.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <fmt/format.h>
+#include <new>
 #include <pm/kit/stored.h>
 #include <pm/text.h>
 
@@ -46,17 +48,23 @@ std::string shown(std::u16string_view text) {
 }
 
 std::string printable(std::string_view text) {
+    return pm::kit::printable_text(text.substr(0, text.find_last_not_of(white_space) + 1));
+}
+
+std::string printable_lines(std::string_view text) {
     std::string out;
-    text = text.substr(0, text.find_last_not_of(white_space) + 1);
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 || byte == 0x7F) {
-            out += fmt::format("\\x{:02X}", byte);
-        } else {
-            out += c;
-        }
+    while (!text.empty()) {
+        const bool is_ended = text.find('\n') != std::string_view::npos;
+        out += pm::kit::printable_text(take_line(text));
+        if (is_ended) out += '\n';
     }
     return out;
+}
+
+void complain(std::string_view line) try {
+    fmt::print(stderr, "pmtool: {}\n", pm::kit::printable_text(line));
+} catch (const std::bad_alloc&) {
+    std::fputs("pmtool: there is not enough memory\n", stderr);
 }
 
 std::string in_quotes(std::string_view text) {

@@ -8,8 +8,14 @@ namespace pmtool {
 // As UTF-8 that is always valid: an unpaired surrogate is shown as U+FFFD.
 std::string shown(std::u16string_view text);
 
-// One line for display: trailing white space is dropped, control characters are shown as \xNN.
+// One line for display: trailing white space is dropped, the rest as kit::printable_text() has it.
 std::string printable(std::string_view text);
+
+// The same line by line, with what ends the lines.
+std::string printable_lines(std::string_view text);
+
+// A line on standard error, behind the program's name. A file's name can't make it more than that.
+void complain(std::string_view line);
 
 // In double quotes, with quotes, backslashes and control characters escaped as in JSON.
 std::string in_quotes(std::string_view text);

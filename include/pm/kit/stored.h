@@ -50,8 +50,13 @@ struct Stored {
 [[nodiscard]] PM_KIT_API Stored parse_value(std::string_view text, PropType type);
 
 // A text in double quotes as JSON has it, on one line; never fails: what isn't UTF-8 becomes U+FFFD, an
-// unpaired surrogate "\ud800".
+// unpaired surrogate "\ud800", and what printable_text() doesn't show as it is "\u001b".
 [[nodiscard]] PM_KIT_API std::string quoted_text(std::string_view text);
+
+// A text for the eye, on one line: what a terminal takes for a command, ends a line or turns the direction of
+// writing as "\x1B" or "\u202E", a byte that isn't part of UTF-8 as "\xE4", an unpaired surrogate as U+FFFD.
+// All else, backslashes too, is as it was: what comes out can't be read back.
+[[nodiscard]] PM_KIT_API std::string printable_text(std::string_view text);
 
 // Exactly this, whatever was at the path: nodes that are missing are made, a property that is there keeps its
 // place and takes type, strictness and bytes. "*" in the path is ordinary. Throws as pm::put_property().

@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 #include <memory>
 #include <pm/kit/check.h>
+#include <pm/kit/stored.h>
 #include <system_error>
 
 namespace pmtool {
@@ -30,8 +31,8 @@ struct CheckOptions {
 };
 
 std::string place_text(const kit::Place& place) {
-    std::string text = place.file;
-    if (!place.section.empty()) text += fmt::format("[{}]", place.section);
+    std::string text = kit::printable_text(place.file);
+    if (!place.section.empty()) text += fmt::format("[{}]", kit::printable_text(place.section));
     if (place.line != 0) text += fmt::format(":{}", place.line);
     if (place.column != 0) text += fmt::format(":{}", place.column);
     return text;
@@ -103,7 +104,7 @@ void tell_trouble(const kit::Diagnostic& diagnostic) {
     std::string_view message = diagnostic.message;
     if (message.ends_with('.')) message.remove_suffix(1);
     const std::string number = diagnostic.number == 0 ? "" : fmt::format(" (error {})", diagnostic.number);
-    fmt::print(stderr, "pmtool: {}: {}{}\n", place_text(diagnostic.place), message, number);
+    complain(fmt::format("{}: {}{}", place_text(diagnostic.place), message, number));
 }
 
 bool counts(const CheckOptions& options, const kit::Diagnostic& diagnostic) {
@@ -170,7 +171,7 @@ int check(CheckOptions options) {
                 print_line(diagnostic);
             }
         }
-        if (found.empty() && !options.json) fmt::print("{}: no bad lines\n", file);
+        if (found.empty() && !options.json) fmt::print("{}: no bad lines\n", kit::printable_text(file));
     }
     if (options.json) fmt::print("{}", list.dump());
     return status;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <pm/kit/error.h>
+#include <pm/kit/stored.h>
 #include <system_error>
 
 namespace pmtool {
@@ -112,7 +113,8 @@ private:
         return m_check.rules.empty() || std::ranges::find(m_check.rules, rule) != m_check.rules.end();
     }
 
-    void print(const std::string& name, const kit::ExplainedFindings& explained) const {
+    void print(const std::string& source, const kit::ExplainedFindings& explained) const {
+        const std::string name = kit::printable_text(source);
         for (const kit::Finding& finding : explained.findings) {
             fmt::print("{}: {}: {} = {}: {} [{}]\n", name, kit::severity_name(finding.severity),
                        shown_text(finding.configuration_path), shown_text(finding.configured),

@@ -64,7 +64,7 @@ kit::Section section_of(const ConvertOptions& options, const Source& source) {
 std::vector<std::string> losses_of(const ConvertOptions& options, const Source& source) {
     if (!options.source.keep_going) return losses_of_reading(source);
     for (const std::string& line : losses_of_reading(source)) {
-        fmt::print(stderr, "pmtool: dropped: {}\n", line);
+        complain("dropped: " + line);
     }
     return {};
 }

@@ -11,6 +11,7 @@
 #include <pm/kit/difference.h>
 #include <pm/kit/edit.h>
 #include <pm/kit/pattern.h>
+#include <pm/kit/stored.h>
 
 namespace pmtool {
 
@@ -76,7 +77,8 @@ void print(const DiffOptions& options, const std::vector<kit::Difference>& diffe
     } else if (options.script) {
         fmt::print("{}", kit::script(differences));
     } else if (differences.empty()) {
-        fmt::print("{} and {} hold equal trees.\n", options.first.file, options.second);
+        fmt::print("{} and {} hold equal trees.\n", kit::printable_text(options.first.file),
+                   kit::printable_text(options.second));
     } else {
         print_lines(differences, Display(options.color));
     }

@@ -51,7 +51,7 @@ pm::Tree edited_tree(EditorFile& file) {
         try {
             return kit::from_json(read_whole(file.name()));
         } catch (const kit::Error& e) {
-            fmt::print(stderr, "pmtool: {}:{}:{}: {}\n", file.name(), e.line(), e.column(), e.what());
+            complain(fmt::format("{}:{}:{}: {}", file.name(), e.line(), e.column(), e.what()));
             if (ask("Edit again?")) continue;
             file.release();
             throw Failure(fmt::format("not written; what was edited stays in {}", file.name()));
@@ -82,7 +82,7 @@ int edit(const EditOptions& options) try {
     const pm::Tree after = edited_tree(file);
     const std::vector<kit::Difference> differences = kit::compare(before, after);
     if (differences.empty()) {
-        fmt::print(stderr, "pmtool: {}: nothing was changed\n", options.source.file);
+        complain(options.source.file + ": nothing was changed");
         return exit_ok;
     }
     if (!options.target.dry_run) show(differences);
@@ -96,7 +96,7 @@ int edit(const EditOptions& options) try {
     const int status = target.replace(after);
     if (status != exit_ok) {
         file.release();
-        fmt::print(stderr, "pmtool: what was edited stays in {}\n", file.name());
+        complain("what was edited stays in " + file.name());
     }
     return status;
 } catch (const std::system_error& e) {

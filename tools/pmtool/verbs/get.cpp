@@ -1,6 +1,7 @@
 #include "failure.h"
 #include "options.h"
 #include "source.h"
+#include "system.h"
 #include "text.h"
 #include "value.h"
 #include "verbs/verbs.h"
@@ -9,6 +10,7 @@
 #include <memory>
 #include <pm/kit/json.h>
 #include <pm/kit/pattern.h>
+#include <pm/kit/stored.h>
 
 namespace pmtool {
 
@@ -22,6 +24,12 @@ struct GetOptions {
     bool json = false;
 };
 
+// As it is, for programs; a terminal could take it for a command.
+std::string value_of(const pm::Property& property) {
+    std::string text = plain_text(kit::stored(property));
+    return is_terminal(Stream::out) ? printable_lines(text) : text;
+}
+
 bool print_matches(const GetOptions& options, const pm::Tree& tree, const std::string& path) {
     const kit::Pattern pattern(kit::full_path(path));
     const std::vector<kit::Match> found = kit::find_all(tree, pattern);
@@ -29,8 +37,7 @@ bool print_matches(const GetOptions& options, const pm::Tree& tree, const std::s
     for (const kit::Match& match : found) {
         if (!match.property) continue;
         printed = true;
-        fmt::print("{}\n", options.json ? kit::property_json(*match.property)
-                                        : plain_text(kit::stored(*match.property)));
+        fmt::print("{}\n", options.json ? kit::property_json(*match.property) : value_of(*match.property));
     }
     if (printed || found.empty() || !pattern.is_literal()) return printed;
     throw Failure(fmt::format("{}: {}: this is a node, not a property; show it with: pmtool tree",

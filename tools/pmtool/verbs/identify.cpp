@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 #include <memory>
 #include <pm/kit/encoding.h>
+#include <pm/kit/stored.h>
 
 namespace pmtool {
 
@@ -95,7 +96,8 @@ Json json_of(const std::string& file, const Identity& identity) {
 }
 
 void print(const std::string& file, const Identity& identity) {
-    fmt::print("{}: {} ({}): {}\n", file, identity.format->name, identity.format->title, identity.evidence);
+    fmt::print("{}: {} ({}): {}\n", kit::printable_text(file), identity.format->name, identity.format->title,
+               identity.evidence);
     const std::string text = details_text(details_of(file));
     if (!text.empty()) fmt::print("  {}\n", text);
 }
@@ -113,7 +115,7 @@ int identify_files(const IdentifyOptions& options) {
             }
         } catch (const Failure& e) {
             std::fflush(stdout);
-            fmt::print(stderr, "pmtool: {}\n", e.what());
+            complain(e.what());
             status = exit_trouble;
         }
     }

@@ -23,7 +23,8 @@ int list_sections(const SectionsOptions& options) {
         if (options.json) {
             list.append(std::move(Json::object().text("name", section.name).text("info", section.info)));
         } else {
-            fmt::print("{}{}{}\n", section.name, section.info.empty() ? "" : "\t", printable(section.info));
+            fmt::print("{}{}{}\n", printable(section.name), section.info.empty() ? "" : "\t",
+                       printable(section.info));
         }
     }
     if (options.json) fmt::print("{}", list.dump());
