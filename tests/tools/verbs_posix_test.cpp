@@ -63,6 +63,9 @@ TEST_F(PmToolShell, FileNameIsPartOfALineWhateverItHolds) {
     expect_output({"check", name}, shown + ": no bad lines\n");
     expect_output({"diff", name, name}, shown + " and " + shown + " hold equal trees.\n");
     EXPECT_TRUE(run({"identify", name}).out.starts_with(shown + ": pia (")) << run({"identify", name}).out;
+    folder.write("c1.pia", "PIAFILEVERSION_2.0,\r\nb=\"y\xC2\x9Bz\n");
+    EXPECT_EQ(std::string::npos, run({"check", "c1.pia"}).out.find("\xC2\x9B"));
+    EXPECT_NE(std::string::npos, run({"check", "c1.pia"}).out.find("\"\\x9B\" reads as"));
     expect_trouble({"tree", "none\n"}, "none\\x0A: The file doesn't exist (error 63)");
 }
 

@@ -40,7 +40,7 @@ std::string place_text(const kit::Place& place) {
 
 void print_line(const kit::Diagnostic& diagnostic) {
     fmt::print("{}: {}: {} [{}]", place_text(diagnostic.place), kit::severity_name(diagnostic.severity),
-               diagnostic.message, diagnostic.rule);
+               kit::printable_text(diagnostic.message), diagnostic.rule);
     if (diagnostic.number != 0) fmt::print(" (error {})", diagnostic.number);
     fmt::print("\n");
 }
