@@ -10,6 +10,7 @@
 #include <pm/build.h>
 #include <pm/detail/utf.h>
 #include <pm/kit/stored.h>
+#include <utility>
 
 namespace pm::kit {
 
