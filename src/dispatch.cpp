@@ -2,6 +2,7 @@
 #include "filers/pmdoc.h"
 #include "filers/pmdpia.h"
 #include "filers/pmpia.h"
+#include "filers/quiet_stream.h"
 #include "legacy/pmpc2.h"
 #include "legacy/pmpcp.h"
 #include "pdt/pmpdt.h"
@@ -110,6 +111,7 @@ void PM_Object::load(const char16_t* path, FileType type, const char16_t* base) 
 
 void PM_Object::load(std::iostream& stream, FileType type, const char16_t* base) {
     const auto filer = make_filer(m_root, find_maker(type, &FilerRow::loads_stream), m_handler, load_place);
+    const pm::QuietStream quiet(stream);
     drive(*filer, load_place, attach_stream(stream), [&](PM_File& each) { each.load(this, base, type); });
 }
 
@@ -150,6 +152,7 @@ void PM_Object::save(std::iostream& stream, FileType type, const char16_t* tag, 
                      bool utf8) const {
     const auto filer = make_filer(m_root, find_maker(type, &FilerRow::saves_stream), nullptr, save_place);
     if (type == FILE_PIA) static_cast<PM_PIAFile&>(*filer).set_utf8(utf8);
+    const pm::QuietStream quiet(stream);
     drive(*filer, save_place, attach_stream(stream),
           [&](PM_File& each) { each.save(this, subtree, type, tag); });
 }

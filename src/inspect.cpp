@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "filers/memory_stream.h"
 #include "filers/pmdpia.h"
+#include "filers/quiet_stream.h"
 #include "legacy/pmpc2.h"
 #include "platform/compound_format.h"
 #include "platform/files.h"
@@ -268,6 +269,7 @@ auto list_file(std::u16string_view file, List list) {
 
 template<class Filer, class List>
 auto list_stream(std::iostream& stream, List list) {
+    const QuietStream quiet(stream);
     Filer filer(nullptr);
     stream.seekg(0);
     filer.attach(&stream);

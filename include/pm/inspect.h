@@ -70,7 +70,8 @@ struct DpiaSection {
 };
 
 // The directory of a DPIA file, in its order. Fails as PM_Object::load() of FILE_DPIA: 63, 69 for an unknown
-// version (ZT_Exception), 55, and the numbers of a stream, 82 for a directory that ends too early.
+// version (ZT_Exception), 55, and the numbers of a stream, 82 for a directory that ends too early. The
+// exceptions() of a stream are off meanwhile.
 PM_API std::vector<DpiaSection> dpia_sections(std::u16string_view file);
 PM_API std::vector<DpiaSection> dpia_sections(std::iostream& stream);
 

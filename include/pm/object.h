@@ -145,7 +145,8 @@ public:
 
     // Read a file into the node `base` ("\" or empty for the root). What was read before a failure stays.
     // `path` is a file name; numbers of failures are told in the page of each format. A type that can't be
-    // read this way is number 67 (PM_Warning). A stream stays the caller's and open.
+    // read this way is number 67 (PM_Warning). A stream stays the caller's and open; while it is read or
+    // written its exceptions() are off, so that its failures come as numbers.
     void load(const char16_t* path, FileType type, const char16_t* base);
     void load(std::iostream& stream, FileType type, const char16_t* base);
     // One section of a DPIA file, by name; number 83 (PM_Severe) if there is none.

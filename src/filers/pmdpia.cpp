@@ -66,13 +66,18 @@ std::u16string below(const char16_t* base, std::initializer_list<std::u16string_
 }
 
 // The text of a section's "info"; empty if there is no such property.
-std::u16string read_info(const PM_Object& object, const std::u16string& path) {
+bool says_absent(const PM_Warning& e, const std::u16string& path) {
     constexpr std::uint32_t absent[] = {PM_ERR_BAD_PATH, PM_ERR_NO_SUCH_NODE, PM_ERR_NO_SUCH_PROPERTY};
+    const bool too_long = path.size() > PM_Node::longest_path; // which is a bad path, too
+    return !too_long && std::find(std::begin(absent), std::end(absent), e.m_number) != std::end(absent);
+}
+
+std::u16string read_info(const PM_Object& object, const std::u16string& path) {
     std::size_t bytes = 0;
     try {
         bytes = object.getPropertySize(path.c_str());
     } catch (const PM_Warning& e) {
-        if (std::find(std::begin(absent), std::end(absent), e.m_number) == std::end(absent)) throw;
+        if (!says_absent(e, path)) throw;
         return {};
     }
     std::u16string text(bytes / sizeof(char16_t) + 1, u'\0');

@@ -1,5 +1,6 @@
 #include "header.h"
 #include "scratch_file.h"
+#include "stream_bytes.h"
 #include "text_reader.h"
 #include "tree_place.h"
 #include <algorithm>
@@ -324,12 +325,9 @@ void read_named(FileContent& content, const Input& input, bool folder) {
     read_source(content, input, source);
 }
 
-std::string read_to_end(std::istream& stream) {
+std::string bytes_of(const std::istream& stream, const Input& input) {
     std::string bytes;
-    char block[1 << 16];
-    while (stream.read(block, sizeof block) || stream.gcount() > 0) {
-        bytes.append(block, static_cast<std::size_t>(stream.gcount()));
-    }
+    if (!read_to_end(stream, bytes)) throw Error(fmt::format("{}: the content can't be read", input.file));
     return bytes;
 }
 
@@ -356,7 +354,7 @@ void read_content_into(FileContent& content, std::string_view bytes, const Input
 
 void read_into(FileContent& content, const Input& input) {
     if (input.file == "-") {
-        read_content_into(content, read_to_end(std::cin), input);
+        read_content_into(content, bytes_of(std::cin, input), input);
         return;
     }
     std::error_code ignored; // what is wrong with the file, the library tells
@@ -381,7 +379,7 @@ FileContent read_content(std::string_view bytes, const Input& input) {
 }
 
 FileContent read_stream(std::istream& stream, const Input& input) {
-    return read_content(read_to_end(stream), input);
+    return read_content(bytes_of(stream, input), input);
 }
 
 ScopedCodePage::ScopedCodePage(unsigned code_page) : m_before(code_page != 0 ? pm_system_code_page() : 0) {

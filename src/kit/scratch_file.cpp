@@ -1,5 +1,6 @@
 #include "scratch_file.h"
 
+#include "stream_bytes.h"
 #include <fmt/format.h>
 #include <fstream>
 #include <pm/kit/error.h>
@@ -36,11 +37,7 @@ fs::path system_path(std::string_view name) {
 std::string read_bytes(const fs::path& file, const std::string& shown_name) {
     std::ifstream stream(file, std::ios::binary);
     std::string bytes;
-    char block[1 << 16];
-    while (stream.read(block, sizeof block) || stream.gcount() > 0) {
-        bytes.append(block, static_cast<std::size_t>(stream.gcount()));
-    }
-    if (!stream.is_open() || stream.bad()) throw Error(shown_name + ": the file can't be read");
+    if (!read_to_end(stream, bytes)) throw Error(shown_name + ": the file can't be read");
     return bytes;
 }
 

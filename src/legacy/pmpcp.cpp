@@ -151,7 +151,8 @@ void PM_PCPFile::report_bad_line(const char16_t* place, std::u16string_view line
 void PM_PCPFile::load(PM_Object* target, const char16_t* base, PM_Object::FileType type) {
     m_file_type = type;
     const std::u16string_view place = pm::view(base);
-    if (place.size() >= pm::WorkingPath::capacity) {
+    const std::size_t separator = place.ends_with(u'\\') ? 0 : 1;
+    if (place.size() + separator > pm::WorkingPath::capacity) {
         throw PM_Warning(PM_ERR_BAD_PATH, load_place, base, source);
     }
     Reading reading{*target, pm::WorkingPath(place)};

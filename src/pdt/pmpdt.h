@@ -16,7 +16,7 @@ public:
 
     // Numbers (PM_Severe, place u"PM_PDTFile::load()"): 52 no object, 51 an empty base, 54 another type, each
     // with the base; those of SectionReader for a table that can't be read; with the string file 56 if that
-    // can't be read, 66 if joins would make more than 2,000,000 nodes and properties. Bad cells are no
+    // can't be read, 66 if joins would write more than 2,000,000 nodes and properties. Bad cells are no
     // failure. What SetProperty raises passes.
     void load(PM_Object* object, const char16_t* root, PM_Object::FileType type) override;
     // The version text of the description, from the table "Global Static Lists".

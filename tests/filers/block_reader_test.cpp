@@ -1,9 +1,8 @@
 #include "filers/block_reader.h"
 
+#include "support/failing_buffer.h"
 #include <gtest/gtest.h>
 #include <sstream>
-#include <stdexcept>
-#include <streambuf>
 #include <string>
 
 namespace {
@@ -22,20 +21,6 @@ std::string numbers(std::size_t size) {
     text.resize(size);
     return text;
 }
-
-// Fails behind some bytes.
-class FailingBuffer : public std::streambuf {
-public:
-    explicit FailingBuffer(std::string text) : m_text(std::move(text)) {
-        setg(m_text.data(), m_text.data(), m_text.data() + m_text.size());
-    }
-
-protected:
-    int_type underflow() override { throw std::runtime_error("the device failed"); }
-
-private:
-    std::string m_text;
-};
 
 TEST(BlockReader, PiecesFollowEachOther) {
     std::istringstream stream("abcdef");
@@ -94,7 +79,7 @@ TEST(BlockReader, PieceBeyondTheEndLeavesWhatThereIs) {
 }
 
 TEST(BlockReader, FailureOfTheDeviceIsMarked) {
-    FailingBuffer buffer("abc");
+    pm::test::FailingBuffer buffer("abc");
     std::istream stream(&buffer);
     BlockReader reader(stream);
     EXPECT_EQ("nothing", taken(reader, 3));

@@ -223,6 +223,51 @@ TEST(Dispatch, StreamCanBeLoadedAgain) {
     EXPECT_EQ(pm::test::Lines{"a long 1"}, pm::test::tree_text(second));
 }
 
+// Streams that are told to throw by themselves.
+constexpr std::ios::iostate all_states = std::ios::eofbit | std::ios::failbit | std::ios::badbit;
+
+TEST(Dispatch, StreamThatThrowsByItselfIsLoaded) {
+    for (const auto& [type, content] :
+         {std::pair{PIA, pia_header + "a=1\n"},
+          std::pair{PC2, std::string("PC2Version 2\n[PlotDriver]\nType=2\n")}}) {
+        SCOPED_TRACE(type);
+        std::stringstream quiet = pm::test::byte_stream(content);
+        std::stringstream throwing = pm::test::byte_stream(content);
+        throwing.exceptions(all_states);
+        PM_Object expected;
+        PM_Object object;
+        expected.load(quiet, type, u"\\");
+        object.load(throwing, type, u"\\");
+        EXPECT_EQ(pm::test::tree_text(expected), pm::test::tree_text(object));
+        EXPECT_EQ(quiet.rdstate(), throwing.rdstate());
+        EXPECT_EQ(all_states, throwing.exceptions());
+    }
+}
+
+TEST(Dispatch, FailureOfAStreamThatThrowsByItselfHasItsNumber) {
+    std::stringstream stream = pm::test::byte_stream("");
+    stream.exceptions(all_states);
+    PM_Object object;
+    expect_thrown<PM_Severe>([&] { object.load(stream, PIA, u"\\"); }, PM_ERR_STREAM_FAILED,
+                             u"PM_PIAFile::getVersion()", u"");
+    EXPECT_EQ(all_states, stream.exceptions());
+    EXPECT_FALSE(stream.good());
+}
+
+TEST(Dispatch, SaveToAStreamThatThrowsByItselfHasItsNumber) {
+    for (const FileType type : {PIA, DPIA}) {
+        SCOPED_TRACE(type);
+        std::stringstream stream;
+        stream.setstate(std::ios::badbit);
+        EXPECT_THROW(stream.exceptions(all_states), std::ios::failure);
+        PM_Object object;
+        object.SetProperty(u"\\s\\a", 1);
+        EXPECT_EQ(PM_ERR_STREAM_FAILED,
+                  thrown_by([&] { object.save(stream, type, u"", u"\\"); }).value().m_number);
+        EXPECT_EQ(all_states, stream.exceptions());
+    }
+}
+
 TEST(Dispatch, FileIsClosedWhenAnExceptionPasses) {
     const TempFolder folder;
     const std::u16string name = folder.write("a.pia", pia_header + "bad line\n");

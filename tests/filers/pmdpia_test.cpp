@@ -712,6 +712,16 @@ TEST_F(DpiaTest, ASubtreeThatIsNotThereSavesAsNoSections) {
                               u"PM_Iterator::PM_Iterator()", u"unknown");
 }
 
+TEST_F(DpiaTest, AnInfoTextThatNoPathReachesEndsTheSave) {
+    const std::u16string section(500, u'n');
+    const std::u16string top(600, u'd');
+    object.SetProperty((u"src\\" + section + u"\\info").c_str(), u"Info text");
+    object.duplicate(u"src", top.c_str());
+    const std::u16string path = top + u'\\' + section + u"\\info";
+    expect_thrown<PM_Warning>([&] { saved(object, top.c_str()); }, PM_ERR_BAD_PATH,
+                              u"PM_Object::getPropertySize()", path.substr(0, 259));
+}
+
 TEST_F(DpiaTest, CloseLeavesAnAttachedStreamOpen) {
     std::fstream stream(folder / "f.dpia", std::ios::in | std::ios::out | std::ios::trunc | std::ios::binary);
     object.SetProperty(u"s\\p", 1);

@@ -45,6 +45,12 @@ TEST(DpiaSections, SampleIsListedInItsOrder) {
     EXPECT_EQ(u"", sections[2].info);
 }
 
+TEST(DpiaSections, StreamMayThrowByItself) {
+    std::stringstream stream(sample("sections.dpia"));
+    stream.exceptions(std::ios::eofbit | std::ios::failbit | std::ios::badbit);
+    EXPECT_THAT(names_of(dpia_sections(stream)), ElementsAre(u"Office", u"Workshop", u"Archive"));
+}
+
 TEST(DpiaSections, PlaceOfASectionCountsFromTheStartOfTheFile) {
     const std::string content = sample("sections.dpia");
     const std::vector<DpiaSection> sections = sections_in(content);
@@ -137,6 +143,12 @@ TEST(DpiaSections, MissingFileIsToldAsByALoad) {
 TEST(CfgPlotters, SampleIsListedWithItsNames) {
     EXPECT_THAT(plotters_in(sample("three-plotters.cfg")),
                 ElementsAre("1 DX-4200, drawing office", "2 DX-4200, workshop", "3 DX-4200, reception"));
+}
+
+TEST(CfgPlotters, StreamMayThrowByItself) {
+    std::stringstream stream("[PlotDriver#3]\nType=2\n");
+    stream.exceptions(std::ios::eofbit | std::ios::failbit | std::ios::badbit);
+    EXPECT_EQ(3, cfg_plotters(stream).at(0).number);
 }
 
 TEST(CfgPlotters, NamesAreThoseThatALoadGives) {

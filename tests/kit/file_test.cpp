@@ -1,6 +1,7 @@
 #include "kit/errors.h"
 #include "pm_test_paths.h"
 #include "support/exceptions.h"
+#include "support/failing_buffer.h"
 #include "support/ordinary_user.h"
 #include "support/temp_folder.h"
 #include <gmock/gmock.h>
@@ -15,6 +16,7 @@ namespace pm::kit::test {
 namespace {
 
 using pm::test::expect_thrown;
+using pm::test::FailingBuffer;
 using pm::test::TempFolder;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -188,6 +190,33 @@ TEST(ReadContent, IsWhatTheFileIs) {
         std::istringstream stream(bytes);
         EXPECT_TRUE(identical(file.tree, read_stream(stream, {.file = "-"}).tree)) << name;
     }
+}
+
+TEST(ReadStream, BeginsWhereTheStreamStands) {
+    std::istringstream stream("passed over\nPIAFILEVERSION_2.0\na=1\n");
+    std::string line;
+    std::getline(stream, line);
+    EXPECT_EQ(1, read_stream(stream, {.file = "-"}).tree.get<int>("\\a"));
+}
+
+TEST(ReadStream, StreamThatFailsIsNotTakenForAWholeOne) {
+    FailingBuffer buffer("PIAFILEVERSION_2.0\na=1\n");
+    std::istream stream(&buffer);
+    EXPECT_EQ("given: the content can't be read",
+              error_of([&] { (void)read_stream(stream, {.file = "given"}); }));
+}
+
+TEST(ReadStream, StreamThatHasFailedIsNotRead) {
+    std::istringstream stream("PIAFILEVERSION_2.0\na=1\n");
+    stream.setstate(std::ios::failbit);
+    EXPECT_EQ("given: the content can't be read",
+              error_of([&] { (void)read_stream(stream, {.file = "given"}); }));
+}
+
+TEST(ReadStream, StreamMayThrowByItself) {
+    std::istringstream stream("PIAFILEVERSION_2.0\na=1\n");
+    stream.exceptions(std::ios::eofbit | std::ios::failbit | std::ios::badbit);
+    EXPECT_EQ(1, read_stream(stream, {.file = "-"}).tree.get<int>("\\a"));
 }
 
 TEST(ReadContent, ScratchFileIsNamedNowhereAndGone) {

@@ -545,6 +545,15 @@ TEST_F(Pcp, ABaseOf1023UnitsIsABadPath) {
                               base.substr(0, 259));
 }
 
+TEST_F(Pcp, ABaseOf1023UnitsThatEndsInASeparatorHasRoomForNoKey) {
+    const std::u16string base = std::u16string(1022, u'a') + u"\\";
+    load("", base.c_str());
+    EXPECT_TRUE(handler.reports.empty());
+    load("ROTATE=1\n", base.c_str());
+    ASSERT_EQ(1U, handler.reports.size());
+    EXPECT_EQ(PM_ERR_BAD_LINE, handler.reports[0].number);
+}
+
 TEST_F(Pcp, AKeyWithoutRoomBehindTheBaseIsABadLine) {
     const std::u16string base = std::u16string(1022 - 4, u'a');
     const std::u16string cut = base + u"\\HIDE";

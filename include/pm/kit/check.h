@@ -70,7 +70,7 @@ struct CheckOptions {
 [[nodiscard]] PM_KIT_API std::vector<Diagnostic>
 check_content(std::string_view content, std::string_view name, const CheckOptions& options = {});
 
-// The same for a stream, which is read to its end and needn't be able to seek.
+// The same for a stream, which is read to its end and needn't be able to seek. One that fails is unreadable.
 [[nodiscard]] PM_KIT_API std::vector<Diagnostic> check_stream(std::istream& stream, std::string_view name,
                                                               const CheckOptions& options = {});
 

@@ -88,7 +88,7 @@ PM_KIT_API void read_into(FileContent& content, const Input& input);
 // Content at hand.
 [[nodiscard]] PM_KIT_API FileContent read_content(std::string_view bytes, const Input& input);
 PM_KIT_API void read_content_into(FileContent& content, std::string_view bytes, const Input& input);
-// From where a stream stands to its end.
+// From where a stream stands to its end; Error if it fails.
 [[nodiscard]] PM_KIT_API FileContent read_stream(std::istream& stream, const Input& input);
 
 // "pia", "dpia", "doc", "pc2", "cfg", "pcp", "pdt": the names of formats, and back in any case.

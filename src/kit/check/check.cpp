@@ -1,9 +1,9 @@
 #include "check/content.h"
 #include "check/files.h"
 #include "check/folder.h"
+#include "stream_bytes.h"
 #include <filesystem>
-#include <istream>
-#include <iterator>
+#include <pm/error_number.h>
 #include <pm/kit/file.h>
 
 namespace pm::kit {
@@ -30,8 +30,11 @@ std::vector<Diagnostic> check_content(std::string_view content, std::string_view
 
 std::vector<Diagnostic> check_stream(std::istream& stream, std::string_view name,
                                      const CheckOptions& options) {
-    const std::string content{std::istreambuf_iterator<char>(stream), {}};
-    return check_content(std::string_view(content), name, options);
+    std::string content;
+    if (read_to_end(stream, content)) return check_content(std::string_view(content), name, options);
+    Findings findings(options);
+    say_unreadable(name, PM_ERR_STREAM_FAILED, findings);
+    return findings.take();
 }
 
 } // namespace pm::kit

@@ -85,13 +85,6 @@ std::string_view failure_words(std::uint32_t number) {
     }
 }
 
-void say_unreadable(std::string_view file, std::uint32_t number, Findings& findings) {
-    findings.add({.rule = Rule::unreadable,
-                  .place = {.file = std::string(file), .section = {}},
-                  .message = std::string(failure_words(number)),
-                  .number = number});
-}
-
 void check_read(std::string_view file, bool known_only, const CheckOptions& options, Findings& findings) {
     const FileBytes read = read_bytes(file);
     if (read.failure != 0) return say_unreadable(file, read.failure, findings);
@@ -109,6 +102,13 @@ void check_content(const CheckedContent& content, const CheckOptions& options, F
         {.rule = Rule::unknown_kind,
          .place = {.file = content.name, .section = {}},
          .message = content.bytes.empty() ? "The file is empty." : "The content is of no known kind."});
+}
+
+void say_unreadable(std::string_view name, std::uint32_t number, Findings& findings) {
+    findings.add({.rule = Rule::unreadable,
+                  .place = {.file = std::string(name), .section = {}},
+                  .message = std::string(failure_words(number)),
+                  .number = number});
 }
 
 void check_named(std::string_view file, const CheckOptions& options, Findings& findings) {

@@ -1,11 +1,10 @@
 #include "check/files.h"
 
-#include <array>
+#include "stream_bytes.h"
 #include <atomic>
 #include <chrono>
 #include <fmt/format.h>
 #include <fstream>
-#include <istream>
 #include <pm/error_number.h>
 #include <random>
 
@@ -19,15 +18,6 @@ std::uint32_t number_of(const fs::path& path) {
     std::error_code error;
     const bool missing = fs::status(path, error).type() == fs::file_type::not_found;
     return missing ? PM_ERR_NO_SUCH_FILE : PM_ERR_ACCESS_DENIED;
-}
-
-// What a buffer throws goes through the iterators of one; the stream makes it a state of its own.
-void read_all(std::istream& stream, std::string& bytes) {
-    std::array<char, 16384> piece{};
-    do {
-        stream.read(piece.data(), piece.size());
-        bytes.append(piece.data(), static_cast<std::size_t>(stream.gcount()));
-    } while (stream);
 }
 
 } // namespace
@@ -48,8 +38,7 @@ FileBytes read_bytes(std::string_view name) {
     std::ifstream stream(path, std::ios::binary);
     if (!stream) return {{}, number_of(path)};
     FileBytes file;
-    read_all(stream, file.bytes);
-    if (stream.bad()) file.failure = PM_ERR_STREAM_FAILED;
+    if (!read_to_end(stream, file.bytes)) file.failure = PM_ERR_STREAM_FAILED;
     return file;
 }
 

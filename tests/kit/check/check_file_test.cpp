@@ -1,3 +1,4 @@
+#include "support/failing_buffer.h"
 #include "support/scoped_settings.h"
 #include "support/temp_folder.h"
 #include <chrono>
@@ -136,6 +137,15 @@ TEST_F(CheckFile, RuleIsLeftOut) {
 TEST_F(CheckFile, StreamIsReadToItsEnd) {
     std::stringstream stream("PIAFILEVERSION_2.0\na=1\nb\n");
     EXPECT_THAT(lines_of(pm::kit::check_stream(stream, "-")), ElementsAre("-:3:1 bad-line"));
+}
+
+TEST_F(CheckFile, StreamThatFailsIsUnreadable) {
+    pm::test::FailingBuffer buffer("PIAFILEVERSION_2.0\na=1\n");
+    std::istream stream(&buffer);
+    const std::vector<Diagnostic> all = pm::kit::check_stream(stream, "given");
+    EXPECT_THAT(lines_of(all), ElementsAre("given:0:0 unreadable"));
+    EXPECT_EQ(82U, all.at(0).number);
+    EXPECT_EQ("The file can't be read.", all.at(0).message);
 }
 
 TEST_F(CheckFile, CodePageIsSetForTheCheckAlone) {
