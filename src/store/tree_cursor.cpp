@@ -184,9 +184,11 @@ void TreeCursor::set_otherwise(const Name& name, const void* data, std::size_t s
     prop.SetData(m_object.m_strings->pool(), data, size);
 }
 
-// What is set may stand in this node.
+// What is set may stand in any node of the path: a name of separators alone is no component of its own.
 void TreeCursor::set_by_path(std::u16string_view name, const void* data, std::size_t size, PropType type) {
-    m_levels[m_count].is_fresh = false;
+    for (std::size_t level = 0; level <= m_count; ++level) {
+        m_levels[level].is_fresh = false;
+    }
     m_models_are_plain = false;
     WorkingPath whole = m_path;
     whole.push(name);

@@ -11,6 +11,7 @@
 #include <bit>
 #include <cmath>
 #include <gtest/gtest.h>
+#include <pm/error_number.h>
 #include <random>
 
 namespace {
@@ -100,6 +101,57 @@ TEST(PiaCursor, GivesWhatPathsGive) {
     }
     EXPECT_GT(raised, 500U);
     EXPECT_LT(raised, 4500U);
+}
+
+// Nodes of one kind, each with a node of the name of a property that may follow.
+std::string random_kind(std::mt19937& random) {
+    static const std::string names[] = {"x", "y", "z", "w"};
+    static const std::string odd_names[] = {"\\", "\\\\", "x\\", "\\x", "*", "y\\\\"};
+    const auto one_in = [&](unsigned count) { return random() % count == 0; };
+    std::string body;
+    for (int node = 0; node < 4; ++node) {
+        body += "n" + std::to_string(node) + "{\n";
+        for (const std::string& name : names) {
+            if (one_in(4)) {
+                body += names[random() % 4] + "{\n";
+                if (one_in(2)) body += odd_names[random() % std::size(odd_names)] + "=5\n";
+                if (one_in(2)) body += "q=1\n";
+                body += "}\n";
+            }
+            if (!one_in(4)) body += name + (one_in(8) ? "=\"text\n" : "=1\n");
+        }
+        body += "}\n";
+    }
+    return body;
+}
+
+TEST(PiaCursor, GivesWhatPathsGiveForNodesOfOneKind) {
+    std::mt19937 random(1);
+    std::size_t raised = 0;
+    for (int run = 0; run < 5000; ++run) {
+        const std::string body = random_kind(random);
+        const Seen expected = load(body, u"\\", Way::by_path);
+        ASSERT_EQ(expected, load(body, u"\\", Way::plain)) << body;
+        ASSERT_EQ(expected, load(body, u"\\", Way::wide)) << body;
+        raised += expected.raised.empty() ? 0 : 1;
+    }
+    EXPECT_GT(raised, 100U);
+    EXPECT_LT(raised, 4500U);
+}
+
+// A name of separators alone is no further component: the property is that of the node above.
+TEST(PiaCursor, NameOfSeparatorsSetsThePropertyOfTheNodeAbove) {
+    PM_Object object;
+    pm::test::load_body(object, "n1{\nx=1\ny=2\n}\nn2{\nx=1\ny{\n\\=5\nq=1\n}\ny=6\n}\n");
+    EXPECT_EQ((Lines{"n1\\x long 1", "n1\\y long 2", "n2\\x long 1", "n2\\y long 6", "n2\\y\\q long 1"}),
+              tree_text(object));
+}
+
+TEST(PiaCursor, PropertySetFromTheNodeBelowHasItsType) {
+    PM_Object object;
+    pm::test::expect_thrown<PM_Warning>(
+        [&] { pm::test::load_body(object, "n1{\nx=1\ny=2\n}\nn2{\nx=1\ny{\n\\=5\nq=1\n}\ny=\"t\n}\n"); },
+        PM_ERR_WRONG_TYPE, u"PM_Object::SetData()", u"");
 }
 
 // Nodes of one kind with lines as the writer makes them, and something to report at the end, which tells its
