@@ -108,9 +108,13 @@ public:
     // empty, and an empty name is found as any other.
     const T* find_by_name(std::u16string_view name) const {
         for (const auto& record : *this) {
-            const auto length = static_cast<std::size_t>(std::max(record.name.length(), 0));
-            if (std::u16string_view(record.name.text(), length) == name) return &record;
+            if (name_of(record) == name) return &record;
         }
         return nullptr;
+    }
+
+protected:
+    static std::u16string_view name_of(const T& record) {
+        return {record.name.text(), static_cast<std::size_t>(std::max(record.name.length(), 0))};
     }
 };

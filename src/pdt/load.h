@@ -2,6 +2,7 @@
 
 #include "base/flags.h"
 #include "pdt/place_cursor.h"
+#include "pdt/record_list.h"
 #include "pdt/records.h"
 #include "pdt/row.h"
 #include "pdt/string_table.h"
@@ -29,16 +30,16 @@ struct PdtLoad {
     bool landscape_seen = false;
     bool portrait_seen = false;
 
-    SimpleListWithSearch<UC_Protocol> protocols;
-    SimpleListWithSearch<UC_Media_Collating> collating;
-    SimpleListWithSearch<UC_Media_Cutting> cutting;
-    SimpleListWithSearch<UC_Media_Destination> destinations;
-    SimpleListWithSearch<UC_Media_Folding> folding;
-    SimpleListWithSearch<UC_Media_Stapling> stapling;
-    SimpleListWithSearch<UC_Memory_Area> memory_areas;
-    SimpleListWithSearch<UC_Resolution> resolutions;
-    SimpleListWithSearch<UC_Resolution_Color_Memory> color_modes;
-    SimpleListWithSearch<UC_Media_Source_Entry> source_entries;
+    RecordList<UC_Protocol> protocols;
+    RecordList<UC_Media_Collating> collating;
+    RecordList<UC_Media_Cutting> cutting;
+    RecordList<UC_Media_Destination> destinations;
+    RecordList<UC_Media_Folding> folding;
+    RecordList<UC_Media_Stapling> stapling;
+    RecordList<UC_Memory_Area> memory_areas;
+    RecordList<UC_Resolution> resolutions;
+    RecordList<UC_Resolution_Color_Memory> color_modes;
+    RecordList<UC_Media_Source_Entry> source_entries;
 
     ZT_Media_Abilities media_abilities;
     ZT_ResColorMem_Abilities color_abilities;

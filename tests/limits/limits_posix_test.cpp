@@ -1,4 +1,5 @@
 #include "limits/scale.h"
+#include "pdt/description.h"
 #include "support/exceptions.h"
 #include "support/recording_handler.h"
 #include "support/temp_folder.h"
@@ -302,6 +303,45 @@ TEST(Limits, DpiaFileTakes100000Sections) {
         int value = 0;
         EXPECT_TRUE(last.GetProperty(u"\\v", value));
         EXPECT_EQ(static_cast<int>(count - 1), value);
+    });
+}
+
+// Names in a table that lead to records of another, or to none.
+std::string references(const std::string& of_row, std::size_t count) {
+    std::string rows;
+    for (std::size_t i = 0; i < count; ++i) {
+        rows += of_row + "none" + std::to_string(i) + "\n";
+    }
+    return rows + of_row + "record" + std::to_string(count - 1) + "\n";
+}
+
+std::string records(std::size_t count) {
+    std::string rows;
+    for (std::size_t i = 0; i < count; ++i) {
+        rows += "record" + std::to_string(i) + "\n";
+    }
+    return rows;
+}
+
+TEST(Limits, DescriptionTakes200000ReferencesToAsManyRecords) {
+    expect_linear(scaled(16'000, 200'000), [](std::size_t count) {
+        pm::test::Description description;
+        description.rows(pm::Section::media_source_entry, records(count))
+            .rows(pm::Section::media_source, "S\n" + references("\t\t\t", count))
+            .rows(pm::Section::media_collating, records(count))
+            .rows(pm::Section::media_destination, "D\n" + references("\t\t\t\t\t\t", count))
+            .rows(pm::Section::memory_area, records(count))
+            .rows(pm::Section::resolution, "R\n" + references("\t\t\t\t\t\t\t\t\t", count))
+            .rows(pm::Section::resolution_color_memory, "M\t\t\t\t\t\tR\n");
+        PM_Object object;
+        description.load(object);
+        const std::u16string name = numbered(u"record", count - 1);
+        EXPECT_TRUE(object.pathExists((u"\\media\\source\\S\\entry\\" + name).c_str()));
+        EXPECT_TRUE(object.pathExists((u"\\media\\destination\\D\\collating\\" + name).c_str()));
+        char16_t area[32] = {};
+        EXPECT_TRUE(object.GetProperty(u"\\res_color_mem\\rcm_list\\M\\resolution_list\\R\\mem_area\\0\\name",
+                                       area, sizeof area));
+        EXPECT_EQ(name, area);
     });
 }
 

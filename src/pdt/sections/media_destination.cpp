@@ -37,7 +37,7 @@ struct Number {
 // A kind of finishing step: what a destination has of it, and where that goes.
 template<class Record, std::size_t count>
 struct Kind {
-    SimpleListWithSearch<Record> PdtLoad::*records;
+    RecordList<Record> PdtLoad::*records;
     ZT_String UC_Media_Destination::*default_name;
     const char16_t* default_item;
     Marks default_marks;
