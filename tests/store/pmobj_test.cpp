@@ -183,15 +183,6 @@ TEST(Object, StrictIsWhatTheLastWriterPassed) {
     expect_thrown<PM_Warning>([&] { object.SetProperty(u"a", 3); }, PM_ERR_WRONG_TYPE, set_place, u"");
 }
 
-TEST(Object, NodesMadeBeforeAFailureStay) {
-    PM_Object object;
-    object.SetProperty(u"x\\y", 1);
-    object.SetProperty(u"p", 1);
-    expect_thrown<PM_Warning>([&] { object.SetProperty(u"x\\y", u"text"); }, PM_ERR_WRONG_TYPE, set_place,
-                              u"");
-    EXPECT_TRUE(object.pathExists(u"x\\y"));
-}
-
 TEST(Object, ReadingAnotherTypeOfAStrictPropertyRaises54) {
     PM_Object object;
     object.SetProperty(u"a", 1);
