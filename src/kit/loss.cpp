@@ -1,3 +1,4 @@
+#include "check/rules.h"
 #include "header.h"
 #include "text_reader.h"
 #include <algorithm>
@@ -15,13 +16,19 @@ constexpr std::array<std::string_view, 10> loss_names{"lost",    "cut",   "retyp
 
 constexpr std::string_view compression_word = "compress";
 
-// Rules of diagnostics that tell of content which isn't in the tree, or not as it was.
-constexpr std::string_view losing_rules[] = {
-    "bad-element",    "bad-line",        "cut-file",      "cut-text",       "damaged-compression",
-    "damaged-file",   "ignored-text",    "lossy-value",   "missing-equals", "mixed-encoding",
-    "odd-boolean",    "partial-number",  "repeated-name", "retyped-name",   "undecodable-byte",
-    "unknown-key",    "unknown-keyword", "unknown-type",  "unknown-value",  "unread-line",
-    "unread-section", "short-row",       "long-row"};
+// What tells of content that isn't in the tree, or not as it was.
+constexpr Rule losing_rules[] = {
+    Rule::bad_element,     Rule::bad_header,          Rule::bad_line,         Rule::cut_file,
+    Rule::cut_text,        Rule::damaged_compression, Rule::damaged_file,     Rule::ignored_text,
+    Rule::long_row,        Rule::lossy_value,         Rule::missing_equals,   Rule::mixed_encoding,
+    Rule::odd_boolean,     Rule::partial_number,      Rule::repeated_name,    Rule::retyped_name,
+    Rule::short_row,       Rule::trailing_data,       Rule::undecodable_byte, Rule::unknown_key,
+    Rule::unknown_keyword, Rule::unknown_reference,   Rule::unknown_section,  Rule::unknown_type,
+    Rule::unknown_value,   Rule::unread_line};
+
+bool is_losing(std::string_view name) {
+    return std::ranges::any_of(losing_rules, [&](Rule rule) { return rule_info(rule).name == name; });
+}
 
 std::string side_text(const std::optional<Stored>& stored) {
     return stored ? value_text(*stored) : "nothing";
@@ -134,9 +141,8 @@ std::vector<Loss> source_losses(const FileContent& source, std::span<const Diagn
     }
     for (const Diagnostic& diagnostic : diagnostics) {
         const bool told = diagnostic.number != 0 && !source.reports.empty();
-        const bool losing =
-            std::ranges::find(losing_rules, diagnostic.rule) != std::ranges::end(losing_rules);
-        if (!told && losing && diagnostic.severity != Severity::note) losses.push_back(loss_of(diagnostic));
+        if (!told && is_losing(diagnostic.rule) && diagnostic.severity != Severity::note)
+            losses.push_back(loss_of(diagnostic));
     }
     return losses;
 }

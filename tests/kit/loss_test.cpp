@@ -7,6 +7,7 @@
 #include <pm/code_page.h>
 #include <pm/error_number.h>
 #include <pm/inspect.h>
+#include <pm/kit/check.h>
 #include <pm/kit/difference.h>
 #include <pm/kit/edit.h>
 #include <pm/kit/loss.h>
@@ -343,11 +344,46 @@ TEST(SourceLosses, AreReportsUnreadSectionsAndDiagnostics) {
     with_unread.unread = {"a"};
     const std::vector<Diagnostic> diagnostics{
         {"repeated-name", Severity::warning, {"x", "", 3, 1}, "\\a", "The name is there twice.", 0},
-        {"trailing-data", Severity::warning, {}, "", "Something follows.", 0},
+        {"unclosed-node", Severity::warning, {}, "", "The node isn't closed.", 0},
         {"cut-text", Severity::note, {}, "", "A text is cut.", 0}};
     EXPECT_THAT(texts(source_losses(with_unread, diagnostics)),
                 ElementsAre("source: another section named \"a\" stands in front of it",
                             "\\a: source: line 3, The name is there twice."));
+}
+
+std::vector<std::string> silent_losses(const std::string& bytes, const std::string& name = "x") {
+    FileContent silent;
+    return texts(source_losses(silent, check_content(bytes, name)));
+}
+
+TEST(SourceLosses, AreSectionsThatAreNotKnown) {
+    EXPECT_THAT(silent_losses("PC2Version 2.0\n[Plotter/Usr]\nBaudRate=9600\n", "x.pc2"),
+                ElementsAre("source: line 2, \"Plotter/Usr\" is no section, and its keys aren't read."));
+}
+
+TEST(SourceLosses, AreBytesBehindWhatIsRead) {
+    const std::string text = prepare(tree_of("set \\a long 1"), {.tag = "compress"}).bytes;
+    EXPECT_THAT(silent_losses(text), IsEmpty());
+    EXPECT_THAT(silent_losses(text + "tail"),
+                ElementsAre("source: line 2, 4 bytes behind the compressed body aren't read."));
+    const std::string sections = prepare(tree_of("set \\a\\b long 1"), {.type = dpia}).bytes;
+    EXPECT_THAT(silent_losses(sections), IsEmpty());
+    EXPECT_THAT(silent_losses(sections + "tail"),
+                ElementsAre("source: 4 bytes behind the last section aren't read."));
+}
+
+TEST(SourceLosses, AreBodiesThatTheHeaderKeepsFromBeingRead) {
+    std::string text = prepare(tree_of("set \\a long 1"), {.tag = "compress"}).bytes;
+    text[0] = 'p';
+    EXPECT_THAT(silent_losses(text),
+                ElementsAre("source: line 1, A compressed body needs the version in capital "
+                            "letters, and isn't read."));
+}
+
+TEST(SourceLosses, AreReferencesThatAreDropped) {
+    const std::vector<Diagnostic> diagnostics{
+        {"unknown-reference", Severity::warning, {"x", "", 3, 1}, "", "\"Full\" is no name.", 0}};
+    EXPECT_THAT(texts(source_losses({}, diagnostics)), ElementsAre("source: line 3, \"Full\" is no name."));
 }
 
 TEST(SourceLosses, TellSectionNumberAndWhatIsWrong) {

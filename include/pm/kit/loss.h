@@ -76,7 +76,7 @@ struct Prepared {
 
 // What a source couldn't give: its reports, sections that couldn't be read, and those of `diagnostics` that
 // tell of lost content (any with severity warning or error and a rule of that kind: repeated-name, cut-text,
-// bad-line, lossy-value, ...).
+// bad-line, lossy-value, unknown-section, trailing-data, ...).
 [[nodiscard]] PM_KIT_API std::vector<Loss> source_losses(const FileContent& source,
                                                          std::span<const Diagnostic> diagnostics = {});
 
