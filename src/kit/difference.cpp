@@ -123,9 +123,62 @@ public:
             }
         }
     }
+    // Whether either tree has the path.
+    bool compare_at(const Tree& first, const Tree& second, std::string_view path) {
+        const SplitPath place = split_path(to_utf16(path));
+        if (place.name.empty()) {
+            compare(first.root(), second.root());
+            return true;
+        }
+        const std::optional<Node> above[] = {first.node(place.parent), second.node(place.parent)};
+        const std::optional<Node> nodes[] = {first.node(path), second.node(path)};
+        const std::optional<Property> properties[] = {property_of(above[0], place.name),
+                                                      property_of(above[1], place.name)};
+        if (!nodes[0] && !nodes[1] && (path.ends_with('\\') || (!properties[0] && !properties[1])))
+            return false;
+        if (!enter_all(place.parent)) return true;
+        if (!nodes[0] && !nodes[1]) {
+            compare_sides(properties[0], properties[1]);
+        } else {
+            compare_sides(nodes[0], nodes[1]);
+        }
+        return true;
+    }
     std::vector<Difference> take() { return std::move(m_differences); }
 
 private:
+    static std::optional<Property> property_of(const std::optional<Node>& node, std::u16string_view name) {
+        if (!node) return std::nullopt;
+        const auto properties = node->properties();
+        const auto found = std::ranges::find(properties, name, &Property::name16);
+        return found != properties.end() ? std::optional(*found) : std::nullopt;
+    }
+
+    // False if something on the way is excluded.
+    bool enter_all(std::u16string_view path) {
+        bool counts = true;
+        for_each_name(path, [&](std::u16string_view name) {
+            counts = counts && !m_exclusion.excludes_node(name);
+            m_exclusion.enter(name);
+            (m_path += to_utf8(name)) += '\\';
+        });
+        return counts;
+    }
+
+    void compare_sides(const std::optional<Property>& first, const std::optional<Property>& second) {
+        if (m_exclusion.excludes(first ? *first : *second)) return;
+        if (first && second) return compare_property(*first, *second);
+        add_property(first ? Change::removed : Change::added, first ? *first : *second);
+    }
+
+    void compare_sides(const std::optional<Node>& first, const std::optional<Node>& second) {
+        if (m_exclusion.excludes(first ? *first : *second)) return;
+        if (!first || !second)
+            return add_nodes(first ? Change::removed : Change::added, first ? *first : *second);
+        enter(*second);
+        compare(*first, *second);
+    }
+
     // A node that is compared, and the length of the path in front of it. A list of them takes the place of
     // calls in each other: trees may be deep, and stacks small.
     struct Level {
@@ -275,6 +328,13 @@ std::vector<Difference> compare(const Node& first, const Node& second, const Com
 
 std::vector<Difference> compare(const Tree& first, const Tree& second, const CompareOptions& options) {
     return compare(first.root(), second.root(), options);
+}
+
+std::optional<std::vector<Difference>> compare_at(const Tree& first, const Tree& second,
+                                                  std::string_view path, const CompareOptions& options) {
+    Comparison comparison(options);
+    if (!comparison.compare_at(first, second, path)) return std::nullopt;
+    return comparison.take();
 }
 
 bool identical(const Node& first, const Node& second) {

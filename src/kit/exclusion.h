@@ -18,11 +18,13 @@ public:
 
     // Of what is right below the place.
     [[nodiscard]] bool excludes(const Property& property) const { return excludes(property.name16(), false); }
-    [[nodiscard]] bool excludes(const Node& node) const { return excludes(node.name16(), true); }
+    [[nodiscard]] bool excludes(const Node& node) const { return excludes_node(node.name16()); }
+    [[nodiscard]] bool excludes_node(std::u16string_view name) const { return excludes(name, true); }
 
-    void enter(const Node& node) {
+    void enter(const Node& node) { enter(node.name16()); }
+    void enter(std::u16string_view name) {
         for (PatternWalk& walk : m_walks) {
-            walk.enter(node.name16());
+            walk.enter(name);
         }
     }
     void leave() {

@@ -146,6 +146,57 @@ TEST_F(Compare, WhatIsExcludedCountsOnNeitherSide) {
               error_of([&] { (void)differences({.exclude = {std::string("\0", 1)}}); }));
 }
 
+TEST_F(Compare, OneNodeAloneHasWholePaths) {
+    a.set("\\n\\deep\\old", 1);
+    b.set("\\n\\deep\\new", 2);
+    b.set("\\x", 9);
+    const auto at = [&](std::string_view path, const CompareOptions& options = {}) {
+        return texts(compare_at(a, b, path, options).value());
+    };
+    EXPECT_THAT(at("\\n\\deep"), ElementsAre("- \\n\\deep\\old: long 1", "+ \\n\\deep\\new: long 2"));
+    EXPECT_EQ(at("\\n\\deep"), at("\\n\\deep\\"));
+    EXPECT_EQ(at("\\n"), at("\\n\\deep"));
+    EXPECT_THAT(at("\\m"), IsEmpty());
+    EXPECT_EQ(at("\\"), differences());
+    EXPECT_THAT(at("\\n", {.exclude = {"\\n\\deep\\o*"}}), ElementsAre("+ \\n\\deep\\new: long 2"));
+    EXPECT_THAT(at("\\n\\deep", {.exclude = {"old", "new"}}), at("\\n\\deep"));
+    for (const char* const excluded : {"\\n", "\\n\\deep"}) {
+        EXPECT_THAT(at("\\n\\deep", {.exclude = {excluded}}), IsEmpty());
+    }
+}
+
+TEST_F(Compare, OneNodeAloneTellsItsOrderByWholePaths) {
+    a.set("\\n\\p", 1);
+    b.erase("\\n\\s");
+    b.set("\\n\\p", 1);
+    b.set("\\n\\s", "text");
+    const std::vector<Difference> found = compare_at(a, b, "\\n").value();
+    ASSERT_THAT(texts(found), ElementsAre("order of \\n\\"));
+    EXPECT_THAT(found.front().moved, ElementsAre("\\n\\s"));
+}
+
+TEST_F(Compare, OneNodeThatOnlyOneSideHasIsAddedItself) {
+    a.set("\\deep\\node\\p", 1);
+    EXPECT_THAT(texts(compare_at(a, b, "\\deep\\node").value()),
+                ElementsAre("- \\deep\\node\\", "- \\deep\\node\\p: long 1"));
+    EXPECT_THAT(texts(compare_at(b, a, "\\deep\\node").value()),
+                ElementsAre("+ \\deep\\node\\", "+ \\deep\\node\\p: long 1"));
+}
+
+TEST_F(Compare, OnePropertyAloneWhereNoNodeHasThePath) {
+    b.set("\\x", 2);
+    a.set("\\n\\old", 1);
+    EXPECT_THAT(texts(compare_at(a, b, "\\x").value()), ElementsAre("~ \\x: long 1 -> long 2"));
+    EXPECT_THAT(texts(compare_at(a, b, "\\n\\old").value()), ElementsAre("- \\n\\old: long 1"));
+    EXPECT_THAT(compare_at(a, b, "\\n\\s").value(), IsEmpty());
+    EXPECT_THAT(compare_at(a, b, "\\x", {.exclude = {"x"}}).value(), IsEmpty());
+    EXPECT_FALSE(compare_at(a, b, "\\x\\"));
+    EXPECT_FALSE(compare_at(a, b, "\\none"));
+    EXPECT_FALSE(compare_at(a, b, "\\none\\x"));
+    b.set("\\x\\p", 1);
+    EXPECT_THAT(texts(compare_at(a, b, "\\x").value()), ElementsAre("+ \\x\\", "+ \\x\\p: long 1"));
+}
+
 TEST_F(Compare, LineForTheEyeHasNoControlCharacters) {
     b.set("\\line\nend", "a\nb");
     EXPECT_THAT(differences(), ElementsAre("+ \\line\\x0Aend: string \"a\\nb\""));

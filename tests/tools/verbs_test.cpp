@@ -127,11 +127,21 @@ TEST_F(PmToolVerbs, EverySampleIsReadByEveryVerbThatReads) {
 TEST_F(PmToolVerbs, DiffListsWhatTurnsAIntoB) {
     folder.write("b.pia",
                  "PIAFILEVERSION_2.0,\r\nn=1.0\nx{\n a=2\n y{\n  c=2.5\n }\n}\nq{\n}\nz{\n a=3\n}\n");
-    expect_no({"diff", "a.pia", "b.pia", "x"}, "- \\b: string \"t\"\n~ \\a: long 1 -> long 2\n");
+    expect_no({"diff", "a.pia", "b.pia", "x"}, "- \\x\\b: string \"t\"\n~ \\x\\a: long 1 -> long 2\n");
     EXPECT_EQ(1, run({"diff", "a.pia", "b.pia", "-q"}).status);
     EXPECT_EQ("", run({"diff", "a.pia", "b.pia", "-q"}).out);
     EXPECT_EQ(0, run({"diff", "a.pia", "b.pia", "z"}).status);
     EXPECT_EQ(2, run({"diff", "a.pia", "none.pia"}).status);
+}
+
+TEST_F(PmToolVerbs, ScriptOfOneNodeTurnsItIntoThatOfB) {
+    folder.write("b.pia",
+                 "PIAFILEVERSION_2.0,\r\nn=1.0\nx{\n a=2\n y{\n  c=2.5\n }\n}\nq{\n}\nz{\n a=3\n}\n");
+    const ToolRun script = run({"diff", "a.pia", "b.pia", "x", "--script"});
+    EXPECT_EQ("rm \\x\\b\nset \\x\\a long 2\n", script.out);
+    EXPECT_EQ(0, run_with_input({"apply", "a.pia", "-"}, script.out).status);
+    EXPECT_EQ(0, run({"diff", "a.pia", "b.pia", "x"}).status);
+    expect_output({"diff", "a.pia", "b.pia", "x\\a"}, "a.pia and b.pia hold equal trees.\n");
 }
 
 TEST_F(PmToolVerbs, DiffPassesOverWhatIsExcludedOrWithinTheTolerance) {

@@ -32,11 +32,6 @@ struct DiffOptions {
     std::string color = "auto";
 };
 
-// Where the comparison begins in a tree; nothing if it hasn't the path.
-std::optional<pm::Node> top_of(const Source& source, const std::string& path) {
-    return source.content.tree.node(path);
-}
-
 void add_value(Json& row, std::string_view name, const std::optional<kit::Stored>& value) {
     if (value) {
         row.text(name, kit::value_text(*value));
@@ -93,26 +88,23 @@ int diff(const DiffOptions& options) {
     other.file = options.second;
     const Source second = read_source(other);
     const std::string path = kit::full_path(options.path);
-    const std::optional<pm::Node> a = top_of(first, path);
-    const std::optional<pm::Node> b = top_of(second, path);
-    if (!a && !b) throw no_such_path(options.first.file, path);
-    const pm::Tree nothing;
     kit::CompareOptions compare = options.compare;
     compare.order = !options.no_order;
     compare.strictness = options.strict;
-    const std::vector<kit::Difference> differences = [&] {
+    const auto differences = [&] {
         const Progress progress("comparing");
-        return kit::compare(a.value_or(nothing.root()), b.value_or(nothing.root()), compare);
+        return kit::compare_at(first.content.tree, second.content.tree, path, compare);
     }();
+    if (!differences) throw no_such_path(options.first.file, path);
     tell_dropped(first);
     tell_dropped(second);
-    print(options, differences);
-    return differences.empty() ? exit_ok : exit_negative;
+    print(options, *differences);
+    return differences->empty() ? exit_ok : exit_negative;
 }
 
 constexpr Verb verb = {
     "diff", "compare", "tell how two trees differ, whatever the formats",
-    R"(Compares two files, or the nodes PATH in them, and lists what turns A into B: "+" is added, "-" removed, "~" has another type or value; a path that ends in a backslash is a node. Of files with several trees all sections are compared, each as a node. Doubles are equal when all their bits are.
+    R"(Compares two files, or what has the path PATH in them, and lists what turns A into B: "+" is added, "-" removed, "~" has another type or value; a path that ends in a backslash is a node. Of files with several trees all sections are compared, each as a node. Doubles are equal when all their bits are.
 
 Exit code 0 if the trees are equal, 1 if they differ, 2 for trouble.)",
     R"(pmtool diff old.pia new.doc '\media'
@@ -127,7 +119,7 @@ void add_diff(Commands& commands) {
     line.other_name("compare");
     line.argument("A", options->first.file, "A file; \"-\" is standard input");
     line.argument("B", options->second, "Another file");
-    line.optional_argument("PATH", options->path, "The node to compare");
+    line.optional_argument("PATH", options->path, "The node or property to compare");
     add_from(line, options->first);
     line.text("--section", options->first.section, "NAME", "One section of both, by name or number");
     add_keep_going(line, options->first);
