@@ -29,6 +29,18 @@ constexpr Ending endings[] = {{".dpia", PM_Object::FILE_DPIA},
                               {".pc2", PM_Object::FILE_PC2},
                               {".pcp", PM_Object::FILE_PCP}};
 
+// The beginning of a compound file with some bytes of it damaged. Other programs call files of other kinds
+// ".doc" too.
+bool is_nearly_compound(std::string_view bytes) {
+    constexpr std::string_view mark = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
+    if (bytes.size() < mark.size()) return false;
+    std::size_t same = 0;
+    for (std::size_t at = 0; at < mark.size(); ++at) {
+        if (bytes[at] == mark[at]) ++same;
+    }
+    return same >= mark.size() / 2;
+}
+
 std::optional<PM_Object::FileType> type_of(const CheckedContent& content, const CheckOptions& options) {
     if (options.type) return options.type;
     std::string_view bytes = content.bytes;
@@ -40,6 +52,7 @@ std::optional<PM_Object::FileType> type_of(const CheckedContent& content, const 
     for (const Ending& ending : endings) {
         if (name.ends_with(ending.text)) return ending.type;
     }
+    if (name.ends_with(".doc") && is_nearly_compound(content.bytes)) return PM_Object::FILE_DOC;
     return std::nullopt;
 }
 

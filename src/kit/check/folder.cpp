@@ -5,6 +5,7 @@
 #include "check/library_load.h"
 #include "check/pdt/description.h"
 #include <algorithm>
+#include <pm/error_number.h>
 #include <pm/inspect.h>
 #include <pm/text.h>
 
@@ -14,12 +15,22 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::vector<fs::directory_entry> entries_of(const fs::path& folder) {
+void say_unreadable(const fs::path& folder, const std::error_code& error, Findings& findings) {
+    const bool denied = error == std::errc::permission_denied;
+    findings.add({.rule = Rule::unreadable,
+                  .place = {.file = name_of_path(folder), .section = {}},
+                  .message = "The folder can't be read.",
+                  .number = denied ? PM_ERR_ACCESS_DENIED : PM_ERR_STREAM_FAILED});
+}
+
+// As far as they can be listed.
+std::vector<fs::directory_entry> entries_of(const fs::path& folder, Findings& findings) {
     std::vector<fs::directory_entry> entries;
     std::error_code error;
     for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
         entries.push_back(*at);
     }
+    if (error) say_unreadable(folder, error, findings);
     std::sort(entries.begin(), entries.end());
     return entries;
 }
@@ -40,13 +51,15 @@ std::vector<fs::path> check_level(const fs::path& folder, const CheckOptions& op
     const bool described = holds_description(name, options);
     if (described) check_description(name, findings);
     std::vector<fs::path> below;
-    for (const fs::directory_entry& entry : entries_of(folder)) {
+    for (const fs::directory_entry& entry : entries_of(folder, findings)) {
         std::error_code error;
         if (entry.is_directory(error)) {
             if (!entry.is_symlink(error)) below.push_back(entry.path());
         } else if (entry.is_regular_file(error) &&
                    !(described && is_table_name(name_of_path(entry.path())))) {
             check_if_known(name_of_path(entry.path()), options, findings);
+        } else if (!entry.is_symlink(error) && entry.status(error).type() == fs::file_type::none) {
+            say_unreadable(name_of_path(entry.path()), PM_ERR_ACCESS_DENIED, findings);
         }
     }
     return below;

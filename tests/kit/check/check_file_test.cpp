@@ -120,6 +120,16 @@ TEST_F(CheckFile, DamagedHeaderIsKnownByTheEnding) {
                 ElementsAre("a.pia:1:0 bad-header"));
 }
 
+TEST_F(CheckFile, CompoundFileWithADamagedBeginningIsKnownByTheEnding) {
+    std::string content = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
+    content.resize(1536);
+    content[3] = static_cast<char>(content[3] ^ 1);
+    write("a.doc", content);
+    write("b.doc", "A letter of another program.");
+    write("c.doc", "short");
+    EXPECT_THAT(lines_of(check_file(m_folder.path().string())), ElementsAre("a.doc:0:0 damaged-file"));
+}
+
 TEST_F(CheckFile, RuleAloneIsLookedFor) {
     CheckOptions options;
     options.rules = {"odd-boolean"};

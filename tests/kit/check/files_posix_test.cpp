@@ -23,13 +23,15 @@ TEST(CheckUnreadable, FileThatFailsWhileItIsReadIsTold) {
     EXPECT_EQ(Lines{"unreadable 82 The file can't be read."}, said("/proc/self/mem"));
 }
 
-TEST(CheckUnreadable, FolderThatMayNotBeListedHasNothingToCheck) {
+TEST(CheckUnreadable, FolderThatMayNotBeListedIsTold) {
     const pm::test::TempFolder folder;
     const std::filesystem::path closed = folder / "closed";
     std::filesystem::create_directory(closed);
     folder.write("closed/b.pia", "PIAFILEVERSION_2.0\nb\n");
     const pm::test::UnreadableFile unreadable(closed);
-    EXPECT_EQ(Lines(), said(closed.string()));
+    const Lines told{"unreadable 61 The folder can't be read."};
+    EXPECT_EQ(told, said(closed.string()));
+    EXPECT_EQ(told, said(folder.path().string()));
 }
 
 TEST(CheckUnreadable, WhatIsNoFileInAFolderIsPassedOver) {
