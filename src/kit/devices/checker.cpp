@@ -1,5 +1,6 @@
 #include "devices/checker.h"
 #include "devices/value_words.h"
+#include <cmath>
 
 namespace pm::kit::devices {
 
@@ -154,6 +155,17 @@ void check_range(Checker& check, Setting& setting, const Range& range, const std
                          .message = std::string(what) + ", " + number_text(number) + ", is " +
                                     (is_below_least ? "below the least, " : "above the most, ") +
                                     number_text(limit) + '.'});
+}
+
+void check_count(Checker& check, Setting& setting, const Range& range, const std::string& path,
+                 std::string_view what) {
+    const bool is_whole = !setting.number || std::trunc(*setting.number) == *setting.number;
+    if (is_whole || (!range.least && !range.most))
+        return check_range(check, setting, range, path, path, what);
+    check.fail(setting,
+               {.description_path = path,
+                .offers = {{range_text(range), {}, path}},
+                .message = std::string(what) + ", " + number_text(*setting.number) + ", isn't whole."});
 }
 
 void check_bits(Checker& check, Setting& setting, std::string_view path, std::optional<double> offered,

@@ -108,6 +108,9 @@ std::vector<Offer> nearest(const List& items, std::string_view asked) {
 // width".
 void check_range(Checker& check, Setting& setting, const Range& range, const std::string& least_path,
                  const std::string& most_path, std::string_view what);
+// The same of what is counted, so that it has to be whole.
+void check_count(Checker& check, Setting& setting, const Range& range, const std::string& path,
+                 std::string_view what);
 
 // The setting's number has no bits but those of the property at `path`; `words` names bits.
 void check_bits(Checker& check, Setting& setting, std::string_view path, std::optional<double> offered,

@@ -223,7 +223,7 @@ void check_copies(Checker& check) {
         if (!most) {
             check.silent(setting, path, "maximum of copies");
         } else {
-            check_range(check, setting, {1.0, most}, path, path, "The number of copies");
+            check_count(check, setting, {1.0, most}, path, "The number of copies");
         }
     }
 }

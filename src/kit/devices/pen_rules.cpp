@@ -9,7 +9,7 @@ namespace {
 constexpr int line_types = 18;
 constexpr std::string_view line_type_texts = "\\linetype\\capabilities";
 
-// A number of `\physical_pen` with the paths of its limits.
+// A number of `\physical_pen` with the paths of its limits; without a least one it is a count.
 struct PenLimit {
     std::string_view setting;
     std::string_view least;
@@ -43,9 +43,10 @@ void check_limit(Checker& check, const PenLimit& limit, std::optional<double> le
                                  .message = std::string(limit.what) + " can't be set on this device."});
         } else if (!range.most && !limit_at(check.device, limit.least)) {
             check.silent(setting, most, "limits of it");
+        } else if (limit.least.empty()) {
+            check_count(check, setting, range, most, limit.what);
         } else {
-            check_range(check, setting, range, limit.least.empty() ? most : check.device.path(limit.least),
-                        most, limit.what);
+            check_range(check, setting, range, check.device.path(limit.least), most, limit.what);
         }
     }
 }
@@ -147,7 +148,7 @@ void check_line_type(Checker& check) {
         const std::string path = check.device.path(line_type_texts);
         const double count = static_cast<double>(offered_line_types(check.device).size());
         if (check.device.has_line_type(0)) {
-            check_range(check, setting, {std::nullopt, count}, path, path, "The number of line types");
+            check_count(check, setting, {std::nullopt, count}, path, "The number of line types");
         } else {
             check.silent(setting, path, "line types");
         }

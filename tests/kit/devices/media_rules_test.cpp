@@ -138,6 +138,14 @@ TEST(Copies, NoneAreFound) {
                     "least, 1. (1 to 9)"});
 }
 
+TEST(Copies, PartOfACopyIsFound) {
+    EXPECT_EQ(found("copies", {{"\\media\\copies", 1.5}}),
+              Lines{"error \\media\\copies = 1.5 @ \\media\\max_number_of_copies = : The number of copies, "
+                    "1.5, isn't "
+                    "whole. (1 to 9)"});
+    EXPECT_EQ(found("copies", {{"\\media\\copies", 2.0}}), Lines{});
+}
+
 TEST(Copies, InWordsAreUnspoken) {
     EXPECT_EQ(
         found("unspoken", {{"\\media\\copies", text("two")}}),

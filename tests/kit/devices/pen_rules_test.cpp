@@ -22,6 +22,13 @@ TEST(PenCount, AboveTheMostIsFound) {
                     "most, 8. (0 to 8)"});
 }
 
+TEST(PenCount, PartOfAPenIsFound) {
+    EXPECT_EQ(found("pen-count", {{"\\physical_pen\\count", 2.5}}),
+              Lines{"error \\physical_pen\\count = 2.5 @ \\physical_pen\\max_npens = : The number of pens, "
+                    "2.5, isn't "
+                    "whole. (0 to 8)"});
+}
+
 TEST(PenNumber, OfTheDevicePasses) {
     EXPECT_EQ(looked("pen-number", {{"\\3\\PEN_NUMBER", 8}}),
               Lines{"passed \\3\\PEN_NUMBER @ \\physical_pen\\max_npens"});
