@@ -47,7 +47,7 @@ extern "C" {
 
 // NOLINTBEGIN(modernize-use-using): C has no other.
 
-#define PM9_ABI_VERSION 1
+#define PM9_ABI_VERSION 2
 
 // As a length: the text ends at its first zero.
 #define PM9_Z SIZE_MAX
@@ -400,6 +400,29 @@ typedef struct pm9_read_options {
 PM9_API pm9_status pm9_tree_read(pm9_tree* tree, const char* file, size_t file_length,
                                  const pm9_read_options* options, pm9_error* error);
 
+// What is known of the file that a tree was read from whole.
+typedef struct pm9_source {
+    size_t size;        // sizeof(pm9_source), set by the caller
+    int32_t type;       // PM9_FILE_ANY: the tree wasn't made by pm9_tree_read(), or loaded into since
+    int32_t by_section; // 1: the tree has a node for each section or plotter
+    int32_t version;    // of the header: 1 or 2; 0 where the format has none
+    int32_t compressed; // of a PIA file
+    const char* tag;    // of its header, behind the version and its comma; the caller's, NULL if it is empty
+    size_t tag_length;
+} pm9_source;
+
+PM9_API pm9_status pm9_tree_source(const pm9_tree* tree, pm9_source* source, pm9_error* error);
+
+enum {                  // what narrow texts are in, where nothing in the file tells it
+    PM9_TEXT_ASCII = 0, // every code page reads the same
+    PM9_TEXT_UTF8 = 1,  // all that is outside ASCII: read it again with code page 65001
+    PM9_TEXT_OTHER = 2, // none of it is UTF-8
+    PM9_TEXT_MIXED = 3
+};
+
+// Of the names and texts of a tree that was read with code page 1252.
+PM9_API pm9_status pm9_tree_encoding(const pm9_tree* tree, int32_t* encoding, pm9_error* error);
+
 typedef struct pm9_json_options {
     size_t size;
     int32_t one_line; // not 0: no line ends and blanks within
@@ -514,7 +537,8 @@ typedef struct pm9_check_options {
 PM9_API pm9_status pm9_check(const char* file, size_t file_length, const pm9_check_options* options,
                              size_t item_size, pm9_diagnostic** diagnostics, size_t* count, pm9_error* error);
 
-// What a file that is written doesn't give back. Values as above; NULL where there is none.
+// What a file that is written doesn't give back, or one that is read doesn't give. Values as above; NULL
+// where there is none.
 typedef struct pm9_loss {
     size_t size;
     const char* kind; // "lost", "cut", "retyped", "re-encoded"...: <pm/kit/loss.h>
@@ -531,6 +555,12 @@ typedef struct pm9_loss {
     size_t after_length;
 } pm9_loss;
 
+// What a whole reading of a file changes or leaves out and doesn't report: repeated names, cut texts, words
+// and sections that nothing is made of. All are of kind "source". With pm9_tree_reports() these are all that
+// the file couldn't give. Reads as pm9_tree_read() and fails as it.
+PM9_API pm9_status pm9_unreported(const char* file, size_t file_length, const pm9_read_options* options,
+                                  size_t item_size, pm9_loss** losses, size_t* count, pm9_error* error);
+
 typedef struct pm9_write_options {
     size_t size;
     int32_t type;    // PM9_FILE_PIA, PM9_FILE_DPIA or PM9_FILE_DOC
@@ -541,10 +571,16 @@ typedef struct pm9_write_options {
     size_t subtree_length;
     uint32_t code_page; // of narrow text, for the whole process while it is made; 0: as it is set
     uint32_t reserved;
+    // Of a DPIA file: all of the subtree is this one section, with the info text of the section of that name
+    // in the file that the tree was read from whole. NULL: a section for each node below the subtree. Since
+    // interface 2.
+    const char* section;
+    size_t section_length;
 } pm9_write_options;
 
 // Makes the bytes of a file in memory, of any format that is written, and tells by reading them back what
-// they don't hold. `options` NULL counts as {sizeof(pm9_write_options)}.
+// they don't hold. `options` NULL counts as {sizeof(pm9_write_options)}. PM9_BAD_INPUT for a type that isn't
+// written and a subtree that isn't there.
 PM9_API pm9_status pm9_prepare(const pm9_tree* tree, const pm9_write_options* options, char** data,
                                size_t* length, size_t item_size, pm9_loss** losses, size_t* count,
                                pm9_error* error);

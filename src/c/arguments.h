@@ -20,16 +20,36 @@ struct pm9_tree {
     pm::Tree tree;
     std::optional<std::vector<pm::Report>> read_reports; // nothing: those of the tree's own load count
     std::vector<pm::kit::Section> sections;
+    std::optional<pm9_source> source; // without its tag
+    std::string tag;
 
     // Puts other content in place of the old.
-    void take(pm::Tree&& content, std::vector<pm::Report>&& reports = {},
-              std::vector<pm::kit::Section>&& sections_of_file = {}) {
+    void take(pm::Tree&& content) {
         tree = std::move(content);
+        read_reports.emplace();
+        sections.clear();
+        source.reset();
+        tag.clear();
+    }
+    // The same of a file that was read whole.
+    void take(pm::kit::FileContent&& content) {
+        std::vector<pm::Report> reports(content.reports.begin(), content.reports.end());
+        const pm9_source form{sizeof(pm9_source),
+                              content.type,
+                              content.by_section ? 1 : 0,
+                              content.version,
+                              content.compressed ? 1 : 0,
+                              nullptr,
+                              0};
+        take(std::move(content.tree));
         read_reports = std::move(reports);
-        sections = std::move(sections_of_file);
+        sections = std::move(content.sections);
+        source = form;
+        tag = std::move(content.tag);
     }
     pm::Tree& to_load() {
         read_reports.reset();
+        source.reset();
         return tree;
     }
     const std::vector<pm::Report>& reports() const { return read_reports ? *read_reports : tree.reports(); }
@@ -52,13 +72,16 @@ T& required(T* pointer, const char16_t* name) {
     return *pointer;
 }
 
-// A struct as this library knows it. One of a newer header is cut, one smaller than the first version
-// refused.
+// A struct as this library knows it. One of a newer header is cut, what one of an older header doesn't have
+// is 0, one smaller than its first version is refused.
 template<class Struct>
-Struct options(const Struct* given, const Struct& in_place_of_null, const char16_t* name) {
+Struct options(const Struct* given, const Struct& in_place_of_null, const char16_t* name,
+               std::size_t first_size = sizeof(Struct)) {
     if (given == nullptr) return in_place_of_null;
-    if (given->size < sizeof(Struct)) refuse(name, PM_ERR_INVALID_ARGUMENT);
-    return *given;
+    if (given->size < first_size) refuse(name, PM_ERR_INVALID_ARGUMENT);
+    Struct known{};
+    std::memcpy(&known, given, std::min(given->size, sizeof(Struct)));
+    return known;
 }
 
 // A struct for a result.

@@ -2,9 +2,12 @@
 #include "block.h"
 #include "failure.h"
 #include "kit_text.h"
+#include "losses.h"
 #include "reports.h"
 #include <pm/kit/check.h>
+#include <pm/kit/encoding.h>
 #include <pm/kit/file.h>
+#include <pm/kit/loss.h>
 #include <pm/pm_c.h>
 
 using namespace pm::c;
@@ -37,6 +40,23 @@ pm::kit::CheckOptions check_options(const pm9_check_options* given) {
     return check;
 }
 
+// Diagnostics with a number are reports of the load, if there are any.
+std::vector<pm::kit::Loss> unreported(const pm::kit::Input& input) {
+    pm::kit::FileContent content = pm::kit::read_file(input);
+    pm::kit::CheckOptions check;
+    check.type = content.type;
+    check.section = input.section;
+    check.code_page = input.code_page;
+    std::vector<pm::kit::Diagnostic> found = pm::kit::check_file(input.file, check);
+    if (!content.reports.empty()) {
+        std::erase_if(found, [](const pm::kit::Diagnostic& each) { return each.number != 0; });
+    }
+    content.reports.clear();
+    return pm::kit::source_losses(content, found);
+}
+
+static_assert(static_cast<int>(pm::kit::TextEncoding::utf8) == PM9_TEXT_UTF8);
+static_assert(static_cast<int>(pm::kit::TextEncoding::mixed) == PM9_TEXT_MIXED);
 static_assert(static_cast<int>(pm::kit::Severity::error) == PM9_ERROR);
 
 void add_diagnostic(ArrayBlock<pm9_diagnostic>& block, const pm::kit::Diagnostic& diagnostic) {
@@ -61,9 +81,39 @@ pm9_status pm9_tree_read(pm9_tree* tree, const char* file, size_t file_length, c
     return guarded(error, [&] {
         const pm9_read_options how = options(given, default_read, u"options");
         pm9_tree& target = required(tree, u"tree");
-        pm::kit::FileContent content = pm::kit::read_file(input_of(text(file, file_length), how));
-        std::vector<pm::Report> reports(content.reports.begin(), content.reports.end());
-        target.take(std::move(content.tree), std::move(reports), std::move(content.sections));
+        target.take(pm::kit::read_file(input_of(text(file, file_length), how)));
+    });
+}
+
+pm9_status pm9_tree_source(const pm9_tree* tree, pm9_source* source, pm9_error* error) {
+    return guarded(error, [&] {
+        const pm9_tree& read = required(tree, u"tree");
+        pm9_source& out = result(source, u"source");
+        pm9_source filled{};
+        filled.type = PM9_FILE_ANY;
+        if (read.source) filled = *read.source;
+        if (read.source && !read.tag.empty()) {
+            filled.tag = copy_of(read.tag).release();
+            filled.tag_length = read.tag.size();
+        }
+        filled.size = out.size;
+        out = filled;
+    });
+}
+
+pm9_status pm9_tree_encoding(const pm9_tree* tree, int32_t* encoding, pm9_error* error) {
+    return guarded(error, [&] {
+        const pm::Tree& read = required(tree, u"tree").tree;
+        required(encoding, u"encoding") = static_cast<std::int32_t>(pm::kit::text_encoding(read));
+    });
+}
+
+pm9_status pm9_unreported(const char* file, size_t file_length, const pm9_read_options* given,
+                          size_t item_size, pm9_loss** losses, size_t* count, pm9_error* error) {
+    return guarded(error, [&] {
+        const pm9_read_options how = options(given, default_read, u"options");
+        const pm::kit::Input input = input_of(text(file, file_length), how);
+        block_of(unreported(input)).hand_out(item_size, losses, count);
     });
 }
 

@@ -1,16 +1,21 @@
 #include "arguments.h"
 #include "block.h"
 #include "failure.h"
-#include "kit_text.h"
+#include "losses.h"
+#include <algorithm>
+#include <cstddef>
 #include <pm/kit/loss.h>
+#include <pm/kit/stored.h>
 #include <pm/pm_c.h>
 
 using namespace pm::c;
 
 namespace {
 
-pm::kit::WriteOptions write_options(const pm9_write_options* given, const pm9_tree& tree) {
-    const pm9_write_options how = options(given, pm9_write_options(), u"options");
+// The struct of interface 1 ends in front of this.
+constexpr std::size_t first_size = offsetof(pm9_write_options, section);
+
+pm::kit::WriteOptions write_options(const pm9_write_options& how, const pm9_tree& tree) {
     const std::optional<PM_Object::FileType> type = file_type(how.type);
     if (!type) refuse(u"type", PM_ERR_INVALID_ARGUMENT);
     pm::kit::WriteOptions write;
@@ -23,15 +28,33 @@ pm::kit::WriteOptions write_options(const pm9_write_options* given, const pm9_tr
     return write;
 }
 
-void add_loss(ArrayBlock<pm9_loss>& block, const pm::kit::Loss& loss) {
-    using Item = pm9_loss;
-    block.add({});
-    block.add_text(&Item::kind, &Item::kind_length, pm::kit::loss_name(loss.kind));
-    block.add_text(&Item::path, &Item::path_length, loss.path);
-    block.add_text(&Item::new_path, &Item::new_path_length, loss.new_path);
-    block.add_text(&Item::reason, &Item::reason_length, loss.reason);
-    add_stored(block, &Item::before, &Item::before_length, loss.before);
-    add_stored(block, &Item::after, &Item::after_length, loss.after);
+// The name of a node that can stand for a section of that name.
+std::string node_name(std::string name) {
+    std::ranges::replace(name, '\\', '/');
+    return name.empty() ? "section" : name;
+}
+
+pm::kit::Prepared prepare_section(const pm9_tree& source, const std::string& name,
+                                  pm::kit::WriteOptions write) {
+    const std::optional<pm::Node> top = source.tree.node(write.subtree);
+    if (!top) return pm::kit::prepare(source.tree, write); // which refuses it
+    pm::kit::Section section{name, {}, node_name(name)};
+    const auto known = std::ranges::find(source.sections, name, &pm::kit::Section::name);
+    if (known != source.sections.end()) section.info = known->info;
+    pm::Tree tree;
+    pm::kit::copy(*top, tree, '\\' + section.node);
+    write.subtree = "\\";
+    write.sections = {section};
+    return pm::kit::prepare(tree, write);
+}
+
+pm::kit::Prepared prepare(const pm9_tree& source, const pm9_write_options* given) {
+    const pm9_write_options how = options(given, pm9_write_options(), u"options", first_size);
+    pm::kit::WriteOptions write = write_options(how, source);
+    if (how.section == nullptr || write.type != PM_Object::FILE_DPIA) {
+        return pm::kit::prepare(source.tree, write);
+    }
+    return prepare_section(source, std::string(text(how.section, how.section_length)), std::move(write));
 }
 
 } // namespace
@@ -39,12 +62,8 @@ void add_loss(ArrayBlock<pm9_loss>& block, const pm::kit::Loss& loss) {
 pm9_status pm9_prepare(const pm9_tree* tree, const pm9_write_options* given, char** data, size_t* length,
                        size_t item_size, pm9_loss** losses, size_t* count, pm9_error* error) {
     return guarded(error, [&] {
-        const pm9_tree& source = required(tree, u"tree");
-        const pm::kit::Prepared prepared = pm::kit::prepare(source.tree, write_options(given, source));
-        ArrayBlock<pm9_loss> block;
-        for (const pm::kit::Loss& loss : prepared.losses) {
-            add_loss(block, loss);
-        }
+        const pm::kit::Prepared prepared = prepare(required(tree, u"tree"), given);
+        const ArrayBlock<pm9_loss> block = block_of(prepared.losses);
         char*& result = required(data, u"data");
         std::size_t& result_length = required(length, u"length");
         Block bytes = copy_of(prepared.bytes);

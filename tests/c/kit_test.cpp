@@ -2,6 +2,7 @@
 
 #include "pm_test_paths.h"
 #include "support/temp_folder.h"
+#include <cstddef>
 #include <gmock/gmock.h>
 
 namespace {
@@ -184,6 +185,77 @@ TEST(CRead, KeepsItsReportsUntilTheNextLoad) {
     EXPECT_THAT(listed(tree.get()), ElementsAre("Root", " b=1"));
 }
 
+pm9_source source_of(const pm9_tree* tree) {
+    pm9_source source{};
+    source.size = sizeof source;
+    EXPECT_EQ(pm9_tree_source(tree, &source, nullptr), PM9_OK);
+    return source;
+}
+
+TEST(CRead, TellsTheFormOfItsFile) {
+    const CTree tree = c_tree();
+    const std::string file = std::string(PM_SAMPLES) + "/plotter-compressed.pia";
+    ASSERT_EQ(pm9_tree_read(tree.get(), file.c_str(), PM9_Z, nullptr, nullptr), PM9_OK);
+    pm9_source source = source_of(tree.get());
+    EXPECT_EQ(source.type, PM9_FILE_PIA);
+    EXPECT_EQ(source.by_section, 0);
+    EXPECT_EQ(source.version, 2);
+    EXPECT_EQ(source.compressed, 1);
+    EXPECT_EQ(taken(source.tag, source.tag_length), "DX4200CFG_1.0,compress");
+    const std::string sections = std::string(PM_SAMPLES) + "/sections.dpia";
+    ASSERT_EQ(pm9_tree_read(tree.get(), sections.c_str(), PM9_Z, nullptr, nullptr), PM9_OK);
+    source = source_of(tree.get());
+    EXPECT_EQ(source.type, PM9_FILE_DPIA);
+    EXPECT_EQ(source.by_section, 1);
+    EXPECT_EQ(source.tag, nullptr);
+}
+
+TEST(CRead, KnowsNoFileOnceTheTreeIsAnother) {
+    const CTree tree = c_tree();
+    EXPECT_EQ(source_of(tree.get()).type, PM9_FILE_ANY);
+    const std::string file = std::string(PM_SAMPLES) + "/plotter.pia";
+    ASSERT_EQ(pm9_tree_read(tree.get(), file.c_str(), PM9_Z, nullptr, nullptr), PM9_OK);
+    ASSERT_EQ(pm9_tree_load_memory(tree.get(), "PIAFILEVERSION_2.0\nb=1\n", 23, nullptr, nullptr), PM9_OK);
+    EXPECT_EQ(source_of(tree.get()).type, PM9_FILE_ANY);
+}
+
+TEST(CRead, TellsWhatTextsAreIn) {
+    const CTree tree = small_tree();
+    std::int32_t encoding = -1;
+    ASSERT_EQ(pm9_tree_encoding(tree.get(), &encoding, nullptr), PM9_OK);
+    EXPECT_EQ(encoding, PM9_TEXT_ASCII);
+    const std::string file = "PIAFILEVERSION_2.0\na=\"\xC3\xA4\n";
+    ASSERT_EQ(pm9_tree_load_memory(tree.get(), file.data(), file.size(), nullptr, nullptr), PM9_OK);
+    ASSERT_EQ(pm9_tree_encoding(tree.get(), &encoding, nullptr), PM9_OK);
+    EXPECT_EQ(encoding, PM9_TEXT_UTF8);
+}
+
+// Kind and reason of what a file doesn't give and doesn't report.
+std::vector<std::string> unreported(const TempFolder& folder, std::string_view content) {
+    folder.write("a.pia", content);
+    pm9_loss* losses = nullptr;
+    std::size_t count = 0;
+    EXPECT_EQ(pm9_unreported((folder / "a.pia").string().c_str(), PM9_Z, nullptr, sizeof *losses, &losses,
+                             &count, nullptr),
+              PM9_OK);
+    std::vector<std::string> lines;
+    for (std::size_t at = 0; at < count; ++at) {
+        lines.push_back(std::string(losses[at].kind) + ": " + losses[at].reason);
+    }
+    pm9_free(losses);
+    return lines;
+}
+
+TEST(CRead, LeavesToAskForWhatItDoesntReport) {
+    const TempFolder folder;
+    EXPECT_THAT(unreported(folder, "PIAFILEVERSION_2.0,\na=1\n"), ElementsAre());
+    EXPECT_THAT(unreported(folder, "PIAFILEVERSION_2.0,\na=12 34\na=5\n"),
+                ElementsAre(testing::HasSubstr("line 2"), testing::HasSubstr("line 3")));
+    // With a bad line that is reported, the report tells it.
+    EXPECT_THAT(unreported(folder, "PIAFILEVERSION_2.0,\na=1\na=5\nb=\n"),
+                ElementsAre(testing::StartsWith("source: line 3")));
+}
+
 TEST(CCheck, TellsRulePlaceAndWords) {
     const TempFolder folder;
     folder.write("a.pia", "PIAFILEVERSION_2.0,\na=\nb=1\n");
@@ -263,6 +335,85 @@ TEST(CPrepare, KeepsTheSectionsOfAFileThatWasReadWhole) {
     const PreparedFile made = prepared(tree.get(), &options);
     EXPECT_THAT(made.losses, ElementsAre());
     EXPECT_NE(made.bytes.find("Drawing office, third floor"), std::string::npos);
+}
+
+// The bytes of a DPIA file of one section, loaded again.
+CTree section_of(const pm9_tree* tree, const char* name, std::string* bytes = nullptr) {
+    pm9_write_options options{};
+    options.size = sizeof options;
+    options.type = PM9_FILE_DPIA;
+    options.section = name;
+    options.section_length = PM9_Z;
+    const PreparedFile made = prepared(tree, &options);
+    EXPECT_THAT(made.losses, ElementsAre());
+    const TempFolder folder;
+    folder.write("a.dpia", made.bytes);
+    CTree again = c_tree();
+    EXPECT_EQ(pm9_tree_read(again.get(), (folder / "a.dpia").string().c_str(), PM9_Z, nullptr, nullptr),
+              PM9_OK);
+    if (bytes != nullptr) *bytes = made.bytes;
+    return again;
+}
+
+TEST(CPrepare, MakesOneSectionOfAllOfATree) {
+    const CTree tree = small_tree();
+    ASSERT_EQ(pm9_tree_set_long(tree.get(), "\\top", PM9_Z, 1, nullptr), PM9_OK);
+    EXPECT_THAT(listed(section_of(tree.get(), "A").get()),
+                ElementsAre("Root", " A", "  top=1", "  media", "   copies=2"));
+}
+
+TEST(CPrepare, TellsANameOfASectionThatNoNodeHas) {
+    const CTree tree = small_tree();
+    pm9_write_options options{};
+    options.size = sizeof options;
+    options.type = PM9_FILE_DPIA;
+    options.section = "A\\B";
+    options.section_length = PM9_Z;
+    const PreparedFile made = prepared(tree.get(), &options);
+    EXPECT_THAT(made.losses, ElementsAre("renamed \\A/B\\"));
+    options.section = "";
+    EXPECT_THAT(prepared(tree.get(), &options).losses, ElementsAre("renamed \\section\\"));
+    options.subtree = "\\no";
+    options.subtree_length = PM9_Z;
+    char* data = nullptr;
+    pm9_loss* losses = nullptr;
+    std::size_t length = 0;
+    std::size_t count = 0;
+    EXPECT_EQ(pm9_prepare(tree.get(), &options, &data, &length, sizeof *losses, &losses, &count, nullptr),
+              PM9_BAD_INPUT);
+}
+
+TEST(CPrepare, KeepsTheInfoTextOfTheOneSectionThatWasRead) {
+    const CTree tree = c_tree();
+    const std::string file = std::string(PM_SAMPLES) + "/sections.dpia";
+    pm9_read_options office{};
+    office.size = sizeof office;
+    office.type = PM9_FILE_ANY;
+    office.section = "Office";
+    office.section_length = PM9_Z;
+    ASSERT_EQ(pm9_tree_read(tree.get(), file.c_str(), PM9_Z, &office, nullptr), PM9_OK);
+    std::string bytes;
+    (void)section_of(tree.get(), "Office", &bytes);
+    EXPECT_NE(bytes.find("Drawing office, third floor"), std::string::npos);
+    (void)section_of(tree.get(), "Other", &bytes);
+    EXPECT_EQ(bytes.find("Drawing office, third floor"), std::string::npos);
+}
+
+TEST(CPrepare, TakesTheStructOfTheFirstInterface) {
+    const CTree tree = small_tree();
+    pm9_write_options options{};
+    options.size = offsetof(pm9_write_options, section);
+    options.type = PM9_FILE_DPIA;
+    options.section = "not read";
+    EXPECT_NE(prepared(tree.get(), &options).bytes.find("media"), std::string::npos);
+    EXPECT_EQ(prepared(tree.get(), &options).bytes.find("not read"), std::string::npos);
+    options.size -= 1;
+    char* data = nullptr;
+    pm9_loss* losses = nullptr;
+    std::size_t length = 0;
+    std::size_t count = 0;
+    EXPECT_EQ(pm9_prepare(tree.get(), &options, &data, &length, sizeof *losses, &losses, &count, nullptr),
+              PM9_ERR_INVALID_ARGUMENT);
 }
 
 TEST(CPrepare, RefusesAFormatThatIsntWritten) {

@@ -180,7 +180,9 @@ void c_check(Subject& subject) {
 void c_prepare(Subject& subject) {
     Given given;
     List<pm9_loss> losses;
-    const pm9_write_options options{sizeof options, PM9_FILE_PIA, 0, nullptr, 0, nullptr, 0, 0, 0};
+    pm9_write_options options{};
+    options.size = sizeof options;
+    options.type = PM9_FILE_PIA;
     require(pm9_prepare(CTrees::get().first.tree, &options, &given.text, &given.length, sizeof *losses.items,
                         &losses.items, &losses.count, nullptr));
     const Spared test;

@@ -11,8 +11,9 @@ from dataclasses import dataclass
 from enum import IntEnum
 from typing import Any, Optional
 
-from pm9._errors import call, error_text
+from pm9._errors import InputError, call, error_text
 from pm9._library import NULL, bytes_out, ffi, lib, struct, text_in, text_out
+from pm9._replacing import locked, replace
 from pm9._tree import File, FileType, Tree
 from pm9._values import Value
 
@@ -214,15 +215,18 @@ def _loss(found: Any) -> Loss:
 
 
 def prepare(tree: Tree, *, type: FileType = FileType.PIA, tag: str = "", utf8: bool = False, code_page: int = 0,
-            subtree: str = "\\") -> tuple[bytes, list[Loss]]:
+            subtree: str = "\\", section: Optional[str] = None) -> tuple[bytes, list[Loss]]:
     """The content of a file of any format that is written, and what it doesn't hold, measured by reading it back.
 
-    A tree that was read whole from a DPIA file keeps the names and info texts of its sections.
+    A DPIA file has a section for each node, or all in the one that `section` names. A tree that was read whole from one
+    keeps the names and info texts of its sections.
     """
     _trees(tree)
-    keep = ffi.from_buffer(text_in(tag)), ffi.from_buffer(text_in(subtree))
+    keep = ffi.from_buffer(text_in(tag)), ffi.from_buffer(text_in(subtree)), ffi.from_buffer(text_in(section or ""))
     options = struct("pm9_write_options", type=int(FileType(type)), utf8=bool(utf8), tag=keep[0],
                      tag_length=len(keep[0]), subtree=keep[1], subtree_length=len(keep[1]), code_page=code_page)
+    if section is not None:
+        options.section, options.section_length = keep[2], len(keep[2])
     data, length = ffi.new("char **"), ffi.new("size_t *")
     with tree._handle.in_use():
         losses = _array(lib.pm9_prepare, "pm9_loss", _loss, tree._handle.pointer, options, data, length)
@@ -232,37 +236,127 @@ def prepare(tree: Tree, *, type: FileType = FileType.PIA, tag: str = "", utf8: b
         lib.pm9_free(data[0])
 
 
-def convert(source: File, target: File, *, type: FileType = FileType.PIA, from_type: Optional[FileType] = None,
-            section: Optional[str] = None, code_page: int = 0, tag: str = "", utf8: bool = False,
-            lossy: bool = False) -> list[Loss]:
-    """Reads a file whole and writes it as PIA, DPIA or DOC; gives what was lost, bad lines of the source too.
+_UTF8 = 65001
+_MAY_HOLD_UTF8 = (FileType.PIA, FileType.PC2, FileType.CFG, FileType.PCP)
 
-    LossError, with nothing written, for any loss unless `lossy` says that it may be. `code_page` is that of the
-    source's narrow text; `utf8` writes a PIA file as UTF-8. The target is replaced at once or stays as it was.
-    """
-    tree = Tree()
-    reports = tree.read(source, type=from_type, section=section, code_page=code_page)
-    content, losses = prepare(tree, type=type, tag=tag, utf8=utf8)
-    losses[:0] = [Loss("source", "", f"{error_text(report.number)}: {report.detail.strip()}") for report in reports]
-    if losses and not lossy:
-        raise LossError(losses)
-    folder, name = os.path.split(os.fsdecode(target))
-    handle, made = tempfile.mkstemp(prefix=f".{name}.", dir=folder or ".")
+
+@dataclass(frozen=True)
+class _Source:
+    """A file that was read whole: its tree, what it couldn't give, and its form."""
+
+    tree: Tree
+    losses: list[Loss]
+    type: FileType
+    by_section: bool
+    tag: str
+    code_page: int
+
+
+def _unreported(file: File, type: FileType, section: Optional[str], code_page: int) -> list[Loss]:
+    name, part = os.fsencode(file), ffi.from_buffer(text_in(section or ""))
+    options = struct("pm9_read_options", type=int(type), code_page=code_page, section=part, section_length=len(part))
+    return _array(lib.pm9_unreported, "pm9_loss", _loss, name, len(name), options)
+
+
+def _is_utf8(tree: Tree) -> bool:
+    encoding = ffi.new("int32_t *")
+    tree._handle.call(lib.pm9_tree_encoding, encoding)
+    return bool(encoding[0] == lib.PM9_TEXT_UTF8)
+
+
+def _read(file: File, type: Optional[FileType], section: Optional[str], code_page: int) -> _Source:
+    """As the tool reads: text that is UTF-8 throughout is read so, unless a code page was told."""
+    tree, form = Tree(), struct("pm9_source")
+    reports = tree.read(file, type=type, section=section, code_page=code_page)
+    tree._handle.call(lib.pm9_tree_source, form)
     try:
-        with open(handle, "wb") as file:
-            file.write(content)
-        os.chmod(made, 0o666 & ~_file_mask())
-        os.replace(made, target)
-    except BaseException:
-        os.unlink(made)
-        raise
+        found, tag = FileType(form.type), text_out(form.tag, form.tag_length)
+    finally:
+        lib.pm9_free(form.tag)
+    untold = code_page == 0 and lib.pm9_code_page() == 1252
+    if untold and found in _MAY_HOLD_UTF8 and _is_utf8(tree):
+        code_page = _UTF8
+        reports = tree.read(file, type=type, section=section, code_page=code_page)
+    losses = [Loss("source", "", f"{error_text(report.number)}: {report.detail.strip()}") for report in reports]
+    losses += _unreported(file, found, section, code_page)
+    return _Source(tree, losses, found, bool(form.by_section), tag, code_page if untold else 0)
+
+
+def _one_tree(file: File, source: _Source) -> None:
+    if not source.by_section:
+        return
+    what = "the file holds several plotters" if source.type is FileType.CFG else "a dpia file holds several trees"
+    raise InputError(200, 0, "pm9.convert()",
+                     f"{os.fsdecode(file)}: {what}; choose one with section ({', '.join(source.tree)})")
+
+
+def _section_for(file: File, section: Optional[str], source: _Source) -> Optional[str]:
+    """The one section that a tree becomes; None for one that has a node for each."""
+    if source.by_section:
+        return None
+    if section and source.type is FileType.DPIA:
+        return section
+    return os.path.splitext(os.path.basename(os.fsdecode(file).rstrip(os.sep)))[0]
+
+
+def _without_compression(tag: str) -> str:
+    return ",".join(item for item in tag.split(",") if "compress" not in item)
+
+
+def convert(source: File, target: File, *, type: FileType = FileType.PIA, from_type: Optional[FileType] = None,
+            section: Optional[str] = None, code_page: int = 0, tag: Optional[str] = None, utf8: bool = False,
+            lossy: bool = False) -> list[Loss]:
+    """Reads a file whole and writes it as PIA, DPIA or DOC; gives what was lost, by the source's bad lines too.
+
+    LossError, with nothing written, for any loss unless `lossy` says that it may be: what the target wouldn't give back,
+    and what the source couldn't give, such as repeated names and numbers with more behind them. InputError for a file of
+    several trees that isn't to be DPIA, without a `section`; a file of one tree becomes a section of its name.
+
+    `code_page` is that of the source's narrow text; with 0 text that is UTF-8 throughout is taken for that. `utf8` writes
+    a PIA file as UTF-8, and so is one written that was read so. Without a `tag` that of a PIA file stays, but for its
+    compression; "compress" in one compresses. ValueError for one and for `utf8` with another type.
+
+    The target is replaced at once or stays as it was, with its owner and rights as far as the process may give them. Of
+    a link, what it leads to is replaced. A file that is changed in place is locked meanwhile, as the tool locks it.
+    """
+    if type != FileType.PIA and (utf8 or tag is not None):
+        raise ValueError("utf8 and tag are for PIA files")
+    with ExitStack() as stack:
+        if _is_same(source, target):
+            stack.enter_context(locked(target))
+        read = _read(stack.enter_context(_at_hand(source)), from_type, section, code_page)
+        if type != FileType.DPIA:
+            _one_tree(source, read)
+        utf8 = utf8 or (type == FileType.PIA and read.type is FileType.PIA and read.code_page == _UTF8)
+        header = _without_compression(read.tag) if tag is None else tag
+        content, losses = prepare(read.tree, type=type, tag=header if type == FileType.PIA else "", utf8=utf8,
+                                  code_page=0 if utf8 else read.code_page,
+                                  section=_section_for(source, section, read))
+        losses[:0] = read.losses
+        if losses and not lossy:
+            raise LossError(losses)
+        replace(target, content)
     return losses
 
 
-def _file_mask() -> int:
-    mask = os.umask(0)
-    os.umask(mask)
-    return mask
+@contextmanager
+def _at_hand(file: File) -> Iterator[File]:
+    """A file that can be read twice: of a pipe, its content in a temporary one."""
+    if not os.path.exists(file) or os.path.isfile(file) or os.path.isdir(file):
+        yield file
+        return
+    with tempfile.TemporaryDirectory() as folder, open(file, "rb") as pipe:
+        copy = os.path.join(folder, os.path.basename(os.fsdecode(file)))
+        with open(copy, "wb") as content:
+            content.write(pipe.read())
+        yield copy
+
+
+def _is_same(first: File, second: File) -> bool:
+    try:
+        return os.path.samefile(first, second)
+    except OSError:
+        return False
 
 
 def check(file: File, *, type: Optional[FileType] = None, rules: Sequence[str] = (), without: Sequence[str] = (),

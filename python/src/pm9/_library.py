@@ -14,7 +14,7 @@ from pm9 import _interface
 
 ffi: Any = _interface.ffi
 NAME = "libpm9c.so.9"
-ABI_VERSION = 1  # PM9_ABI_VERSION of the header that the package was made with
+ABI_VERSION = 2  # PM9_ABI_VERSION of the header that the package was made with
 
 
 def _places() -> list[str]:
