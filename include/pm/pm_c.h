@@ -16,11 +16,12 @@
 //     pm9_tree_delete(tree);
 //
 // Failures. Every function that can fail gives a pm9_status: PM9_OK or a number, and fills the pm9_error that
-// its last argument points to; that may be NULL. Beside what each function tells, all of them give
-// PM9_ERR_INVALID_ARGUMENT for a handle or a result that is NULL, for a struct or an item size that is too
-// small, and for a number that names no type; the detail is the argument's name. Without memory it is
-// PM9_ERR_NO_MEMORY. No C++ exception leaves the library. What a failed call was to give is left alone; a
-// tree is as a failed call of the library leaves it: usable, with what was made or read before.
+// its last argument points to; that may be NULL, and one that is too small is left alone as if it were.
+// Beside what each function tells, all of them give PM9_ERR_INVALID_ARGUMENT for a handle or a result that is
+// NULL, for a struct or an item size that is too small, and for a number that names no type; the detail is
+// the argument's name. Without memory it is PM9_ERR_NO_MEMORY. No C++ exception leaves the library. What a
+// failed call was to give is left alone; a tree is as a failed call of the library leaves it: usable, with
+// what was made or read before.
 //
 // Texts are UTF-8. One that goes in is a pointer and a length in bytes, or PM9_Z for "up to its zero"; it is
 // read during the call only, NULL is an empty text. What isn't UTF-8 becomes U+FFFD. An unpaired surrogate is
@@ -234,7 +235,10 @@ PM9_API pm9_status pm9_tree_erase(pm9_tree* tree, const char* path, size_t path_
 // Makes an empty node, and those above it, where they are missing.
 PM9_API pm9_status pm9_tree_make_node(pm9_tree* tree, const char* path, size_t path_length, pm9_error* error);
 // Copies what is in the node `source` into the node `target`, which is made if it is missing; properties that
-// are there already stay. PM9_ERR_COPY_INTO_ITSELF if `target` lies within `source`.
+// are there already stay. A source that isn't there is no failure: nothing is copied.
+// PM9_ERR_COPY_INTO_ITSELF if the last name of `source` is in `target`; PM9_ERR_NO_VALUE, with what was
+// copied by then, for a property that was never given a value, and raw data of no bytes is one to this
+// function.
 PM9_API pm9_status pm9_tree_copy_node(pm9_tree* tree, const char* source, size_t source_length,
                                       const char* target, size_t target_length, pm9_error* error);
 

@@ -165,6 +165,21 @@ TEST(CTree, CopiesANode) {
               PM9_ERR_COPY_INTO_ITSELF);
 }
 
+TEST(CTree, CopiesNothingOfANodeThatIsntThere) {
+    const CTree tree = small_tree();
+    EXPECT_EQ(pm9_tree_copy_node(tree.get(), "\\no", PM9_Z, "\\other", PM9_Z, nullptr), PM9_OK);
+    EXPECT_EQ(pm9_tree_copy_node(tree.get(), "\\media\\copies", PM9_Z, "\\other", PM9_Z, nullptr), PM9_OK);
+    EXPECT_THAT(listed(tree.get()), ElementsAre("Root", " media", "  copies=2", " other"));
+}
+
+TEST(CTree, CopiesUpToRawDataOfNoBytes) {
+    const CTree tree = small_tree();
+    ASSERT_EQ(pm9_tree_set_raw(tree.get(), "\\media\\raw", PM9_Z, "", 0, nullptr), PM9_OK);
+    ASSERT_EQ(pm9_tree_set_long(tree.get(), "\\media\\sides", PM9_Z, 1, nullptr), PM9_OK);
+    EXPECT_EQ(pm9_tree_copy_node(tree.get(), "\\media", PM9_Z, "\\other", PM9_Z, nullptr), PM9_ERR_NO_VALUE);
+    EXPECT_THAT(listed(tree.get(), nullptr, "\\other"), ElementsAre("other", " copies=2", " raw=0"));
+}
+
 // A tree whose names hold what an index would replace.
 class CExactPath : public testing::Test {
 protected:
