@@ -609,6 +609,36 @@ PM9_API pm9_status pm9_compatibility(const pm9_tree* configuration, const pm9_tr
                                      const pm9_compatibility_options* options, char** text, size_t* length,
                                      pm9_error* error);
 
+// A tree on a page to look at.
+typedef struct pm9_page_part {
+    size_t size;
+    const pm9_tree* tree;
+    const char* name; // as the page shows it, such as a file name
+    size_t name_length;
+    const char* base; // its node; NULL: of a description where one is found, of a configuration the root
+    size_t base_length;
+} pm9_page_part;
+
+// How the page's configurations are held against its description; NULL counts as {sizeof(pm9_page_options),
+// NULL, 0, -1}.
+typedef struct pm9_page_options {
+    size_t size;
+    const char* map; // as in pm9_compatibility_options, as the owner
+    size_t map_length;
+    int32_t owner;
+    int32_t reserved;
+} pm9_page_options;
+
+// One HTML document in UTF-8, with style and pictures inside: what a device can do, what configurations ask
+// of it, and whether that fits; docs/report.md tells what stands on it. The same trees give the same bytes.
+// `description` may be NULL, or `count` 0, in which case `configurations` may be NULL; both at once are
+// PM9_ERR_INVALID_ARGUMENT. Configurations lie `item_size` bytes apart, which is sizeof(pm9_page_part), and
+// each tells that size as its own. PM9_BAD_INPUT as for pm9_compatibility(). Values of other types than those
+// of a description are no failure; the page shows them as missing.
+PM9_API pm9_status pm9_report_page(const pm9_page_part* description, const pm9_page_part* configurations,
+                                   size_t item_size, size_t count, const pm9_page_options* options,
+                                   char** html, size_t* length, pm9_error* error);
+
 // NOLINTEND(modernize-use-using)
 
 #ifdef __cplusplus

@@ -148,6 +148,27 @@ def test_configuration_is_held_against_a_device() -> None:
         pm9.compatibility(configuration, device, map="no JSON")
 
 
+def test_page_shows_a_device_and_configurations() -> None:
+    device, one = pm9.load(SAMPLES / "dx4200"), pm9.load(SAMPLES / "plotter.pia")
+    page = pm9.report_page(device, {"first <one>": one, "Zweite – 2": pm9.load(SAMPLES / "office.pc2")}, name="DX")
+    assert page.startswith("<!DOCTYPE html>") and page.index("first &lt;one&gt;") < page.index("Zweite – 2")
+    assert "Does it fit?" in page and "Does it fit?" not in pm9.report_page(device)
+    assert "plotter alone" in pm9.report_page(configurations={"plotter alone": one})
+    assert pm9.report_page(device, {"a": one}, owner=3) != pm9.report_page(device, {"a": one})
+
+
+def test_page_of_nothing_is_refused() -> None:
+    with pytest.raises(pm9.Error) as caught:
+        pm9.report_page()
+    assert caught.value.number == 78
+    with pytest.raises(pm9.InputError):
+        pm9.report_page(pm9.load(SAMPLES / "plotter.pia"))
+    with pytest.raises(pm9.InputError):
+        pm9.report_page(configurations={"a": sample()}, map="no JSON")
+    with pytest.raises(TypeError):
+        pm9.report_page(configurations={"a": {}})  # type: ignore[dict-item]
+
+
 def test_check_tells_rule_place_and_words(tmp_path: Path) -> None:
     file = tmp_path / "bad.pia"
     file.write_bytes(b"PIAFILEVERSION_2.0,\na=\nb=1\n")

@@ -197,6 +197,24 @@ void c_compatibility(Subject& subject) {
     subject.note(std::string_view(given.text, given.length));
 }
 
+void c_unreported(Subject& subject) {
+    List<pm9_loss> losses;
+    require(pm9_unreported(file_of("plotter-compressed.pia").c_str(), PM9_Z, nullptr, sizeof *losses.items,
+                           &losses.items, &losses.count, nullptr));
+    const Spared test;
+    subject.note(std::to_string(losses.count));
+}
+
+void c_report_page(Subject& subject) {
+    const CTrees& trees = CTrees::get();
+    const pm9_page_part description{sizeof description, trees.description.tree, "device", PM9_Z, nullptr, 0};
+    const pm9_page_part plotter{sizeof plotter, trees.plotter.tree, "plotter", PM9_Z, nullptr, 0};
+    Given given;
+    require(pm9_report_page(&description, &plotter, sizeof plotter, 1, nullptr, &given.text, &given.length,
+                            nullptr));
+    subject.note(std::string_view(given.text, given.length));
+}
+
 const MemoryOperation operations[] = {
     {"CLoadAndSave", c_load_and_save, {"status 55", "status 64"}},
     {"CJson", c_json, {"status 55"}},
@@ -208,6 +226,8 @@ const MemoryOperation operations[] = {
     {"CCheck", c_check, {"status 55", "unreadable"}, LessDone::rule},
     {"CPrepare", c_prepare, {"status 55"}},
     {"CCompatibility", c_compatibility, {"status 55"}},
+    {"CUnreported", c_unreported, {"status 55", "status 64"}},
+    {"CReportPage", c_report_page, {"status 55"}},
 };
 
 } // namespace

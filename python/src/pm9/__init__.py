@@ -15,14 +15,14 @@ from pm9._errors import Error, InputError, NoMemoryError, NoSuchFileError, Wrong
 from pm9._errors import call as _call
 from pm9._library import lib as _lib
 from pm9._kit import (Change, Conflict, Diagnostic, Difference, Finding, Loss, LossError, Offer, Severity, check,
-                      compatibility, convert, diff, merge, prepare, script)
+                      compatibility, convert, diff, merge, prepare, report_page, script)
 from pm9._tree import File, FileType, Node, OnReport, Report, Tree
 from pm9._values import Type, Value
 
 __all__ = ["Change", "Conflict", "Diagnostic", "Difference", "Error", "FileType", "Finding", "InputError", "Loss",
            "LossError", "Node", "NoMemoryError", "NoSuchFileError", "Offer", "OnReport", "Report", "Severity", "Tree",
            "Type", "Value", "WrongTypeError", "check", "code_page", "compatibility", "convert", "diff", "error_text",
-           "load", "loads", "merge", "prepare", "script", "set_code_page", "version"]
+           "load", "loads", "merge", "prepare", "report_page", "script", "set_code_page", "version"]
 
 
 def load(file: File, *, type: Optional[FileType] = None, section: Optional[str] = None, plotter: int = 0,

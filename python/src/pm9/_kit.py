@@ -5,10 +5,11 @@ from __future__ import annotations
 import json
 import os
 import tempfile
-from collections.abc import Iterable, Iterator, Sequence
+from collections.abc import Iterable, Iterator, Mapping, Sequence
 from contextlib import ExitStack, contextmanager
 from dataclasses import dataclass
 from enum import IntEnum
+from types import MappingProxyType
 from typing import Any, Optional
 
 from pm9._errors import InputError, call, error_text
@@ -416,6 +417,39 @@ def compatibility(configuration: Tree, description: Tree, *, description_base: s
     finally:
         lib.pm9_free(data[0])
     return [_finding(each) for each in found]
+
+
+def _page_part(name: str, tree: Tree, base: str, keep: list[Any]) -> dict[str, Any]:
+    texts = ffi.from_buffer(text_in(name)), ffi.from_buffer(text_in(base))
+    keep.extend(texts)
+    return {"size": ffi.sizeof("pm9_page_part"), "tree": tree._handle.pointer, "name": texts[0],
+            "name_length": len(texts[0]), "base": texts[1], "base_length": len(texts[1])}
+
+
+def report_page(description: Optional[Tree] = None, configurations: Mapping[str, Tree] = MappingProxyType({}), *,
+                name: str = "", description_base: str = "", owner: Optional[int] = None, map: str = "") -> str:
+    """One HTML page of what a device can do, what configurations ask of it and whether that fits, as the tool makes it.
+
+    Configurations are told by the names that the page shows; `name` is that of the description. At least one of both has
+    to be there: Error 78. `map` and `owner` are as for `compatibility`. InputError for a tree that is no description.
+    """
+    trees = [*configurations.values(), *([] if description is None else [description])]
+    _trees(*trees)
+    keep: list[Any] = [ffi.from_buffer(text_in(map))]
+    options = struct("pm9_page_options", owner=-1 if owner is None else owner)
+    if map:
+        options.map, options.map_length = keep[0], len(keep[0])
+    device = NULL
+    if description is not None:
+        device = ffi.new("pm9_page_part *", _page_part(name, description, description_base, keep))
+    parts = ffi.new("pm9_page_part[]", [_page_part(each, tree, "", keep) for each, tree in configurations.items()])
+    data, length = ffi.new("char **"), ffi.new("size_t *")
+    with _in_use(*trees):
+        call(lib.pm9_report_page, device, parts, ffi.sizeof("pm9_page_part"), len(parts), options, data, length)
+    try:
+        return text_out(data[0], length[0])
+    finally:
+        lib.pm9_free(data[0])
 
 
 def _finding(found: dict[str, Any]) -> Finding:
