@@ -1,6 +1,11 @@
+#include "failure.h"
 #include "tools/run_tool.h"
 
+#include <cstdlib>
+#include <fmt/format.h>
+#include <pm/error_number.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <thread>
 
 namespace pm::test {
@@ -10,6 +15,14 @@ namespace {
 class PmToolLosesNothingHere : public ToolTest {
 protected:
     PmToolLosesNothingHere() { copy_sample("plotter.pia", "p.pia"); }
+
+    // The exit code of a command of the shell, with the program as $pmtool, in the folder of the files.
+    int shell(const std::string& command) const {
+        const std::string line =
+            fmt::format("cd '{}' && pmtool='{}' && {}", folder.path().string(), PMTOOL, command);
+        const int status = std::system(line.c_str());
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
 };
 
 TEST_F(PmToolLosesNothingHere, PipeIsReadOnce) {
@@ -43,6 +56,27 @@ TEST_F(PmToolLosesNothingHere, StandardOutputThatIsFullIsTrouble) {
     const ToolRun full = run({"tree", "p.pia"}, {.output = "/dev/full"});
     EXPECT_EQ(2, full.status);
     EXPECT_EQ("pmtool: standard output: There is no space left on the disk (error 65)\n", full.err);
+}
+
+TEST_F(PmToolLosesNothingHere, StandardErrorThatCannotBeWrittenChangesNoAnswer) {
+    for (const std::string error : {" 2>&-", " 2>/dev/full"}) {
+        EXPECT_EQ(1, shell("$pmtool get p.pia nosuch" + error)) << error;
+        EXPECT_EQ(2, shell("$pmtool tree nosuch" + error)) << error;
+        EXPECT_EQ(2, shell("$pmtool nosuch" + error)) << error;
+        EXPECT_EQ(2, shell("$pmtool" + error)) << error;
+        EXPECT_EQ(0, shell("EDITOR=true VISUAL= $pmtool edit p.pia" + error)) << error;
+    }
+}
+
+TEST_F(PmToolLosesNothingHere, WarningThatCannotBeWrittenStopsNoWork) {
+    folder.write("a.pia", "PIAFILEVERSION_1.0,\na=1\n");
+    EXPECT_EQ(0, shell("$pmtool set a.pia a 2 2>/dev/full"));
+    expect_output({"get", "a.pia", "a"}, "2\n");
+    EXPECT_EQ(0, shell("$pmtool set a.pia b 'x ' --lossy 2>/dev/full"));
+    expect_output({"get", "a.pia", "b"}, "x\n");
+    folder.write("c.pia", "PIAFILEVERSION_2.0,\na=3\n");
+    folder.write("d.pia", "PIAFILEVERSION_2.0,\na=4\n");
+    EXPECT_EQ(1, shell("$pmtool merge a.pia c.pia d.pia -o - 2>/dev/full >/dev/null"));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "progress.h"
 
 #include "system.h"
+#include "text.h"
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -45,11 +46,11 @@ void Progress::show() {
     const auto worked = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start());
     auto next = std::max<std::chrono::seconds>(worked, std::chrono::seconds(quiet_seconds - 1));
     while (!m_changed.wait_until(lock, start() + ++next, [this] { return m_done; })) {
-        fmt::print(stderr, "\r{} ... {} s", m_what, next.count());
+        print_error(fmt::format("\r{} ... {} s", m_what, next.count()));
         std::fflush(stderr);
         is_shown = true;
     }
-    if (is_shown) fmt::print(stderr, "\r\x1B[K");
+    if (is_shown) print_error("\r\x1B[K");
 }
 
 } // namespace pmtool

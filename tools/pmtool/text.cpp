@@ -6,6 +6,7 @@
 #include <new>
 #include <pm/kit/stored.h>
 #include <pm/text.h>
+#include <system_error>
 
 namespace pmtool {
 
@@ -62,9 +63,15 @@ std::string printable_lines(std::string_view text) {
 }
 
 void complain(std::string_view line) try {
-    fmt::print(stderr, "pmtool: {}\n", pm::kit::printable_text(line));
+    print_error(fmt::format("pmtool: {}\n", pm::kit::printable_text(line)));
 } catch (const std::bad_alloc&) {
     std::fputs("pmtool: there is not enough memory\n", stderr);
+}
+
+void print_error(std::string_view text) try {
+    fmt::print(stderr, "{}", text);
+} catch (const std::system_error&) {
+    std::clearerr(stderr); // the next may fit
 }
 
 std::string in_quotes(std::string_view text) {

@@ -17,6 +17,9 @@ std::string printable_lines(std::string_view text);
 // A line on standard error, behind the program's name. A file's name can't make it more than that.
 void complain(std::string_view line);
 
+// To standard error, as it is. What that doesn't take can't be told anywhere else, and ends no work.
+void print_error(std::string_view text);
+
 // In double quotes, with quotes, backslashes and control characters escaped as in JSON.
 std::string in_quotes(std::string_view text);
 

@@ -31,7 +31,7 @@ std::string editor() {
 // Asks on the terminal; no without one.
 bool ask(const std::string& question) {
     if (!is_terminal(Stream::in)) return false;
-    fmt::print(stderr, "{} [Y/n] ", question);
+    print_error(question + " [Y/n] ");
     std::fflush(stderr);
     std::string answer;
     if (!std::getline(std::cin, answer)) return false;

@@ -1,5 +1,6 @@
 #include "edited_file.h"
 #include "failure.h"
+#include "text.h"
 #include "verbs/verbs.h"
 #include <algorithm>
 #include <array>
@@ -29,9 +30,9 @@ void require_one_input(const MergeOptions& options) {
 
 // Where the conflicts are told: the merged file may be on standard output.
 void print_conflicts(const MergeOptions& options, const std::vector<kit::Conflict>& conflicts) {
-    std::FILE* stream = options.target.file == "-" ? stderr : stdout;
     for (const kit::Conflict& conflict : conflicts) {
-        fmt::print(stream, "conflict: {}\n", kit::conflict_text(conflict));
+        const std::string line = fmt::format("conflict: {}\n", kit::conflict_text(conflict));
+        options.target.file == "-" ? print_error(line) : fmt::print("{}", line);
     }
 }
 
