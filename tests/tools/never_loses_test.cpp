@@ -1,8 +1,11 @@
+#include "system.h"
 #include "tools/replacing_editor.h"
 #include "tools/run_tool.h"
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <optional>
 #include <thread>
 
 namespace pm::test {
@@ -234,6 +237,34 @@ TEST_F(PmToolNeverLoses, TwentyEditsAtOnceAllSurvive) {
         expect_output({"get", "p.pia", "\\edits\\n" + std::to_string(i)}, std::to_string(i) + "\n");
     }
     EXPECT_EQ((std::vector<std::string>{"p.pia"}), file_names());
+}
+
+TEST_F(PmToolNeverLoses, VerbThatReplacesOneOfItsSourcesReadsItWhenItsTurnComes) {
+    write("base.pia", "a=1\n");
+    write("mine.pia", "a=1\nb=2\n");
+    copy_sample("sections.dpia", "s.dpia");
+    const std::vector<std::vector<std::string>> verbs = {
+        {"convert", "p.pia", "p.pia", "--tag", "T"},
+        {"merge", "base.pia", "mine.pia", "p.pia", "-o", "p.pia", "--lossy"},
+        {"merge", "base.pia", "p.pia", "mine.pia", "-o", "p.pia", "--lossy"},
+        {"bundle", "-o", "s.dpia", "A=s.dpia#Office", "B=p.pia"}};
+    for (const std::vector<std::string>& words : verbs) {
+        const std::string target = words.front() == "bundle" ? "s.dpia" : "p.pia";
+        const std::string path = words.front() == "bundle" ? "\\A\\edited" : "\\edited";
+        copy_sample("plotter.pia", "fresh.pia");
+        std::filesystem::rename(folder / "fresh.pia", folder / "p.pia");
+        ToolRun result;
+        std::optional<pmtool::FileLock> lock(std::in_place, (folder / target).string());
+        std::thread other([&] { result = run(words); });
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        copy_sample(target == "p.pia" ? "plotter.pia" : "sections.dpia", "edited");
+        EXPECT_EQ(0, run({"set", "edited", target == "p.pia" ? "edited" : "\\Office\\edited", "1"}).status);
+        std::filesystem::rename(folder / "edited", folder / target);
+        lock.reset();
+        other.join();
+        EXPECT_NE(2, result.status) << words.front() << result.err;
+        expect_output({"get", target, path}, "1\n");
+    }
 }
 
 TEST_F(PmToolNeverLoses, EveryVerbThatWritesRefusesWhatReadingLost) {

@@ -20,10 +20,9 @@ bool is_in_place(const SourceOptions& source, const TargetOptions& target) {
 }
 
 // The section is looked for in the file as a whole: all of it is written again.
-SourceOptions whole(const SourceOptions& options, bool in_place) {
+SourceOptions whole(const SourceOptions& options) {
     SourceOptions all = options;
     all.section.clear();
-    all.exclusive = in_place;
     return all;
 }
 
@@ -50,8 +49,9 @@ Failure edit_failure(const std::string& file, const kit::Error& e) {
 EditedFile::EditedFile(const SourceOptions& source, const TargetOptions& target) : m_target(target) {
     const bool in_place = is_in_place(source, target);
     if (m_target.file.empty()) m_target.file = source.file;
-    if (in_place && !m_target.dry_run) m_lock.emplace(follow_links(source.file));
-    m_source = read_source(whole(source, in_place && !m_target.dry_run), Damage::keep);
+    SourceOptions all = whole(source);
+    m_lock.emplace(m_target, std::initializer_list<SourceOptions*>{&all});
+    m_source = read_source(all, Damage::keep);
     const Format& format = m_source.is_json ? format_named("json") : format_of(m_source.content.type);
     if (!format.is_written) {
         throw Failure(

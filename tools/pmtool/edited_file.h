@@ -2,7 +2,6 @@
 
 #include "options.h"
 #include "source.h"
-#include "system.h"
 #include "target.h"
 #include <optional>
 #include <pm/kit/edit.h>
@@ -38,7 +37,7 @@ private:
     int write(const pm::Tree& changed);
 
     TargetOptions m_target;
-    std::optional<FileLock> m_lock;
+    std::optional<TargetLock> m_lock;
     Source m_source;
     std::string m_base; // the path of the section's node, without a backslash at its end; empty for the root
 };

@@ -12,6 +12,7 @@
 #include <pm/kit/difference.h>
 #include <pm/kit/error.h>
 #include <pm/kit/json.h>
+#include <system_error>
 
 namespace pmtool {
 
@@ -125,7 +126,27 @@ void require_code_page(unsigned code_page) {
     }
 }
 
+bool is_target(const SourceOptions& source, const std::string& target) {
+    return source.file == target || is_same_file(source.file, target);
+}
+
+std::string end_of_links(const std::string& file) {
+    try {
+        return follow_links(file);
+    } catch (const std::system_error& e) {
+        throw system_failure(file, e.code().value());
+    }
+}
+
 } // namespace
+
+TargetLock::TargetLock(const TargetOptions& target, std::initializer_list<SourceOptions*> sources) {
+    if (target.dry_run || target.file == "-") return;
+    for (SourceOptions* source : sources) {
+        source->exclusive = is_target(*source, target.file);
+    }
+    m_lock.emplace(end_of_links(target.file));
+}
 
 std::string without_compression(const std::string& tag) {
     std::string kept;

@@ -3,6 +3,9 @@
 #include "formats.h"
 #include "options.h"
 #include "source.h"
+#include "system.h"
+#include <initializer_list>
+#include <optional>
 #include <pm/kit/loss.h>
 #include <string>
 #include <vector>
@@ -20,6 +23,16 @@ struct Writing {
     const pm::Tree* before = nullptr;      // what --dry-run compares with; null: the target as it is
     // The file that is written anew, for what changes in form only.
     const pm::kit::FileContent* rewritten = nullptr;
+};
+
+// Keeps other edits of a target that is there away from before the sources are read until it is written, so
+// that none is lost. A source that is the target is read as what is changed in place. Nothing with --dry-run.
+class TargetLock {
+public:
+    TargetLock(const TargetOptions& target, std::initializer_list<SourceOptions*> sources);
+
+private:
+    std::optional<FileLock> m_lock;
 };
 
 // Writes to the target, or shows with --dry-run what would change there. The exit code: 0, or 2 if something

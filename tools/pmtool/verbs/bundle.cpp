@@ -152,6 +152,7 @@ int make(const BundleOptions& options) {
     if (options.target.file.empty()) {
         throw Mistake("-o must tell the file to write");
     }
+    const TargetLock lock(options.target, {}); // a member may be a section of it
     Source empty{options.target.file};
     empty.content.type = PM_Object::FILE_DPIA;
     Bundle bundle(std::move(empty));
@@ -166,8 +167,9 @@ int change(const BundleOptions& options) {
     }
     BundleOptions rest = options;
     if (rest.target.file.empty()) rest.target.file = options.words.front();
-    const FileLock lock(rest.target.file);
-    Source source = read_source({options.words.front()}, Damage::keep);
+    SourceOptions changed{options.words.front()};
+    const TargetLock lock(rest.target, {&changed});
+    Source source = read_source(changed, Damage::keep);
     if (source.is_json || source.content.type != PM_Object::FILE_DPIA) {
         throw Failure(fmt::format("{}: only a dpia file has sections to change", options.words.front()));
     }

@@ -87,10 +87,11 @@ int convert_to_dpia(const ConvertOptions& options, const Source& source, const F
     return write_by_rule(writing, options.target);
 }
 
-int convert(const ConvertOptions& options) {
+int convert(ConvertOptions options) {
     if (options.in_code_page != 0) set_code_page(options.in_code_page);
     const Format& format = format_of_output(options.target.file, options.target.to);
     const bool takes_all = format.is(PM_Object::FILE_DPIA) || format.is_json() || !is_whole(options);
+    const TargetLock lock(options.target, {&options.source});
     const Source source = takes_all ? read_source(options.source) : read_one_tree(options.source);
     const std::vector<std::string> losses = losses_of(options, source);
     if (format.is(PM_Object::FILE_DPIA)) return convert_to_dpia(options, source, format, losses);

@@ -14,11 +14,12 @@ struct ExtractOptions {
     TargetOptions target;
 };
 
-int extract(const ExtractOptions& options) {
+int extract(ExtractOptions options) {
     const Format& format = format_of_output(options.target.file, options.target.to);
     if (format.is(PM_Object::FILE_DPIA)) {
         throw Failure(fmt::format("{}: a section is written as pia, doc or json", options.target.file));
     }
+    const TargetLock lock(options.target, {&options.source});
     const Source source = read_source(options.source);
     tell_dropped(source);
     std::vector<std::string> losses;

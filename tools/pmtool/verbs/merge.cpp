@@ -51,8 +51,9 @@ std::vector<std::string> losses_of(const Source& first, const Source& second) {
     return losses;
 }
 
-int merge(const MergeOptions& options) {
+int merge(MergeOptions options) {
     require_one_input(options);
+    const TargetLock lock(options.target, {&options.base, &options.first, &options.second});
     const Source base = read_source(options.base);
     const Source first = read_source(options.first);
     const Source second = read_source(options.second);
