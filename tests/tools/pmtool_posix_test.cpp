@@ -53,6 +53,19 @@ TEST_F(PmToolPosix, LinkToNothingIsFilled) {
     EXPECT_TRUE(folder.read("new.pia").starts_with("PIAFILEVERSION_2.0,tag\r\n"));
 }
 
+TEST_F(PmToolPosix, LinkThatLeadsToItselfIsToldByItsName) {
+    std::filesystem::create_symlink("loop", folder / "loop");
+    folder.write("script", "set \\a long 2\n");
+    const std::string message = "loop: " + pmtool::number_text(PM_ERR_STREAM_FAILED);
+    expect_trouble({"set", "loop", "a", "1"}, message);
+    expect_trouble({"rm", "loop", "a"}, message);
+    expect_trouble({"apply", "loop", "script"}, message);
+    expect_trouble({"convert", "a.pia", "loop", "--to", "pia"}, message);
+    expect_trouble({"merge", "a.pia", "a.pia", "a.pia", "-o", "loop"}, message);
+    expect_trouble({"bundle", "-o", "loop", "A=a.pia"}, message);
+    expect_trouble({"set", "a.pia", "a", "2", "-o", "loop"}, message);
+}
+
 TEST_F(PmToolPosix, SpecialFileIsWrittenToAndStays) {
     std::filesystem::create_symlink("/dev/stdout", folder / "out.pia");
     const ToolRun result = run({"convert", "a.pia", "out.pia"});
