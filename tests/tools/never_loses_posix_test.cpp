@@ -79,6 +79,59 @@ TEST_F(PmToolLosesNothingHere, WarningThatCannotBeWrittenStopsNoWork) {
     EXPECT_EQ(1, shell("$pmtool merge a.pia c.pia d.pia -o - 2>/dev/full >/dev/null"));
 }
 
+// What was edited, in a file that the last line on standard error names.
+class PmToolKeepsEdits : public PmToolLosesNothingHere {
+protected:
+    PmToolKeepsEdits() {
+        folder.write("a.pia", "PIAFILEVERSION_2.0,\na=1\n");
+        std::filesystem::create_directory(folder / "tmp");
+    }
+
+    int edit(const std::string& editor, const std::string& words) const {
+        return shell(fmt::format("TMPDIR={} VISUAL= EDITOR=\"{}\" $pmtool edit a.pia {} 2>err",
+                                 (folder / "tmp").string(), editor, words));
+    }
+
+    void expect_kept(const std::string& reason) const {
+        std::vector<std::string> kept;
+        for (const auto& entry : std::filesystem::directory_iterator(folder / "tmp")) {
+            kept.push_back("tmp/" + entry.path().filename().string());
+        }
+        ASSERT_EQ(1U, kept.size());
+        EXPECT_EQ(fmt::format("pmtool: {}; what was edited stays in {}\n", reason,
+                              (folder / kept.front()).string()),
+                  folder.read("err"));
+        EXPECT_NE(std::string::npos, folder.read(kept.front()).find("\"value\": 7"));
+        EXPECT_EQ("PIAFILEVERSION_2.0,\na=1\n", folder.read("a.pia"));
+    }
+
+    const std::string sets_seven = "sed -i 's/: 1}/: 7}/'";
+};
+
+TEST_F(PmToolKeepsEdits, WhereTheTargetTakesNothing) {
+    EXPECT_EQ(2, edit(sets_seven, "-o /dev/full"));
+    expect_kept("/dev/full: There is no space left on the disk (error 65)");
+}
+
+TEST_F(PmToolKeepsEdits, WhereTheDifferenceCannotBeShown) {
+    EXPECT_EQ(2, edit(sets_seven, ">/dev/full"));
+    expect_kept("standard output: There is no space left on the disk (error 65)");
+}
+
+TEST_F(PmToolKeepsEdits, WhereTheEditorFailsLater) {
+    EXPECT_EQ(2, edit("f() { sed -i 's/: 1}/: 7}/' \\$1; return 1; }; f", ""));
+    expect_kept("the editor \"f() { sed -i 's/: 1}/: 7}/' $1; return 1; }; f\" ended with 1");
+}
+
+TEST_F(PmToolKeepsEdits, NothingIsEditedForATargetThatCannotBe) {
+    EXPECT_EQ(2, edit("touch started;", "-o x.json"));
+    EXPECT_EQ(2, edit("touch started;", "-o nodir/x.pia"));
+    EXPECT_EQ("pmtool: nodir/x.pia: the folder nodir doesn't exist (error 63); make it first\n",
+              folder.read("err"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "started"));
+    EXPECT_TRUE(std::filesystem::is_empty(folder / "tmp"));
+}
+
 } // namespace
 
 } // namespace pm::test
