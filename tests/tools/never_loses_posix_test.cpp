@@ -79,6 +79,20 @@ TEST_F(PmToolLosesNothingHere, WarningThatCannotBeWrittenStopsNoWork) {
     EXPECT_EQ(1, shell("$pmtool merge a.pia c.pia d.pia -o - 2>/dev/full >/dev/null"));
 }
 
+TEST_F(PmToolLosesNothingHere, LimitOfAFilesSizeIsTroubleAndLeavesNothingBehind) {
+    const std::string before = folder.read("p.pia");
+    EXPECT_EQ(2, shell("(ulimit -f 1; $pmtool set p.pia zz 1 2>err)"));
+    EXPECT_EQ("pmtool: p.pia: " + pmtool::number_text(PM_ERR_STREAM_FAILED) + "\n", folder.read("err"));
+    EXPECT_EQ(before, folder.read("p.pia"));
+    EXPECT_EQ((std::vector<std::string>{"err", "p.pia"}), file_names());
+}
+
+TEST_F(PmToolLosesNothingHere, EditorMeetsALimitOfAFilesSizeAsWithoutTheTool) {
+    folder.write("a.pia", "PIAFILEVERSION_2.0,\na=1\n");
+    EXPECT_EQ(2, shell("(ulimit -f 1; EDITOR='cat p.pia > big #' VISUAL= $pmtool edit a.pia 2>err)"));
+    EXPECT_NE(std::string::npos, folder.read("err").find("ended with 153")) << folder.read("err");
+}
+
 // What was edited, in a file that the last line on standard error names.
 class PmToolKeepsEdits : public PmToolLosesNothingHere {
 protected:

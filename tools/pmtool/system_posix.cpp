@@ -114,7 +114,11 @@ void forget_scratch_file() {
 int delays = 0;
 sigset_t blocked_before;
 
+// A limit of a file's size makes the write fail, as a full disk does.
+constexpr int ignored_signal = SIGXFSZ;
+
 void handle_signals() {
+    (void)std::signal(ignored_signal, SIG_IGN);
     for (const int number : ending_signals) {
         struct sigaction before {};
         sigaction(number, nullptr, &before);
@@ -397,9 +401,18 @@ int run_command(const std::string& command, const std::string& argument) {
     std::fflush(nullptr);
     const std::string script = command + " \"$1\"";
     std::array<const char*, 6> words = {"sh", "-c", script.c_str(), "sh", argument.c_str(), nullptr};
+    // The command is no part of the program that ignores the signal.
+    posix_spawnattr_t attributes;
+    sigset_t usual;
+    sigemptyset(&usual);
+    sigaddset(&usual, ignored_signal);
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setsigdefault(&attributes, &usual);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
     pid_t child = 0;
     const int code =
-        posix_spawn(&child, "/bin/sh", nullptr, nullptr, const_cast<char**>(words.data()), environ);
+        posix_spawn(&child, "/bin/sh", nullptr, &attributes, const_cast<char**>(words.data()), environ);
+    posix_spawnattr_destroy(&attributes);
     if (code != 0) fail(code);
     int status = 0;
     while (waitpid(child, &status, 0) < 0) {
