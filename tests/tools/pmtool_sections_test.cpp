@@ -51,6 +51,15 @@ TEST_F(PmToolSections, UnknownSectionIsTrouble) {
                    "s.dpia: there is no section archive; there are: Office, Workshop, Archive");
 }
 
+TEST_F(PmToolSections, JsonFileHasNone) {
+    expect_output({"dump", "s.dpia", "-o", "s.json"}, "");
+    const std::string message = "s.json: a json file has no sections";
+    expect_trouble({"extract", "s.json", "Office", "-o", "o.pia", "--from", "json"}, message);
+    expect_trouble({"tree", "s.json", "--from", "json", "--section", "Office"}, message);
+    expect_trouble({"diff", "s.json", "s.json", "--from", "json", "--section", "Nope"}, message);
+    EXPECT_FALSE(std::filesystem::exists(folder / "o.pia"));
+}
+
 TEST_F(PmToolSections, ExtractWritesOneSection) {
     expect_output({"extract", "s.dpia", "Archive", "-o", "x.pia"}, "");
     EXPECT_TRUE(folder.read("x.pia").starts_with("PIAFILEVERSION_2.0,\r\nname=\"Reprints\n"));

@@ -50,6 +50,9 @@ const Format& format_of_input(const SourceOptions& options, const std::optional<
 }
 
 Source read_json(const SourceOptions& options, const std::optional<std::string>& content) {
+    if (!options.section.empty()) {
+        throw Failure(shown_name(options.file) + ": a json file has no sections");
+    }
     Source source{options.file};
     source.is_json = true;
     try {
