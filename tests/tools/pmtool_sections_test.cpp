@@ -60,6 +60,23 @@ TEST_F(PmToolSections, JsonFileHasNone) {
     EXPECT_FALSE(std::filesystem::exists(folder / "o.pia"));
 }
 
+TEST_F(PmToolSections, EmptyNameIsThatOfNoSection) {
+    copy_sample("three-plotters.cfg", "t.cfg");
+    for (const std::string file : {"s.dpia", "t.cfg"}) {
+        expect_trouble({"extract", file, "", "-o", "o.pia"},
+                       "NAME: this can't be empty; see pmtool extract --help");
+        expect_trouble({"tree", file, "--section", ""},
+                       "--section: this can't be empty; see pmtool tree --help");
+        expect_trouble({"diff", file, file, "--section", ""},
+                       "--section: this can't be empty; see pmtool diff --help");
+        expect_trouble({"report", file, "--section", ""},
+                       "--section: this can't be empty; see pmtool report --help");
+    }
+    expect_trouble({"bundle", "-o", "o.dpia", "A=a.pia#"},
+                   "a.pia#: the name of a section is missing behind the #; see pmtool bundle --help");
+    EXPECT_FALSE(std::filesystem::exists(folder / "o.pia"));
+}
+
 TEST_F(PmToolSections, ExtractWritesOneSection) {
     expect_output({"extract", "s.dpia", "Archive", "-o", "x.pia"}, "");
     EXPECT_TRUE(folder.read("x.pia").starts_with("PIAFILEVERSION_2.0,\r\nname=\"Reprints\n"));

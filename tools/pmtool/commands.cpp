@@ -144,6 +144,16 @@ VerbLine& VerbLine::text_or(const std::string& names, std::optional<std::string>
     return *this;
 }
 
+VerbLine& VerbLine::not_empty() {
+    return check(
+        [](const std::string& text) { return text.empty() ? std::string("this can't be empty") : ""; });
+}
+
+VerbLine& VerbLine::check(const std::function<std::string(const std::string&)>& mistake) {
+    app_of(m_parser).get_options().back()->check(mistake);
+    return *this;
+}
+
 VerbLine& VerbLine::number(const std::string& names, int& number, int lowest, int highest,
                            const std::string& description) {
     app_of(m_parser).add_option(names, number)->check(CLI::Range(lowest, highest));

@@ -86,6 +86,9 @@ public:
     // The value may be missing: then `usual` is taken.
     VerbLine& text_or(const std::string& names, std::optional<std::string>& text, const std::string& usual,
                       const std::string& value, const std::string& description);
+    // Of the option or argument that was added last: it must not be empty.
+    VerbLine& not_empty();
+
     VerbLine& number(const std::string& names, int& number, int lowest, int highest,
                      const std::string& description);
     VerbLine& number(const std::string& names, unsigned& number, const std::string& description);
@@ -96,6 +99,8 @@ private:
     struct Parser;
     VerbLine(VerbEntry& entry, void* parser) : m_entry(entry), m_parser(parser) {}
     OptionWords& note(const std::string& names, const std::string& value, const std::string& description);
+    // `mistake` tells what is wrong with a text; empty for nothing.
+    VerbLine& check(const std::function<std::string(const std::string&)>& mistake);
 
     VerbEntry& m_entry;
     void* m_parser; // the parser's own of this verb

@@ -28,7 +28,8 @@ void add_source(VerbLine& line, SourceOptions& options) {
     add_file_argument(line, options);
     add_from(line, options);
     line.text("--section", options.section, "NAME",
-              "One section of a dpia file, by name, or plotter of a cfg file, by number");
+              "One section of a dpia file, by name, or plotter of a cfg file, by number")
+        .not_empty();
     add_keep_going(line, options);
 }
 

@@ -38,6 +38,7 @@ SourceOptions member_of(const std::string& text) {
     if (at == std::string::npos || kind_of(text) != FileKind::missing) return {text};
     SourceOptions options{text.substr(0, at)};
     options.section = text.substr(at + 1);
+    if (options.section.empty()) throw Mistake(text + ": the name of a section is missing behind the #");
     return options;
 }
 

@@ -121,7 +121,8 @@ void add_diff(Commands& commands) {
     line.argument("B", options->second, "Another file");
     line.optional_argument("PATH", options->path, "The node or property to compare");
     add_from(line, options->first);
-    line.text("--section", options->first.section, "NAME", "One section of both, by name or number");
+    line.text("--section", options->first.section, "NAME", "One section of both, by name or number")
+        .not_empty();
     add_keep_going(line, options->first);
     line.number("--tolerance", options->compare.tolerance, "Doubles that differ by no more than N are equal");
     line.texts("--exclude", options->compare.exclude, "PATTERN",

@@ -39,7 +39,7 @@ void add_extract(Commands& commands) {
     const auto options = std::make_shared<ExtractOptions>();
     VerbLine line = commands.add(verb, [options] { return extract(*options); });
     add_file_argument(line, options->source);
-    line.argument("NAME", options->source.section, "The section's name or the plotter's number");
+    line.argument("NAME", options->source.section, "The section's name or the plotter's number").not_empty();
     line.required_text("-o,--output", options->target.file, "FILE",
                        "The file to write; \"-\" is standard output");
     add_from(line, options->source);

@@ -113,7 +113,8 @@ void add_report(Commands& commands) {
     VerbLine line = commands.add(verb, [options] { return write_report(*options); });
     line.optional_argument("DESCRIPTION", options->file, "A device description, or a configuration alone");
     line.texts("--config", options->configurations, "CONFIG", "A configuration; may be repeated");
-    line.text("--section", options->section, "NAME", "One section of the configurations, by name or number");
+    line.text("--section", options->section, "NAME", "One section of the configurations, by name or number")
+        .not_empty();
     line.text("-o,--output", options->output, "FILE", "The page to write; else to standard output");
 }
 
