@@ -22,7 +22,8 @@
 //
 // A handle is a pointer: cheap to copy, equal to another of the same thing. It is valid until the node or
 // property is deleted or its tree dies; what else happens in the tree does it no harm, and it shows what is
-// there when it is asked. A handle that was made without a tree may only be assigned to.
+// there when it is asked. A handle that was made without a tree may only be assigned to. Handles of one tree
+// belong to its thread, as the tree does; they only look, build.h changes what they lead to.
 //
 // Names come out in UTF-8 (text.h) or, from name16(), as they are stored.
 namespace pm {
@@ -48,7 +49,8 @@ public:
     // than its type has is number 58, one without bytes 59; both with place "pm::Tree" and the property's
     // name. Only a damaged compound file holds such. Fewer bytes than the type has are its low ones.
     [[nodiscard]] Value value() const;
-    // The value as a type that is known; number 54, with the property's name, for another.
+    // The value as a type that is known; number 54, with the property's name, for another, and the numbers of
+    // value() for one that is damaged. Nothing is converted but the width of text, integers and floats.
     template<Readable T>
     [[nodiscard]] T as() const;
 
@@ -92,10 +94,10 @@ public:
     // From the root: "\media\size"; "\" for the root itself.
     [[nodiscard]] std::string path() const;
     [[nodiscard]] bool is_root() const noexcept { return view().parent == nullptr; }
-    // Nothing for the root.
+    // The node that holds this one; nothing for the root.
     [[nodiscard]] std::optional<Node> parent() const noexcept;
 
-    // Its own ones, not those of nodes below it.
+    // Its own ones, not those of nodes below it; empty ranges where there are none.
     [[nodiscard]] Properties properties() const noexcept;
     [[nodiscard]] Children children() const noexcept;
     // This node and what is below it, `levels` deep, 0 for all. Takes no stack, however deep the tree.

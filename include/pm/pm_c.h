@@ -30,7 +30,8 @@
 //
 // What comes out is the caller's. Every text, block of bytes or array that a function gives through a pointer
 // is one block, which the caller releases by pm9_free(). Behind a text or block stands a zero that its length
-// doesn't count. The texts that the structs of an array point to lie in the array's own block.
+// doesn't count. The texts that the structs of an array point to lie in the array's own block. An empty text
+// and an array of nothing are blocks, too.
 //
 // Stability. Every struct begins with its size: the caller sets it to sizeof (of an array, it tells the size
 // of an item as an argument), and the library reads and writes no more than that. Structs grow at their end
@@ -181,29 +182,34 @@ typedef struct pm9_access {
 // A tree of named nodes and typed properties. Paths name nodes and, last, a property: "\media\copies".
 typedef struct pm9_tree pm9_tree;
 
+// An empty tree, the caller's until pm9_tree_delete(). Whatever is read into it later, the handle stays.
 PM9_API pm9_status pm9_tree_new(pm9_tree** tree, pm9_error* error);
-// With all that is in it; NULL is nothing.
+// With all that is in it; NULL is nothing. Blocks that functions gave of it aren't part of it.
 PM9_API void pm9_tree_delete(pm9_tree* tree);
 
 // Set a value, making the nodes and the property where they are missing. PM9_ERR_WRONG_TYPE if the property
 // is there with another type and isn't loose; PM9_ERR_VALUE_TOO_LARGE for a text of more than 4096 units;
 // PM9_ERR_INVALID_ARGUMENT for a text that holds a zero; PM9_ERR_BAD_PATH for a path without components, of
-// more than 256 or of more than 1023 units; PM9_ERR_NO_VALUE for PM9_NONE.
+// more than 256 or of more than 1023 units; PM9_ERR_NO_VALUE for PM9_NONE. When one is refused, no node is
+// made for it. A property that is there keeps its place among the others.
 PM9_API pm9_status pm9_tree_set(pm9_tree* tree, const char* path, size_t path_length,
                                 const pm9_access* access, const pm9_value* value, pm9_error* error);
 PM9_API pm9_status pm9_tree_set_long(pm9_tree* tree, const char* path, size_t path_length, int32_t value,
                                      pm9_error* error);
 PM9_API pm9_status pm9_tree_set_double(pm9_tree* tree, const char* path, size_t path_length, double value,
                                        pm9_error* error);
+// Not 0 is true.
 PM9_API pm9_status pm9_tree_set_bool(pm9_tree* tree, const char* path, size_t path_length, int32_t value,
                                      pm9_error* error);
 PM9_API pm9_status pm9_tree_set_string(pm9_tree* tree, const char* path, size_t path_length,
                                        const char* value, size_t value_length, pm9_error* error);
+// NULL is no bytes, whatever the length.
 PM9_API pm9_status pm9_tree_set_raw(pm9_tree* tree, const char* path, size_t path_length, const void* value,
                                     size_t value_length, pm9_error* error);
 
-// Get a value; pm9_tree_get() as its own type, the others PM9_ERR_WRONG_TYPE for one of another type. Where
-// there is no property: PM9_ERR_BAD_PATH for a name that nothing in the tree has, PM9_ERR_NO_SUCH_NODE,
+// Get a value; pm9_tree_get() as its own type, the others PM9_ERR_WRONG_TYPE for one of another type: nothing
+// is converted, a long is no double. `value` stays as it is where there is a failure. Where there is no
+// property: PM9_ERR_BAD_PATH for a name that nothing in the tree has, PM9_ERR_NO_SUCH_NODE,
 // PM9_ERR_NO_SUCH_PROPERTY. pm9_tree_contains() asks without a failure.
 PM9_API pm9_status pm9_tree_get(const pm9_tree* tree, const char* path, size_t path_length,
                                 const pm9_access* access, pm9_value* value, pm9_error* error);
@@ -225,14 +231,17 @@ enum { // what stands at a path, and what an item of a list is
     PM9_NODE = 2
 };
 
-// PM9_PROPERTY if there is a property of that path, else PM9_NODE or PM9_NOTHING.
+// PM9_PROPERTY if there is a property of that path, else PM9_NODE or PM9_NOTHING. A path without components
+// is that of the root; one that nothing can have is no failure, there is nothing.
 PM9_API pm9_status pm9_tree_contains(const pm9_tree* tree, const char* path, size_t path_length,
                                      const pm9_access* access, int32_t* what, pm9_error* error);
 // Removes the property of that path or, if there is none, the node with all below it; `what`, which may be
-// NULL, tells which. PM9_ERR_BAD_PATH for the root.
+// NULL, tells which. Where there was neither it tells PM9_NOTHING, which is no failure. PM9_ERR_BAD_PATH for
+// the root.
 PM9_API pm9_status pm9_tree_erase(pm9_tree* tree, const char* path, size_t path_length,
                                   const pm9_access* access, int32_t* what, pm9_error* error);
-// Makes an empty node, and those above it, where they are missing.
+// Makes an empty node, and those above it, where they are missing; one that is there is left as it is. A node
+// and a property may have the same path.
 PM9_API pm9_status pm9_tree_make_node(pm9_tree* tree, const char* path, size_t path_length, pm9_error* error);
 // Copies what is in the node `source` into the node `target`, which is made if it is missing; properties that
 // are there already stay. A source that isn't there is no failure: nothing is copied.
@@ -334,7 +343,8 @@ typedef struct pm9_save_options {
     size_t subtree_length;
 } pm9_save_options;
 
-// Write the tree. What the format can't hold is left out or changed without a word. In memory a DOC file is
+// Write the tree. What the format can't hold is left out or changed without a word; pm9_prepare() tells it
+// before anything is written. PM9_ERR_BAD_PATH for a subtree that isn't there. In memory a DOC file is
 // PM9_ERR_TYPE_REFUSED.
 PM9_API pm9_status pm9_tree_save(const pm9_tree* tree, const char* file, size_t file_length,
                                  const pm9_save_options* options, pm9_error* error);
@@ -350,6 +360,8 @@ typedef struct pm9_identity {
     uint32_t plotter_count; // of a CFG file
 } pm9_identity;
 
+// Content of no known kind is no failure. PM9_ERR_NO_SUCH_FILE and the like for what can't be read,
+// PM9_ERR_IS_A_FOLDER for a folder that holds no device description.
 PM9_API pm9_status pm9_identify(const char* file, size_t file_length, pm9_identity* identity,
                                 pm9_error* error);
 PM9_API pm9_status pm9_identify_memory(const void* data, size_t length, pm9_identity* identity,
@@ -366,6 +378,7 @@ typedef struct pm9_section {
     uint64_t bytes;
 } pm9_section;
 
+// The directory of a DPIA file, in its order. PM9_ERR_UNKNOWN_VERSION for a file of another kind.
 PM9_API pm9_status pm9_sections(const char* file, size_t file_length, size_t item_size,
                                 pm9_section** sections, size_t* count, pm9_error* error);
 
@@ -378,6 +391,7 @@ typedef struct pm9_plotter {
     size_t name_length;
 } pm9_plotter;
 
+// By rising number, each once. A file of another kind that can be read has none, which is no failure.
 PM9_API pm9_status pm9_plotters(const char* file, size_t file_length, size_t item_size,
                                 pm9_plotter** plotters, size_t* count, pm9_error* error);
 
@@ -415,6 +429,8 @@ typedef struct pm9_source {
     size_t tag_length;
 } pm9_source;
 
+// What changes in the tree by other functions than a load leaves this as it is. The tag is a block of its
+// own, also of each call.
 PM9_API pm9_status pm9_tree_source(const pm9_tree* tree, pm9_source* source, pm9_error* error);
 
 enum {                  // what narrow texts are in, where nothing in the file tells it
@@ -477,7 +493,8 @@ typedef struct pm9_compare_options {
 PM9_API pm9_status pm9_compare(const pm9_tree* first, const pm9_tree* second,
                                const pm9_compare_options* options, size_t item_size,
                                pm9_difference** differences, size_t* count, pm9_error* error);
-// The same as a script for pm9_tree_apply(); <pm/kit/edit.h> tells the form.
+// The same as a script for pm9_tree_apply(), empty for trees that are the same; <pm/kit/edit.h> tells the
+// form.
 PM9_API pm9_status pm9_script(const pm9_tree* first, const pm9_tree* second,
                               const pm9_compare_options* options, char** text, size_t* length,
                               pm9_error* error);

@@ -22,6 +22,7 @@ namespace pm {
 // may hold zeros; what a function makes of them it tells itself.
 class TextView {
 public:
+    // An empty narrow text.
     constexpr TextView() noexcept : TextView(std::string_view()) {}
     // Zero-terminated.
     constexpr TextView(const char* utf8) noexcept
@@ -42,7 +43,8 @@ public:
         m_is_terminated = true;
     }
 
-    // Which of the two it is: the other gives an empty text.
+    // Which of the two it is: the other gives an empty text, and nothing is converted here. Both views point
+    // to the caller's text and are valid as long as that.
     constexpr bool is_wide() const noexcept { return m_is_wide; }
     constexpr std::string_view utf8() const noexcept {
         return m_is_wide ? std::string_view() : std::string_view(m_utf8, m_size);
@@ -72,6 +74,9 @@ private:
     bool m_may_hold_zero = true;
 };
 
+// Both give strings of the caller's own. Zeros are characters like others; no byte order mark is looked for
+// or made.
+//
 // What isn't UTF-8 becomes U+FFFD, one for each broken sequence: a lead with the bytes that fit it, or a byte
 // that fits nowhere. Overlong forms and numbers above U+10FFFF are broken; a surrogate in three bytes isn't.
 [[nodiscard]] std::u16string to_utf16(std::string_view utf8);

@@ -22,7 +22,8 @@ using Bytes = std::vector<std::byte>;
 // has what is stored, PM_Object::GetProperty() to `unsigned char*` the narrow text.
 using Value = std::variant<std::monostate, std::int32_t, double, std::string, bool, Bytes>;
 
-// PROP_NONE for a value that holds nothing.
+// The type that a property has after this value was set; PROP_NONE for a value that holds nothing, which no
+// property can be set to (number 59).
 [[nodiscard]] inline PropType type_of(const Value& value) noexcept {
     return static_cast<PropType>(value.index());
 }

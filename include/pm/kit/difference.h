@@ -11,6 +11,12 @@
 // Paths of the kit: "\" in front of each name, the root is "\". The path of a node ends in a backslash, that
 // of a property doesn't, so that the two are told apart where they have the same name. Names are UTF-8 as
 // text.h has it.
+//
+//     for (const pm::kit::Difference& difference : pm::kit::compare(before, after)) {
+//         std::cout << pm::kit::difference_text(difference) << '\n';
+//     }
+//
+// What comes out is the caller's own and holds no handles: the trees may change or die afterwards.
 namespace pm::kit {
 
 enum class Change {

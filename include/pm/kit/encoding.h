@@ -4,6 +4,13 @@
 #include <pm/tree.h>
 
 // What narrow texts of a file are in, where nothing in the file tells it.
+//
+//     pm::kit::Input input{.file = "plotter.pia"};
+//     pm::kit::FileContent content = pm::kit::read_file(input);
+//     if (pm::kit::text_encoding(content.tree) == pm::kit::TextEncoding::utf8) {
+//         input.code_page = 65001;
+//         content = pm::kit::read_file(input);
+//     }
 namespace pm::kit {
 
 enum class TextEncoding {

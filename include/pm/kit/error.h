@@ -8,7 +8,8 @@
 namespace pm::kit {
 
 // What is wrong with something the kit was given: a JSON text, a script, a path, a file of no known kind.
-// What the library raises passes as it is (ZT_Exception of exception.h).
+// What the library raises passes as it is (ZT_Exception of exception.h), and so does std::bad_alloc. What is
+// damaged within a file of a known kind is no Error but a report, a diagnostic or a loss.
 class PM_KIT_API Error : public std::runtime_error {
 public:
     // `message` is one sentence in words, UTF-8, without the line. Line and column count from 1, a column in

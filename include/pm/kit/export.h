@@ -1,6 +1,8 @@
 #pragma once
 
-// Marks what leaves the kit's shared library, as PM_API does for the library under it.
+// Marks what leaves the kit's shared library, as PM_API does for the library under it. Under Windows the
+// kit itself is built with PM_KIT_BUILD, and a program that links its objects in place of the DLL with
+// PM_STATIC.
 #if defined(_WIN32) && defined(PM_KIT_BUILD)
 #define PM_KIT_API __declspec(dllexport)
 #elif defined(_WIN32) && !defined(PM_STATIC)

@@ -8,6 +8,13 @@
 #include <vector>
 
 // Merging two trees that come from one.
+//
+//     const pm::kit::Merged merged = pm::kit::merge(base, mine, yours);
+//     for (const pm::kit::Conflict& conflict : merged.conflicts) {
+//         std::cout << pm::kit::conflict_text(conflict) << '\n';
+//     }
+//
+// A conflict is no failure: the merged tree is whole, and holds what one of the sides says.
 namespace pm::kit {
 
 // Both sides changed the same property, and not alike.
@@ -32,11 +39,13 @@ struct Merged {
 // one changed and the other removed, is a conflict and comes out as `prefer` says. A node that one side
 // removed stays for what the other side changed or added in it, each of which is a conflict. A list whose
 // order one side alone changed has that order; else it has the order of the first side, with what the second
-// added behind. Takes time in proportion to the trees.
+// added behind. The merged tree is one of its own; the three stay as they are, and two of them may be the
+// same. Takes time in proportion to the trees, and no stack however deep they are.
 [[nodiscard]] PM_KIT_API Merged merge(const Tree& base, const Tree& first, const Tree& second,
                                       Prefer prefer = Prefer::first);
 
-// One line for the eye: "\media\copies: long 1 -> long 2 | long 3", "-" where it isn't.
+// One line for the eye: "\media\copies: long 1 -> long 2 | long 3", "-" where it isn't; of a node
+// "\media\: removed on one side, changed on the other".
 [[nodiscard]] PM_KIT_API std::string conflict_text(const Conflict& conflict);
 
 } // namespace pm::kit

@@ -17,6 +17,10 @@
 //   \a[*]b             "[*]" is an asterisk and "[[]" a bracket; any other bracket stands for itself
 //
 // The first backslash may be missing, and several in a row count as one. Case counts.
+//
+//     for (const pm::kit::Match& match : pm::kit::find_all(tree, pm::kit::Pattern("\\**\\name"))) {
+//         if (match.property) std::cout << match.path << '\n';
+//     }
 namespace pm::kit {
 
 class PM_KIT_API Pattern {
@@ -45,14 +49,16 @@ private:
     bool m_only_nodes = false;
 };
 
-// A node, or a property of it.
+// A node, or a property of it. Its handles are as those of node.h: valid until what they stand for is
+// deleted.
 struct Match {
     std::string path = {}; // as difference.h has them
     Node node = {};        // that of the property, or the one that matched
     std::optional<Property> property = {};
 };
 
-// All that matches, in the order of the tree: a node, its properties, its children with what is below them.
+// All that matches, none included, in the order of the tree: a node, its properties, its children with what
+// is below them.
 [[nodiscard]] PM_KIT_API std::vector<Match> find_all(const Node& root, const Pattern& pattern);
 [[nodiscard]] PM_KIT_API std::vector<Match> find_all(const Tree& tree, const Pattern& pattern);
 
