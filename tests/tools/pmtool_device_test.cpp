@@ -159,6 +159,26 @@ TEST_F(PmToolDevice, DefaultsOfADescriptionAreChecked) {
               "[media-type]\n");
 }
 
+TEST_F(PmToolDevice, BadLineEndsTheCheckUnlessItIsToGoOn) {
+    folder.write("bad.pia", "PIAFILEVERSION_2.0,\nmedia{\n copies=1\n feed=yes\n}\n");
+    const std::string bad = "bad.pia:4: The value is of no known type (error 88): feed=yes";
+    expect_trouble(with({"check", "bad.pia", "--device", device}, quiet),
+                   bad + "; all bad lines are listed by: pmtool check");
+    const ToolRun told = run(with({"check", "bad.pia", "--device", device, "--keep-going"}, quiet));
+    EXPECT_EQ(0, told.status);
+    EXPECT_EQ("bad.pia: possible on the device\n", told.out);
+    EXPECT_EQ("pmtool: dropped: " + bad + "\n", told.err);
+}
+
+TEST_F(PmToolDevice, BadLineOfTheDescriptionIsDroppedWhenItIsToGoOn) {
+    ASSERT_EQ(run({"convert", device, "device.pia", "--utf8"}).status, 0);
+    std::string text = folder.read("device.pia");
+    folder.write("device.pia", text.insert(text.find('\n') + 1, "bad=yes\n"));
+    const std::string file = sample_folder + "/office.pc2";
+    EXPECT_EQ(2, run(with({"check", file, "--device", "device.pia"}, quiet)).status);
+    EXPECT_EQ(0, run(with({"check", file, "--device", "device.pia", "--keep-going"}, quiet)).status);
+}
+
 TEST_F(PmToolDevice, TroubleIsToldInOneLine) {
     const std::string file = sample_folder + "/plotter.pia";
     folder.write("map.json", "{\n{");

@@ -61,15 +61,18 @@ std::vector<Part> parts_of(const Source& source, const std::string& section) {
 class DeviceChecker {
 public:
     explicit DeviceChecker(const DeviceCheck& check)
-        : m_check(check), m_device(read_source({.file = check.device})),
+        : m_check(check), m_device(read_source({.file = check.device, .keep_going = check.keep_going})),
           m_map(check.map.empty() ? kit::built_in_map() : read_map(check.map)) {
         m_options.map = &m_map;
         m_options.owner = owner_of(check.owner);
+        tell_dropped(m_device);
     }
 
     void run(const std::string& file) {
-        const Source source =
-            read_source({.file = file, .from = m_check.from, .section = m_check.section, .keep_going = true});
+        const Source source = read_source({.file = file,
+                                           .from = m_check.from,
+                                           .section = m_check.section,
+                                           .keep_going = m_check.keep_going});
         tell_dropped(source);
         for (const Part& part : parts_of(source, m_check.section)) {
             run(source, part);

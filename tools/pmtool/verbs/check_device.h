@@ -21,6 +21,7 @@ struct DeviceCheck {
     bool explain = false;
     bool strict = false; // notes count too
     bool json = false;
+    bool keep_going = false; // behind bad lines
 };
 
 // Prints the findings; the exit code, 1 if any counts.
