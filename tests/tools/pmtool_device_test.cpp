@@ -179,6 +179,20 @@ TEST_F(PmToolDevice, BadLineOfTheDescriptionIsDroppedWhenItIsToGoOn) {
     EXPECT_EQ(0, run(with({"check", file, "--device", "device.pia", "--keep-going"}, quiet)).status);
 }
 
+TEST_F(PmToolDevice, MapOnStandardInputIsReadOnce) {
+    const std::vector<std::string> words{"check", "mine.pia", "--device", device,
+                                         "--map", "-",        "--rule",   "few-pens"};
+    folder.write("mine.pia", "PIAFILEVERSION_2.0,\npens=7\n");
+    const ToolRun told =
+        run_with_input(words, R"({"settings": [{"setting": "p", "path": "\\pens"}], "rules": [
+        {"rule": "few-pens", "setting": "p", "test": "at-most", "capability": "\\physical_pen\\default_npens"}]})");
+    EXPECT_EQ("", told.err);
+    EXPECT_EQ("mine.pia: possible on the device\n", told.out);
+    EXPECT_EQ("pmtool: standard input:2: The map is no JSON.\n", run_with_input(words, "{\n{").err);
+    expect_trouble({"check", "-", "--device", device, "--map", "-"},
+                   "only one of FILE, DESCRIPTION and MAP can be standard input; see pmtool check --help");
+}
+
 TEST_F(PmToolDevice, TroubleIsToldInOneLine) {
     const std::string file = sample_folder + "/plotter.pia";
     folder.write("map.json", "{\n{");

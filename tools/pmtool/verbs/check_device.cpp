@@ -18,17 +18,18 @@ namespace kit = pm::kit;
 constexpr std::size_t shown_offers = 8;
 
 kit::CompatibilityMap read_map(const std::string& file) {
+    const std::string name = file == "-" ? "standard input" : file;
     std::string text;
     try {
-        text = read_whole(file);
+        text = file == "-" ? read_standard_input() : read_whole(file);
     } catch (const std::system_error& e) {
-        throw system_failure(file, e.code().value());
+        throw system_failure(name, e.code().value());
     }
     try {
         return kit::load_map(text);
     } catch (const kit::Error& e) {
-        throw Failure(e.line() == 0 ? fmt::format("{}: {}", file, e.what())
-                                    : fmt::format("{}:{}: {}", file, e.line(), e.what()));
+        throw Failure(e.line() == 0 ? fmt::format("{}: {}", name, e.what())
+                                    : fmt::format("{}:{}: {}", name, e.line(), e.what()));
     }
 }
 
@@ -60,10 +61,9 @@ std::vector<Part> parts_of(const Source& source, const std::string& section) {
 
 class DeviceChecker {
 public:
-    explicit DeviceChecker(const DeviceCheck& check)
-        : m_check(check), m_device(read_source({.file = check.device, .keep_going = check.keep_going})),
-          m_map(check.map.empty() ? kit::built_in_map() : read_map(check.map)) {
-        m_options.map = &m_map;
+    DeviceChecker(const DeviceCheck& check, const kit::CompatibilityMap& map)
+        : m_check(check), m_device(read_source({.file = check.device, .keep_going = check.keep_going})) {
+        m_options.map = &map;
         m_options.owner = owner_of(check.owner);
         tell_dropped(m_device);
     }
@@ -179,15 +179,13 @@ private:
 
     const DeviceCheck& m_check;
     Source m_device;
-    kit::CompatibilityMap m_map;
     kit::CompatibilityOptions m_options;
     Json m_list = Json::array();
     int m_status = exit_ok;
 };
 
 // Rules of the map count too.
-void require_rules(const std::vector<std::string>& names, const DeviceCheck& check) {
-    const kit::CompatibilityMap map = check.map.empty() ? kit::built_in_map() : read_map(check.map);
+void require_rules(const std::vector<std::string>& names, const kit::CompatibilityMap& map) {
     for (const std::string& name : names) {
         if (is_device_rule(name) ||
             std::ranges::find(map.rules, name, &kit::ValueRule::name) != map.rules.end()) {
@@ -197,12 +195,21 @@ void require_rules(const std::vector<std::string>& names, const DeviceCheck& che
     }
 }
 
+// Standard input is there once.
+void require_one_input(const DeviceCheck& check) {
+    const auto inputs =
+        std::ranges::count(check.files, "-") + (check.device == "-" ? 1 : 0) + (check.map == "-" ? 1 : 0);
+    if (inputs > 1) throw Mistake("only one of FILE, DESCRIPTION and MAP can be standard input");
+}
+
 } // namespace
 
 int check_on_device(const DeviceCheck& check) {
-    require_rules(check.rules, check);
-    require_rules(check.without, check);
-    DeviceChecker checker(check);
+    require_one_input(check);
+    const kit::CompatibilityMap map = check.map.empty() ? kit::built_in_map() : read_map(check.map);
+    require_rules(check.rules, map);
+    require_rules(check.without, map);
+    DeviceChecker checker(check, map);
     for (const std::string& file : check.files) {
         checker.run(file);
     }
