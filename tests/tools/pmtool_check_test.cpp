@@ -97,6 +97,12 @@ TEST_F(PmToolCheck, FileThatCannotBeReadIsTrouble) {
     expect_trouble({"check"}, "FILE is required; see pmtool check --help");
 }
 
+TEST_F(PmToolCheck, FileThatCannotBeReadIsTroubleWhateverRuleIsAskedFor) {
+    expect_trouble({"check", "no.pia", "--rule", "bad-line"}, "no.pia: The file doesn't exist (error 63)");
+    folder.write("no.txt", "text");
+    expect_trouble({"check", "no.txt", "--rule", "bad-line"}, "no.txt: The content is of no known kind");
+}
+
 TEST_F(PmToolCheck, OtherVerbsStopAtTheFirstBadLine) {
     folder.write("bad.pia", "PIAFILEVERSION_2.0,\n\na=1\nb=1.x\nc=yes\n");
     const std::string text =

@@ -159,6 +159,15 @@ TEST_F(PmToolDevice, DefaultsOfADescriptionAreChecked) {
               "[media-type]\n");
 }
 
+TEST_F(PmToolDevice, DefaultsOfADescriptionOnStandardInputAreChecked) {
+    ASSERT_EQ(run({"convert", device, "device.pia", "--utf8"}).status, 0);
+    ASSERT_EQ(run({"set", "device.pia", "\\media\\default_type", "Wallpaper"}).status, 0);
+    const ToolRun named = run({"check", "device.pia", "--rule", "media-type"});
+    const ToolRun given = run_with_input({"check", "-", "--rule", "media-type"}, folder.read("device.pia"));
+    EXPECT_EQ(1, given.status);
+    EXPECT_EQ("standard input" + named.out.substr(std::string("device.pia").size()), given.out);
+}
+
 TEST_F(PmToolDevice, BadLineEndsTheCheckUnlessItIsToGoOn) {
     folder.write("bad.pia", "PIAFILEVERSION_2.0,\nmedia{\n copies=1\n feed=yes\n}\n");
     const std::string bad = "bad.pia:4: The value is of no known type (error 88): feed=yes";

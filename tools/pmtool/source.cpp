@@ -174,7 +174,10 @@ void set_code_page(unsigned code_page) {
 }
 
 Source read_source(const SourceOptions& options, Damage damage) {
-    const std::optional<std::string> content = content_at_hand(options.file);
+    return read_source(options, damage, content_at_hand(options.file));
+}
+
+Source read_source(const SourceOptions& options, Damage damage, const std::optional<std::string>& content) {
     const Format& format = format_of_input(options, content);
     if (format.is_json()) return read_json(options, content);
     refuse_folder(options.file, format);

@@ -32,6 +32,8 @@ enum class Damage {
 // With `keep`, or with --keep-going, what can be read counts, even if reading ends early. Failure if nothing
 // can.
 Source read_source(const SourceOptions& options, Damage damage = Damage::refuse);
+// The same of content that was read already, if there is any.
+Source read_source(const SourceOptions& options, Damage damage, const std::optional<std::string>& content);
 
 // A file that holds one tree, for an output that can't hold several: Failure for one of several sections.
 Source read_one_tree(const SourceOptions& options, Damage damage = Damage::refuse);

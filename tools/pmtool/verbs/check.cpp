@@ -8,6 +8,7 @@
 #include "verbs/check_device.h"
 #include "verbs/verbs.h"
 #include <algorithm>
+#include <array>
 #include <fmt/format.h>
 #include <memory>
 #include <pm/kit/check.h>
@@ -29,6 +30,10 @@ struct CheckOptions {
     bool list_rules = false;
     DeviceCheck device = {}; // with a device: all else that it takes is filled in from here
 };
+
+std::string shown_name(const std::string& file) {
+    return file == "-" ? "standard input" : file;
+}
 
 std::string place_text(const kit::Place& place) {
     std::string text = kit::printable_text(place.file);
@@ -59,21 +64,26 @@ Json json_of(const kit::Diagnostic& diagnostic) {
     return row;
 }
 
-std::vector<kit::Diagnostic> check_one(const std::string& file, const kit::CheckOptions& options) {
-    const std::string name = file == "-" ? "standard input" : file;
-    const Progress progress("checking " + name);
+// Of what can't be read twice.
+std::optional<std::string> content_at_hand(const std::string& file) {
     try {
-        const FileKind kind = kind_of(file);
-        if (kind == FileKind::folder) return kit::check_file(file, options);
-        std::optional<std::string> content;
-        if (file == "-") content = read_standard_input();
-        if (file != "-" && kind == FileKind::special) content = read_whole(file);
-        const SignalDelay delay; // a compound file is looked at in a temporary one
-        if (!content) return kit::check_file(file, options);
-        return kit::check_content(*content, name, options);
+        if (file == "-") return read_standard_input();
+        if (kind_of(file) == FileKind::special) return read_whole(file);
+        return std::nullopt;
     } catch (const std::system_error& e) {
-        throw system_failure(file, e.code().value());
+        throw system_failure(shown_name(file), e.code().value());
     }
+}
+
+// `content` is what was read of it.
+std::vector<kit::Diagnostic> check_one(const std::string& file, const kit::CheckOptions& options,
+                                       std::optional<std::string>& content) {
+    const Progress progress("checking " + shown_name(file));
+    content = content_at_hand(file);
+    if (!content && kind_of(file) == FileKind::folder) return kit::check_file(file, options);
+    const SignalDelay delay; // a compound file is looked at in a temporary one
+    if (!content) return kit::check_file(file, options);
+    return kit::check_content(*content, shown_name(file), options);
 }
 
 void require_rules(const std::vector<std::string>& names) {
@@ -95,9 +105,22 @@ int list_rules() {
     return exit_ok;
 }
 
-// What can't be read at all is trouble, and no answer.
+// What can't be read at all is trouble, and no answer, whatever rules are asked for.
+constexpr std::array<std::string_view, 2> trouble_rules{"unreadable", "unknown-kind"};
+
 bool is_trouble(const kit::Diagnostic& diagnostic) {
-    return diagnostic.rule == "unreadable" || diagnostic.rule == "unknown-kind";
+    return std::ranges::find(trouble_rules, diagnostic.rule) != trouble_rules.end();
+}
+
+// What the linter is asked: it knows its own rules alone, and of none it looks for all.
+kit::CheckOptions options_of_linter(kit::CheckOptions options) {
+    const auto is_of_devices = [](const std::string& name) { return kit::find_check_rule(name) == nullptr; };
+    if (!options.rules.empty()) {
+        options.rules.insert(options.rules.end(), trouble_rules.begin(), trouble_rules.end());
+    }
+    std::erase_if(options.rules, is_of_devices);
+    std::erase_if(options.without, is_of_devices);
+    return options;
 }
 
 void tell_trouble(const kit::Diagnostic& diagnostic) {
@@ -112,17 +135,19 @@ bool counts(const CheckOptions& options, const kit::Diagnostic& diagnostic) {
 }
 
 // Of a description: its own defaults, as the linter's diagnostics.
-std::vector<kit::Diagnostic> check_defaults(const std::string& file, const kit::CheckOptions& options) {
+std::vector<kit::Diagnostic> check_defaults(const std::string& file, const std::string& from,
+                                            const std::optional<std::string>& content,
+                                            const kit::CheckOptions& options) {
     std::vector<kit::Diagnostic> diagnostics;
-    if (file == "-" || kind_of(file) == FileKind::special) return diagnostics; // it is read once
-    for (const kit::Finding& finding : findings_of_defaults({.file = file, .section = options.section})) {
+    const SourceOptions source{.file = file, .from = from, .section = options.section};
+    for (const kit::Finding& finding : findings_of_defaults(source, content)) {
         const auto is_in = [&](const std::vector<std::string>& names) {
             return std::ranges::find(names, finding.rule) != names.end();
         };
         if (is_in(options.without) || !(options.rules.empty() || is_in(options.rules))) continue;
         diagnostics.push_back({finding.rule,
                                finding.severity,
-                               {file, {}, 0, 0},
+                               {shown_name(file), {}, 0, 0},
                                finding.configuration_path,
                                fmt::format("{} = {}: {}", printable(finding.configuration_path),
                                            printable(finding.configured), finding_text(finding)),
@@ -153,12 +178,15 @@ int check(CheckOptions options) {
     require_rules(options.check.rules);
     require_rules(options.check.without);
     if (!options.from.empty()) options.check.type = format_named(options.from).type;
+    const kit::CheckOptions linter = options_of_linter(options.check);
     int status = exit_ok;
     Json list = Json::array();
     for (const std::string& file : options.files) {
-        std::vector<kit::Diagnostic> found = check_one(file, options.check);
+        std::optional<std::string> content;
+        std::vector<kit::Diagnostic> found = check_one(file, linter, content);
         if (std::ranges::none_of(found, is_trouble)) {
-            std::ranges::move(check_defaults(file, options.check), std::back_inserter(found));
+            std::ranges::move(check_defaults(file, options.from, content, options.check),
+                              std::back_inserter(found));
         }
         for (const kit::Diagnostic& diagnostic : found) {
             if (is_trouble(diagnostic)) status = exit_trouble;

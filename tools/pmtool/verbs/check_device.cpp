@@ -217,9 +217,10 @@ int check_on_device(const DeviceCheck& check) {
     return checker.status();
 }
 
-std::vector<kit::Finding> findings_of_defaults(const SourceOptions& options) {
+std::vector<kit::Finding> findings_of_defaults(const SourceOptions& options,
+                                               const std::optional<std::string>& content) {
     try {
-        const Source source = read_source(options, Damage::keep);
+        const Source source = read_source(options, Damage::keep, content);
         if (!kit::find_description(source.content.tree)) return {};
         return kit::check_description(source.content.tree);
     } catch (const Failure&) { // the check of the file tells it

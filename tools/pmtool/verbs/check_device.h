@@ -28,8 +28,9 @@ struct DeviceCheck {
 int check_on_device(const DeviceCheck& check);
 
 // What isn't possible of a description's own defaults; nothing for a file that isn't a description, or can't
-// be read.
-std::vector<pm::kit::Finding> findings_of_defaults(const SourceOptions& options);
+// be read. `content` is what was read of it already, if anything.
+std::vector<pm::kit::Finding> findings_of_defaults(const SourceOptions& options,
+                                                   const std::optional<std::string>& content);
 
 bool is_device_rule(std::string_view name);
 
