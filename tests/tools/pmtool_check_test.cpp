@@ -103,6 +103,14 @@ TEST_F(PmToolCheck, FileThatCannotBeReadIsTroubleWhateverRuleIsAskedFor) {
     expect_trouble({"check", "no.txt", "--rule", "bad-line"}, "no.txt: The content is of no known kind");
 }
 
+TEST_F(PmToolCheck, SectionThatIsNotThereIsTrouble) {
+    const std::string pia = sample_folder + "/plotter.pia";
+    expect_trouble({"check", pia, "--section", "9"}, pia + ": A pia file has no sections (error 83)");
+    const std::string dpia = sample_folder + "/sections.dpia";
+    expect_trouble({"check", dpia, "--section", "9", "--rule", "bad-line"},
+                   dpia + "[9]: There is no section \"9\"; there are: Office, Workshop, Archive (error 83)");
+}
+
 TEST_F(PmToolCheck, OtherVerbsStopAtTheFirstBadLine) {
     folder.write("bad.pia", "PIAFILEVERSION_2.0,\n\na=1\nb=1.x\nc=yes\n");
     const std::string text =

@@ -9,9 +9,11 @@
 #include "check/pdt/description.h"
 #include "check/pia/check.h"
 #include "check/round_trip.h"
+#include <fmt/format.h>
 #include <pm/code_page.h>
 #include <pm/error_number.h>
 #include <pm/inspect.h>
+#include <pm/kit/file.h>
 
 namespace pm::kit {
 
@@ -58,6 +60,8 @@ std::optional<PM_Object::FileType> type_of(const CheckedContent& content, const 
 
 void check_as(PM_Object::FileType type, const CheckedContent& content, const CheckOptions& options,
               Findings& findings) {
+    const bool has_sections = type == PM_Object::FILE_DPIA || type == PM_Object::FILE_CFG;
+    if (!options.section.empty() && !has_sections) return say_no_sections(content.name, type, findings);
     const NarrowText narrow(pm_system_code_page());
     const Place where{.file = content.name, .section = {}};
     switch (type) {
@@ -122,6 +126,13 @@ void say_unreadable(std::string_view name, std::uint32_t number, Findings& findi
                   .place = {.file = std::string(name), .section = {}},
                   .message = std::string(failure_words(number)),
                   .number = number});
+}
+
+void say_no_sections(std::string_view name, PM_Object::FileType type, Findings& findings) {
+    findings.add({.rule = Rule::unreadable,
+                  .place = {.file = std::string(name), .section = {}},
+                  .message = fmt::format("A {} file has no sections.", format_name(type)),
+                  .number = PM_ERR_NO_SUCH_SECTION});
 }
 
 void check_named(std::string_view file, const CheckOptions& options, Findings& findings) {

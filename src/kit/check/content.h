@@ -17,6 +17,8 @@ struct CheckedContent {
 void check_content(const CheckedContent& content, const CheckOptions& options, Findings& findings);
 // That it can't be read, for which the number stands.
 void say_unreadable(std::string_view name, std::uint32_t number, Findings& findings);
+// That a section was asked for, and its format has none.
+void say_no_sections(std::string_view name, PM_Object::FileType type, Findings& findings);
 // A file that isn't a folder.
 void check_named(std::string_view file, const CheckOptions& options, Findings& findings);
 // The same, but for one of no known kind, which is passed over.

@@ -7,6 +7,7 @@
 #include <pm/code_page.h>
 #include <pm/error_number.h>
 #include <pm/kit/file.h>
+#include <pm/kit/stored.h>
 #include <pm/text.h>
 #include <unordered_map>
 
@@ -236,8 +237,14 @@ void DirectoryCheck::check_sections(const std::string& wanted) {
         if (!wanted.empty()) return;
     }
     if (found || wanted.empty()) return;
-    say(Rule::unreadable, fmt::format("There is no section {}.", in_quotes(wanted)), wanted,
-        PM_ERR_NO_SUCH_SECTION);
+    std::vector<std::string> names;
+    for (const Entry& entry : m_entries) {
+        names.push_back(printable_text(entry.shown));
+    }
+    say(Rule::unreadable,
+        fmt::format("There is no section {}; there are: {}.", in_quotes(wanted),
+                    names.empty() ? "none" : fmt::format("{}", fmt::join(names, ", "))),
+        wanted, PM_ERR_NO_SUCH_SECTION);
 }
 
 void DirectoryCheck::run(const std::string& section) {

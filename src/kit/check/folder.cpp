@@ -49,7 +49,8 @@ bool holds_description(const std::string& folder, const CheckOptions& options) {
 std::vector<fs::path> check_level(const fs::path& folder, const CheckOptions& options, Findings& findings) {
     const std::string name = name_of_path(folder);
     const bool described = holds_description(name, options);
-    if (described) check_description(name, findings);
+    if (described && !options.section.empty()) say_no_sections(name, PM_Object::FILE_PDT, findings);
+    if (described && options.section.empty()) check_description(name, findings);
     std::vector<fs::path> below;
     for (const fs::directory_entry& entry : entries_of(folder, findings)) {
         std::error_code error;

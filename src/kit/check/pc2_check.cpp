@@ -271,6 +271,23 @@ void check_version_line(SourceText& source, LegacyLine& line, Findings& findings
                   .number = PM_ERR_BAD_LINE});
 }
 
+bool is_whole_number(std::string_view text) {
+    return read_integer(text, Signs::both).length == text.size();
+}
+
+void say_missing_plotter(const std::string& plotter, const std::set<std::int32_t>& plotters,
+                         const Place& where, Findings& findings) {
+    const std::string message =
+        is_whole_number(plotter)
+            ? fmt::format("There is no plotter {}; there are: {}.", plotter,
+                          plotters.empty() ? "none" : fmt::format("{}", fmt::join(plotters, ", ")))
+            : fmt::format("A plotter is told by its number, not by {}.", in_quotes(plotter));
+    findings.add({.rule = Rule::unreadable,
+                  .place = {.file = where.file, .section = plotter},
+                  .message = message,
+                  .number = PM_ERR_NO_SUCH_SECTION});
+}
+
 } // namespace
 
 void check_pc2(std::string_view content, const NarrowText& narrow, const Place& where, Findings& findings) {
@@ -302,12 +319,8 @@ void check_cfg(std::string_view content, const NarrowText& narrow, const std::st
     while (next_legacy_line(source, line, findings)) {
         lines.take_line(line);
     }
-    if (!plotter.empty() && !lines.plotters().contains(wanted)) {
-        findings.add({.rule = Rule::unreadable,
-                      .place = {.file = where.file, .section = plotter},
-                      .message = fmt::format("There is no plotter {}.", wanted),
-                      .number = PM_ERR_NO_SUCH_SECTION});
-    }
+    const bool is_there = is_whole_number(plotter) && lines.plotters().contains(wanted);
+    if (!plotter.empty() && !is_there) say_missing_plotter(plotter, lines.plotters(), where, findings);
     const std::string shown = std::string(version_start) + '\n' + lines.shown_to_library();
     add_unfound(hear(shown, PM_Object::FILE_PC2), lines_from(1, line.line.number), where, first, findings);
     findings.sort_from(first);

@@ -130,6 +130,28 @@ TEST_F(CheckFile, CompoundFileWithADamagedBeginningIsKnownByTheEnding) {
     EXPECT_THAT(lines_of(check_file(m_folder.path().string())), ElementsAre("a.doc:0:0 damaged-file"));
 }
 
+TEST_F(CheckFile, SectionThatIsNotThereIsUnreadable) {
+    const auto said = [](const std::string& file, const std::string& section) {
+        std::vector<std::string> lines;
+        for (const Diagnostic& each : check_file(PM_SAMPLES "/" + file, {.section = section})) {
+            lines.push_back(fmt::format("{} {} {}", each.rule, each.number, each.message));
+        }
+        return lines;
+    };
+    EXPECT_THAT(
+        said("sections.dpia", "9"),
+        ElementsAre("unreadable 83 There is no section \"9\"; there are: Office, Workshop, Archive."));
+    EXPECT_THAT(said("three-plotters.cfg", "9"),
+                ElementsAre("unreadable 83 There is no plotter 9; there are: 1, 2, 3."));
+    EXPECT_THAT(said("three-plotters.cfg", "1st"),
+                ElementsAre("unreadable 83 A plotter is told by its number, not by \"1st\"."));
+    EXPECT_THAT(said("plotter.pia", "9"), ElementsAre("unreadable 83 A pia file has no sections."));
+    EXPECT_THAT(said("dx4200", "9"), ElementsAre("unreadable 83 A pdt file has no sections."));
+    EXPECT_THAT(said("dx4200/strings.pdt", "9"), ElementsAre("unreadable 83 A pdt file has no sections."));
+    EXPECT_THAT(said("sections.dpia", "Office"), IsEmpty());
+    EXPECT_THAT(said("three-plotters.cfg", "2"), IsEmpty());
+}
+
 TEST_F(CheckFile, RuleAloneIsLookedFor) {
     CheckOptions options;
     options.rules = {"odd-boolean"};
