@@ -65,6 +65,8 @@ public:
 
     void take_line(const LegacyLine& line);
     void check_unclosed();
+    // A file without a line is taken, even if nothing marks it.
+    void check_marker();
 
 private:
     struct Block {
@@ -96,7 +98,8 @@ private:
     SourceLine m_line;
     std::string m_path;
     bool m_marked = false;
-    bool m_lost = false; // nothing is left of the base
+    bool m_refused_any = false; // for want of the marker
+    bool m_lost = false;        // nothing is left of the base
     std::vector<Block> m_open;
     std::map<std::string, std::uint64_t> m_set;
 };
@@ -110,6 +113,7 @@ void PcpLines::take_line(const LegacyLine& line) {
     } else if (m_marked) {
         keyword_line(line.text);
     } else {
+        m_refused_any = true;
         say(Rule::bad_header, line.text,
             "The line stands in front of \";Created by Draftex\" and isn't read.", PM_ERR_UNKNOWN_VERSION);
     }
@@ -167,6 +171,14 @@ void PcpLines::check_unclosed() {
         say(Rule::unclosed_block, block.at,
             fmt::format("The block of {} isn't closed.", in_quotes(block.name)));
     }
+}
+
+void PcpLines::check_marker() {
+    if (m_marked || m_refused_any) return;
+    m_findings.add({.rule = Rule::bad_header,
+                    .place = m_source.where(),
+                    .message = "There is no line \";Created by Draftex\".",
+                    .severity = Severity::warning});
 }
 
 void PcpLines::check_value(std::string_view text, std::string_view name, const Keyword& keyword) {
@@ -249,6 +261,7 @@ void check_pcp(std::string_view content, const NarrowText& narrow, const Place& 
         numbers.push_back(line.line.number);
     }
     lines.check_unclosed();
+    lines.check_marker();
     add_unfound(heard, numbers, where, first, findings);
     findings.sort_from(first);
 }
