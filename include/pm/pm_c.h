@@ -554,7 +554,7 @@ typedef struct pm9_check_options {
 } pm9_check_options;
 
 // What there is to say of a file, or of each file in a folder. What can't be read is a diagnostic, too.
-// `options` may be NULL.
+// `options` may be NULL. PM9_BAD_INPUT for the name of a rule that isn't there.
 PM9_API pm9_status pm9_check(const char* file, size_t file_length, const pm9_check_options* options,
                              size_t item_size, pm9_diagnostic** diagnostics, size_t* count, pm9_error* error);
 

@@ -274,11 +274,14 @@ TEST(CCheck, TellsRulePlaceAndWords) {
     pm9_check_options without{};
     without.size = sizeof without;
     without.type = PM9_FILE_PIA;
-    without.rules = "no-such-rule\nnor-this";
+    without.rules = "cut-file\ncut-text";
     without.rules_length = PM9_Z;
     ASSERT_EQ(pm9_check(file.c_str(), PM9_Z, &without, sizeof *found, &found, &count, nullptr), PM9_OK);
     EXPECT_EQ(count, 0U);
     pm9_free(found);
+    without.rules = "bad-line\nbad-lin";
+    EXPECT_EQ(pm9_check(file.c_str(), PM9_Z, &without, sizeof *found, &found, &count, nullptr),
+              PM9_BAD_INPUT);
 }
 
 // The bytes of a file and its losses as kind, path and reason.

@@ -43,8 +43,7 @@ struct CheckOptions {
     // Of narrow text, with the meaning of code_page.h; 0 is the system's as it is set. Another one is set for
     // the time of the check, for the whole process.
     unsigned code_page = 0;
-    // Names of rules: the only ones, all if empty, and those that are left out. Names that no rule has match
-    // nothing; ask find_check_rule().
+    // Names of rules: the only ones, all if empty, and those that are left out.
     std::vector<std::string> rules = {};
     std::vector<std::string> without = {};
     // Whether to load, save, load again and compare: rule "round-trip". It counts for formats that are saved.
@@ -57,8 +56,9 @@ struct CheckOptions {
 //
 // `file` is UTF-8, or the bytes that the system knows the file by. What can't be read is a diagnostic of the
 // rule "unreadable" with the library's number, and what is of no known kind one of "unknown-kind". Throws
-// std::bad_alloc, PM_Memory_Exception (55) or PM_Severe number 64 for want of memory, and PM_Error number 78
-// for a code page that the machine can't convert.
+// Error for the name of a rule that isn't there (find_check_rule()), std::bad_alloc, PM_Memory_Exception (55)
+// or PM_Severe number 64 for want of memory, and PM_Error number 78 for a code page that the machine can't
+// convert.
 //
 // Several threads may check at once, but a check of a DPIA file or a device description, and any that names a
 // code page, sets that of the process for its time: other threads then read narrow text by it.

@@ -1,6 +1,9 @@
 #include "check/findings.h"
 
 #include <algorithm>
+#include <fmt/format.h>
+#include <pm/kit/error.h>
+#include <pm/kit/stored.h>
 #include <tuple>
 
 namespace pm::kit {
@@ -10,7 +13,8 @@ Findings::Findings(const CheckOptions& options) {
     const auto mark = [this](const std::vector<std::string>& names, bool wanted) {
         for (const std::string& name : names) {
             const CheckRule* const rule = find_check_rule(name);
-            if (rule != nullptr) m_wanted[static_cast<std::size_t>(rule - check_rules().data())] = wanted;
+            if (rule == nullptr) throw Error(fmt::format("{}: there is no such rule", printable_text(name)));
+            m_wanted[static_cast<std::size_t>(rule - check_rules().data())] = wanted;
         }
     };
     mark(options.rules, true);

@@ -20,6 +20,7 @@ struct RuleFinding {
 // Gathers what the scanners of one check find, but for the rules that the caller doesn't want.
 class Findings {
 public:
+    // Throws Error for the name of a rule that isn't there.
     explicit Findings(const CheckOptions& options);
 
     [[nodiscard]] bool wants(Rule rule) const { return m_wanted[static_cast<std::size_t>(rule)]; }

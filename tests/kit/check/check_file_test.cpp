@@ -1,3 +1,4 @@
+#include "kit/errors.h"
 #include "support/failing_buffer.h"
 #include "support/scoped_settings.h"
 #include "support/temp_folder.h"
@@ -23,6 +24,7 @@ using pm::kit::check_file;
 using pm::kit::CheckOptions;
 using pm::kit::Diagnostic;
 using pm::kit::Severity;
+using pm::kit::test::error_of;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -150,6 +152,14 @@ TEST_F(CheckFile, SectionThatIsNotThereIsUnreadable) {
     EXPECT_THAT(said("dx4200/strings.pdt", "9"), ElementsAre("unreadable 83 A pdt file has no sections."));
     EXPECT_THAT(said("sections.dpia", "Office"), IsEmpty());
     EXPECT_THAT(said("three-plotters.cfg", "2"), IsEmpty());
+}
+
+TEST_F(CheckFile, NameThatNoRuleHasIsAnError) {
+    EXPECT_EQ("bad-lin: there is no such rule", error_of([&] {
+                  (void)check_file("none.pia", {.rules = {"bad-line", "bad-lin"}});
+              }));
+    EXPECT_EQ("bad-lin: there is no such rule",
+              error_of([&] { (void)check_content("a", "a.pia", {.without = {"bad-lin"}}); }));
 }
 
 TEST_F(CheckFile, RuleAloneIsLookedFor) {
