@@ -1,3 +1,4 @@
+#include "end_moves.h"
 #include "text_reader.h"
 #include "tree_place.h"
 #include <algorithm>
@@ -209,8 +210,13 @@ void apply_edit(Tree& tree, const Edit& edit) {
 
 Tree applied(const Tree& tree, std::span<const Edit> edits) {
     Tree result = copy(tree);
-    for (const Edit& edit : edits) {
-        apply_edit(result, edit);
+    while (!edits.empty()) {
+        std::size_t done = do_end_moves(result, edits);
+        if (done == 0) {
+            apply_edit(result, edits.front());
+            done = 1;
+        }
+        edits = edits.subspan(done);
     }
     return result;
 }

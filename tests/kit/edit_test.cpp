@@ -1,9 +1,11 @@
 #include "kit/errors.h"
 #include "kit/random_tree.h"
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <pm/inspect.h>
 #include <pm/kit/edit.h>
 #include <pm/kit/pattern.h>
+#include <random>
 
 namespace pm::kit::test {
 namespace {
@@ -230,6 +232,67 @@ TEST(Script, LeavesOutWhatTheComparisonDidNotCount) {
     b.set("\\x", 2);
     EXPECT_EQ("set \\x long 2\n", script(compare(a, b, {.order = false})));
     EXPECT_EQ("set \\x long 2\nmv \\x \\x\n", script(compare(a, b)));
+}
+
+// A tree with 200 properties and as many children of the same names, and 300 moves to the end of some of
+// them.
+struct ManyMoves {
+    ManyMoves() {
+        std::mt19937 random(5);
+        tree.set("\\m\\p*\\x", 0, 0);
+        for (int i = 0; i < 200; ++i) {
+            tree.set("\\n\\p*", i, i);
+            tree.set("\\n\\p*\\x", 0.5 * i, i);
+        }
+        for (int i = 0; i < 300; ++i) {
+            const auto name = random() % 180;
+            properties += fmt::format("mv \\n\\p{0} \\n\\p{0}\n", name);
+            nodes += fmt::format("mv \\n\\p{0}\\ \\n\\p{0}\\\n", name);
+        }
+    }
+    void expect_same(const std::string& script) const {
+        const std::vector<Edit> edits = parse_script(script);
+        Tree one_by_one = copy(tree);
+        for (const Edit& edit : edits) {
+            apply_edit(one_by_one, edit);
+        }
+        EXPECT_THAT(compare(one_by_one, applied(tree, edits)), IsEmpty());
+        EXPECT_FALSE(identical(tree, one_by_one));
+    }
+
+    Tree tree;
+    std::string properties;
+    std::string nodes;
+};
+
+TEST(MovesToTheEnd, InALongRunAreAsOneByOne) {
+    const ManyMoves moves;
+    moves.expect_same(moves.properties);
+    moves.expect_same(moves.nodes);
+    moves.expect_same(moves.nodes + moves.properties + moves.nodes);
+    moves.expect_same(moves.properties + "mv \\m\\p0 \\m\\p0\n" + moves.properties);
+    moves.expect_same(moves.properties + "mv \\n\\p7 \\m\\\nrm \\n\\p8\n" + moves.nodes);
+}
+
+TEST(MovesToTheEnd, BehindALongRunAreToldWithTheirLine) {
+    const ManyMoves moves;
+    EXPECT_EQ("301: \\n\\p200: there is no such property or node", error_of([&] {
+                  (void)applied(moves.tree, parse_script(moves.properties + "mv \\n\\p200 \\n\\p200\n"));
+              }));
+    EXPECT_EQ("301: \\n\\p200\\: there is no such node", error_of([&] {
+                  (void)applied(moves.tree, parse_script(moves.nodes + "mv \\n\\p200\\ \\n\\p200\\\n"));
+              }));
+}
+
+TEST(Script, OfAListThatIsTurnedAroundTakesTimeInProportion) {
+    Tree a;
+    Tree b;
+    for (int i = 0; i < 30000; ++i) {
+        a.set("\\n\\p*", 1, i);
+        b.set("\\n\\p*", 1, 29999 - i);
+    }
+    apply_edits(a, parse_script(script(compare(a, b))));
+    EXPECT_TRUE(identical(a, b));
 }
 
 TEST(Script, OfALongListTakesTimeInProportion) {
