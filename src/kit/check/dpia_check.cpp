@@ -23,6 +23,7 @@ constexpr std::uint32_t version_2 = 0x00020000;
 struct Entry {
     std::string_view name; // as it is stored
     std::string shown;
+    bool has_info = false;    // that isn't empty
     std::uint64_t offset = 0; // in the file
     std::uint64_t size = 0;
     [[nodiscard]] std::uint64_t end() const { return offset + size; }
@@ -69,6 +70,7 @@ private:
     bool read_entries();
     bool read_entry(Entry& entry);
     void check_text(std::string_view text, std::string_view what, const std::string& section);
+    void check_name(const Entry& entry);
     void check_names();
     void check_ranges();
     void check_neighbours();
@@ -129,6 +131,7 @@ bool DirectoryCheck::read_entry(Entry& entry) {
         return false;
     }
     entry.shown = to_utf8(to_utf16(entry.name.substr(0, entry.name.find('\0'))));
+    entry.has_info = !info.empty() && info.front() != '\0';
     entry.offset = offset;
     entry.size = size;
     check_text(entry.name, "name", entry.shown);
@@ -170,11 +173,23 @@ void DirectoryCheck::check_text(std::string_view text, std::string_view what, co
     }
 }
 
+// What a save takes for a path or a pattern.
+void DirectoryCheck::check_name(const Entry& entry) {
+    if (entry.shown.find('\\') != std::string::npos) {
+        say(Rule::odd_name, "A save can't write a section under a name with a \"\\\".", entry.shown);
+    }
+    if (entry.has_info && entry.shown.find('*') != std::string::npos) {
+        say(Rule::odd_name, "A save loses the info text of a section with a \"*\" in its name.", entry.shown,
+            0, Severity::note);
+    }
+}
+
 void DirectoryCheck::check_names() {
     std::unordered_map<std::string_view, std::size_t> first;
     for (std::size_t index = 0; index < m_entries.size(); ++index) {
         const Entry& entry = m_entries[index];
         if (entry.shown.empty()) say(Rule::odd_name, fmt::format("Section {} has no name.", index));
+        check_name(entry);
         const auto [known, is_new] = first.try_emplace(entry.shown, index);
         if (is_new) continue;
         say(Rule::repeated_name,

@@ -154,6 +154,27 @@ TEST_F(CheckFile, SectionThatIsNotThereIsUnreadable) {
     EXPECT_THAT(said("three-plotters.cfg", "2"), IsEmpty());
 }
 
+TEST_F(CheckFile, SectionWithAnAsteriskLosesItsInfoText) {
+    const std::string section = "PIAFILEVERSION_2.0,\na=1\n";
+    const auto said = [&](const std::string& info) {
+        const auto word = [](std::size_t number) {
+            return std::string{static_cast<char>(number), '\0', '\0', '\0'};
+        };
+        const std::string file = std::string("\0\0\2\0\1\0\0\0\2\0\0\0a*", 14) + word(info.size()) + info +
+                                 word(0) + word(section.size()) + section;
+        std::vector<std::string> lines;
+        for (const Diagnostic& each : check_content(file, "a.dpia")) {
+            lines.push_back(fmt::format("{} [{}] {}", each.rule, each.place.section, each.message));
+            EXPECT_EQ(Severity::note, each.severity);
+        }
+        return lines;
+    };
+    EXPECT_THAT(
+        said("plotters"),
+        ElementsAre("odd-name [a*] A save loses the info text of a section with a \"*\" in its name."));
+    EXPECT_THAT(said(""), IsEmpty());
+}
+
 TEST_F(CheckFile, NameThatNoRuleHasIsAnError) {
     EXPECT_EQ("bad-lin: there is no such rule", error_of([&] {
                   (void)check_file("none.pia", {.rules = {"bad-line", "bad-lin"}});
