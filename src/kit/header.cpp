@@ -6,6 +6,10 @@ namespace pm::kit {
 
 namespace {
 
+constexpr std::string_view version_1 = "PIAFILEVERSION_1.0";
+constexpr std::string_view version_2 = "PIAFILEVERSION_2.0";
+constexpr std::size_t version_size = version_1.size();
+
 bool starts_with(std::string_view line, std::string_view version) {
     const auto upper = [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; };
     return line.size() >= version.size() &&
@@ -24,9 +28,10 @@ Header read_header(std::string_view bytes) {
         if (line.ends_with('\r')) line.remove_suffix(1);
         line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
     }
-    if (starts_with(line, "PIAFILEVERSION_1.0")) header.version = 1;
-    if (starts_with(line, "PIAFILEVERSION_2.0")) header.version = 2;
+    if (starts_with(line, version_1)) header.version = 1;
+    if (starts_with(line, version_2)) header.version = 2;
     const std::size_t comma = line.find(',');
+    if (header.version != 0) header.text = line.substr(version_size, comma - version_size);
     if (comma != std::string_view::npos) header.tag = line.substr(comma + 1);
     header.compressed = line.find("compress") != std::string_view::npos;
     return header;

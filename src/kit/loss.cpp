@@ -72,6 +72,18 @@ std::string body_of(const std::string& bytes) {
     return without_end(std::string_view(bytes).substr(read_header(bytes).end));
 }
 
+std::string without_comments(std::string_view body) {
+    std::string kept;
+    while (!body.empty()) {
+        const std::size_t end = std::min(body.find('\n'), body.size() - 1) + 1;
+        const std::string_view line = body.substr(0, end);
+        const std::size_t begin = line.find_first_not_of(" \t\r");
+        if (begin == std::string_view::npos || line[begin] != ';') kept += line;
+        body.remove_prefix(line.size());
+    }
+    return kept;
+}
+
 bool is_compressed(std::string_view tag) {
     return tag.find(compression_word) != std::string_view::npos;
 }
@@ -100,12 +112,19 @@ void add_pia_changes(const FileContent& source, const WriteOptions& options,
         lines.push_back(
             fmt::format("the header's tag {} becomes {}", quoted_text(before), quoted_text(after)));
     }
+    const std::string text = read_header(source.bytes).text;
+    if (text.find_first_not_of(' ') != std::string::npos) {
+        lines.push_back(fmt::format("the header's text {} isn't kept", quoted_text(text)));
+    }
     if (source.compressed || source.bytes.empty()) return;
     WriteOptions plain = options;
     plain.tag = after;
     plain.subtree = "\\";
-    if (body_of(prepare(source.tree, plain).bytes) != body_of(source.bytes)) {
-        lines.emplace_back("numbers, blanks, comments or line ends are written in another form");
+    const std::string body = body_of(source.bytes);
+    const std::string uncommented = without_comments(body);
+    if (uncommented != body) lines.emplace_back("comments aren't kept");
+    if (body_of(prepare(source.tree, plain).bytes) != uncommented) {
+        lines.emplace_back("numbers, blanks or line ends are written in another form");
     }
 }
 
@@ -141,8 +160,9 @@ std::vector<Loss> source_losses(const FileContent& source, std::span<const Diagn
     }
     for (const Diagnostic& diagnostic : diagnostics) {
         const bool told = diagnostic.number != 0 && !source.reports.empty();
-        if (!told && is_losing(diagnostic.rule) && diagnostic.severity != Severity::note)
+        if (!told && is_losing(diagnostic.rule) && diagnostic.severity != Severity::note) {
             losses.push_back(loss_of(diagnostic));
+        }
     }
     return losses;
 }

@@ -423,7 +423,17 @@ TEST(FormChanges, AreToldALineEach) {
     EXPECT_THAT(changes("PIAFILEVERSION_1.0,T\r\na=1\n", {.tag = "T"}),
                 ElementsAre("version 1.0 becomes 2.0"));
     EXPECT_THAT(changes("PIAFILEVERSION_2.0,T\na = 01\n", {.tag = "T"}),
-                ElementsAre("numbers, blanks, comments or line ends are written in another form"));
+                ElementsAre("numbers, blanks or line ends are written in another form"));
+    EXPECT_THAT(changes("PIAFILEVERSION_2.0,T\n;x\na=1\n  ; y", {.tag = "T"}),
+                ElementsAre("comments aren't kept"));
+    EXPECT_THAT(
+        changes("PIAFILEVERSION_2.0,T\n; x\na=01\n", {.tag = "T"}),
+        ElementsAre("comments aren't kept", "numbers, blanks or line ends are written in another form"));
+    EXPECT_THAT(changes("PIAFILEVERSION_2.0;x,T\na=\";1\n", {.tag = "T"}),
+                ElementsAre("the header's text \";x\" isn't kept"));
+    EXPECT_THAT(changes("PIAFILEVERSION_1.0 ;x\r\na=1\n", {}),
+                ElementsAre("version 1.0 becomes 2.0", "the header's text \" ;x\" isn't kept"));
+    EXPECT_THAT(changes("PIAFILEVERSION_2.0 \na=1\n", {}), IsEmpty());
     EXPECT_THAT(changes("PIAFILEVERSION_2.0,T\r\na=1\n", {.tag = "U,compress"}),
                 ElementsAre("the body is compressed now", "the header's tag \"T\" becomes \"U\""));
     EXPECT_THAT(changes("PIAFILEVERSION_2.0,T\r\na=1\n", {.type = doc}),

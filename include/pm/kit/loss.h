@@ -81,8 +81,8 @@ struct Prepared {
                                                          std::span<const Diagnostic> diagnostics = {});
 
 // What writing a source anew changes in form only, a line each: "version 1.0 becomes 2.0", "the body is no
-// longer compressed", "the header's tag isn't kept", "numbers or blanks are written in another form".
-// Measured on the source's tree as it was read.
+// longer compressed", "the header's tag isn't kept", "comments aren't kept", "numbers, blanks or line ends
+// are written in another form". Measured on the source's tree as it was read.
 [[nodiscard]] PM_KIT_API std::vector<std::string> form_changes(const FileContent& source,
                                                                const WriteOptions& options);
 
