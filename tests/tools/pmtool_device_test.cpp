@@ -29,7 +29,7 @@ TEST_F(PmToolDevice, ControlCharactersOfADescriptionAreShownAsNumbers) {
     EXPECT_EQ(1, result.status);
     EXPECT_NE(std::string::npos,
               result.out.find("dx: error: \\custom_name\\Ink_Saver\\default_value = \\x0Fff: \"Ink_Saver\" "
-                              "(Ink saver) has no value \"\\x0Fff\"."))
+                              "(Ink saver) has no value \"\\x0Fff\" (\\custom_name\\Ink_Saver\\value_list)."))
         << result.out;
 }
 
@@ -46,16 +46,19 @@ TEST_F(PmToolDevice, FindingsTellWhatIsOfferedInstead) {
         file +
             ": error: \\media\\printable_area = 0.9825: Only 0.9798 of the area \"ISO_A0_portrait_area\" can "
             "be "
-            "printed. Instead: up to 0.9798. [media-printable]\n" +
+            "printed (\\media\\description\\1\\printable_area = 0.9798). Instead: up to 0.9798. "
+            "[media-printable]\n" +
             file +
             ": error: \\media\\finishing\\collate = true: The destination \"Catch_Basket\" (Catch basket), "
             "the "
-            "device's default, doesn't collate. Instead: Stacker (Stacker), Folder (Folding unit), Finisher "
+            "device's default, doesn't collate (\\media\\destination\\Catch_Basket\\collating). Instead: "
+            "Stacker (Stacker), Folder (Folding unit), Finisher "
             "(Finisher with stapler). [collating]\n" +
             file +
             ": error: \\media\\finishing\\folding = Z_Fold: The destination \"Catch_Basket\" (Catch basket), "
             "the "
-            "device's default, doesn't fold by \"Z_Fold\". Instead: Folder (Folding unit). [folding]\n");
+            "device's default, doesn't fold by \"Z_Fold\" (\\media\\destination\\Catch_Basket\\folding). "
+            "Instead: Folder (Folding unit). [folding]\n");
 }
 
 TEST_F(PmToolDevice, EachSectionIsAConfiguration) {
@@ -66,7 +69,8 @@ TEST_F(PmToolDevice, EachSectionIsAConfiguration) {
             "[Workshop]: error: \\Workshop\\media\\default_size = ARCH_E1_landscape: The media size "
             "\"ARCH_E1_landscape\" (ARCH E1 \xE2\x80\x93 landscape (1066.8 \xC3\x97 762 mm)) isn't one that "
             "the source "
-            "\"Roll_2\" (Lower roll) takes. Instead: Roll_1\\Roll_42_in (Upper roll: Roll, 1067 mm (42 in)). "
+            "\"Roll_2\" (Lower roll) takes (\\media\\source\\Roll_2\\entry). Instead: Roll_1\\Roll_42_in "
+            "(Upper roll: Roll, 1067 mm (42 in)). "
             "[media-size-source]\n" +
             file + "[Archive]: possible on the device\n");
     expect_no(
@@ -75,7 +79,8 @@ TEST_F(PmToolDevice, EachSectionIsAConfiguration) {
             "[Workshop]: error: \\media\\default_size = ARCH_E1_landscape: The media size "
             "\"ARCH_E1_landscape\" (ARCH E1 \xE2\x80\x93 landscape (1066.8 \xC3\x97 762 mm)) isn't one that "
             "the source "
-            "\"Roll_2\" (Lower roll) takes. Instead: Roll_1\\Roll_42_in (Upper roll: Roll, 1067 mm (42 in)). "
+            "\"Roll_2\" (Lower roll) takes (\\media\\source\\Roll_2\\entry). Instead: Roll_1\\Roll_42_in "
+            "(Upper roll: Roll, 1067 mm (42 in)). "
             "[media-size-source]\n");
 }
 
@@ -84,7 +89,7 @@ TEST_F(PmToolDevice, DescriptionMayBeSavedInAnotherFormat) {
     const std::string file = sample_folder + "/pens.pcp";
     expect_no({"check", file, "--device", "device.pia", "--rule", "line-width"},
               file + ": error: \\8\\PEN_WEIGHT = 0.09: The line type 3 (Dash_Dot) needs a width of at least "
-                     "0.1. Instead: from "
+                     "0.1 (\\linetype\\font\\3\\width = 0.1). Instead: from "
                      "0.1 (Dash_Dot). [line-width]\n");
 }
 
@@ -104,7 +109,8 @@ TEST_F(PmToolDevice, MapTellsWhereAConfigurationKeepsWhat) {
     expect_no(
         {"check", "mine.pia", "--device", device, "--map", "map.json", "--rule", "media-size", "--rule",
          "few-pens", "--explain"},
-        "mine.pia: error: \\paper = A9: The device has no media size \"A9\". Instead: ANSI_E_landscape (ANSI "
+        "mine.pia: error: \\paper = A9: The device has no media size \"A9\" (\\media\\size). Instead: "
+        "ANSI_E_landscape (ANSI "
         "E \xE2\x80\x93 "
         "landscape (1117.6 \xC3\x97 863.6 mm)), ANSI_E_portrait (ANSI E \xE2\x80\x93 portrait (863.6 "
         "\xC3\x97 1117.6 mm)), "
@@ -126,7 +132,8 @@ TEST_F(PmToolDevice, MapTellsWhereAConfigurationKeepsWhat) {
 TEST_F(PmToolDevice, OwnerTellsWhoMadeTheConfiguration) {
     folder.write("mine.pia", "PIAFILEVERSION_2.0,\nmedia{\n copies=1\n}\n");
     expect_no({"check", "mine.pia", "--device", device, "--owner", "1"},
-              "mine.pia: warning: \\media\\copies = 1: Owner 2 has this setting. [owner]\n");
+              "mine.pia: warning: \\media\\copies = 1: Owner 2 has this setting (\\media\\ui_owner = 2). "
+              "[owner]\n");
     expect_output({"check", "mine.pia", "--device", device, "--owner", "2"},
                   "mine.pia: possible on the device\n");
 }
@@ -152,7 +159,7 @@ TEST_F(PmToolDevice, DefaultsOfADescriptionAreChecked) {
     ASSERT_EQ(run({"set", "device.pia", "\\media\\default_type", "Wallpaper"}).status, 0);
     expect_no({"check", "device.pia", "--rule", "media-type"},
               "device.pia: error: \\media\\default_type = Wallpaper: The device has no media type "
-              "\"Wallpaper\". Instead: Bond "
+              "\"Wallpaper\" (\\media\\type). Instead: Bond "
               "(Bond 80 g/m\xC2\xB2), Heavy_Bond (Bond 120 g/m\xC2\xB2), Coated (Coated paper), Glossy_Photo "
               "(Glossy photo "
               "paper), Vellum (Vellum), Clear_Film (Clear film), Matte_Film (Matte film), Canvas (Canvas). "

@@ -44,6 +44,12 @@ std::string shown_text(std::string_view text) {
     return printable(shown(pm::to_utf16(text)));
 }
 
+// What the description has where the rule looked.
+std::string described_text(const kit::Finding& finding) {
+    const std::string path = shown_text(finding.description_path);
+    return finding.described.empty() ? path : fmt::format("{} = {}", path, shown_text(finding.described));
+}
+
 // A tree of a file that is held against the device.
 struct Part {
     std::string section; // empty for a file of one tree
@@ -235,6 +241,10 @@ bool is_device_rule(std::string_view name) {
 
 std::string finding_text(const kit::Finding& finding) {
     std::string text = shown_text(finding.message);
+    if (!finding.description_path.empty()) {
+        if (text.ends_with('.')) text.pop_back();
+        text += fmt::format(" ({}).", described_text(finding));
+    }
     if (finding.offers.empty()) return text;
     text += " Instead: ";
     for (std::size_t i = 0; i < std::min(finding.offers.size(), shown_offers); ++i) {

@@ -34,7 +34,8 @@ std::vector<pm::kit::Finding> findings_of_defaults(const SourceOptions& options,
 
 bool is_device_rule(std::string_view name);
 
-// A finding without its path: the message, and what the device offers instead.
+// A finding without its path: the message, what the description has and where, and what the device offers
+// instead.
 std::string finding_text(const pm::kit::Finding& finding);
 
 } // namespace pmtool
