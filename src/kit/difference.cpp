@@ -134,13 +134,14 @@ public:
         const std::optional<Node> nodes[] = {first.node(path), second.node(path)};
         const std::optional<Property> properties[] = {property_of(above[0], place.name),
                                                       property_of(above[1], place.name)};
-        if (!nodes[0] && !nodes[1] && (path.ends_with('\\') || (!properties[0] && !properties[1])))
-            return false;
+        const bool has_node = nodes[0] || nodes[1];
+        const bool has_property = !path.ends_with('\\') && (properties[0] || properties[1]);
+        if (!has_node && !has_property) return false;
         if (!enter_all(place.parent)) return true;
-        if (!nodes[0] && !nodes[1]) {
-            compare_sides(properties[0], properties[1]);
-        } else {
+        if (has_node) {
             compare_sides(nodes[0], nodes[1]);
+        } else {
+            compare_sides(properties[0], properties[1]);
         }
         return true;
     }
@@ -173,10 +174,12 @@ private:
 
     void compare_sides(const std::optional<Node>& first, const std::optional<Node>& second) {
         if (m_exclusion.excludes(first ? *first : *second)) return;
-        if (!first || !second)
-            return add_nodes(first ? Change::removed : Change::added, first ? *first : *second);
-        enter(*second);
-        compare(*first, *second);
+        if (first && second) {
+            enter(*second);
+            compare(*first, *second);
+        } else {
+            add_nodes(first ? Change::removed : Change::added, first ? *first : *second);
+        }
     }
 
     // A node that is compared, and the length of the path in front of it. A list of them takes the place of

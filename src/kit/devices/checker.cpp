@@ -160,8 +160,8 @@ void check_range(Checker& check, Setting& setting, const Range& range, const std
 void check_count(Checker& check, Setting& setting, const Range& range, const std::string& path,
                  std::string_view what) {
     const bool is_whole = !setting.number || std::trunc(*setting.number) == *setting.number;
-    if (is_whole || (!range.least && !range.most))
-        return check_range(check, setting, range, path, path, what);
+    const bool is_free = !range.least && !range.most;
+    if (is_whole || is_free) return check_range(check, setting, range, path, path, what);
     check.fail(setting,
                {.description_path = path,
                 .offers = {{range_text(range), {}, path}},
