@@ -176,4 +176,6 @@ def test_check_tells_rule_place_and_words(tmp_path: Path) -> None:
     assert (first.rule, first.severity, first.line, first.number) == ("bad-line", pm9.Severity.ERROR, 2, 57)
     assert first.file == str(file) and str(first) == f"{file}:2: error: {first.message} [bad-line]"
     assert pm9.check(file, without=["bad-line"], rules=["bad-line"]) == []
+    with pytest.raises(pm9.InputError):
+        pm9.check(file, rules=["bad-lin"])
     assert [each.rule for each in pm9.check(tmp_path / "never")] == ["unreadable"]

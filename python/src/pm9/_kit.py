@@ -365,6 +365,7 @@ def check(file: File, *, type: Optional[FileType] = None, rules: Sequence[str] =
     """What there is to say of a file, or of each file in a folder; what can't be read is a diagnostic, too.
 
     `rules` are the only ones, if there are any, `without` are left out; `round_trip` also saves, loads and compares.
+    InputError for the name of a rule that isn't there.
     """
     name, only, others = os.fsencode(file), _lines(rules), _lines(without)
     options = struct("pm9_check_options", type=-1 if type is None else int(type), code_page=code_page, rules=only,
