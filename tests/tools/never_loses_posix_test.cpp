@@ -93,6 +93,37 @@ TEST_F(PmToolLosesNothingHere, EditorMeetsALimitOfAFilesSizeAsWithoutTheTool) {
     EXPECT_NE(std::string::npos, folder.read("err").find("ended with 153")) << folder.read("err");
 }
 
+TEST_F(PmToolLosesNothingHere, PathsAndValuesAreUtf8OrRefused) {
+    const std::string bad = "a\xFF"
+                            "b";
+    const std::string before = folder.read("p.pia");
+    expect_output({"dump", "p.pia", "-o", "p.json"}, "");
+    const std::vector<std::pair<std::string, std::vector<std::string>>> verbs = {
+        {"PATH", {"set", "p.pia", bad, "1"}},
+        {"VALUE", {"set", "p.pia", "x", bad, "--utf8"}},
+        {"VALUE", {"set", "p.json", "x", bad, "--from", "json"}},
+        {"PATH", {"get", "p.pia", bad}},
+        {"PATH", {"tree", "p.pia", bad}},
+        {"PATH", {"ls", "p.pia", bad}},
+        {"PATH", {"rm", "p.pia", "media", bad}},
+        {"PATH", {"dump", "p.pia", bad}},
+        {"PATH", {"diff", "p.pia", "p.pia", bad}},
+        {"--exclude", {"diff", "p.pia", "p.pia", "--exclude", bad}},
+        {"FROM", {"mv", "p.pia", bad, "x"}},
+        {"TO", {"cp", "p.pia", "name", bad}},
+        {"--subtree", {"convert", "p.pia", "q.pia", "--subtree", bad}},
+        {"--base", {"convert", "p.pia", "q.pia", "--base", bad}},
+        {"--tag", {"convert", "p.pia", "q.pia", "--tag", bad}}};
+    for (const auto& [name, words] : verbs) {
+        expect_trouble(words, name + ": this isn't UTF-8: a\\xFFb; see pmtool " + words.front() + " --help");
+    }
+    EXPECT_EQ(before, folder.read("p.pia"));
+    EXPECT_EQ((std::vector<std::string>{"p.json", "p.pia"}), file_names());
+    // What no valid text is made of, a tree may hold: an unpaired surrogate.
+    expect_output({"set", "p.json", "x", "\xED\xA0\x80", "--from", "json"}, "");
+    EXPECT_NE(std::string::npos, run({"dump", "p.json", "x", "--from", "json"}).out.find("00D80000"));
+}
+
 // What was edited, in a file that the last line on standard error names.
 class PmToolKeepsEdits : public PmToolLosesNothingHere {
 protected:

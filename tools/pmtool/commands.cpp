@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <pm/text.h>
 
 namespace pmtool {
 
@@ -142,6 +143,12 @@ VerbLine& VerbLine::text_or(const std::string& names, std::optional<std::string>
     option->expected(0)->type_size(0)->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     note(names, value, description).value_is_optional = true;
     return *this;
+}
+
+VerbLine& VerbLine::utf8() {
+    return check([](const std::string& text) {
+        return pm::to_utf8(pm::to_utf16(text)) == text ? std::string() : "this isn't UTF-8: " + text;
+    });
 }
 
 VerbLine& VerbLine::not_empty() {

@@ -86,7 +86,10 @@ public:
     // The value may be missing: then `usual` is taken.
     VerbLine& text_or(const std::string& names, std::optional<std::string>& text, const std::string& usual,
                       const std::string& value, const std::string& description);
-    // Of the option or argument that was added last: it must not be empty.
+    // Of the option or argument that was added last: it must be valid UTF-8, as what the tree holds is. Other
+    // texts, such as names of files, may be any bytes.
+    VerbLine& utf8();
+    // Of the same: it must not be empty.
     VerbLine& not_empty();
 
     VerbLine& number(const std::string& names, int& number, int lowest, int highest,

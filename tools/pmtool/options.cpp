@@ -45,7 +45,7 @@ void add_form(VerbLine& line, TargetOptions& options) {
     line.text("--to", options.to, "FORMAT",
               "Format of the output, if its extension doesn't tell it: " + format_names(true));
     line.flag("--compress", options.compress, "Compress the body (pia)");
-    line.text("--tag", options.tag, "TEXT", "Free text for the header (pia)");
+    line.text("--tag", options.tag, "TEXT", "Free text for the header (pia)").utf8();
     line.number("--out-code-page", options.code_page,
                 "Code page of narrow text in the output; without it that of the input");
 }

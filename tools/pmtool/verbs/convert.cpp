@@ -118,8 +118,8 @@ void add_convert(Commands& commands) {
     line.argument("OUT", options->target.file, "The file to write; \"-\" is standard output");
     add_form(line, options->target);
     line.number("--in-code-page", options->in_code_page, "Code page of narrow text in IN");
-    line.text("--subtree", options->subtree, "PATH", "The node of IN to write");
-    line.text("--base", options->base, "PATH", "The node to put it in");
+    line.text("--subtree", options->subtree, "PATH", "The node of IN to write").utf8();
+    line.text("--base", options->base, "PATH", "The node to put it in").utf8();
     add_writing(line, options->target);
 }
 

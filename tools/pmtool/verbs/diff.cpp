@@ -119,14 +119,15 @@ void add_diff(Commands& commands) {
     line.other_name("compare");
     line.argument("A", options->first.file, "A file; \"-\" is standard input");
     line.argument("B", options->second, "Another file");
-    line.optional_argument("PATH", options->path, "The node or property to compare");
+    line.optional_argument("PATH", options->path, "The node or property to compare").utf8();
     add_from(line, options->first);
     line.text("--section", options->first.section, "NAME", "One section of both, by name or number")
         .not_empty();
     add_keep_going(line, options->first);
     line.number("--tolerance", options->compare.tolerance, "Doubles that differ by no more than N are equal");
     line.texts("--exclude", options->compare.exclude, "PATTERN",
-               "What matches doesn't count; may be repeated");
+               "What matches doesn't count; may be repeated")
+        .utf8();
     line.flag("--no-order", options->no_order, "The order of properties and nodes doesn't count");
     line.flag("--strict", options->strict,
               "Whether a property keeps its type counts too; few formats store it");

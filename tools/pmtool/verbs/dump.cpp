@@ -56,7 +56,7 @@ void add_dump(Commands& commands) {
     const auto options = std::make_shared<DumpOptions>();
     VerbLine line = commands.add(verb, [options] { return dump(*options); });
     add_source(line, options->source);
-    line.optional_argument("PATH", options->path, "The node or property to write");
+    line.optional_argument("PATH", options->path, "The node or property to write").utf8();
     line.text("-o,--output", options->output, "FILE", "The file to write");
     line.flag("--plain", options->plain, "Nested objects, for other programs");
     line.flag("--compact", options->compact, "All on one line");

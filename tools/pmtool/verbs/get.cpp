@@ -70,7 +70,7 @@ void add_get(Commands& commands) {
     const auto options = std::make_shared<GetOptions>();
     VerbLine line = commands.add(verb, [options] { return get_values(*options); });
     add_source(line, options->source);
-    line.arguments("PATH", options->paths, "Properties, such as \\media\\default_size");
+    line.arguments("PATH", options->paths, "Properties, such as \\media\\default_size").utf8();
     line.flag("--json", options->json, "An object for each property, as in \"dump\"");
 }
 

@@ -82,7 +82,7 @@ void add_ls(Commands& commands) {
     const auto options = std::make_shared<LsOptions>();
     VerbLine line = commands.add(verb, [options] { return list(*options); });
     add_source(line, options->source);
-    line.optional_arguments("PATH", options->paths, "Paths or patterns; without one the root");
+    line.optional_arguments("PATH", options->paths, "Paths or patterns; without one the root").utf8();
     line.flag("-l,--long", options->with_values, "Types and values too");
 }
 

@@ -27,8 +27,8 @@ void add(Commands& commands, const Verb& verb, kit::Edit::Verb edit) {
     const auto options = std::make_shared<Options>();
     VerbLine line = commands.add(verb, [options, edit] { return relocate(edit, *options); });
     add_source(line, options->source);
-    line.argument("FROM", options->from, "A path or pattern");
-    line.argument("TO", options->to, "The new path, or a node with a backslash behind it");
+    line.argument("FROM", options->from, "A path or pattern").utf8();
+    line.argument("TO", options->to, "The new path, or a node with a backslash behind it").utf8();
     add_other_output(line, options->target);
     add_writing(line, options->target);
 }

@@ -67,8 +67,8 @@ void add_set(Commands& commands) {
     const auto options = std::make_shared<SetOptions>();
     VerbLine line = commands.add(verb, [options] { return set_value(*options); });
     add_source(line, options->source);
-    line.argument("PATH", options->path, "The property, such as \\media\\copies");
-    line.argument("VALUE", options->value, "The new value");
+    line.argument("PATH", options->path, "The property, such as \\media\\copies").utf8();
+    line.argument("VALUE", options->value, "The new value").utf8();
     line.text("--type", options->type, "TYPE", "Type of the value: " + type_names());
     line.flag("--existing", options->existing, "Only if the property is there");
     add_other_output(line, options->target);

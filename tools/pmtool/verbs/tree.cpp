@@ -147,7 +147,7 @@ void add_tree(Commands& commands) {
     const auto options = std::make_shared<TreeOptions>();
     VerbLine line = commands.add(verb, [options] { return show_tree(*options); });
     add_source(line, options->source);
-    line.optional_argument("PATH", options->path, "Node or property to show, such as \\media");
+    line.optional_argument("PATH", options->path, "Node or property to show, such as \\media").utf8();
     line.number("--depth", options->depth, 0, deepest_tree, "Levels below the start, 0 for all");
     line.flag("--flat", options->flat, "One line a property, with its full path");
     line.flag("--json", options->json, "Canonical JSON, as \"dump\" writes it");
