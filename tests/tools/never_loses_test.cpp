@@ -346,7 +346,30 @@ TEST_F(PmToolNeverLoses, BackupKeepsTheOldFile) {
 TEST_F(PmToolNeverLoses, NameOfAnotherFormatIsRefused) {
     expect_trouble({"set", "p.pia", "media\\copies", "2", "-o", "q.doc"},
                    "q.doc: the name is that of a doc file, but a pia file would be written; give it another "
+                   "name");
+    expect_trouble({"bundle", "-o", "q.pia", "A=p.pia"},
+                   "q.pia: the name is that of a pia file, but a dpia file would be written; give it another "
+                   "name");
+    expect_trouble({"merge", "p.pia", "p.pia", "p.pia", "-o", "q.doc"},
+                   "q.doc: the name is that of a doc file, but a pia file would be written; give it another "
                    "name, or say what is meant with --to");
+    for (const std::string extension : {"pia", "dpia", "doc", "pc2", "cfg", "pcp", "pdt"}) {
+        const std::string file = "q." + extension;
+        const std::string words = file + ": the name is that of a " + extension + " file, but ";
+        expect_trouble({"dump", "p.pia", "-o", file},
+                       words + "a json file would be written; give it another name");
+        expect_trouble({"report", "p.pia", "-o", file},
+                       words + "an html file would be written; give it another name");
+    }
+    expect_trouble(
+        {"dump", "p.pia", "-o", "q.html"},
+        "q.html: the name is that of an html file, but a json file would be written; give it another "
+        "name");
+    expect_trouble(
+        {"report", "p.pia", "-o", "q.JSON"},
+        "q.JSON: the name is that of a json file, but an html file would be written; give it another "
+        "name");
+    EXPECT_EQ((std::vector<std::string>{"p.pia"}), file_names());
 }
 
 TEST_F(PmToolNeverLoses, SectionIsEditedInPlaceAndTheOthersStay) {

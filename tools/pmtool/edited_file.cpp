@@ -57,7 +57,7 @@ EditedFile::EditedFile(const SourceOptions& source, const TargetOptions& target)
         throw Failure(
             fmt::format("{}: {} files can't be changed; convert it first", source.file, format.name));
     }
-    if (!in_place && m_target.to.empty()) require_extension(m_target.file, format);
+    if (!in_place) require_extension(m_target.file, format);
     if (source.section.empty()) return;
     if (!m_source.content.by_section) {
         throw Failure(fmt::format("{}: a {} file has no sections", source.file, format.name));

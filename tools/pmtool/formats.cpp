@@ -22,6 +22,13 @@ constexpr Format table[] = {
     {"json", "canonical JSON of a tree", ".json", std::nullopt, true, false},
 };
 
+constexpr std::string_view page = "html";
+
+// "html" is spelt out when it is said.
+const char* article(std::string_view kind) {
+    return kind == page ? "an" : "a";
+}
+
 const char* plural(std::size_t count) {
     return count == 1 ? "" : "s";
 }
@@ -74,6 +81,22 @@ Identity identity_of(const std::string& file, const std::optional<pm::FileIdenti
                               format_names(false)));
 }
 
+// What a file of this name is taken for; empty if nothing is known of it.
+std::string_view kind_told_by(const std::string& file) {
+    const std::string extension = extension_of(file);
+    if (extension == ".html" || extension == ".htm") return page;
+    const auto* found = std::ranges::find(table, extension, &Format::extension);
+    return found == std::ranges::end(table) ? std::string_view() : found->name;
+}
+
+void require_kind(const std::string& file, std::string_view kind, std::string_view advice) {
+    const std::string_view told = kind_told_by(file);
+    if (told.empty() || told == kind) return;
+    throw Failure(fmt::format("{}: the name is that of {} {} file, but {} {} file would be written; give it "
+                              "another name{}",
+                              file, article(told), told, article(kind), kind, advice));
+}
+
 } // namespace
 
 std::string format_names(bool written_only) {
@@ -106,13 +129,12 @@ const Format& format_of_output(const std::string& file, const std::string& to) {
                               format_names(true)));
 }
 
-void require_extension(const std::string& file, const Format& format) {
-    const std::string extension = extension_of(file);
-    const auto* other = std::ranges::find(table, extension, &Format::extension);
-    if (extension.empty() || other == std::ranges::end(table) || other == &format) return;
-    throw Failure(fmt::format("{}: the name is that of a {} file, but a {} file would be written; give it "
-                              "another name, or say what is meant with --to",
-                              file, other->name, format.name));
+void require_extension(const std::string& file, const Format& format, std::string_view advice) {
+    require_kind(file, format.name, advice);
+}
+
+void require_page_extension(const std::string& file) {
+    require_kind(file, page, {});
 }
 
 Identity identify(const std::string& file) {

@@ -30,8 +30,11 @@ const Format& format_of(PM_Object::FileType type);
 // to case. Failure if neither tells a format that is written.
 const Format& format_of_output(const std::string& file, const std::string& to);
 
-// Failure if the name's extension is that of another format, which nobody would look for behind it.
-void require_extension(const std::string& file, const Format& format);
+// Failure if the name's extension is that of another format, which nobody would look for behind it. `advice`
+// is what to do about it beside another name; empty for nothing.
+void require_extension(const std::string& file, const Format& format, std::string_view advice = {});
+// The same for a page in HTML.
+void require_page_extension(const std::string& file);
 
 struct Identity {
     const Format* format;

@@ -141,7 +141,7 @@ int write(Bundle& bundle, const BundleOptions& options) {
     std::ranges::for_each(options.infos, [&](const std::string& info) { bundle.set_info(info); });
     std::ranges::for_each(bundle.sections(), require_ascii);
     const Format& format = format_named("dpia");
-    if (options.target.to.empty()) require_extension(options.target.file, format);
+    require_extension(options.target.file, format);
     Writing writing{bundle.source().content.tree, format, form_of(format, options.target, bundle.source()),
                     bundle.losses()};
     writing.form.sections = bundle.sections();

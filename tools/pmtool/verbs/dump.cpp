@@ -29,6 +29,7 @@ std::string json_of(const DumpOptions& options, const kit::Match& match) {
 }
 
 int dump(const DumpOptions& options) {
+    require_extension(options.output, format_named("json"));
     const Source source = read_source(options.source);
     const std::string path = kit::full_path(options.path);
     const std::vector<kit::Match> found = kit::find_all(source.content.tree, kit::Pattern(path));

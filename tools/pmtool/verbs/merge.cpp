@@ -39,7 +39,7 @@ void print_conflicts(const MergeOptions& options, const std::vector<kit::Conflic
 const Format& format_for(const MergeOptions& options, const Source& first) {
     if (!options.target.to.empty()) return format_of_output(options.target.file, options.target.to);
     const Format& format = first.is_json ? format_named("json") : format_of(first.content.type);
-    require_extension(options.target.file, format);
+    require_extension(options.target.file, format, ", or say what is meant with --to");
     return format;
 }
 

@@ -90,6 +90,7 @@ int write_report(const ReportOptions& options) {
     if (options.file.empty() && options.configurations.empty()) {
         throw Mistake("DESCRIPTION or --config is required");
     }
+    require_page_extension(options.output);
     Report report;
     report.add(options);
     save_safely(options.output, kit::report_page(report.input()));
