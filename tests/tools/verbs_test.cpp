@@ -67,6 +67,33 @@ TEST_F(PmToolVerbs, RmMvAndCpChangeTheTree) {
         flat("a.pia"));
 }
 
+TEST_F(PmToolVerbs, RmTakesPathsThatMatchTheSame) {
+    expect_output({"rm", "a.pia", "n", "\\n"}, "");
+    expect_output({"rm", "a.pia", "x\\b", "x\\*", "x\\y\\c", "x\\"}, "");
+    EXPECT_EQ("\\z\\a: long 3\n", flat("a.pia"));
+}
+
+TEST_F(PmToolVerbs, RmTakesTheNodeOfAPropertysNameOnlyWhereNoPropertyHasIt) {
+    folder.write("b.pia", "PIAFILEVERSION_2.0,\nx=1\ny=2\nx{\n a=1\n}\nz{\n b=1\n c=2\n}\n");
+    expect_output({"rm", "b.pia", "x", "x", "y"}, "");
+    EXPECT_EQ("\\x\\a: long 1\n\\z\\b: long 1\n\\z\\c: long 2\n", flat("b.pia"));
+    expect_output({"rm", "b.pia", "x", "z\\c", "--dry-run"}, "- \\x\\\n- \\x\\a: long 1\n- \\z\\c: long 2\n");
+    EXPECT_EQ(2, run({"rm", "b.pia", "z", "\\"}).status);
+    EXPECT_EQ(1, run({"rm", "b.pia", "z", "none"}).status);
+    EXPECT_EQ("\\x\\a: long 1\n\\z\\b: long 1\n\\z\\c: long 2\n", flat("b.pia"));
+}
+
+TEST_F(PmToolVerbs, ScriptWhosePathsNothingHasIsANegativeAnswer) {
+    for (const std::string line : {"rm \\none", "mv \\none \\m", "cp \\none\\ \\m\\", "set \\no*e long 1",
+                                   "set \\new long 1\nrm \\new\nrm \\new"}) {
+        EXPECT_EQ(1, run_with_input({"apply", "a.pia", "-"}, line + '\n').status) << line;
+    }
+    for (const std::string line :
+         {"mv \\n \\x\\a", "rm \\", "mv \\x\\ \\x\\y\\x\\", "rm \"\\\\a\\u0000\"", "set \\x\\ long 1"}) {
+        EXPECT_EQ(2, run_with_input({"apply", "a.pia", "-"}, line + '\n').status) << line;
+    }
+}
+
 TEST_F(PmToolVerbs, TargetThatIsTakenIsTrouble) {
     const std::string before = folder.read("a.pia");
     EXPECT_EQ(2, run({"mv", "a.pia", "x\\a", "x\\b"}).status);
@@ -78,7 +105,7 @@ TEST_F(PmToolVerbs, ScriptIsAppliedAsAWholeOrNotAtAll) {
     EXPECT_EQ(0, run_with_input({"apply", "a.pia", "-"}, "# two\nset \\n long 5\nrm \\x\\\n").status);
     EXPECT_EQ("\\n: long 5\n\\z\\a: long 3\n", flat("a.pia"));
     const std::string before = folder.read("a.pia");
-    EXPECT_EQ(2, run_with_input({"apply", "a.pia", "-"}, "set \\n long 6\nrm \\none\n").status);
+    EXPECT_EQ(1, run_with_input({"apply", "a.pia", "-"}, "set \\n long 6\nrm \\none\n").status);
     EXPECT_EQ(2, run_with_input({"apply", "a.pia", "-"}, "set \\n long 6\nfoo\n").status);
     EXPECT_EQ(before, folder.read("a.pia"));
 }

@@ -39,9 +39,30 @@ const kit::Section& section_named(const Source& source, const std::string& name)
                               fmt::join(names, ", ")));
 }
 
-Failure edit_failure(const std::string& file, const kit::Error& e) {
-    if (e.line() == 0) return Failure(fmt::format("{}: {}", file, e.what()));
-    return Failure(fmt::format("{}: line {} of the script: {}", file, e.line(), e.what()));
+// A path that nothing has is an answer of no; one that can't be made, or is taken, is trouble.
+bool is_answer(const pm::Tree& tree, const kit::Edit& edit) {
+    if (edit.path.find('\0') != std::string::npos) return false;
+    const kit::Pattern pattern(edit.path);
+    const bool makes = edit.verb == kit::Edit::Verb::set && pattern.is_literal();
+    return !makes && kit::find_all(tree, pattern).empty();
+}
+
+Failure edit_failure(const std::string& file, const kit::Error& e, int exit_code) {
+    if (e.line() == 0) return Failure(fmt::format("{}: {}", file, e.what()), exit_code);
+    return Failure(fmt::format("{}: line {} of the script: {}", file, e.line(), e.what()), exit_code);
+}
+
+pm::Tree changed_tree(const Source& source, std::span<const kit::Edit> edits) {
+    const Progress progress("changing " + source.file);
+    pm::Tree tree = kit::copy(source.content.tree);
+    for (const kit::Edit& edit : edits) {
+        try {
+            kit::apply_edit(tree, edit);
+        } catch (const kit::Error& e) {
+            throw edit_failure(source.file, e, is_answer(tree, edit) ? exit_negative : exit_trouble);
+        }
+    }
+    return tree;
 }
 
 } // namespace
@@ -85,15 +106,11 @@ int EditedFile::change(std::span<const kit::Edit> edits) {
         edit.path = full(edit.path);
         if (!edit.target.empty()) edit.target = full(edit.target);
     }
+    const pm::Tree changed = changed_tree(m_source, placed);
     try {
-        std::optional<pm::Tree> changed;
-        {
-            const Progress progress("changing " + m_source.file);
-            changed = kit::applied(m_source.content.tree, placed);
-        }
-        return write(*changed);
+        return write(changed);
     } catch (const kit::Error& e) {
-        throw edit_failure(m_source.file, e);
+        throw edit_failure(m_source.file, e, exit_trouble);
     }
 }
 

@@ -46,7 +46,7 @@ int apply(const ApplyOptions& options) {
 
 constexpr Verb verb = {
     "apply", "change", "apply a script of changes, all or nothing",
-    R"(Makes the changes of a script, one after the other, and writes the file once; if one of them can't be made, nothing is written. "diff --script" prints such scripts. A line is one of
+    R"(Makes the changes of a script, one after the other, and writes the file once; if one of them can't be made, nothing is written; exit code 1 if nothing has its path. "diff --script" prints such scripts. A line is one of
 
   set PATH TYPE VALUE     set \media\copies long 2
   set PATH\               makes a node
