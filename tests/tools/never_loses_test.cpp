@@ -175,6 +175,8 @@ TEST_F(PmToolNeverLoses, MixedEncodingsAreToldByCheck) {
 TEST_F(PmToolNeverLoses, CutNodesAreMarked) {
     write("t.pia", "a{\n b{\n  c=1\n }\n}\ne{\n f=1\n}\n");
     expect_output({"tree", "t.pia", "--depth", "1"}, "a\\\n  \xE2\x80\xA6\ne\\\n  f: long = 1\n");
+    expect_output({"tree", "t.pia", "--depth", "1", "--flat"}, "\\a\\\xE2\x80\xA6\n\\e\\f: long 1\n");
+    expect_output({"tree", "t.pia", "a", "--depth", "1", "--flat"}, "\\a\\b\\c: long 1\n");
 }
 
 TEST_F(PmToolNeverLoses, PropertyIsJsonToo) {

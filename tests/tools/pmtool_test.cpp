@@ -97,6 +97,10 @@ TEST_F(PmTool, CodePageIsTakenBeforeAndAfterTheCommand) {
 
 TEST_F(PmTool, CodePageThatTheMachineLacksIsTrouble) {
     expect_trouble({"tree", "a.pia", "--code-page", "12345"}, "12345: this machine has no such code page");
+    for (const std::string text : {"", "x", "-1"}) {
+        expect_trouble({"tree", "a.pia", "--code-page", text},
+                       "--code-page: \"" + text + "\" is no number from 0 on; see pmtool tree --help");
+    }
 }
 
 TEST_F(PmTool, GetPrintsBareValues) {

@@ -174,6 +174,10 @@ TEST_F(PmToolVerbs, ScriptOfOneNodeTurnsItIntoThatOfB) {
 TEST_F(PmToolVerbs, DiffPassesOverWhatIsExcludedOrWithinTheTolerance) {
     folder.write("b.pia",
                  "PIAFILEVERSION_2.0,\r\nn=1\nx{\n a=2\n b=\"t\n y{\n  c=2.5000001\n }\n}\nz{\n a=3\n}\n");
+    for (const std::string text : {"", "-1", "nan", "1x"}) {
+        expect_trouble({"diff", "a.pia", "b.pia", "--tolerance", text},
+                       "--tolerance: \"" + text + "\" is no number from 0 on; see pmtool diff --help");
+    }
     EXPECT_EQ(1, run({"diff", "a.pia", "b.pia", "--tolerance", "0.001"}).status);
     EXPECT_EQ(0, run({"diff", "a.pia", "b.pia", "--tolerance", "0.001", "--exclude", "x\\a"}).status);
 }

@@ -1,5 +1,6 @@
 #include "commands.h"
 
+#include "text.h"
 #include <algorithm>
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -28,6 +29,13 @@ bool is_option(const std::string& word, const std::vector<OptionWords>& options)
     return std::ranges::any_of(options, [&](const OptionWords& option) {
         return std::ranges::find(option.names, name) != option.names.end();
     });
+}
+
+// What the parser would take for a number: nothing at all for 0, a NaN, what is below 0.
+std::string number_mistake(const std::string& text) {
+    double number = 0;
+    const bool is_number = !text.empty() && CLI::detail::lexical_cast(text, number) && number >= 0;
+    return is_number ? std::string() : fmt::format("{} is no number from 0 on", in_quotes(text));
 }
 
 // A value such as -x was taken for an option.
@@ -169,13 +177,13 @@ VerbLine& VerbLine::number(const std::string& names, int& number, int lowest, in
 }
 
 VerbLine& VerbLine::number(const std::string& names, unsigned& number, const std::string& description) {
-    app_of(m_parser).add_option(names, number);
+    app_of(m_parser).add_option(names, number)->check(number_mistake);
     note(names, "N", description);
     return *this;
 }
 
 VerbLine& VerbLine::number(const std::string& names, double& number, const std::string& description) {
-    app_of(m_parser).add_option(names, number);
+    app_of(m_parser).add_option(names, number)->check(number_mistake);
     note(names, "N", description);
     return *this;
 }
@@ -192,7 +200,7 @@ Commands::Commands() : m_parser(std::make_unique<Parser>()) {
     CLI::App& app = m_parser->app;
     app.set_help_flag("-h,--help");
     app.add_flag("--version", m_parser->version);
-    app.add_option("--code-page", m_parser->code_page);
+    app.add_option("--code-page", m_parser->code_page)->check(number_mistake);
     app.require_subcommand(0, 1);           // a path may be called like a verb
     app.allow_windows_style_options(false); // a path may begin with "/"
     m_common = {{{"-h", "--help"}, "", "Tell about the program or a verb"},

@@ -18,6 +18,7 @@ namespace kit = pm::kit;
 
 constexpr int deepest_tree = 256;
 constexpr std::size_t indentation = 2;
+constexpr std::string_view cut_mark = "\xE2\x80\xA6";
 
 struct TreeOptions {
     SourceOptions source;
@@ -63,7 +64,7 @@ void print_tree(const Display& display, const pm::Node& top, int depth) {
         fmt::print("{:{}}{}\n", "", indent, display.ink(Ink::node, name_of(node.name16()) + '\\'));
         print_properties(display, node, indent + indentation);
         if (hides) {
-            fmt::print("{:{}}{}\n", "", indent + indentation, display.ink(Ink::cut, "\xE2\x80\xA6"));
+            fmt::print("{:{}}{}\n", "", indent + indentation, display.ink(Ink::cut, cut_mark));
         }
     }
 }
@@ -87,6 +88,7 @@ void print_flat(const pm::Node& top, int depth) {
         for (const pm::Property property : node.properties()) {
             print_flat_property(path, property);
         }
+        if (depth != 0 && level == depth && !node.children().empty()) fmt::print("{}{}\n", path, cut_mark);
     }
 }
 
