@@ -255,6 +255,19 @@ TEST_F(PmTool, IdentifySeesThroughBlankLinesAndCase) {
     expect_first_line("d", "d: doc (compound file): compound file signature\n");
 }
 
+TEST_F(PmTool, IdentifyReadsStandardInput) {
+    const ToolRun text = run_with_input({"identify", "-"}, std::string(small_file));
+    EXPECT_EQ(0, text.status) << text.err;
+    EXPECT_EQ("-: pia (property text, plain or compressed): first line \"PIAFILEVERSION_2.0,small\"\n"
+              "  version 2.0, plain, text in ASCII\n",
+              text.out);
+    const ToolRun json = run_with_input({"identify", "-", "--json"}, std::string(small_file));
+    EXPECT_NE(std::string::npos, json.out.find("\"tag\": \"small\"")) << json.out;
+    const ToolRun other = run_with_input({"identify", "-"}, "hello\n");
+    EXPECT_EQ(2, other.status);
+    EXPECT_TRUE(other.err.starts_with("pmtool: -: the content is of no known format")) << other.err;
+}
+
 TEST_F(PmTool, IdentifyGoesOnBehindAFileOfNoFormat) {
     folder.write("a.txt", "hello\n");
     folder.write("small.pia", small_file);

@@ -31,18 +31,6 @@ std::string shown_name(const std::string& file) {
     return file == "-" ? "standard input" : file;
 }
 
-// The content where it can't be read twice: of standard input, a pipe, a device.
-std::optional<std::string> content_at_hand(const std::string& file) {
-    try {
-        if (file != "-" && kind_of(file) != FileKind::special) return std::nullopt;
-        const Progress progress("reading " + shown_name(file));
-        if (file == "-") return read_standard_input();
-        return read_whole(file);
-    } catch (const std::system_error& e) {
-        throw system_failure(file == "-" ? "standard input" : file, e.code().value());
-    }
-}
-
 const Format& format_of_input(const SourceOptions& options, const std::optional<std::string>& content) {
     if (!options.from.empty()) return format_named(options.from);
     const std::string name = shown_name(options.file);
@@ -173,11 +161,22 @@ void set_code_page(unsigned code_page) {
     code_page_is_told = true;
 }
 
-Source read_source(const SourceOptions& options, Damage damage) {
-    return read_source(options, damage, content_at_hand(options.file));
+std::optional<std::string> content_at_hand(const std::string& file) {
+    try {
+        if (file != "-" && kind_of(file) != FileKind::special) return std::nullopt;
+        const Progress progress("reading " + shown_name(file));
+        if (file == "-") return read_standard_input();
+        return read_whole(file);
+    } catch (const std::system_error& e) {
+        throw system_failure(file == "-" ? "standard input" : file, e.code().value());
+    }
 }
 
-Source read_source(const SourceOptions& options, Damage damage, const std::optional<std::string>& content) {
+Source read_source(const SourceOptions& options, Damage damage) {
+    return read_source(options, content_at_hand(options.file), damage);
+}
+
+Source read_source(const SourceOptions& options, const std::optional<std::string>& content, Damage damage) {
     const Format& format = format_of_input(options, content);
     if (format.is_json()) return read_json(options, content);
     refuse_folder(options.file, format);

@@ -26,14 +26,18 @@ enum class Damage {
     keep    // it is noted in Source::dropped
 };
 
+// The content where it can't be read twice: of standard input, a pipe, a device.
+std::optional<std::string> content_at_hand(const std::string& file);
+
 // Reads a file of any format. Text outside ASCII that is UTF-8 throughout is read as UTF-8, unless a code
 // page was told.
 //
 // With `keep`, or with --keep-going, what can be read counts, even if reading ends early. Failure if nothing
 // can.
 Source read_source(const SourceOptions& options, Damage damage = Damage::refuse);
-// The same of content that was read already, if there is any.
-Source read_source(const SourceOptions& options, Damage damage, const std::optional<std::string>& content);
+// The same with the content that content_at_hand() gave.
+Source read_source(const SourceOptions& options, const std::optional<std::string>& content,
+                   Damage damage = Damage::refuse);
 
 // A file that holds one tree, for an output that can't hold several: Failure for one of several sections.
 Source read_one_tree(const SourceOptions& options, Damage damage = Damage::refuse);

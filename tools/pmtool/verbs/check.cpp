@@ -64,22 +64,11 @@ Json json_of(const kit::Diagnostic& diagnostic) {
     return row;
 }
 
-// Of what can't be read twice.
-std::optional<std::string> content_at_hand(const std::string& file) {
-    try {
-        if (file == "-") return read_standard_input();
-        if (kind_of(file) == FileKind::special) return read_whole(file);
-        return std::nullopt;
-    } catch (const std::system_error& e) {
-        throw system_failure(shown_name(file), e.code().value());
-    }
-}
-
 // `content` is what was read of it.
 std::vector<kit::Diagnostic> check_one(const std::string& file, const kit::CheckOptions& options,
                                        std::optional<std::string>& content) {
-    const Progress progress("checking " + shown_name(file));
     content = content_at_hand(file);
+    const Progress progress("checking " + shown_name(file));
     if (!content && kind_of(file) == FileKind::folder) return kit::check_file(file, options);
     const SignalDelay delay; // a compound file is looked at in a temporary one
     if (!content) return kit::check_file(file, options);

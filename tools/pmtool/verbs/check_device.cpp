@@ -226,7 +226,7 @@ int check_on_device(const DeviceCheck& check) {
 std::vector<kit::Finding> findings_of_defaults(const SourceOptions& options,
                                                const std::optional<std::string>& content) {
     try {
-        const Source source = read_source(options, Damage::keep, content);
+        const Source source = read_source(options, content, Damage::keep);
         if (!kit::find_description(source.content.tree)) return {};
         return kit::check_description(source.content.tree);
     } catch (const Failure&) { // the check of the file tells it

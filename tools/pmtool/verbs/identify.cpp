@@ -45,11 +45,19 @@ std::string encoding_name(const Source& source) {
     }
 }
 
-Details details_of(const std::string& file) {
+// A file, and what it holds where that can't be read twice.
+struct Input {
+    std::string file;
+    std::optional<std::string> content;
+
+    Identity identity() const { return content ? identify_content(file, *content) : identify(file); }
+};
+
+Details details_of(const Input& input) {
     try {
-        SourceOptions options{file};
+        SourceOptions options{input.file};
         options.keep_going = true;
-        const Source source = read_source(options);
+        const Source source = read_source(options, input.content);
         Details details{.text = encoding_name(source), .sections = source.content.sections};
         if (source.content.version != 0) details.version = fmt::format("{}.0", source.content.version);
         if (source.content.type == PM_Object::FILE_PIA) {
@@ -77,10 +85,10 @@ std::string details_text(const Details& details) {
     return fmt::format("{}", fmt::join(parts, ", "));
 }
 
-Json json_of(const std::string& file, const Identity& identity) {
-    const Details details = details_of(file);
+Json json_of(const Input& input, const Identity& identity) {
+    const Details details = details_of(input);
     Json row = Json::object();
-    row.text("file", file).text("format", identity.format->name).text("title", identity.format->title);
+    row.text("file", input.file).text("format", identity.format->name).text("title", identity.format->title);
     row.text("evidence", identity.evidence);
     if (!details.version.empty()) row.text("version", details.version);
     if (details.compressed) row.truth("compressed", *details.compressed).text("tag", details.tag);
@@ -95,10 +103,10 @@ Json json_of(const std::string& file, const Identity& identity) {
     return row;
 }
 
-void print(const std::string& file, const Identity& identity) {
-    fmt::print("{}: {} ({}): {}\n", kit::printable_text(file), identity.format->name, identity.format->title,
-               identity.evidence);
-    const std::string text = details_text(details_of(file));
+void print(const Input& input, const Identity& identity) {
+    fmt::print("{}: {} ({}): {}\n", kit::printable_text(input.file), identity.format->name,
+               identity.format->title, identity.evidence);
+    const std::string text = details_text(details_of(input));
     if (!text.empty()) fmt::print("  {}\n", text);
 }
 
@@ -107,11 +115,12 @@ int identify_files(const IdentifyOptions& options) {
     Json list = Json::array();
     for (const std::string& file : options.files) {
         try {
-            const Identity identity = identify(file);
+            const Input input{file, content_at_hand(file)};
+            const Identity identity = input.identity();
             if (options.json) {
-                list.append(json_of(file, identity));
+                list.append(json_of(input, identity));
             } else {
-                print(file, identity);
+                print(input, identity);
             }
         } catch (const Failure& e) {
             std::fflush(stdout);
@@ -134,7 +143,7 @@ pmtool identify plotter.pia --json | jq -r '.[].format')"};
 void add_identify(Commands& commands) {
     const auto options = std::make_shared<IdentifyOptions>();
     VerbLine line = commands.add(verb, [options] { return identify_files(*options); });
-    line.arguments("FILE", options->files, "The files");
+    line.arguments("FILE", options->files, "The files; \"-\" is standard input");
     line.flag("--json", options->json, "An array of objects");
 }
 
