@@ -56,6 +56,12 @@ TEST_F(PmToolLosesNothingHere, StandardOutputThatIsFullIsTrouble) {
     const ToolRun full = run({"tree", "p.pia"}, {.output = "/dev/full"});
     EXPECT_EQ(2, full.status);
     EXPECT_EQ("pmtool: standard output: There is no space left on the disk (error 65)\n", full.err);
+    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+             {"completion", "zsh"}, {"check", "--rules"}, {"help", "--man"}}) {
+        const ToolRun result = run(words, {.output = "/dev/full"});
+        EXPECT_EQ(2, result.status) << words.front();
+        EXPECT_EQ("pmtool: standard output: There is no space left on the disk (error 65)\n", result.err);
+    }
 }
 
 TEST_F(PmToolLosesNothingHere, StandardErrorThatCannotBeWrittenChangesNoAnswer) {

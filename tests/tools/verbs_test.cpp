@@ -110,6 +110,16 @@ TEST_F(PmToolVerbs, ScriptIsAppliedAsAWholeOrNotAtAll) {
     EXPECT_EQ(before, folder.read("a.pia"));
 }
 
+TEST_F(PmToolVerbs, MessageOfALongWordLeavesItsMiddleOut) {
+    folder.write("script", "set \\a long " + std::string(1 << 20, '\1') + "\n");
+    const ToolRun result = run({"apply", "a.pia", "script"});
+    EXPECT_EQ(2, result.status);
+    EXPECT_GT(std::size_t{1} << 16, result.err.size());
+    EXPECT_TRUE(result.err.starts_with("pmtool: script:1:13: \"")) << result.err.substr(0, 80);
+    EXPECT_TRUE(result.err.ends_with("which long asks for\n")) << result.err.substr(result.err.size() - 80);
+    EXPECT_NE(std::string::npos, result.err.find(" ... "));
+}
+
 TEST_F(PmToolVerbs, ScriptOfADifferenceTurnsOneTreeIntoTheOther) {
     for (std::size_t i = 1; i + 1 < samples.size(); ++i) {
         ASSERT_EQ(0, run({"dump", samples[i], "-o", "first.json"}).status) << samples[i];

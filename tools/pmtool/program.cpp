@@ -15,6 +15,7 @@
 #include <new>
 #include <pm/kit/error.h>
 #include <pm/pm.h>
+#include <system_error>
 
 namespace pmtool {
 
@@ -93,6 +94,10 @@ int guarded(const std::string& verb, const std::function<int()>& action) {
         return trouble(number_text(e.m_number));
     } catch (const std::bad_alloc&) {
         return trouble("there is not enough memory");
+    } catch (const std::system_error& e) {
+        // What was printed and filled the stream; failures of files have been made ones that name them.
+        const int code = e.code().value();
+        return trouble(std::ferror(stdout) != 0 ? system_failure("standard output", code).what() : e.what());
     } catch (const std::exception& e) {
         return trouble(e.what());
     }

@@ -31,6 +31,22 @@ char lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
+// Where a character begins, from `at` on.
+std::size_t next_character(std::string_view text, std::size_t at) {
+    while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80) {
+        ++at;
+    }
+    return at;
+}
+
+// Two values of the greatest length fit.
+std::string shortened(std::string_view line) {
+    constexpr std::size_t longest = std::size_t{32} << 10;
+    if (line.size() <= longest) return std::string(line);
+    const std::string_view end = line.substr(next_character(line, line.size() - longest / 4));
+    return fmt::format("{} ... {}", line.substr(0, next_character(line, longest / 2)), end);
+}
+
 } // namespace
 
 std::string shown(std::u16string_view text) {
@@ -63,7 +79,7 @@ std::string printable_lines(std::string_view text) {
 }
 
 void complain(std::string_view line) try {
-    print_error(fmt::format("pmtool: {}\n", pm::kit::printable_text(line)));
+    print_error(fmt::format("pmtool: {}\n", pm::kit::printable_text(shortened(line))));
 } catch (const std::bad_alloc&) {
     std::fputs("pmtool: there is not enough memory\n", stderr);
 }

@@ -14,7 +14,8 @@ std::string printable(std::string_view text);
 // The same line by line, with what ends the lines.
 std::string printable_lines(std::string_view text);
 
-// A line on standard error, behind the program's name. A file's name can't make it more than that.
+// A line on standard error, behind the program's name. A file's name can't make it more than that; of one
+// that no screen would hold the middle is left out.
 void complain(std::string_view line);
 
 // To standard error, as it is. What that doesn't take can't be told anywhere else, and ends no work.
