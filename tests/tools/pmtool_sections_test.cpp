@@ -138,7 +138,7 @@ TEST_F(PmToolSections, BundleThatCannotBeWrittenLeavesNothing) {
     expect_trouble({"bundle", "-o", "t.dpia", "A=no.pia"}, "no.pia: The file doesn't exist (error 63)");
     expect_trouble(
         {"bundle", "-o", "t.dpia", "A=s.dpia"},
-        "s.dpia: a dpia file holds several trees; choose one with --section (Office, Workshop, Archive)");
+        "s.dpia: a dpia file holds several trees; choose one with FILE#SECTION (Office, Workshop, Archive)");
     EXPECT_EQ((std::vector<std::string>{"a.pia", "b.pia", "s.dpia"}), file_names());
 }
 

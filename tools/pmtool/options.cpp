@@ -33,12 +33,16 @@ void add_source(VerbLine& line, SourceOptions& options) {
     add_keep_going(line, options);
 }
 
-void add_writing(VerbLine& line, TargetOptions& options) {
-    line.flag("--utf8", options.utf8, "Write text outside ASCII as UTF-8 (pia)");
+void add_saving(VerbLine& line, TargetOptions& options) {
     line.flag("--lossy", options.lossy, "Write even if something is lost; the losses are listed");
     line.flag("--dry-run", options.dry_run, "Write nothing; show what would change");
     line.text_or("--backup", options.backup, usual_backup_suffix, "SUFFIX",
                  "Keep the old file under its name and SUFFIX, \"~\" if none is told");
+}
+
+void add_writing(VerbLine& line, TargetOptions& options) {
+    line.flag("--utf8", options.utf8, "Write text outside ASCII as UTF-8 (pia)");
+    add_saving(line, options);
 }
 
 void add_form(VerbLine& line, TargetOptions& options) {

@@ -37,7 +37,9 @@ void add_from(VerbLine& line, SourceOptions& options);
 void add_keep_going(VerbLine& line, SourceOptions& options);
 // FILE, --from, --section, --keep-going
 void add_source(VerbLine& line, SourceOptions& options);
-// --utf8, --lossy, --dry-run, --backup
+// --lossy, --dry-run, --backup
+void add_saving(VerbLine& line, TargetOptions& options);
+// --utf8 and those
 void add_writing(VerbLine& line, TargetOptions& options);
 // --to, --compress, --tag, --out-code-page
 void add_form(VerbLine& line, TargetOptions& options);

@@ -229,7 +229,7 @@ std::vector<std::string> losses_of_reading(const Source& source) {
     return losses;
 }
 
-Source read_one_tree(const SourceOptions& options, Damage damage) {
+Source read_one_tree(const SourceOptions& options, Damage damage, std::string_view choice) {
     Source source = read_source(options, damage);
     if (!source.content.by_section) return source;
     const bool is_cfg = source.content.type == PM_Object::FILE_CFG;
@@ -239,7 +239,7 @@ Source read_one_tree(const SourceOptions& options, Damage damage) {
     }
     throw Failure(fmt::format("{}: {}; choose one with --section ({})", shown_name(options.file),
                               is_cfg ? "the file holds several plotters" : "a dpia file holds several trees",
-                              fmt::join(names, ", ")));
+                              choice, fmt::join(names, ", ")));
 }
 
 void tell_dropped(const Source& source) {

@@ -39,8 +39,9 @@ Source read_source(const SourceOptions& options, Damage damage = Damage::refuse)
 Source read_source(const SourceOptions& options, const std::optional<std::string>& content,
                    Damage damage = Damage::refuse);
 
-// A file that holds one tree, for an output that can't hold several: Failure for one of several sections.
-Source read_one_tree(const SourceOptions& options, Damage damage = Damage::refuse);
+// A file that holds one tree, for an output that can't hold several: Failure for one of several sections,
+// which says that `choice` chooses one.
+Source read_one_tree(const SourceOptions& options, Damage damage = Damage::refuse, std::string_view choice = "--section");
 
 // All that the file holds and the tree doesn't, a line each: what was dropped, and what the library passes
 // over without a word, such as a repeated name or the end of a text that is too long.

@@ -128,7 +128,7 @@ private:
     }
 
     void fill(const kit::Section& section, const std::string& file) {
-        const Source member = read_one_tree(member_of(file));
+        const Source member = read_one_tree(member_of(file), Damage::refuse, "FILE#SECTION");
         kit::copy(member.content.tree.root(), m_source.content.tree, '\\' + section.node);
         std::ranges::move(losses_of_reading(member), std::back_inserter(m_losses));
     }
@@ -206,7 +206,7 @@ void add_bundle(Commands& commands) {
     line.texts("--replace", options->replaced, "NAME=FILE", "Replace the content of a section");
     line.texts("--remove", options->removed, "NAME", "Remove a section");
     line.texts("--info", options->infos, "NAME=TEXT", "Info text of a section");
-    add_writing(line, options->target);
+    add_saving(line, options->target);
 }
 
 } // namespace pmtool
