@@ -302,6 +302,61 @@ TEST_F(PmToolNeverLoses, EveryVerbThatWritesRefusesWhatReadingLost) {
     }
 }
 
+TEST_F(PmToolNeverLoses, LossyReadsOnBehindBadLines) {
+    copy_sample("sections.dpia", "s.dpia");
+    const std::vector<std::pair<std::string, std::vector<std::string>>> verbs = {
+        {"o.pia", {"convert", "a.pia", "o.pia"}},
+        {"o.dpia", {"convert", "a.pia", "o.dpia"}},
+        {"o.pia", {"merge", "a.pia", "a.pia", "a.pia", "-o", "o.pia"}},
+        {"o.pia", {"merge", "p.pia", "a.pia", "p.pia", "-o", "o.pia"}},
+        {"o.pia", {"merge", "a.pia", "b.pia", "b.pia", "-o", "o.pia"}},
+        {"o.dpia", {"bundle", "-o", "o.dpia", "A=a.pia"}},
+        {"o.dpia", {"bundle", "s.dpia", "--replace", "Office=a.pia", "-o", "o.dpia"}}};
+    write("a.pia", "a=1\nb=1.x\nfoo=yes\nd=4\n");
+    write("b.pia", "a=1\nd=4\n");
+    for (auto [target, words] : verbs) {
+        const std::string line = "a.pia:3: The line isn't valid (error 57): b=1.x";
+        const std::string other = "a.pia:4: The value is of no known type (error 88): foo=yes";
+        expect_trouble(words, line + "; all bad lines are listed by: pmtool check");
+        EXPECT_FALSE(std::filesystem::exists(folder / target));
+        words.emplace_back("--lossy");
+        const ToolRun written = run(words);
+        EXPECT_EQ(0, written.status) << words.front() << written.err;
+        const std::string warning = "pmtool: " + target + ": warning: not read: ";
+        EXPECT_EQ(warning + line + '\n' + warning + other + '\n', written.err) << words.front();
+        const std::string flat = run({"tree", target, "--flat"}).out;
+        EXPECT_NE(std::string::npos, flat.find("\\d: long 4\n")) << flat;
+        std::filesystem::remove(folder / target);
+    }
+}
+
+TEST_F(PmToolNeverLoses, LossyReadsOnBehindABadLineOfASection) {
+    folder.write("t.cfg", "[PlotDriver#2]\nType=x\nfoo\n\n[PlotDriver#1]\nType=7\n");
+    EXPECT_EQ(2, run({"extract", "t.cfg", "1", "-o", "o.pia"}).status);
+    const ToolRun written = run({"extract", "t.cfg", "1", "-o", "o.pia", "--lossy"});
+    EXPECT_EQ(0, written.status) << written.err;
+    EXPECT_EQ(0U, written.err.find("pmtool: o.pia: warning: not read: t.cfg:3: ")) << written.err;
+    expect_output({"get", "o.pia", "PlotDriver\\Type"}, "7\n");
+}
+
+TEST_F(PmToolNeverLoses, KeepGoingIsForVerbsThatListWhatTheyDrop) {
+    write("a.pia", "a=1\nb=1.x\n");
+    folder.write("script", "set \\a long 2\n");
+    const std::vector<std::vector<std::string>> edits = {
+        {"set", "a.pia", "a", "2"}, {"rm", "a.pia", "a"},         {"mv", "a.pia", "a", "c"},
+        {"cp", "a.pia", "a", "c"},  {"apply", "a.pia", "script"}, {"edit", "a.pia"}};
+    for (std::vector<std::string> words : edits) {
+        EXPECT_EQ(std::string::npos, run({words.front(), "--help"}).out.find("--keep-going"))
+            << words.front();
+    }
+    for (const std::string verb : {"tree", "ls", "get", "dump", "diff", "convert", "extract"}) {
+        EXPECT_NE(std::string::npos, run({verb, "--help"}).out.find("--keep-going")) << verb;
+    }
+    const ToolRun result = run({"convert", "a.pia", "o.pia", "--keep-going"});
+    EXPECT_EQ(0, result.status);
+    EXPECT_EQ("pmtool: dropped: a.pia:3: The line isn't valid (error 57): b=1.x\n", result.err);
+}
+
 TEST_F(PmToolNeverLoses, EveryVerbThatWritesRefusesWhatTheFormatLoses) {
     write("a.pia", "a=1\n");
     write("w.pia", "t=\"B\xC3\xBCro \xD0\x96\n"); // UTF-8

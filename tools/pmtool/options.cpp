@@ -24,12 +24,16 @@ void add_keep_going(VerbLine& line, SourceOptions& options) {
               "Read on behind what can't be read, and list what was dropped");
 }
 
-void add_source(VerbLine& line, SourceOptions& options) {
+void add_edited(VerbLine& line, SourceOptions& options) {
     add_file_argument(line, options);
     add_from(line, options);
     line.text("--section", options.section, "NAME",
               "One section of a dpia file, by name, or plotter of a cfg file, by number")
         .not_empty();
+}
+
+void add_source(VerbLine& line, SourceOptions& options) {
+    add_edited(line, options);
     add_keep_going(line, options);
 }
 

@@ -35,7 +35,9 @@ void add_file_argument(VerbLine& line, SourceOptions& options);
 void add_from(VerbLine& line, SourceOptions& options);
 // --keep-going
 void add_keep_going(VerbLine& line, SourceOptions& options);
-// FILE, --from, --section, --keep-going
+// FILE, --from, --section: of a verb that writes what it reads, to which bad lines are losses
+void add_edited(VerbLine& line, SourceOptions& options);
+// Those and --keep-going
 void add_source(VerbLine& line, SourceOptions& options);
 // --lossy, --dry-run, --backup
 void add_saving(VerbLine& line, TargetOptions& options);

@@ -229,6 +229,15 @@ std::vector<std::string> losses_of_reading(const Source& source) {
     return losses;
 }
 
+std::vector<std::string> losses_unless_told(const SourceOptions& options, const Source& source) {
+    std::vector<std::string> losses = losses_of_reading(source);
+    if (!options.keep_going) return losses;
+    for (const std::string& line : losses) {
+        complain("dropped: " + line);
+    }
+    return {};
+}
+
 Source read_one_tree(const SourceOptions& options, Damage damage, std::string_view choice) {
     Source source = read_source(options, damage);
     if (!source.content.by_section) return source;
@@ -237,7 +246,7 @@ Source read_one_tree(const SourceOptions& options, Damage damage, std::string_vi
     for (const kit::Section& section : source.content.sections) {
         names.push_back(section.name);
     }
-    throw Failure(fmt::format("{}: {}; choose one with --section ({})", shown_name(options.file),
+    throw Failure(fmt::format("{}: {}; choose one with {} ({})", shown_name(options.file),
                               is_cfg ? "the file holds several plotters" : "a dpia file holds several trees",
                               choice, fmt::join(names, ", ")));
 }

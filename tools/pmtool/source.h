@@ -41,11 +41,15 @@ Source read_source(const SourceOptions& options, const std::optional<std::string
 
 // A file that holds one tree, for an output that can't hold several: Failure for one of several sections,
 // which says that `choice` chooses one.
-Source read_one_tree(const SourceOptions& options, Damage damage = Damage::refuse, std::string_view choice = "--section");
+Source read_one_tree(const SourceOptions& options, Damage damage, std::string_view choice = "--section");
 
 // All that the file holds and the tree doesn't, a line each: what was dropped, and what the library passes
 // over without a word, such as a repeated name or the end of a text that is too long.
 std::vector<std::string> losses_of_reading(const Source& source);
+
+// The same, but nothing with --keep-going: what couldn't be read was asked for then, so that it is told and
+// keeps nothing from being written.
+std::vector<std::string> losses_unless_told(const SourceOptions& options, const Source& source);
 
 // Tells on standard error what was dropped.
 void tell_dropped(const Source& source);

@@ -140,6 +140,10 @@ std::string end_of_links(const std::string& file) {
 
 } // namespace
 
+Damage damage_by(const TargetOptions& options) {
+    return options.lossy ? Damage::keep : Damage::refuse;
+}
+
 TargetLock::TargetLock(const TargetOptions& target, std::initializer_list<SourceOptions*> sources) {
     if (target.dry_run || target.file == "-") return;
     for (SourceOptions* source : sources) {

@@ -25,6 +25,10 @@ struct Writing {
     const pm::kit::FileContent* rewritten = nullptr;
 };
 
+// With --lossy bad lines are losses that are told; without it the first of them ends a verb that makes a new
+// file.
+Damage damage_by(const TargetOptions& options);
+
 // Keeps other edits of a target that is there away from before the sources are read until it is written, so
 // that none is lost. A source that is the target is read as what is changed in place. Nothing with --dry-run.
 class TargetLock {

@@ -62,7 +62,7 @@ Empty lines and those that begin with "#" don't count. A string stands in double
 void add_apply(Commands& commands) {
     const auto options = std::make_shared<ApplyOptions>();
     VerbLine line = commands.add(verb, [options] { return apply(*options); });
-    add_source(line, options->source);
+    add_edited(line, options->source);
     line.argument("SCRIPT", options->script, "The file with the changes; \"-\" is standard input");
     add_other_output(line, options->target);
     add_writing(line, options->target);

@@ -61,8 +61,8 @@ void require_ascii(const kit::Section& section) {
 // The sections that are being put together, and their trees below a node each.
 class Bundle {
 public:
-    explicit Bundle(Source source, std::vector<std::string> losses = {})
-        : m_source(std::move(source)), m_losses(std::move(losses)) {}
+    Bundle(Source source, Damage damage, std::vector<std::string> losses = {})
+        : m_source(std::move(source)), m_damage(damage), m_losses(std::move(losses)) {}
 
     void add(const std::string& text) {
         const auto [name, file] = split_at_equals(text, "NAME=FILE");
@@ -128,12 +128,13 @@ private:
     }
 
     void fill(const kit::Section& section, const std::string& file) {
-        const Source member = read_one_tree(member_of(file), Damage::refuse, "FILE#SECTION");
+        const Source member = read_one_tree(member_of(file), m_damage, "FILE#SECTION");
         kit::copy(member.content.tree.root(), m_source.content.tree, '\\' + section.node);
         std::ranges::move(losses_of_reading(member), std::back_inserter(m_losses));
     }
 
     Source m_source;
+    Damage m_damage;                   // of members
     std::vector<std::string> m_losses; // what the members couldn't give
 };
 
@@ -156,7 +157,7 @@ int make(const BundleOptions& options) {
     const TargetLock lock(options.target, {}); // a member may be a section of it
     Source empty{options.target.file};
     empty.content.type = PM_Object::FILE_DPIA;
-    Bundle bundle(std::move(empty));
+    Bundle bundle(std::move(empty), damage_by(options.target));
     std::ranges::for_each(options.words, [&](const std::string& word) { bundle.add(word); });
     return write(bundle, options);
 }
@@ -175,7 +176,7 @@ int change(const BundleOptions& options) {
         throw Failure(fmt::format("{}: only a dpia file has sections to change", options.words.front()));
     }
     std::vector<std::string> losses = losses_of_reading(source);
-    Bundle bundle(std::move(source), std::move(losses));
+    Bundle bundle(std::move(source), damage_by(rest.target), std::move(losses));
     std::ranges::for_each(options.removed, [&](const std::string& name) { bundle.remove(name); });
     std::ranges::for_each(options.replaced, [&](const std::string& part) { bundle.replace(part); });
     std::ranges::for_each(options.added, [&](const std::string& part) { bundle.add(part); });

@@ -13,7 +13,6 @@
 #include <memory>
 #include <pm/kit/check.h>
 #include <pm/kit/stored.h>
-#include <system_error>
 
 namespace pmtool {
 

@@ -60,15 +60,6 @@ kit::Section section_of(const ConvertOptions& options, const Source& source) {
     return {found->name, found->info, node_name(found->name)};
 }
 
-// With --keep-going what couldn't be read was asked for: it is told and keeps nothing from being written.
-std::vector<std::string> losses_of(const ConvertOptions& options, const Source& source) {
-    if (!options.source.keep_going) return losses_of_reading(source);
-    for (const std::string& line : losses_of_reading(source)) {
-        complain("dropped: " + line);
-    }
-    return {};
-}
-
 // A DPIA file has a section for each of the input's, or one for all of it.
 int convert_to_dpia(const ConvertOptions& options, const Source& source, const Format& format,
                     const std::vector<std::string>& losses) {
@@ -92,8 +83,9 @@ int convert(ConvertOptions options) {
     const Format& format = format_of_output(options.target.file, options.target.to);
     const bool takes_all = format.is(PM_Object::FILE_DPIA) || format.is_json() || !is_whole(options);
     const TargetLock lock(options.target, {&options.source});
-    const Source source = takes_all ? read_source(options.source) : read_one_tree(options.source);
-    const std::vector<std::string> losses = losses_of(options, source);
+    const Source source = takes_all ? read_source(options.source, damage_by(options.target))
+                                    : read_one_tree(options.source, damage_by(options.target));
+    const std::vector<std::string> losses = losses_unless_told(options.source, source);
     if (format.is(PM_Object::FILE_DPIA)) return convert_to_dpia(options, source, format, losses);
     const pm::Tree tree = placed(options, source);
     return write_by_rule({tree, format, form_of(format, options.target, source), losses}, options.target);

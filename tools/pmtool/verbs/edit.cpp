@@ -141,7 +141,7 @@ EDITOR='code --wait' pmtool edit all.dpia --section Office)"};
 void add_edit(Commands& commands) {
     const auto options = std::make_shared<EditOptions>();
     VerbLine line = commands.add(verb, [options] { return edit(*options); });
-    add_source(line, options->source);
+    add_edited(line, options->source);
     add_other_output(line, options->target);
     add_writing(line, options->target);
 }

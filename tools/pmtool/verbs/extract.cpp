@@ -20,10 +20,8 @@ int extract(ExtractOptions options) {
         throw Failure(fmt::format("{}: a section is written as pia, doc or json", options.target.file));
     }
     const TargetLock lock(options.target, {&options.source});
-    const Source source = read_source(options.source);
-    tell_dropped(source);
-    std::vector<std::string> losses;
-    if (!options.source.keep_going) losses = losses_of_reading(source);
+    const Source source = read_source(options.source, damage_by(options.target));
+    const std::vector<std::string> losses = losses_unless_told(options.source, source);
     return write_by_rule({source.content.tree, format, form_of(format, options.target, source), losses},
                          options.target);
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <fmt/format.h>
+#include <iterator>
 #include <memory>
 #include <pm/kit/merge.h>
 
@@ -43,26 +44,31 @@ const Format& format_for(const MergeOptions& options, const Source& first) {
     return format;
 }
 
-// What the sources of the merged tree couldn't give.
-std::vector<std::string> losses_of(const Source& first, const Source& second) {
-    std::vector<std::string> losses = losses_of_reading(first);
-    const std::vector<std::string> more = losses_of_reading(second);
-    losses.insert(losses.end(), more.begin(), more.end());
+// What the sources of the merged tree couldn't give; what the base couldn't give looks like a change of
+// theirs.
+std::vector<std::string> losses_of(const Source& base, const Source& first, const Source& second) {
+    std::vector<std::string> losses;
+    for (const std::vector<std::string>& more :
+         {base.dropped, losses_of_reading(first), losses_of_reading(second)}) {
+        std::ranges::copy_if(more, std::back_inserter(losses), [&](const std::string& line) {
+            return std::ranges::find(losses, line) == losses.end();
+        });
+    }
     return losses;
 }
 
 int merge(MergeOptions options) {
     require_one_input(options);
     const TargetLock lock(options.target, {&options.base, &options.first, &options.second});
-    const Source base = read_source(options.base);
-    const Source first = read_source(options.first);
-    const Source second = read_source(options.second);
+    const Source base = read_source(options.base, damage_by(options.target));
+    const Source first = read_source(options.first, damage_by(options.target));
+    const Source second = read_source(options.second, damage_by(options.target));
     kit::Merged merged = kit::merge(base.content.tree, first.content.tree, second.content.tree);
     const Format& format = format_for(options, first);
     const bool is_same = !first.is_json && format.is(first.content.type);
     Writing writing{merged.tree, format,
                     is_same ? same_form(first, options.target) : form_of(format, options.target, first),
-                    losses_of(first, second)};
+                    losses_of(base, first, second)};
     for (const kit::Section& section : second.content.sections) {
         const auto same = [&](const kit::Section& each) { return each.node == section.node; };
         if (std::ranges::none_of(writing.form.sections, same)) writing.form.sections.push_back(section);

@@ -26,7 +26,7 @@ int relocate(kit::Edit::Verb verb, const Options& options) {
 void add(Commands& commands, const Verb& verb, kit::Edit::Verb edit) {
     const auto options = std::make_shared<Options>();
     VerbLine line = commands.add(verb, [options, edit] { return relocate(edit, *options); });
-    add_source(line, options->source);
+    add_edited(line, options->source);
     line.argument("FROM", options->from, "A path or pattern").utf8();
     line.argument("TO", options->to, "The new path, or a node with a backslash behind it").utf8();
     add_other_output(line, options->target);

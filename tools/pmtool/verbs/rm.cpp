@@ -80,7 +80,7 @@ pmtool rm plotter.pia '\media\size\' --dry-run    see what would go)"};
 void add_rm(Commands& commands) {
     const auto options = std::make_shared<RmOptions>();
     VerbLine line = commands.add(verb, [options] { return remove(*options); });
-    add_source(line, options->source);
+    add_edited(line, options->source);
     line.arguments("PATH", options->paths, "Paths or patterns").utf8();
     add_other_output(line, options->target);
     add_writing(line, options->target);

@@ -66,7 +66,7 @@ pmtool set plotter.pia note --type string -- -5    a value that begins with "-")
 void add_set(Commands& commands) {
     const auto options = std::make_shared<SetOptions>();
     VerbLine line = commands.add(verb, [options] { return set_value(*options); });
-    add_source(line, options->source);
+    add_edited(line, options->source);
     line.argument("PATH", options->path, "The property, such as \\media\\copies").utf8();
     line.argument("VALUE", options->value, "The new value").utf8();
     line.text("--type", options->type, "TYPE", "Type of the value: " + type_names());
