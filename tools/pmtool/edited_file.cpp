@@ -52,17 +52,24 @@ Failure edit_failure(const std::string& file, const kit::Error& e, int exit_code
     return Failure(fmt::format("{}: line {} of the script: {}", file, e.line(), e.what()), exit_code);
 }
 
-pm::Tree changed_tree(const Source& source, std::span<const kit::Edit> edits) {
-    const Progress progress("changing " + source.file);
+// Of the first edit that can't be made: the tree is as those in front of it leave it.
+Failure failure_of(const Source& source, std::span<const kit::Edit> edits, const kit::Error& told) {
     pm::Tree tree = kit::copy(source.content.tree);
     for (const kit::Edit& edit : edits) {
         try {
             kit::apply_edit(tree, edit);
         } catch (const kit::Error& e) {
-            throw edit_failure(source.file, e, is_answer(tree, edit) ? exit_negative : exit_trouble);
+            return edit_failure(source.file, e, is_answer(tree, edit) ? exit_negative : exit_trouble);
         }
     }
-    return tree;
+    return edit_failure(source.file, told, exit_trouble);
+}
+
+pm::Tree changed_tree(const Source& source, std::span<const kit::Edit> edits) try {
+    const Progress progress("changing " + source.file);
+    return kit::applied(source.content.tree, edits);
+} catch (const kit::Error& e) {
+    throw failure_of(source, edits, e);
 }
 
 } // namespace
