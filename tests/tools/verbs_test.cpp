@@ -78,6 +78,8 @@ TEST_F(PmToolVerbs, RmTakesTheNodeOfAPropertysNameOnlyWhereNoPropertyHasIt) {
     expect_output({"rm", "b.pia", "x", "x", "y"}, "");
     EXPECT_EQ("\\x\\a: long 1\n\\z\\b: long 1\n\\z\\c: long 2\n", flat("b.pia"));
     expect_output({"rm", "b.pia", "x", "z\\c", "--dry-run"}, "- \\x\\\n- \\x\\a: long 1\n- \\z\\c: long 2\n");
+    expect_output({"rm", "b.pia", "x\\a", "**\\", "--dry-run"},
+                  run({"rm", "b.pia", "**\\", "--dry-run"}).out);
     EXPECT_EQ(2, run({"rm", "b.pia", "z", "\\"}).status);
     EXPECT_EQ(1, run({"rm", "b.pia", "z", "none"}).status);
     EXPECT_EQ("\\x\\a: long 1\n\\z\\b: long 1\n\\z\\c: long 2\n", flat("b.pia"));

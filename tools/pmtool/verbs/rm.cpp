@@ -29,10 +29,12 @@ std::vector<std::string> targets_of(const EditedFile& file, const std::string& p
     if (pattern.is_literal() && has_property) {
         std::erase_if(found, [](const kit::Match& match) { return !match.property; });
     }
-    std::vector<std::string> paths;
-    for (const kit::Match& match : found) {
-        paths.push_back(match.path);
+    // To a pattern the root isn't one of the things that go.
+    if (!pattern.is_literal()) {
+        std::erase_if(found, [](const kit::Match& match) { return match.path == "\\"; });
     }
+    std::vector<std::string> paths(found.size());
+    std::ranges::transform(found, paths.begin(), &kit::Match::path);
     return paths;
 }
 
