@@ -161,10 +161,10 @@ void set_code_page(unsigned code_page) {
     code_page_is_told = true;
 }
 
-std::optional<std::string> content_at_hand(const std::string& file) {
+std::optional<std::string> content_at_hand(const std::string& file, std::string_view work) {
     try {
         if (file != "-" && kind_of(file) != FileKind::special) return std::nullopt;
-        const Progress progress("reading " + shown_name(file));
+        const Progress progress(fmt::format("{} {}", work, shown_name(file)));
         if (file == "-") return read_standard_input();
         return read_whole(file);
     } catch (const std::system_error& e) {

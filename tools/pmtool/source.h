@@ -27,7 +27,8 @@ enum class Damage {
 };
 
 // The content where it can't be read twice: of standard input, a pipe, a device.
-std::optional<std::string> content_at_hand(const std::string& file);
+// Reading it may take long: it is shown as `work`.
+std::optional<std::string> content_at_hand(const std::string& file, std::string_view work = "reading");
 
 // Reads a file of any format. Text outside ASCII that is UTF-8 throughout is read as UTF-8, unless a code
 // page was told.

@@ -66,7 +66,7 @@ Json json_of(const kit::Diagnostic& diagnostic) {
 // `content` is what was read of it.
 std::vector<kit::Diagnostic> check_one(const std::string& file, const kit::CheckOptions& options,
                                        std::optional<std::string>& content) {
-    content = content_at_hand(file);
+    content = content_at_hand(file, "checking");
     const Progress progress("checking " + shown_name(file));
     if (!content && kind_of(file) == FileKind::folder) return kit::check_file(file, options);
     const SignalDelay delay; // a compound file is looked at in a temporary one
@@ -211,7 +211,7 @@ void add_check(Commands& commands) {
     VerbLine line = commands.add(verb, [options] { return check(*options); });
     line.optional_arguments("FILE", options->files, "Files and folders; \"-\" is standard input");
     line.text("--from", options->from, "FORMAT", "Format of the files, if the content doesn't tell it");
-    line.text("--section", options->check.section, "NAME", "One section, by name or number");
+    line.text("--section", options->check.section, "NAME", "One section, by name or number").not_empty();
     line.texts("--rule", options->check.rules, "RULE", "This rule only; may be repeated");
     line.texts("--without", options->check.without, "RULE", "Not this rule; may be repeated");
     line.flag("--strict", options->strict, "Notes count too");
