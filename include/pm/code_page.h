@@ -20,5 +20,11 @@
 // detail, if there is no memory for its first use; the setting then stays.
 PM_API void pm_set_system_code_page(unsigned code_page);
 
-// Never 0. Both functions may be called from any thread.
+// The same for what the calling thread does alone, in place of the system's; 0 ends that. Gives what the
+// thread had before, which is 0 or a number to set again. Throws as pm_set_system_code_page(), with its own
+// name as the place.
+PM_API unsigned pm_set_thread_code_page(unsigned code_page);
+
+// What counts for the calling thread: its own, or else the system's. Never 0. All these functions may be
+// called from any thread.
 PM_API unsigned pm_system_code_page();

@@ -405,7 +405,7 @@ PM9_API pm9_status pm9_plotters(const char* file, size_t file_length, size_t ite
 typedef struct pm9_read_options {
     size_t size;
     int32_t type;
-    uint32_t code_page;  // of narrow text while the file is read, for the whole process; 0: as it is set
+    uint32_t code_page;  // of narrow text while the file is read; 0: as it is set
     const char* section; // of a DPIA file by name, or a plotter of a CFG file by number; NULL: all of them
     size_t section_length;
     pm9_on_report on_report;
@@ -590,7 +590,7 @@ typedef struct pm9_write_options {
     size_t tag_length;
     const char* subtree;
     size_t subtree_length;
-    uint32_t code_page; // of narrow text, for the whole process while it is made; 0: as it is set
+    uint32_t code_page; // of narrow text; 0: as it is set
     uint32_t reserved;
     // Of a DPIA file: all of the subtree is this one section, with the info text of the section of that name
     // in the file that the tree was read from whole. NULL: a section for each node below the subtree. Since

@@ -382,12 +382,12 @@ FileContent read_stream(std::istream& stream, const Input& input) {
     return read_content(bytes_of(stream, input), input);
 }
 
-ScopedCodePage::ScopedCodePage(unsigned code_page) : m_before(code_page != 0 ? pm_system_code_page() : 0) {
-    if (code_page != 0) pm_set_system_code_page(code_page);
+ScopedCodePage::ScopedCodePage(unsigned code_page) {
+    if (code_page != 0) m_before = pm_set_thread_code_page(code_page);
 }
 
 ScopedCodePage::~ScopedCodePage() {
-    if (m_before != 0) pm_set_system_code_page(m_before);
+    if (m_before) pm_set_thread_code_page(*m_before);
 }
 
 } // namespace pm::kit

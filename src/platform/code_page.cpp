@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <atomic>
 #include <type_traits>
+#include <utility>
 
 namespace pm {
 
@@ -15,6 +16,7 @@ namespace {
 constexpr unsigned initial_code_page = 1252;
 
 std::atomic<unsigned> current_code_page{initial_code_page};
+thread_local constinit unsigned thread_code_page = default_code_page; // none of the thread's own
 
 class Utf8Page final : public CodePage {
 public:
@@ -85,7 +87,11 @@ bool code_page_known(unsigned number) {
 }
 
 unsigned system_code_page() {
-    return current_code_page;
+    return thread_code_page != default_code_page ? thread_code_page : current_code_page.load();
+}
+
+unsigned set_thread_code_page(unsigned number) noexcept {
+    return std::exchange(thread_code_page, number);
 }
 
 void set_system_code_page(unsigned number) {

@@ -45,9 +45,12 @@ private:
 const CodePage& code_page(unsigned number);
 
 bool code_page_known(unsigned number);
+// That of the calling thread if it has one, or else of the process.
 unsigned system_code_page();
 // `number` must be known; 0 sets the system's own, or 1252 if that isn't known here.
 void set_system_code_page(unsigned number);
+// `number` must be known; 0 is that of the process again. Gives what the thread had before.
+unsigned set_thread_code_page(unsigned number) noexcept;
 
 std::u16string to_wide(std::string_view narrow, unsigned code_page_number = default_code_page);
 std::string to_narrow(std::u16string_view wide, unsigned code_page_number = default_code_page);

@@ -11,6 +11,7 @@
 #include <pm/kit/difference.h>
 #include <pm/kit/file.h>
 #include <sstream>
+#include <thread>
 
 namespace pm::kit::test {
 namespace {
@@ -190,6 +191,21 @@ TEST(ReadContent, IsWhatTheFileIs) {
         std::istringstream stream(bytes);
         EXPECT_TRUE(identical(file.tree, read_stream(stream, {.file = "-"}).tree)) << name;
     }
+}
+
+TEST(ScopedCodePage, CountsForItsThreadAloneAsLongAsItLives) {
+    {
+        const ScopedCodePage utf8(65001);
+        EXPECT_EQ(65001U, pm_system_code_page());
+        std::thread([] { EXPECT_EQ(1252U, pm_system_code_page()); }).join();
+        {
+            const ScopedCodePage other(866);
+            const ScopedCodePage as_it_is(0);
+            EXPECT_EQ(866U, pm_system_code_page());
+        }
+        EXPECT_EQ(65001U, pm_system_code_page());
+    }
+    EXPECT_EQ(1252U, pm_system_code_page());
 }
 
 TEST(ReadStream, BeginsWhereTheStreamStands) {

@@ -252,6 +252,26 @@ TEST_F(SystemCodePage, UnknownNumberIsRefusedAndTheSettingStays) {
     }
 }
 
+TEST_F(SystemCodePage, ThreadMayHaveAnotherOfItsOwn) {
+    pm_set_system_code_page(866);
+    EXPECT_EQ(0U, pm_set_thread_code_page(65001));
+    EXPECT_EQ(65001U, pm_system_code_page());
+    EXPECT_EQ("\xD0\x90", to_narrow(u"\u0410"));
+    std::thread([] { EXPECT_EQ("\x80", to_narrow(u"\u0410")); }).join();
+    pm_set_system_code_page(1251);
+    EXPECT_EQ(65001U, pm_system_code_page());
+    EXPECT_EQ(65001U, pm_set_thread_code_page(437));
+    EXPECT_EQ(437U, pm_set_thread_code_page(0));
+    EXPECT_EQ(1251U, pm_system_code_page());
+}
+
+TEST_F(SystemCodePage, UnknownNumberForAThreadIsRefusedAndTheSettingStays) {
+    (void)pm_set_thread_code_page(866);
+    expect_thrown<PM_Error>([] { (void)pm_set_thread_code_page(12345); }, PM_ERR_INVALID_ARGUMENT,
+                            u"pm_set_thread_code_page()", u"12345");
+    EXPECT_EQ(866U, pm_set_thread_code_page(0));
+}
+
 TEST_F(SystemCodePage, EveryToldNumberIsTaken) {
     for (const unsigned number :
          {437U,   850U,   866U,   874U,   932U,   936U,   949U,   950U,   1250U,  1251U,

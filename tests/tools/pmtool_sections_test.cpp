@@ -69,6 +69,8 @@ TEST_F(PmToolSections, EmptyNameIsThatOfNoSection) {
                        "--section: this can't be empty; see pmtool tree --help");
         expect_trouble({"diff", file, file, "--section", ""},
                        "--section: this can't be empty; see pmtool diff --help");
+        expect_trouble({"check", file, "--section", ""},
+                       "--section: this can't be empty; see pmtool check --help");
         expect_trouble({"report", file, "--section", ""},
                        "--section: this can't be empty; see pmtool report --help");
     }

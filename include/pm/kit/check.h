@@ -41,7 +41,7 @@ struct CheckOptions {
     // The one section of a DPIA file, by name, or plotter of a CFG file, by number; all if empty.
     std::string section = {};
     // Of narrow text, with the meaning of code_page.h; 0 is the system's as it is set. Another one is set for
-    // the time of the check, for the whole process.
+    // the time of the check, for the calling thread alone.
     unsigned code_page = 0;
     // Names of rules: the only ones, all if empty, and those that are left out.
     std::vector<std::string> rules = {};
@@ -60,8 +60,7 @@ struct CheckOptions {
 // or PM_Severe number 64 for want of memory, and PM_Error number 78 for a code page that the machine can't
 // convert.
 //
-// Several threads may check at once, but a check of a DPIA file or a device description, and any that names a
-// code page, sets that of the process for its time: other threads then read narrow text by it.
+// Several threads may check at once.
 [[nodiscard]] PM_KIT_API std::vector<Diagnostic> check_file(std::string_view file,
                                                             const CheckOptions& options = {});
 

@@ -22,7 +22,7 @@ struct Input {
     // The one section of a DPIA file by name, or the plotter of a CFG file by number; empty: all of them.
     std::string section = {};
     // What narrow text is read as, 65001 for UTF-8; 0 leaves the page that is set. Another is set while the
-    // file is read (code_page.h: for the whole process).
+    // file is read, for the calling thread alone.
     unsigned code_page = 0;
     OnReport on_report = {}; // asked as by a load of tree.h
     // Whether a DOC file is opened as the library opens one: for this process alone and for writing too,
@@ -97,8 +97,8 @@ PM_KIT_API void read_content_into(FileContent& content, std::string_view bytes, 
 // Whether the library writes it.
 [[nodiscard]] PM_KIT_API bool is_written(PM_Object::FileType type) noexcept;
 
-// A code page that is set as long as this lives; 0 changes nothing. For the whole process. Throws as
-// pm_set_system_code_page().
+// A code page that is set for the calling thread as long as this lives; 0 changes nothing. Throws as
+// pm_set_thread_code_page().
 class PM_KIT_API ScopedCodePage {
 public:
     explicit ScopedCodePage(unsigned code_page);
@@ -107,7 +107,7 @@ public:
     ScopedCodePage& operator=(const ScopedCodePage&) = delete;
 
 private:
-    unsigned m_before;
+    std::optional<unsigned> m_before;
 };
 
 } // namespace pm::kit

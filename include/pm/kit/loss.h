@@ -69,7 +69,7 @@ struct Prepared {
 // Makes the bytes in memory and measures what they give back. What can't be written at all (a value too large
 // for DOC, raw data of no bytes, a name that no compound file takes) is left out and listed as lost.
 //
-// For the time of the call the code page is set for the whole process where one is asked for. Throws Error
+// For the time of the call the code page is set for the calling thread where one is asked for. Throws Error
 // for a type that isn't written, a subtree that isn't there and no place for a temporary file, which DOC
 // takes; the library's exceptions for what goes wrong otherwise.
 [[nodiscard]] PM_KIT_API Prepared prepare(const Tree& intended, const WriteOptions& options);
