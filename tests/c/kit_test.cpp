@@ -365,6 +365,15 @@ TEST(CPrepare, MakesOneSectionOfAllOfATree) {
                 ElementsAre("Root", " A", "  top=1", "  media", "   copies=2"));
 }
 
+// Of a preparation that is refused.
+pm9_status status_of(const pm9_tree* tree, const pm9_write_options& options) {
+    char* data = nullptr;
+    pm9_loss* losses = nullptr;
+    std::size_t length = 0;
+    std::size_t count = 0;
+    return pm9_prepare(tree, &options, &data, &length, sizeof *losses, &losses, &count, nullptr);
+}
+
 TEST(CPrepare, TellsANameOfASectionThatNoNodeHas) {
     const CTree tree = small_tree();
     pm9_write_options options{};
@@ -378,12 +387,7 @@ TEST(CPrepare, TellsANameOfASectionThatNoNodeHas) {
     EXPECT_THAT(prepared(tree.get(), &options).losses, ElementsAre("renamed \\section\\"));
     options.subtree = "\\no";
     options.subtree_length = PM9_Z;
-    char* data = nullptr;
-    pm9_loss* losses = nullptr;
-    std::size_t length = 0;
-    std::size_t count = 0;
-    EXPECT_EQ(pm9_prepare(tree.get(), &options, &data, &length, sizeof *losses, &losses, &count, nullptr),
-              PM9_BAD_INPUT);
+    EXPECT_EQ(status_of(tree.get(), options), PM9_BAD_INPUT);
 }
 
 TEST(CPrepare, KeepsTheInfoTextOfTheOneSectionThatWasRead) {
@@ -411,12 +415,7 @@ TEST(CPrepare, TakesTheStructOfTheFirstInterface) {
     EXPECT_NE(prepared(tree.get(), &options).bytes.find("media"), std::string::npos);
     EXPECT_EQ(prepared(tree.get(), &options).bytes.find("not read"), std::string::npos);
     options.size -= 1;
-    char* data = nullptr;
-    pm9_loss* losses = nullptr;
-    std::size_t length = 0;
-    std::size_t count = 0;
-    EXPECT_EQ(pm9_prepare(tree.get(), &options, &data, &length, sizeof *losses, &losses, &count, nullptr),
-              PM9_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(status_of(tree.get(), options), PM9_ERR_INVALID_ARGUMENT);
 }
 
 TEST(CPrepare, RefusesAFormatThatIsntWritten) {
@@ -424,12 +423,7 @@ TEST(CPrepare, RefusesAFormatThatIsntWritten) {
     pm9_write_options options{};
     options.size = sizeof options;
     options.type = PM9_FILE_PDT;
-    char* data = nullptr;
-    pm9_loss* losses = nullptr;
-    std::size_t length = 0;
-    std::size_t count = 0;
-    EXPECT_EQ(pm9_prepare(tree.get(), &options, &data, &length, sizeof *losses, &losses, &count, nullptr),
-              PM9_BAD_INPUT);
+    EXPECT_EQ(status_of(tree.get(), options), PM9_BAD_INPUT);
 }
 
 class CCompatibility : public testing::Test {
