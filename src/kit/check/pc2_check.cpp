@@ -59,10 +59,13 @@ private:
     void section_line(std::string_view text);
     void key_line(std::string_view text, std::size_t equals);
     void check_key(std::string_view written, const Pc2Keys::Key& key);
-    void check_value(std::string_view value, const Pc2Keys::Key& key);
-    void check_integer(std::string_view value, bool hexadecimal);
-    void check_number(std::string_view value);
-    void check_raw(std::string_view value);
+    void check_repeated(std::string_view written);
+    // Whether the value is one, and is stored.
+    [[nodiscard]] bool check_value(std::string_view value, const Pc2Keys::Key& key);
+    [[nodiscard]] bool check_integer(std::string_view value, bool hexadecimal);
+    void check_read_integer(std::string_view value, const IntegerText& number, bool hexadecimal);
+    [[nodiscard]] bool check_number(std::string_view value);
+    [[nodiscard]] bool check_raw(std::string_view value);
     [[nodiscard]] std::string quoted(std::string_view part) const { return m_source.quoted(part); }
     void say(Rule rule, std::string_view part, std::string message, std::uint32_t number = 0,
              std::optional<Severity> severity = {}) {
@@ -164,7 +167,7 @@ void KeyLines::key_line(std::string_view text, std::size_t equals) {
     check_key(written, *key);
     Pc2Keys::Key read = *key;
     read.hexadecimal = hexadecimal;
-    check_value(value, read);
+    if (check_value(value, read)) check_repeated(written);
 }
 
 void KeyLines::check_key(std::string_view written, const Pc2Keys::Key& key) {
@@ -175,6 +178,9 @@ void KeyLines::check_key(std::string_view written, const Pc2Keys::Key& key) {
         say(Rule::odd_name, written,
             fmt::format("{} isn't spelled \"{}\", and is another property.", quoted(written), key.name));
     }
+}
+
+void KeyLines::check_repeated(std::string_view written) {
     const auto [known, is_new] =
         m_set.try_emplace({m_plotter, m_written, std::string(written)}, m_line.number);
     if (is_new) return;
@@ -183,7 +189,7 @@ void KeyLines::check_key(std::string_view written, const Pc2Keys::Key& key) {
     known->second = m_line.number;
 }
 
-void KeyLines::check_value(std::string_view value, const Pc2Keys::Key& key) {
+bool KeyLines::check_value(std::string_view value, const Pc2Keys::Key& key) {
     switch (key.type) {
     case PROP_LONG:
         return check_integer(value, key.hexadecimal);
@@ -192,18 +198,24 @@ void KeyLines::check_value(std::string_view value, const Pc2Keys::Key& key) {
     case PROP_VOID:
         return check_raw(value);
     default:
-        return;
+        return true;
     }
 }
 
-void KeyLines::check_integer(std::string_view value, bool hexadecimal) {
+bool KeyLines::check_integer(std::string_view value, bool hexadecimal) {
     const IntegerText number =
         read_integer(value, Signs::both, hexadecimal ? Base::hexadecimal : Base::by_prefix);
     if (number.length == 0) {
-        return say(Rule::bad_line, value,
-                   fmt::format("{} is no {} number.", quoted(value), hexadecimal ? "hexadecimal" : "whole"),
-                   hexadecimal ? PM_ERR_NOT_HEXADECIMAL : PM_ERR_BAD_LINE);
+        say(Rule::bad_line, value,
+            fmt::format("{} is no {} number.", quoted(value), hexadecimal ? "hexadecimal" : "whole"),
+            hexadecimal ? PM_ERR_NOT_HEXADECIMAL : PM_ERR_BAD_LINE);
+        return false;
     }
+    check_read_integer(value, number, hexadecimal);
+    return true;
+}
+
+void KeyLines::check_read_integer(std::string_view value, const IntegerText& number, bool hexadecimal) {
     if (!skip(value.substr(number.length), " \t\r").empty()) {
         return say(Rule::partial_number, value, fmt::format("{} reads as {}.", quoted(value), number.value));
     }
@@ -217,13 +229,14 @@ void KeyLines::check_integer(std::string_view value, bool hexadecimal) {
         Severity::note);
 }
 
-void KeyLines::check_number(std::string_view value) {
+bool KeyLines::check_number(std::string_view value) {
     const std::optional<ExactForm> exact = exact_form(value);
-    if (exact && exact->bits_count) return;
+    if (exact && exact->bits_count) return true;
     const std::string_view text = exact ? exact->number : value;
     const DecimalText number = read_decimal(text, Signs::both);
     if (number.length == 0 || number.length != text.size()) {
-        return say(Rule::bad_line, value, fmt::format("{} is no number.", quoted(value)), PM_ERR_BAD_LINE);
+        say(Rule::bad_line, value, fmt::format("{} is no number.", quoted(value)), PM_ERR_BAD_LINE);
+        return false;
     }
     if (exact) {
         say(Rule::stale_bits, value.substr(text.size() + 1),
@@ -231,19 +244,21 @@ void KeyLines::check_number(std::string_view value) {
     }
     const std::optional<std::string> loss = decimal_loss(text, number.value);
     if (loss) say(Rule::lossy_value, value, fmt::format("{} {}.", quoted(text), *loss));
+    return true;
 }
 
-void KeyLines::check_raw(std::string_view value) {
+bool KeyLines::check_raw(std::string_view value) {
     const std::string_view text = unquoted(value);
     char* bytes = nullptr;
     unsigned size = 0;
     const std::u16string wide = m_source.narrow().decode(text);
     if (stringtobinary(wide.c_str(), &bytes, &size) != 0) {
         std::free(bytes);
-        return;
+        return true;
     }
     say(Rule::bad_line, value, fmt::format("{} is no raw data, or its check value is wrong.", quoted(value)),
         PM_ERR_BAD_LINE);
+    return false;
 }
 
 std::vector<std::uint64_t> lines_from(std::uint64_t first, std::uint64_t last) {

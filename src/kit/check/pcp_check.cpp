@@ -45,11 +45,33 @@ constexpr Keyword keywords[] = {
     {"PEN_WEIGHT", Takes::pen_weight, "a number with a point"},
 };
 
+bool is_of_pens(const Keyword& keyword) {
+    return keyword.takes == Takes::pen_number || keyword.takes == Takes::pen_integer ||
+           keyword.takes == Takes::pen_weight;
+}
+
 const Keyword* find_keyword(std::string_view name) {
     const auto* found = std::find_if(std::begin(keywords), std::end(keywords), [&](const Keyword& each) {
         return equals_ignoring_case(each.name, name);
     });
     return found != std::end(keywords) ? found : nullptr;
+}
+
+// Whether a line that was taken sets two numbers, and the node below the keyword that they have to
+// themselves.
+struct PairText {
+    bool is_one = false;
+    std::string_view node;
+};
+
+PairText pair_in(std::string_view text, std::string_view name) {
+    const std::string_view value = skip(text.substr(text.find('=')), " =\t");
+    if (equals_ignoring_case(name, "SIZE")) {
+        const std::size_t colon = value.find(':');
+        return colon == std::string_view::npos ? PairText{} : PairText{true, value.substr(0, colon)};
+    }
+    if (equals_ignoring_case(name, "SCALE")) return {!equals_ignoring_case(skip(value, "_ =\t"), "F"), {}};
+    return {equals_ignoring_case(name, "ORIGIN"), {}};
 }
 
 // A default block that a file leaves open stays with the thread that loads, so this one has a thread of its
@@ -82,9 +104,9 @@ private:
     void check_value(std::string_view text, std::string_view name, const Keyword& keyword);
     void check_plain(std::string_view value, const Keyword& keyword);
     void check_pen(std::string_view value, const Keyword& keyword);
-    void check_repeated(std::string_view name);
+    void check_repeated(std::string_view text, std::string_view name);
     [[nodiscard]] bool in_default() const { return !m_open.empty() && m_open.back().is_default; }
-    [[nodiscard]] std::string path_of(std::string_view name) const;
+    [[nodiscard]] std::string path_of(std::string_view name, const Keyword& keyword) const;
     [[nodiscard]] std::string quoted(std::string_view part) const { return m_source.quoted(part); }
     void say(Rule rule, std::string_view part, std::string message, std::uint32_t number = 0,
              std::optional<Severity> severity = {}) {
@@ -101,7 +123,8 @@ private:
     bool m_refused_any = false; // for want of the marker
     bool m_lost = false;        // nothing is left of the base
     std::vector<Block> m_open;
-    std::map<std::string, std::uint64_t> m_set;
+    std::map<std::string, std::uint64_t> m_properties; // the line of each that is set
+    std::map<std::string, std::uint64_t> m_pairs;      // of two numbers, by the node that holds them
 };
 
 void PcpLines::take_line(const LegacyLine& line) {
@@ -126,14 +149,14 @@ void PcpLines::keyword_line(std::string_view text) {
     if (m_refused.contains(m_line.number)) return check_refused(text, name, keyword);
     if (keyword == nullptr) return;
     if (keyword->takes == Takes::end) return end_block(text);
-    m_path = path_of(name);
+    m_path = path_of(name, *keyword);
     if (!equals) {
         return say(Rule::missing_equals, text,
                    "The line has no \"=\", and its value is looked for within the keyword.");
     }
     if (keyword->takes == Takes::begin) return begin_block(text);
-    check_repeated(name);
     check_value(text, name, *keyword);
+    check_repeated(text, name);
 }
 
 void PcpLines::check_refused(std::string_view text, std::string_view name, const Keyword* keyword) {
@@ -142,7 +165,7 @@ void PcpLines::check_refused(std::string_view text, std::string_view name, const
         return say(Rule::unknown_key, text, fmt::format("{} is no keyword and isn't read.", quoted(name)),
                    PM_ERR_BAD_LINE, Severity::error);
     }
-    m_path = path_of(name);
+    m_path = path_of(name, *keyword);
     if (m_lost) {
         return say(Rule::bad_line, text, "An END_COLOR in front closed nothing, and values have no place.",
                    PM_ERR_BAD_LINE);
@@ -182,9 +205,7 @@ void PcpLines::check_marker() {
 }
 
 void PcpLines::check_value(std::string_view text, std::string_view name, const Keyword& keyword) {
-    const bool pen = keyword.takes == Takes::pen_number || keyword.takes == Takes::pen_integer ||
-                     keyword.takes == Takes::pen_weight;
-    if (pen && in_default()) {
+    if (is_of_pens(keyword) && in_default()) {
         check_pen(skip(text.substr(text.find('=')), " =\t"), keyword);
     } else {
         check_plain(skip(text.substr(name.size()), " =_"), keyword);
@@ -226,18 +247,24 @@ void PcpLines::check_pen(std::string_view value, const Keyword& keyword) {
         fmt::format("{} reads as {} in the default block.", quoted(value), read));
 }
 
-void PcpLines::check_repeated(std::string_view name) {
-    const auto [known, is_new] = m_set.try_emplace(m_path, m_line.number);
+// A size and a scale are a text or two numbers, which stand beside each other; each size has a node of its
+// own.
+void PcpLines::check_repeated(std::string_view text, std::string_view name) {
+    const PairText pair = pair_in(text, name);
+    if (!pair.node.empty()) m_path += '\\' + m_source.utf8(pair.node);
+    const auto [known, is_new] = (pair.is_one ? m_pairs : m_properties).try_emplace(m_path, m_line.number);
     if (is_new) return;
     say(Rule::repeated_name, name,
         fmt::format("{} is set on line {} already, and that value is lost.", quoted(name), known->second));
     known->second = m_line.number;
 }
 
-std::string PcpLines::path_of(std::string_view name) const {
+// What has no meaning of its own in the default block lands beside it.
+std::string PcpLines::path_of(std::string_view name, const Keyword& keyword) const {
+    const bool is_of_default = is_of_pens(keyword) || keyword.takes == Takes::begin;
     std::string path;
     for (const Block& block : m_open) {
-        path += '\\' + block.name;
+        if (!block.is_default || is_of_default) path += '\\' + block.name;
     }
     return path + '\\' + m_source.utf8(name);
 }

@@ -254,6 +254,21 @@ TEST(Pc2Rows, NumbersAndTheirBits) {
     });
 }
 
+TEST(Pc2Rows, ValueThatIsNotReadLosesNone) {
+    expect_said({
+        {"repeated-name", "PC2 `[Plotter/User]` `PlotWidth=1.5` `PlotWidth=x`", {}},
+        {"repeated-name", "PC2 `[Plotter/User]` `PlotWidth=x` `PlotWidth=1.5`", {}},
+        {"repeated-name", "PC2 `[Plotter/Port]` `Link=x` `Link=1` `DCB=x` `DCB=1`", {}},
+        {"repeated-name",
+         "PC2 `[Plotter/User]` `PlotWidth=1.5` `PlotWidth=x` `PlotWidth=2.5` `View=a` `View=`  `View=b`",
+         {"5:1 \\Plotter/User\\PlotWidth: \"PlotWidth\" is set on line 3 already, and that value is lost.",
+          "8:1 \\Plotter/User\\View: \"View\" is set on line 6 already, and that value is lost."}},
+        {"repeated-name",
+         "PC2 `[Plotter/User]` `PlotWidth=0.5 (55555555U3_#T@)` `PlotWidth=2.5`",
+         {"4:1 \\Plotter/User\\PlotWidth: \"PlotWidth\" is set on line 3 already, and that value is lost."}},
+    });
+}
+
 TEST(CfgRows, SectionWithoutANameInFrontOfItsNumber) {
     expect_said({
         {"unknown-section",
@@ -263,6 +278,33 @@ TEST(CfgRows, SectionWithoutANameInFrontOfItsNumber) {
 }
 
 // --- PCP files
+
+TEST(PcpRows, SizesAndScalesThatStandBesideEachOther) {
+    expect_said({
+        {"repeated-name", "PCP `SIZE=A1: 841.0,594.0` `SIZE=A2: 594.0,420.0`", {}},
+        {"repeated-name", "PCP `SIZE=A1` `SIZE=A1: 1,2` `SIZE=: 1,2`", {}},
+        {"repeated-name", "PCP `SCALE=_F` `SCALE=1=2`", {}},
+        {"repeated-name",
+         "PCP `SIZE=A1: 1,2` `SIZE=A1` `SIZE =\\tA1: 3,4` `SIZE=A2`",
+         {"4:1 \\SIZE\\A1: \"SIZE\" is set on line 2 already, and that value is lost.",
+          "5:1 \\SIZE: \"SIZE\" is set on line 3 already, and that value is lost."}},
+        {"repeated-name",
+         "PCP `SCALE=F` `SCALE=1=2` `SCALE=f` `SCALE=3=4`",
+         {"4:1 \\SCALE: \"SCALE\" is set on line 2 already, and that value is lost.",
+          "5:1 \\SCALE: \"SCALE\" is set on line 3 already, and that value is lost."}},
+        {"repeated-name",
+         "PCP `ORIGIN=1.0,2.0` `ORIGIN=3.0,4.0`",
+         {"3:1 \\ORIGIN: \"ORIGIN\" is set on line 2 already, and that value is lost."}},
+    });
+}
+
+TEST(PcpRows, ValuesThatLandBesideTheDefaultBlock) {
+    expect_said({
+        {"repeated-name",
+         "PCP `ROTATE=1` `PEN_SPEED=1` `BEGIN_COLOR=DEFAULT` `ROTATE=2` `PEN_SPEED=2` `END_COLOR`",
+         {"5:1 \\ROTATE: \"ROTATE\" is set on line 2 already, and that value is lost."}},
+    });
+}
 
 TEST(PcpRows, NumbersThatLose) {
     expect_said({
