@@ -83,6 +83,14 @@ TEST_F(PmToolCheck, RoundTripOfASampleGivesItBack) {
     expect_output({"check", file, "--roundtrip"}, file + ": no bad lines\n");
 }
 
+TEST_F(PmToolCheck, RoundTripIsLookedForWhenItsRuleIsNamed) {
+    folder.write("zero.pia", "PIAFILEVERSION_2.0,\na=-0.0\n");
+    const std::string lost = "zero.pia: warning: -0 comes back as 0. [round-trip]\n";
+    expect_no({"check", "zero.pia", "--rule", "round-trip"}, lost);
+    expect_no({"check", "zero.pia", "--roundtrip"}, lost);
+    expect_output({"check", "zero.pia"}, "zero.pia: no bad lines\n");
+}
+
 TEST_F(PmToolCheck, OneSectionIsCheckedAlone) {
     const std::string section = "PIAFILEVERSION_2.0,\na=1\nb=1.x\n";
     folder.write("bad.dpia", std::string("\0\0\1\0\1\0\0\0\1\0\0\0A\0\0\0\0", 17) +

@@ -186,6 +186,29 @@ TEST_F(PmToolDevice, BadLineEndsTheCheckUnlessItIsToGoOn) {
     EXPECT_EQ("pmtool: dropped: " + bad + "\n", told.err);
 }
 
+TEST_F(PmToolDevice, ConfigurationThatCannotBeReadKeepsNoOtherFromBeingChecked) {
+    folder.write("good.pia", "PIAFILEVERSION_2.0,\nmedia{\n copies=1\n}\n");
+    folder.write("many.pia", "PIAFILEVERSION_2.0,\nmedia{\n copies=100\n}\n");
+    const std::vector<std::string> words{"check",    "good.pia", "no.pia", "many.pia",
+                                         "--device", device,     "--rule", "copies"};
+    const ToolRun shown = run(words);
+    EXPECT_EQ(2, shown.status);
+    EXPECT_EQ("good.pia: possible on the device\n"
+              "many.pia: error: \\media\\copies = 100: The number of copies, 100, is above the most, 99 "
+              "(\\media\\max_number_of_copies = 99). Instead: 1 to 99. [copies]\n",
+              shown.out);
+    EXPECT_EQ("pmtool: no.pia: The file doesn't exist (error 63)\n", shown.err);
+
+    const ToolRun told = run(with(words, {"--json"}));
+    EXPECT_EQ(2, told.status);
+    const nlohmann::json list = nlohmann::json::parse(told.out);
+    ASSERT_EQ(2U, list.size());
+    EXPECT_EQ("good.pia", list[0]["file"]);
+    EXPECT_EQ(0U, list[0]["findings"].size());
+    EXPECT_EQ("many.pia", list[1]["file"]);
+    EXPECT_EQ(1U, list[1]["findings"].size());
+}
+
 TEST_F(PmToolDevice, BadLineOfTheDescriptionIsDroppedWhenItIsToGoOn) {
     ASSERT_EQ(run({"convert", device, "device.pia", "--utf8"}).status, 0);
     std::string text = folder.read("device.pia");
@@ -223,6 +246,8 @@ TEST_F(PmToolDevice, TroubleIsToldInOneLine) {
                        ": The tree describes no device: no group of capabilities has a text \"abilities\".");
     expect_trouble({"check", file, "--explain"},
                    "--map, --owner and --explain go with --device; see pmtool check --help");
+    expect_trouble({"check", file, "--device", device, "--roundtrip"},
+                   "--roundtrip doesn't go with --device; see pmtool check --help");
 }
 
 } // namespace

@@ -100,6 +100,13 @@ bool is_trouble(const kit::Diagnostic& diagnostic) {
     return std::ranges::find(trouble_rules, diagnostic.rule) != trouble_rules.end();
 }
 
+// Whoever names it asks for it.
+constexpr std::string_view round_trip_rule = "round-trip";
+
+bool is_in(const std::vector<std::string>& names, std::string_view name) {
+    return std::ranges::find(names, name) != names.end();
+}
+
 // What the linter is asked: it knows its own rules alone, and of none it looks for all.
 kit::CheckOptions options_of_linter(kit::CheckOptions options) {
     const auto is_of_devices = [](const std::string& name) { return kit::find_check_rule(name) == nullptr; };
@@ -159,13 +166,17 @@ int check_device(const CheckOptions& options) {
 int check(CheckOptions options) {
     if (options.list_rules) return list_rules();
     if (options.files.empty()) throw Mistake("FILE is required");
-    if (!options.device.device.empty()) return check_device(options);
+    if (!options.device.device.empty()) {
+        if (options.check.round_trip) throw Mistake("--roundtrip doesn't go with --device");
+        return check_device(options);
+    }
     if (options.device.explain || !options.device.map.empty() || !options.device.owner.empty()) {
         throw Mistake("--map, --owner and --explain go with --device");
     }
     require_rules(options.check.rules);
     require_rules(options.check.without);
     if (!options.from.empty()) options.check.type = format_named(options.from).type;
+    if (is_in(options.check.rules, round_trip_rule)) options.check.round_trip = true;
     const kit::CheckOptions linter = options_of_linter(options.check);
     int status = exit_ok;
     Json list = Json::array();
@@ -215,7 +226,8 @@ void add_check(Commands& commands) {
     line.texts("--rule", options->check.rules, "RULE", "This rule only; may be repeated");
     line.texts("--without", options->check.without, "RULE", "Not this rule; may be repeated");
     line.flag("--strict", options->strict, "Notes count too");
-    line.flag("--roundtrip", options->check.round_trip, "Load, save, load again and compare");
+    line.flag("--roundtrip", options->check.round_trip,
+              "Load, save, load again and compare: rule round-trip");
     line.flag("--rules", options->list_rules, "List the rules");
     line.text("--device", options->device.device, "DESCRIPTION",
               "Hold FILE against this description of a device");

@@ -75,13 +75,11 @@ public:
     }
 
     void run(const std::string& file) {
-        const Source source = read_source({.file = file,
-                                           .from = m_check.from,
-                                           .section = m_check.section,
-                                           .keep_going = m_check.keep_going});
-        tell_dropped(source);
-        for (const Part& part : parts_of(source, m_check.section)) {
-            run(source, part);
+        const std::optional<Source> source = read(file);
+        if (!source) return;
+        tell_dropped(*source);
+        for (const Part& part : parts_of(*source, m_check.section)) {
+            run(*source, part);
         }
     }
 
@@ -91,6 +89,23 @@ public:
     }
 
 private:
+    // Nothing for one that can't be read, which is told.
+    std::optional<Source> read(const std::string& file) {
+        try {
+            return read_source({.file = file,
+                                .from = m_check.from,
+                                .section = m_check.section,
+                                .keep_going = m_check.keep_going});
+        } catch (const Mistake&) {
+            throw;
+        } catch (const Failure& e) {
+            std::fflush(stdout);
+            complain(e.what());
+            m_status = exit_trouble;
+            return std::nullopt;
+        }
+    }
+
     void run(const Source& source, const Part& part) {
         m_options.configuration_base = part.base;
         kit::ExplainedFindings explained = explain(source);
@@ -98,7 +113,9 @@ private:
                       [this](const kit::Finding& finding) { return !is_asked(finding.rule); });
         std::erase_if(explained.looks, [this](const kit::Look& look) { return !is_asked(look.rule); });
         for (const kit::Finding& finding : explained.findings) {
-            if (m_check.strict || finding.severity != kit::Severity::note) m_status = exit_negative;
+            if (m_status == exit_ok && (m_check.strict || finding.severity != kit::Severity::note)) {
+                m_status = exit_negative;
+            }
         }
         const std::string name =
             part.section.empty() ? source.file : fmt::format("{}[{}]", source.file, part.section);
