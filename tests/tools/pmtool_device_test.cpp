@@ -5,8 +5,6 @@ namespace pm::test {
 
 namespace {
 
-using PmToolDevice = ToolTest;
-
 const std::string device = sample_folder + "/dx4200";
 const std::vector<std::string> quiet{"--without", "unspoken", "--without", "owner"};
 
@@ -15,16 +13,34 @@ std::vector<std::string> with(std::vector<std::string> words, const std::vector<
     return words;
 }
 
+class PmToolDevice : public ToolTest {
+protected:
+    void copy_with_bad_default(const std::string& name) const {
+        std::filesystem::copy(device, folder / name, std::filesystem::copy_options::recursive);
+        const std::string file = name + "/Custom Capability.pdt";
+        std::string table = folder.read(file);
+        table[1206 / 8] = static_cast<char>(table[1206 / 8] ^ (1 << (1206 % 8)));
+        folder.write(file, table);
+    }
+    void save_with_too_many_pens(const std::string& file) const {
+        ASSERT_EQ(run({"convert", device, file, "--utf8"}).status, 0);
+        ASSERT_EQ(run({"set", file, "\\physical_pen\\default_npens", "300"}).status, 0);
+    }
+    const std::string bad_default =
+        ": error: \\custom_name\\Ink_Saver\\default_value = \\x0Fff: \"Ink_Saver\" (Ink saver) has no value "
+        "\"\\x0Fff\" (\\custom_name\\Ink_Saver\\value_list). Instead: Off, Low, High. [custom]\n";
+    const std::string too_many_pens =
+        ": error: \\physical_pen\\default_npens = 300: The number of pens, 300, is above the most, 255 "
+        "(\\physical_pen\\max_npens = 255). Instead: 0 to 255. [pen-count]\n";
+};
+
 TEST_F(PmToolDevice, PossibleConfigurationIsTold) {
     const std::string file = sample_folder + "/office.pc2";
     expect_output(with({"check", file, "--device", device}, quiet), file + ": possible on the device\n");
 }
 
 TEST_F(PmToolDevice, ControlCharactersOfADescriptionAreShownAsNumbers) {
-    std::filesystem::copy(device, folder / "dx", std::filesystem::copy_options::recursive);
-    std::string table = folder.read("dx/Custom Capability.pdt");
-    table[1206 / 8] = static_cast<char>(table[1206 / 8] ^ (1 << (1206 % 8)));
-    folder.write("dx/Custom Capability.pdt", table);
+    copy_with_bad_default("dx");
     const ToolRun result = run({"check", "dx"});
     EXPECT_EQ(1, result.status);
     EXPECT_NE(std::string::npos,
@@ -164,6 +180,28 @@ TEST_F(PmToolDevice, DefaultsOfADescriptionAreChecked) {
               "(Glossy photo "
               "paper), Vellum (Vellum), Clear_Film (Clear film), Matte_Film (Matte film), Canvas (Canvas). "
               "[media-type]\n");
+}
+
+TEST_F(PmToolDevice, DefaultsOfEachDescriptionInAFolderAreChecked) {
+    std::filesystem::create_directories(folder / "fold/below");
+    copy_with_bad_default("fold/dx");
+    save_with_too_many_pens("fold/below/saved.pia");
+    ASSERT_EQ(run({"convert", device, "fold/good.pia", "--utf8"}).status, 0);
+    folder.write("fold/note.txt", "a text");
+    folder.write("fold/cut.pia", "PIA");
+    expect_no({"check", "fold", "--rule", "custom", "--rule", "pen-count"},
+              as_found("fold/below/saved.pia") + too_many_pens + as_found("fold/dx") + bad_default);
+    expect_no({"check", "fold", "--rule", "custom", "--rule", "pen-count", "--from", "pia"},
+              as_found("fold/below/saved.pia") + too_many_pens);
+}
+
+TEST_F(PmToolDevice, DefaultsOfEachDescriptionInADpiaFileAreChecked) {
+    ASSERT_EQ(run({"convert", device, "good.pia", "--utf8"}).status, 0);
+    save_with_too_many_pens("bad.pia");
+    ASSERT_EQ(run({"bundle", "-o", "two.dpia", "Good=good.pia", "Bad=bad.pia"}).status, 0);
+    expect_no({"check", "two.dpia"}, "two.dpia[Bad]" + too_many_pens);
+    expect_no({"check", "two.dpia", "--section", "Bad"}, "two.dpia[Bad]" + too_many_pens);
+    expect_output({"check", "two.dpia", "--section", "Good"}, "two.dpia: no bad lines\n");
 }
 
 TEST_F(PmToolDevice, DefaultsOfADescriptionOnStandardInputAreChecked) {

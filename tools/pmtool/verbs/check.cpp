@@ -5,6 +5,7 @@
 #include "source.h"
 #include "system.h"
 #include "text.h"
+#include "verbs/check_defaults.h"
 #include "verbs/check_device.h"
 #include "verbs/verbs.h"
 #include <algorithm>
@@ -129,20 +130,28 @@ bool counts(const CheckOptions& options, const kit::Diagnostic& diagnostic) {
     return options.strict || diagnostic.severity != kit::Severity::note;
 }
 
-// Of a description: its own defaults, as the linter's diagnostics.
+bool is_in_trouble(const std::string& file, const std::vector<kit::Diagnostic>& found) {
+    return std::ranges::any_of(found, [&](const kit::Diagnostic& diagnostic) {
+        return is_trouble(diagnostic) && diagnostic.place.file == file;
+    });
+}
+
+// Of descriptions: their own defaults, as the linter's diagnostics, unless `found` tells that the file
+// couldn't be read.
 std::vector<kit::Diagnostic> check_defaults(const std::string& file, const std::string& from,
                                             const std::optional<std::string>& content,
-                                            const kit::CheckOptions& options) {
+                                            const kit::CheckOptions& options,
+                                            const std::vector<kit::Diagnostic>& found) {
     std::vector<kit::Diagnostic> diagnostics;
     const SourceOptions source{.file = file, .from = from, .section = options.section};
-    for (const kit::Finding& finding : findings_of_defaults(source, content)) {
-        const auto is_in = [&](const std::vector<std::string>& names) {
-            return std::ranges::find(names, finding.rule) != names.end();
-        };
-        if (is_in(options.without) || !(options.rules.empty() || is_in(options.rules))) continue;
+    for (const DefaultFinding& each : findings_of_defaults(source, content)) {
+        const kit::Finding& finding = each.finding;
+        if (is_in(options.without, finding.rule)) continue;
+        if (!options.rules.empty() && !is_in(options.rules, finding.rule)) continue;
+        if (is_in_trouble(shown_name(each.file), found)) continue;
         diagnostics.push_back({finding.rule,
                                finding.severity,
-                               {shown_name(file), {}, 0, 0},
+                               {shown_name(each.file), each.section, 0, 0},
                                finding.configuration_path,
                                fmt::format("{} = {}: {}", printable(finding.configuration_path),
                                            printable(finding.configured), finding_text(finding)),
@@ -183,10 +192,8 @@ int check(CheckOptions options) {
     for (const std::string& file : options.files) {
         std::optional<std::string> content;
         std::vector<kit::Diagnostic> found = check_one(file, linter, content);
-        if (std::ranges::none_of(found, is_trouble)) {
-            std::ranges::move(check_defaults(file, options.from, content, options.check),
-                              std::back_inserter(found));
-        }
+        std::ranges::move(check_defaults(file, options.from, content, options.check, found),
+                          std::back_inserter(found));
         for (const kit::Diagnostic& diagnostic : found) {
             if (is_trouble(diagnostic)) status = exit_trouble;
             if (status == exit_ok && counts(options, diagnostic)) status = exit_negative;
@@ -206,7 +213,7 @@ int check(CheckOptions options) {
 
 constexpr Verb verb = {
     "check", "compare", "list all that is wrong with files",
-    R"(Lists what the library reports and what a linter of named rules finds, each with its place, severity and rule, and reads on behind what is wrong. Folders are walked. "pmtool check --rules" lists the rules. The defaults of a device description are checked too: whether the device can do them.
+    R"(Lists what the library reports and what a linter of named rules finds, each with its place, severity and rule, and reads on behind what is wrong. Folders are walked. "pmtool check --rules" lists the rules. The defaults of each device description among them are checked too: whether the device can do them.
 
 With --device it lists what of a configuration isn't possible on a device, with what the device offers instead, and what its description doesn't speak of.
 

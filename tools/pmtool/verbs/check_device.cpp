@@ -240,17 +240,6 @@ int check_on_device(const DeviceCheck& check) {
     return checker.status();
 }
 
-std::vector<kit::Finding> findings_of_defaults(const SourceOptions& options,
-                                               const std::optional<std::string>& content) {
-    try {
-        const Source source = read_source(options, content, Damage::keep);
-        if (!kit::find_description(source.content.tree)) return {};
-        return kit::check_description(source.content.tree);
-    } catch (const Failure&) { // the check of the file tells it
-        return {};
-    }
-}
-
 bool is_device_rule(std::string_view name) {
     const auto rules = kit::compatibility_rules();
     return std::ranges::find(rules, name, &kit::CompatibilityRule::name) != rules.end();

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "source.h"
-#include <optional>
 #include <pm/kit/compatibility.h>
 #include <string>
 #include <vector>
@@ -26,11 +25,6 @@ struct DeviceCheck {
 
 // Prints the findings; the exit code, 1 if any counts.
 int check_on_device(const DeviceCheck& check);
-
-// What isn't possible of a description's own defaults; nothing for a file that isn't a description, or can't
-// be read. `content` is what was read of it already, if anything.
-std::vector<pm::kit::Finding> findings_of_defaults(const SourceOptions& options,
-                                                   const std::optional<std::string>& content);
 
 bool is_device_rule(std::string_view name);
 
