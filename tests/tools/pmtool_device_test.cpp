@@ -109,6 +109,18 @@ TEST_F(PmToolDevice, DescriptionMayBeSavedInAnotherFormat) {
                      "0.1 (Dash_Dot). [line-width]\n");
 }
 
+TEST_F(PmToolDevice, DescriptionIsTheOneOfItsFile) {
+    ASSERT_EQ(run({"convert", device, "device.pia", "--utf8"}).status, 0);
+    folder.write("mine.pia", "PIAFILEVERSION_2.0,\nmedia{\n copies=1\n}\n");
+    ASSERT_EQ(run({"bundle", "-o", "one.dpia", "Mine=mine.pia", "Device=device.pia"}).status, 0);
+    expect_output({"check", "mine.pia", "--device", "one.dpia", "--rule", "copies"},
+                  "mine.pia: possible on the device\n");
+    ASSERT_EQ(run({"bundle", "-o", "two.dpia", "A=device.pia", "Mine=mine.pia", "B=device.pia"}).status, 0);
+    expect_trouble({"check", "mine.pia", "--device", "two.dpia"},
+                   "two.dpia: the file describes several devices; write one to a file of its own with pmtool "
+                   "extract (A, B)");
+}
+
 TEST_F(PmToolDevice, ExplainsWhereARuleLooked) {
     const std::string file = sample_folder + "/plotter.pia";
     expect_output({"check", file, "--device", device, "--rule", "copies", "--explain"},

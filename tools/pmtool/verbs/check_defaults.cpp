@@ -2,7 +2,6 @@
 
 #include "failure.h"
 #include "formats.h"
-#include "source.h"
 #include "system.h"
 #include <algorithm>
 #include <filesystem>
@@ -19,6 +18,20 @@ namespace kit = pm::kit;
 
 using DefaultFindings = std::vector<DefaultFinding>;
 
+// Calls `action` with the name of each section and a tree of what it holds, if any holds a description.
+template<class Action>
+void for_each_section(const Source& source, Action action) {
+    const pm::Tree& tree = source.content.tree;
+    if (!source.content.by_section || !kit::find_description(tree)) return;
+    for (const kit::Section& section : source.content.sections) {
+        const auto node = tree.node('\\' + section.node);
+        if (!node) continue;
+        pm::Tree part;
+        kit::copy(*node, part, "\\");
+        action(section.name, part);
+    }
+}
+
 void add_findings(const pm::Tree& tree, const std::string& file, const std::string& section,
                   DefaultFindings& findings) {
     if (!kit::find_description(tree)) return;
@@ -31,16 +44,12 @@ void add_findings_of_file(const SourceOptions& options, const std::optional<std:
                           DefaultFindings& findings) {
     try {
         const Source source = read_source(options, content, Damage::keep);
-        const pm::Tree& tree = source.content.tree;
-        if (!source.content.by_section) return add_findings(tree, options.file, options.section, findings);
-        if (!kit::find_description(tree)) return;
-        for (const kit::Section& section : source.content.sections) {
-            const auto node = tree.node('\\' + section.node);
-            if (!node) continue;
-            pm::Tree part;
-            kit::copy(*node, part, "\\");
-            add_findings(part, options.file, section.name, findings);
+        if (!source.content.by_section) {
+            return add_findings(source.content.tree, options.file, options.section, findings);
         }
+        for_each_section(source, [&](const std::string& name, const pm::Tree& part) {
+            add_findings(part, options.file, name, findings);
+        });
     } catch (const Failure&) { // the check of the file tells it
     }
 }
@@ -119,6 +128,14 @@ DefaultFindings findings_of_defaults(const SourceOptions& options,
         add_findings_of_folder(options.file, options, findings);
     }
     return findings;
+}
+
+std::vector<std::string> described_sections(const Source& source) {
+    std::vector<std::string> names;
+    for_each_section(source, [&](const std::string& name, const pm::Tree& part) {
+        if (kit::find_description(part)) names.push_back(name);
+    });
+    return names;
 }
 
 } // namespace pmtool

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "options.h"
+#include "source.h"
 #include <optional>
 #include <pm/kit/compatibility.h>
 #include <string>
@@ -21,5 +21,8 @@ struct DefaultFinding {
 // anything.
 std::vector<DefaultFinding> findings_of_defaults(const SourceOptions& options,
                                                  const std::optional<std::string>& content);
+
+// The names of the sections of a DPIA file that hold a description; none of a file of one tree.
+std::vector<std::string> described_sections(const Source& source);
 
 } // namespace pmtool

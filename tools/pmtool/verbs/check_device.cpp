@@ -3,6 +3,7 @@
 #include "json.h"
 #include "system.h"
 #include "text.h"
+#include "verbs/check_defaults.h"
 #include <algorithm>
 #include <fmt/format.h>
 #include <pm/kit/error.h>
@@ -65,6 +66,15 @@ std::vector<Part> parts_of(const Source& source, const std::string& section) {
     return parts;
 }
 
+// Nobody says which of several is meant.
+void require_one_description(const Source& source) {
+    const std::vector<std::string> sections = described_sections(source);
+    if (sections.size() < 2) return;
+    throw Failure(fmt::format("{}: the file describes several devices; write one to a file of its own with "
+                              "pmtool extract ({})",
+                              source.file, fmt::join(sections, ", ")));
+}
+
 class DeviceChecker {
 public:
     DeviceChecker(const DeviceCheck& check, const kit::CompatibilityMap& map)
@@ -72,6 +82,7 @@ public:
         m_options.map = &map;
         m_options.owner = owner_of(check.owner);
         tell_dropped(m_device);
+        require_one_description(m_device);
     }
 
     void run(const std::string& file) {
