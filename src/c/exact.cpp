@@ -10,14 +10,27 @@ namespace pm::c {
 
 namespace {
 
-constexpr std::size_t longest_text = 4096; // in units, as Tree::set() takes it
+// As Tree::set() takes them.
+constexpr std::size_t longest_text = 4096; // in units, as the next
+constexpr std::size_t longest_path = 1023;
+constexpr std::size_t most_names = 256;
+
+std::size_t names_in(std::u16string_view path) {
+    std::size_t names = 0;
+    for (std::size_t at = 0; at < path.size(); ++at) {
+        if (path[at] != u'\\' && (at == 0 || path[at - 1] == u'\\')) ++names;
+    }
+    return names;
+}
 
 // A path in its two parts; blank components at the end don't count.
 struct SplitPath {
     std::u16string node;
     std::u16string name;
+    std::size_t units; // of the whole path as it is given
 
-    explicit SplitPath(std::string_view path) : node(wide_text(path.data(), path.size())) {
+    explicit SplitPath(std::string_view path)
+        : node(wide_text(path.data(), path.size())), units(node.size()) {
         node.resize(node.find_last_not_of(u'\\') + 1);
         const std::size_t end_of_node = node.rfind(u'\\') + 1; // 0 without one
         name = node.substr(end_of_node);
@@ -83,6 +96,9 @@ Value exact_value(const Tree& tree, std::string_view path) {
 void set_exact(Tree& tree, std::string_view path, const Value& value, bool strict) {
     const SplitPath split(path);
     if (split.name.empty()) refuse(u"\\", PM_ERR_BAD_PATH);
+    if (split.units > longest_path || names_in(split.node) >= most_names) {
+        refuse((split.node + split.name).c_str(), PM_ERR_BAD_PATH);
+    }
     std::visit(Put{tree, split, strict}, value);
 }
 

@@ -13,6 +13,14 @@ pm9_value text_value(std::string_view text) {
     return {sizeof(pm9_value), PM9_STRING, 0, 0, text.data(), text.size()};
 }
 
+std::string repeated(std::string_view text, int count) {
+    std::string result;
+    for (int done = 0; done < count; ++done) {
+        result += text;
+    }
+    return result;
+}
+
 pm9_value value_at(const pm9_tree* tree, const char* path, const pm9_access* access = nullptr) {
     pm9_value value{};
     value.size = sizeof value;
@@ -256,6 +264,19 @@ TEST_F(CExactPath, GuardsWhatAPathWithAnIndexGuards) {
     EXPECT_EQ(get("\\b"), PM9_ERR_NO_SUCH_PROPERTY);
     EXPECT_EQ(get("\\b\\c"), PM9_ERR_NO_SUCH_NODE);
     EXPECT_EQ(get(""), PM9_ERR_NO_SUCH_PROPERTY);
+}
+
+TEST_F(CExactPath, HasTheLimitsOfEveryPath) {
+    const std::string deep = "a" + repeated("\\a", 255);
+    const std::string wide = std::string(600, 'x') + '\\' + std::string(422, 'y');
+    EXPECT_EQ(set(deep.c_str(), 1), PM9_OK);
+    EXPECT_EQ(set(("\\\\" + deep + "\\\\").c_str(), 2), PM9_OK);
+    EXPECT_EQ(set(wide.c_str(), 3), PM9_OK);
+    const std::vector<std::string> before = listed(tree.get());
+    EXPECT_EQ(set((deep + "\\b").c_str(), 4), PM9_ERR_BAD_PATH);
+    EXPECT_EQ(set((wide + 'y').c_str(), 4), PM9_ERR_BAD_PATH);
+    EXPECT_EQ(set(std::string(1024, 'z').c_str(), 4), PM9_ERR_BAD_PATH);
+    EXPECT_EQ(listed(tree.get()), before);
 }
 
 TEST_F(CExactPath, ErasesThePropertyBeforeTheNode) {
