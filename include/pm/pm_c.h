@@ -210,7 +210,8 @@ PM9_API pm9_status pm9_tree_set_raw(pm9_tree* tree, const char* path, size_t pat
 // Get a value; pm9_tree_get() as its own type, the others PM9_ERR_WRONG_TYPE for one of another type: nothing
 // is converted, a long is no double. `value` stays as it is where there is a failure. Where there is no
 // property: PM9_ERR_BAD_PATH for a name that nothing in the tree has, PM9_ERR_NO_SUCH_NODE,
-// PM9_ERR_NO_SUCH_PROPERTY. pm9_tree_contains() asks without a failure.
+// PM9_ERR_NO_SUCH_PROPERTY; with PM9_EXACT only the last two, whatever else has the name.
+// pm9_tree_contains() asks without a failure.
 PM9_API pm9_status pm9_tree_get(const pm9_tree* tree, const char* path, size_t path_length,
                                 const pm9_access* access, pm9_value* value, pm9_error* error);
 PM9_API pm9_status pm9_tree_get_long(const pm9_tree* tree, const char* path, size_t path_length,

@@ -104,9 +104,10 @@ public:
     void set(const TextView& path, const T& value, int index = -1, bool strict = true);
 
     // Removes the property of that path or, if there is none, the node with all below it. False if there is
-    // neither. Number 51 for the root.
+    // neither. Number 51 for the root, and as pm_find_property() for a path that is too long or too deep.
     bool erase(const TextView& path, int index = -1);
-    // Whether there is a property, or a node, of that path.
+    // Whether there is a property, or a node, of that path. Number 51 as pm_find_property(); property_at()
+    // and node_exists() of inspect.h ask without it.
     [[nodiscard]] bool contains(const TextView& path, int index = -1) const;
 
     [[nodiscard]] Node root() const { return root_of(object()); }

@@ -103,21 +103,21 @@ void set_exact(Tree& tree, std::string_view path, const Value& value, bool stric
 }
 
 std::int32_t erase_exact(Tree& tree, std::string_view path) {
+    if (kind_at_exact(tree, path) == PM9_NOTHING) return PM9_NOTHING;
     const SplitPath split(path);
     const TreeBuilder builder(tree.object());
-    const PM_Node* const parent = pm_find_node(tree.object(), split.node.c_str());
-    if (parent == nullptr) return PM9_NOTHING;
+    const PM_Node& parent = *pm_find_node(tree.object(), split.node.c_str());
     if (split.name.empty()) refuse(u"\\", PM_ERR_BAD_PATH);
-    if (builder.erase_property(*parent, split.name)) return PM9_PROPERTY;
-    const PM_Node* const node = builder.find_child(*parent, split.name);
-    if (node == nullptr) return PM9_NOTHING;
-    builder.erase(*node);
+    if (builder.erase_property(parent, split.name)) return PM9_PROPERTY;
+    builder.erase(*builder.find_child(parent, split.name));
     return PM9_NODE;
 }
 
 std::int32_t kind_at_exact(const Tree& tree, std::string_view path) {
-    if (find_exact(tree, path) != nullptr) return PM9_PROPERTY;
-    return tree.node(path) ? PM9_NODE : PM9_NOTHING;
+    return unless_bad_path([&] {
+        if (find_exact(tree, path) != nullptr) return PM9_PROPERTY;
+        return tree.node(path) ? PM9_NODE : PM9_NOTHING;
+    });
 }
 
 } // namespace pm::c

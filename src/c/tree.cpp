@@ -29,16 +29,24 @@ std::string_view bytes_of(const pm::Bytes& bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
+std::u16string resolved(std::string_view path, std::int32_t index) {
+    return pm::detail::resolve_index(pm::detail::Terminated(path), index);
+}
+
 std::int32_t kind_at(const pm::Tree& tree, std::string_view path, std::int32_t index) {
     if (index == PM9_EXACT) return kind_at_exact(tree, path);
-    if (tree.property(path, index)) return PM9_PROPERTY;
-    return tree.contains(path, index) ? PM9_NODE : PM9_NOTHING;
+    const std::int32_t kind =
+        unless_bad_path([&] { return tree.property(path, index) ? PM9_PROPERTY : PM9_NOTHING; });
+    if (kind == PM9_PROPERTY) return kind;
+    // A node may have a path that is too long for a property.
+    return unless_bad_path([&] { return tree.node(resolved(path, index)) ? PM9_NODE : PM9_NOTHING; });
 }
 
 std::int32_t erase_at(pm::Tree& tree, std::string_view path, std::int32_t index) {
     if (index == PM9_EXACT) return erase_exact(tree, path);
-    const std::int32_t kind = tree.property(path, index) ? PM9_PROPERTY : PM9_NODE;
-    return tree.erase(path, index) ? kind : PM9_NOTHING;
+    const std::int32_t kind = kind_at(tree, path, index);
+    if (kind != PM9_NOTHING) tree.object().deletePath(resolved(path, index).c_str());
+    return kind;
 }
 
 } // namespace

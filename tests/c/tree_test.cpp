@@ -151,6 +151,37 @@ TEST(CTree, TellsWhatIsAtAPath) {
     }
 }
 
+TEST(CTree, HasNothingAtAPathThatNothingCanHave) {
+    const CTree tree = small_tree();
+    ASSERT_EQ(pm9_tree_set_long(tree.get(), "a", PM9_Z, 1, nullptr), PM9_OK);
+    const pm9_access exact{sizeof exact, PM9_EXACT, 0};
+    const std::string paths[] = {std::string(5000, 'x'), std::string("a\0b", 3), "a" + repeated("\\a", 256)};
+    for (const std::string& path : paths) {
+        for (const pm9_access* access : {static_cast<const pm9_access*>(nullptr), &exact}) {
+            std::int32_t what = -1;
+            EXPECT_EQ(pm9_tree_contains(tree.get(), path.data(), path.size(), access, &what, nullptr),
+                      PM9_OK);
+            EXPECT_EQ(what, PM9_NOTHING);
+            what = -1;
+            EXPECT_EQ(pm9_tree_erase(tree.get(), path.data(), path.size(), access, &what, nullptr), PM9_OK);
+            EXPECT_EQ(what, PM9_NOTHING);
+        }
+    }
+    EXPECT_THAT(listed(tree.get()), ElementsAre("Root", " a=1", " media", "  copies=2"));
+}
+
+TEST(CTree, FindsANodeWhosePathIsTooLongForAProperty) {
+    const CTree tree = c_tree();
+    const std::string path = std::string(600, 'x') + '\\' + std::string(600, 'y');
+    ASSERT_EQ(pm9_tree_make_node(tree.get(), path.c_str(), PM9_Z, nullptr), PM9_OK);
+    std::int32_t what = -1;
+    EXPECT_EQ(pm9_tree_contains(tree.get(), path.c_str(), PM9_Z, nullptr, &what, nullptr), PM9_OK);
+    EXPECT_EQ(what, PM9_NODE);
+    EXPECT_EQ(pm9_tree_erase(tree.get(), path.c_str(), PM9_Z, nullptr, &what, nullptr), PM9_OK);
+    EXPECT_EQ(what, PM9_NODE);
+    EXPECT_THAT(listed(tree.get()), ElementsAre("Root", " " + std::string(600, 'x')));
+}
+
 TEST(CTree, ErasesAndTellsWhat) {
     const CTree tree = small_tree();
     std::int32_t what = -1;
