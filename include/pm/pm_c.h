@@ -329,7 +329,8 @@ PM9_API pm9_status pm9_tree_load(pm9_tree* tree, const char* file, size_t file_l
                                  const pm9_load_options* options, pm9_error* error);
 PM9_API pm9_status pm9_tree_load_memory(pm9_tree* tree, const void* data, size_t length,
                                         const pm9_load_options* options, pm9_error* error);
-// Of the last load of this tree, whatever its end. `item_size` is sizeof(pm9_report).
+// Of the last load or reading of this tree, whatever its end. A call that is refused for a handle, a struct,
+// a type or a zero in a text is none. `item_size` is sizeof(pm9_report).
 PM9_API pm9_status pm9_tree_reports(const pm9_tree* tree, size_t item_size, pm9_report** reports,
                                     size_t* count, pm9_error* error);
 
@@ -422,7 +423,7 @@ PM9_API pm9_status pm9_tree_read(pm9_tree* tree, const char* file, size_t file_l
 // What is known of the file that a tree was read from whole.
 typedef struct pm9_source {
     size_t size;        // sizeof(pm9_source), set by the caller
-    int32_t type;       // PM9_FILE_ANY: the tree wasn't made by pm9_tree_read(), or loaded into since
+    int32_t type;       // PM9_FILE_ANY: not made by pm9_tree_read(), or a load got to the tree since
     int32_t by_section; // 1: the tree has a node for each section or plotter
     int32_t version;    // of the header: 1 or 2; 0 where the format has none
     int32_t compressed; // of a PIA file

@@ -47,6 +47,9 @@ struct pm9_tree {
         source = form;
         tag = std::move(content.tag);
     }
+    // A load begins: it may end before it gets to the tree.
+    void begin_load() { read_reports.emplace(); }
+    // It gets to the tree.
     pm::Tree& to_load() {
         read_reports.reset();
         source.reset();

@@ -16,11 +16,16 @@ namespace {
 constexpr pm9_load_options default_load{
     sizeof(pm9_load_options), PM9_FILE_ANY, 0, nullptr, 0, nullptr, 0, nullptr, nullptr};
 
-pm::LoadOptions load_options(const pm9_load_options& how, PM_Object::FileType type) {
+// Texts that no load takes are refused here, before one begins.
+std::string_view checked_text(const char* data, std::size_t length) {
+    static_cast<void>(wide_text(data, length));
+    return text(data, length);
+}
+
+pm::LoadOptions load_options(const pm9_load_options& how) {
     pm::LoadOptions result;
-    result.type = type;
-    if (how.base != nullptr) result.base = text(how.base, how.base_length);
-    if (how.section != nullptr) result.section = text(how.section, how.section_length);
+    if (how.base != nullptr) result.base = checked_text(how.base, how.base_length);
+    if (how.section != nullptr) result.section = checked_text(how.section, how.section_length);
     result.plotter = how.plotter;
     result.on_report = asking(how.on_report, how.context);
     return result;
@@ -78,9 +83,14 @@ pm9_status pm9_tree_load(pm9_tree* tree, const char* file, size_t file_length, c
                          pm9_error* error) {
     return guarded(error, [&] {
         const pm9_load_options how = options(given, default_load, u"options");
-        pm::Tree& target = required(tree, u"tree").to_load();
-        const Source source = source_of(file_name(file, file_length), file_type(how.type));
-        target.load(source.name, load_options(how, source.type));
+        pm9_tree& target = required(tree, u"tree");
+        const std::optional<PM_Object::FileType> type = file_type(how.type);
+        std::u16string name = file_name(file, file_length);
+        pm::LoadOptions load = load_options(how);
+        target.begin_load();
+        const Source source = source_of(std::move(name), type);
+        load.type = source.type;
+        target.to_load().load(source.name, load);
     });
 }
 
@@ -88,15 +98,18 @@ pm9_status pm9_tree_load_memory(pm9_tree* tree, const void* data, size_t length,
                                 const pm9_load_options* given, pm9_error* error) {
     return guarded(error, [&] {
         const pm9_load_options how = options(given, default_load, u"options");
-        pm::Tree& target = required(tree, u"tree").to_load();
+        pm9_tree& target = required(tree, u"tree");
+        const std::optional<PM_Object::FileType> type = file_type(how.type);
         const std::string_view bytes(static_cast<const char*>(data), data != nullptr ? length : 0);
-        const PM_Object::FileType type = type_of_bytes(bytes, file_type(how.type));
-        if (type == PM_Object::FILE_PDT || how.section != nullptr || how.plotter != 0) {
+        pm::LoadOptions load = load_options(how);
+        target.begin_load();
+        load.type = type_of_bytes(bytes, type);
+        if (load.type == PM_Object::FILE_PDT || how.section != nullptr || how.plotter != 0) {
             refuse(u"", PM_ERR_TYPE_REFUSED);
         }
         BytesBuffer buffer(bytes);
         std::iostream stream(&buffer);
-        target.load(stream, load_options(how, type));
+        target.to_load().load(stream, load);
     });
 }
 

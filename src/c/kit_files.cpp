@@ -81,7 +81,15 @@ pm9_status pm9_tree_read(pm9_tree* tree, const char* file, size_t file_length, c
     return guarded(error, [&] {
         const pm9_read_options how = options(given, default_read, u"options");
         pm9_tree& target = required(tree, u"tree");
-        target.take(pm::kit::read_file(input_of(text(file, file_length), how)));
+        const pm::kit::Input input = input_of(text(file, file_length), how);
+        pm::kit::FileContent content;
+        try {
+            pm::kit::read_into(content, input);
+        } catch (...) {
+            target.read_reports.emplace(content.reports.begin(), content.reports.end());
+            throw;
+        }
+        target.take(std::move(content));
     });
 }
 

@@ -35,6 +35,32 @@ std::string saved(const pm9_tree* tree, const pm9_save_options* options) {
     return taken(data, length);
 }
 
+const std::string two_bad_values = "PIAFILEVERSION_2.0\na=x\nb=y\nc=1\n";
+
+pm9_status load(pm9_tree* tree, const std::string& name) {
+    return pm9_tree_load(tree, name.data(), name.size(), nullptr, nullptr);
+}
+
+pm9_status read(pm9_tree* tree, const std::string& name) {
+    return pm9_tree_read(tree, name.data(), name.size(), nullptr, nullptr);
+}
+
+std::size_t report_count(const pm9_tree* tree) {
+    pm9_report* reports = nullptr;
+    std::size_t count = 0;
+    EXPECT_EQ(pm9_tree_reports(tree, sizeof *reports, &reports, &count, nullptr), PM9_OK);
+    pm9_free(reports);
+    return count;
+}
+
+std::int32_t source_type(const pm9_tree* tree) {
+    pm9_source source{};
+    source.size = sizeof source;
+    EXPECT_EQ(pm9_tree_source(tree, &source, nullptr), PM9_OK);
+    pm9_free(source.tag);
+    return source.type;
+}
+
 TEST(CFile, IsSavedInMemoryAndLoadedAgain) {
     const CTree tree = small_tree();
     const std::string plain = saved(tree.get(), nullptr);
@@ -207,6 +233,69 @@ TEST(CFile, KeepsTheReportsOfALoadThatFailed) {
     EXPECT_STREQ(reports[0].place, "PM_PIAFile::load()");
     EXPECT_NE(std::string(reports[0].detail, reports[0].detail_length).find("a="), std::string::npos);
     pm9_free(reports);
+}
+
+TEST(CFile, ThatIsntLoadedHasNoReportsOfTheLoadBefore) {
+    const TempFolder folder;
+    folder.write("bad.pia", two_bad_values);
+    folder.write("none", "nothing of any format");
+    const CTree tree = c_tree();
+    const auto load_bad = [&] {
+        EXPECT_EQ(
+            pm9_tree_load_memory(tree.get(), two_bad_values.data(), two_bad_values.size(), nullptr, nullptr),
+            PM9_OK);
+        EXPECT_EQ(report_count(tree.get()), 2U);
+    };
+    load_bad();
+    EXPECT_EQ(load(tree.get(), (folder / "missing").string()), PM9_ERR_NO_SUCH_FILE);
+    EXPECT_EQ(report_count(tree.get()), 0U);
+    load_bad();
+    EXPECT_EQ(load(tree.get(), (folder / "none").string()), PM9_ERR_NOT_OPENED);
+    EXPECT_EQ(report_count(tree.get()), 0U);
+    load_bad();
+    EXPECT_EQ(pm9_tree_load_memory(tree.get(), "x", 1, nullptr, nullptr), PM9_ERR_NOT_OPENED);
+    EXPECT_EQ(report_count(tree.get()), 0U);
+    load_bad();
+    EXPECT_EQ(read(tree.get(), (folder / "missing").string()), PM9_ERR_NO_SUCH_FILE);
+    EXPECT_EQ(report_count(tree.get()), 0U);
+}
+
+TEST(CFile, WhoseReadingIsEndedHasTheReportsOfThat) {
+    const TempFolder folder;
+    folder.write("bad.pia", two_bad_values);
+    const CTree tree = small_tree();
+    pm9_read_options options{};
+    options.size = sizeof options;
+    options.type = PM9_FILE_ANY;
+    options.on_report = [](void*, const pm9_report*) { return std::int32_t{0}; };
+    pm9_error error = c_error();
+    EXPECT_EQ(pm9_tree_read(tree.get(), (folder / "bad.pia").string().c_str(), PM9_Z, &options, &error),
+              PM9_ERR_UNKNOWN_VALUE);
+    EXPECT_EQ(error.kind, 6);
+    EXPECT_EQ(report_count(tree.get()), 1U);
+    EXPECT_THAT(listed(tree.get()), ElementsAre("Root", " media", "  copies=2"));
+}
+
+TEST(CFile, ThatIsRefusedLeavesSourceAndReports) {
+    const TempFolder folder;
+    folder.write("bad.pia", two_bad_values);
+    const std::string name = (folder / "bad.pia").string();
+    const CTree tree = c_tree();
+    ASSERT_EQ(read(tree.get(), name), PM9_OK);
+    const pm9_load_options no_type = loading(99);
+    EXPECT_EQ(pm9_tree_load(tree.get(), name.c_str(), PM9_Z, &no_type, nullptr), PM9_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(pm9_tree_load_memory(tree.get(), "", 0, &no_type, nullptr), PM9_ERR_INVALID_ARGUMENT);
+    EXPECT_EQ(load(tree.get(), name + '\0'), PM9_ERR_BAD_PATH);
+    pm9_load_options no_base = loading(PM9_FILE_PIA);
+    no_base.base = "a\0b";
+    no_base.base_length = 3;
+    EXPECT_EQ(pm9_tree_load(tree.get(), name.c_str(), PM9_Z, &no_base, nullptr), PM9_ERR_BAD_PATH);
+    EXPECT_EQ(report_count(tree.get()), 2U);
+    EXPECT_EQ(source_type(tree.get()), PM9_FILE_PIA);
+    EXPECT_EQ(load(tree.get(), (folder / "missing").string()), PM9_ERR_NO_SUCH_FILE);
+    EXPECT_EQ(source_type(tree.get()), PM9_FILE_PIA);
+    ASSERT_EQ(load(tree.get(), name), PM9_OK);
+    EXPECT_EQ(source_type(tree.get()), PM9_FILE_ANY);
 }
 
 TEST(CFile, IsReadInTheCodePage) {
