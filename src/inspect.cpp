@@ -252,6 +252,12 @@ FileIdentity identify_folder(const std::u16string& folder) {
     return identity;
 }
 
+// What stands in front of a zero would be another file.
+void refuse_zero(std::u16string_view file, const char16_t* work_place) {
+    if (file.find(u'\0') == file.npos) return;
+    throw PM_Warning(PM_ERR_BAD_PATH, work_place, std::u16string(file).c_str(), source);
+}
+
 template<class Work>
 auto telling(const char16_t* work_place, Work work) {
     return telling_no_memory(work_place, u"", source, work);
@@ -281,6 +287,7 @@ auto list_stream(std::iostream& stream, List list) {
 
 std::optional<FileIdentity> identify(std::u16string_view file) {
     return telling(place, [file] {
+        refuse_zero(file, place);
         const std::u16string name(file);
         if (is_folder(name)) return std::optional(identify_folder(name));
         return identify_content(read_file(name));
@@ -297,11 +304,17 @@ std::optional<FileIdentity> identify_content(std::string_view content) {
 }
 
 std::optional<std::u16string> find_string_file(std::u16string_view folder) {
-    return telling(place, [folder] { return look_for_string_file(folder); });
+    return telling(place, [folder] {
+        refuse_zero(folder, place);
+        return look_for_string_file(folder);
+    });
 }
 
 std::vector<DpiaSection> dpia_sections(std::u16string_view file) {
-    return telling(sections_place, [&] { return list_file<PM_DPIAFile>(file, &PM_DPIAFile::list_sections); });
+    return telling(sections_place, [&] {
+        refuse_zero(file, sections_place);
+        return list_file<PM_DPIAFile>(file, &PM_DPIAFile::list_sections);
+    });
 }
 
 std::vector<DpiaSection> dpia_sections(std::iostream& stream) {
@@ -310,7 +323,10 @@ std::vector<DpiaSection> dpia_sections(std::iostream& stream) {
 }
 
 std::vector<CfgPlotter> cfg_plotters(std::u16string_view file) {
-    return telling(plotters_place, [&] { return list_file<PM_CFGFile>(file, &PM_CFGFile::list_plotters); });
+    return telling(plotters_place, [&] {
+        refuse_zero(file, plotters_place);
+        return list_file<PM_CFGFile>(file, &PM_CFGFile::list_plotters);
+    });
 }
 
 std::vector<CfgPlotter> cfg_plotters(std::iostream& stream) {

@@ -13,10 +13,10 @@
 // What programs that show files and trees ask before and beside a load: what kind a file is, what it holds
 // that is loaded by name or number, and what stands at a path.
 //
-// File names are as those of PM_Object::load(). Streams stay the caller's and open; they are read from their
-// start. Texts and vectors are the caller's own. Nothing here calls a handler: what a load would report is
-// thrown, as it is by a load without one (ZT_Exception). Want of memory is number 55, or 64 where the system
-// has none for the file.
+// File names are as those of PM_Object::load(); one that holds a zero is number 51 (PM_Warning), detail what
+// stands before it. Streams stay the caller's and open; they are read from their start. Texts and vectors are
+// the caller's own. Nothing here calls a handler: what a load would report is thrown, as it is by a load
+// without one (ZT_Exception). Want of memory is number 55, or 64 where the system has none for the file.
 namespace pm {
 
 // --- files

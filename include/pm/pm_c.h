@@ -26,7 +26,7 @@
 // Texts are UTF-8. One that goes in is a pointer and a length in bytes, or PM9_Z for "up to its zero"; it is
 // read during the call only, NULL is an empty text. What isn't UTF-8 becomes U+FFFD. An unpaired surrogate is
 // the three bytes that its number gives, so that every text of a tree comes out and goes in as it is. Names
-// of files are the system's bytes, on Windows UTF-8.
+// of files are the system's bytes, on Windows UTF-8. A zero in one, or in a path, is PM9_ERR_BAD_PATH.
 //
 // What comes out is the caller's. Every text, block of bytes or array that a function gives through a pointer
 // is one block, which the caller releases by pm9_free(). Behind a text or block stands a zero that its length

@@ -21,6 +21,15 @@ std::u16string file_name(const char* data, std::size_t length) {
     return wide;
 }
 
+std::string_view kit_file_name(const char* data, std::size_t length) {
+    const std::string_view name = text(data, length);
+    const std::size_t zero = name.find('\0');
+    if (zero != std::string_view::npos) {
+        refuse(file_name_to_utf16(name.substr(0, zero)).c_str(), PM_ERR_BAD_PATH);
+    }
+    return name;
+}
+
 std::optional<PM_Object::FileType> file_type(std::int32_t type) {
     if (type == PM9_FILE_ANY) return std::nullopt;
     if (type < PM9_FILE_PIA || type > PM9_FILE_CFG) refuse(u"type", PM_ERR_INVALID_ARGUMENT);

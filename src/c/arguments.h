@@ -65,8 +65,9 @@ namespace pm::c {
 std::string_view text(const char* data, std::size_t length) noexcept;
 // The same for PM_Object: number 51 for a text that holds a zero.
 std::u16string wide_text(const char* data, std::size_t length);
-// A file's name as <pm/inspect.h> takes it.
+// A file's name as <pm/inspect.h> takes it, and as the kit does.
 std::u16string file_name(const char* data, std::size_t length);
+std::string_view kit_file_name(const char* data, std::size_t length);
 
 // A handle or a place for a result.
 template<class T>

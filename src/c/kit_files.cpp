@@ -81,7 +81,7 @@ pm9_status pm9_tree_read(pm9_tree* tree, const char* file, size_t file_length, c
     return guarded(error, [&] {
         const pm9_read_options how = options(given, default_read, u"options");
         pm9_tree& target = required(tree, u"tree");
-        const pm::kit::Input input = input_of(text(file, file_length), how);
+        const pm::kit::Input input = input_of(kit_file_name(file, file_length), how);
         pm::kit::FileContent content;
         try {
             pm::kit::read_into(content, input);
@@ -120,7 +120,7 @@ pm9_status pm9_unreported(const char* file, size_t file_length, const pm9_read_o
                           size_t item_size, pm9_loss** losses, size_t* count, pm9_error* error) {
     return guarded(error, [&] {
         const pm9_read_options how = options(given, default_read, u"options");
-        const pm::kit::Input input = input_of(text(file, file_length), how);
+        const pm::kit::Input input = input_of(kit_file_name(file, file_length), how);
         block_of(unreported(input)).hand_out(item_size, losses, count);
     });
 }
@@ -130,7 +130,8 @@ pm9_status pm9_check(const char* file, size_t file_length, const pm9_check_optio
     return guarded(error, [&] {
         ArrayBlock<pm9_diagnostic> block;
         const pm::kit::CheckOptions how = check_options(given);
-        for (const pm::kit::Diagnostic& diagnostic : pm::kit::check_file(text(file, file_length), how)) {
+        const std::string_view name = kit_file_name(file, file_length);
+        for (const pm::kit::Diagnostic& diagnostic : pm::kit::check_file(name, how)) {
             add_diagnostic(block, diagnostic);
         }
         block.hand_out(item_size, diagnostics, count);

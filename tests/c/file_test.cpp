@@ -298,6 +298,25 @@ TEST(CFile, ThatIsRefusedLeavesSourceAndReports) {
     EXPECT_EQ(source_type(tree.get()), PM9_FILE_ANY);
 }
 
+TEST(CFile, IsRefusedWhereItsNameHoldsAZero) {
+    const TempFolder folder;
+    folder.write("a.pia", two_bad_values);
+    const std::string name = (folder / "a.pia").string() + std::string("\0junk", 5);
+    const std::string shown = "51 at \"pm9c\" with \"" + (folder / "a.pia").string() + '"';
+    const CTree tree = c_tree();
+    pm9_error error = c_error();
+    EXPECT_EQ(pm9_tree_read(tree.get(), name.data(), name.size(), nullptr, &error), PM9_ERR_BAD_PATH);
+    EXPECT_EQ(told(error), shown);
+    pm9_loss* losses = nullptr;
+    pm9_diagnostic* diagnostics = nullptr;
+    std::size_t count = 0;
+    EXPECT_EQ(pm9_unreported(name.data(), name.size(), nullptr, sizeof *losses, &losses, &count, nullptr),
+              PM9_ERR_BAD_PATH);
+    EXPECT_EQ(
+        pm9_check(name.data(), name.size(), nullptr, sizeof *diagnostics, &diagnostics, &count, nullptr),
+        PM9_ERR_BAD_PATH);
+}
+
 TEST(CFile, IsReadInTheCodePage) {
     const ScopedCodePage before(1252);
     EXPECT_EQ(pm9_code_page(), 1252U);

@@ -185,6 +185,15 @@ TEST(Identify, MissingFileIsToldWithItsName) {
     expect_thrown<PM_Severe>([&] { (void)identify(name); }, PM_ERR_NO_SUCH_FILE, place, name);
 }
 
+TEST(Identify, NameThatHoldsAZeroIsRefused) {
+    const TempFolder folder;
+    folder.write("a", "PIAFILEVERSION_2.0\n");
+    const std::u16string name = (folder / "a").u16string();
+    const std::u16string longer = name + u'\0' + u"b";
+    expect_thrown<PM_Warning>([&] { (void)identify(longer); }, PM_ERR_BAD_PATH, place, name);
+    expect_thrown<PM_Warning>([&] { (void)find_string_file(longer); }, PM_ERR_BAD_PATH, place, name);
+}
+
 TEST(Identify, FileBelowAFileIsMissing) {
     const TempFolder folder;
     const std::u16string name = folder.write("a", "hello") + u"/b";

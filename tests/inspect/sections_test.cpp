@@ -140,6 +140,18 @@ TEST(DpiaSections, MissingFileIsToldAsByALoad) {
                              file);
 }
 
+TEST(DpiaSections, NameThatHoldsAZeroIsRefused) {
+    const std::u16string name = sample_path("sections.dpia").u16string();
+    expect_thrown<PM_Warning>([&] { (void)dpia_sections(name + u'\0' + u"b"); }, PM_ERR_BAD_PATH,
+                              u"pm::dpia_sections()", name);
+}
+
+TEST(CfgPlotters, NameThatHoldsAZeroIsRefused) {
+    const std::u16string name = sample_path("three-plotters.cfg").u16string();
+    expect_thrown<PM_Warning>([&] { (void)cfg_plotters(name + u'\0' + u"b"); }, PM_ERR_BAD_PATH,
+                              u"pm::cfg_plotters()", name);
+}
+
 TEST(CfgPlotters, SampleIsListedWithItsNames) {
     EXPECT_THAT(plotters_in(sample("three-plotters.cfg")),
                 ElementsAre("1 DX-4200, drawing office", "2 DX-4200, workshop", "3 DX-4200, reception"));
