@@ -616,7 +616,7 @@ typedef struct pm9_compatibility_options {
     size_t configuration_base_length;
     const char* map; // JSON that tells where a configuration keeps its settings; NULL: the built-in one
     size_t map_length;
-    int32_t owner;   // number of whoever made the configuration; -1: none
+    int32_t owner;   // 0 to 3: number of whoever made the configuration; -1: none
     int32_t explain; // not 0: which rule looked where, too
 } pm9_compatibility_options;
 

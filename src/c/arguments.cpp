@@ -30,6 +30,13 @@ std::string_view kit_file_name(const char* data, std::size_t length) {
     return name;
 }
 
+std::optional<int> owner(std::int32_t number) {
+    constexpr std::int32_t last = 3;
+    if (number == -1) return std::nullopt;
+    if (number < 0 || number > last) refuse(u"owner", PM_ERR_INVALID_ARGUMENT);
+    return number;
+}
+
 std::optional<PM_Object::FileType> file_type(std::int32_t type) {
     if (type == PM9_FILE_ANY) return std::nullopt;
     if (type < PM9_FILE_PIA || type > PM9_FILE_CFG) refuse(u"type", PM_ERR_INVALID_ARGUMENT);

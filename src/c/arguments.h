@@ -95,6 +95,9 @@ Struct& result(Struct* given, const char16_t* name) {
     return *given;
 }
 
+// The number of whoever made a configuration; nothing for -1.
+std::optional<int> owner(std::int32_t number);
+
 // The type of a file; nothing for PM9_FILE_ANY.
 std::optional<PM_Object::FileType> file_type(std::int32_t type);
 

@@ -23,7 +23,7 @@ pm9_status pm9_compatibility(const pm9_tree* configuration, const pm9_tree* desc
         if (how.configuration_base != nullptr) {
             check.configuration_base = text(how.configuration_base, how.configuration_base_length);
         }
-        if (how.owner != -1) check.owner = how.owner;
+        check.owner = owner(how.owner);
         pm::kit::CompatibilityMap map;
         if (how.map != nullptr) {
             map = pm::kit::load_map(text(how.map, how.map_length));

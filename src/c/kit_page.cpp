@@ -101,7 +101,7 @@ pm9_status pm9_report_page(const pm9_page_part* description, const pm9_page_part
         const pm9_page_options how = options(given, default_page, u"options");
         if (description == nullptr && count == 0) refuse(u"configurations", PM_ERR_INVALID_ARGUMENT);
         pm::kit::CompatibilityOptions check;
-        if (how.owner != -1) check.owner = how.owner;
+        check.owner = owner(how.owner);
         pm::kit::CompatibilityMap map;
         if (how.map != nullptr) {
             map = pm::kit::load_map(text(how.map, how.map_length));

@@ -487,4 +487,22 @@ TEST_F(CCompatibility, RefusesWhatIsNoDescriptionAndNoMap) {
               PM9_BAD_INPUT);
 }
 
+TEST_F(CCompatibility, RefusesAnOwnerThatThereIsnt) {
+    pm9_compatibility_options options{};
+    options.size = sizeof options;
+    for (const std::int32_t owner : {4, 99, -2}) {
+        options.owner = owner;
+        char* text = nullptr;
+        std::size_t length = 0;
+        pm9_error error = c_error();
+        EXPECT_EQ(pm9_compatibility(configuration.get(), description.get(), &options, &text, &length, &error),
+                  PM9_ERR_INVALID_ARGUMENT);
+        EXPECT_STREQ(error.detail, "owner");
+    }
+    for (const std::int32_t owner : {-1, 0, 3}) {
+        options.owner = owner;
+        EXPECT_NE(findings(&options), "");
+    }
+}
+
 } // namespace
