@@ -313,7 +313,7 @@ typedef int32_t (*pm9_on_report)(void* context, const pm9_report* report);
 typedef struct pm9_load_options {
     size_t size;
     int32_t type;
-    int32_t plotter;  // of a CFG file
+    int32_t plotter;  // of a CFG file; PM9_ERR_TYPE_REFUSED for another than 0 with other types
     const char* base; // the node to load into; NULL for the root
     size_t base_length;
     const char* section; // of a DPIA file, the only one to load; NULL for its directory

@@ -65,7 +65,7 @@ struct LoadOptions {
     PM_Object::FileType type = PM_Object::FILE_PIA;
     std::string base = "\\";                 // the node to load into
     std::optional<std::string> section = {}; // the one section of a DPIA file to load, by name
-    int plotter = 0;                         // the plotter of a CFG file to load
+    int plotter = 0;                         // the plotter of a CFG file to load; 0 for other types
     OnReport on_report = {};                 // Answer::stop ends the load with ZT_Canceled_Error
 };
 

@@ -134,6 +134,13 @@ TEST(TreeLoad, ReadsThePlotterThatIsAsked) {
     EXPECT_EQ("DX4200-2", second.tree.get<std::string>("PlotDriver\\PlotterId"));
 }
 
+TEST(TreeLoad, PlotterOfAFileOfAnotherTypeIsRefused) {
+    const auto e =
+        pm::test::thrown_by([] { static_cast<void>(pm::load(PM_SAMPLES "/plotter.pia", {.plotter = 2})); });
+    ASSERT_TRUE(e.has_value());
+    EXPECT_EQ(PM_ERR_TYPE_REFUSED, e->m_number);
+}
+
 TEST(TreeLoad, MissingFileIsNumber63WithItsName) {
     expect_thrown<PM_Severe>([] { static_cast<void>(pm::load("/never/th\xC3\xA9re.pia")); },
                              PM_ERR_NO_SUCH_FILE, u"PM_PIAFile::load()", u"/never/th\u00E9re.pia");

@@ -168,7 +168,7 @@ inline std::vector<Report> Tree::load(const TextView& file, const LoadOptions& o
         if (options.section) {
             const detail::Terminated section(*options.section);
             object().load_section(name.text(), options.type, base, section.text());
-        } else if (options.type == PM_Object::FILE_CFG) {
+        } else if (options.type == PM_Object::FILE_CFG || options.plotter != 0) {
             object().load_cfg_section(name.text(), options.type, base, options.plotter);
         } else {
             object().load(name.text(), options.type, base);
