@@ -306,7 +306,7 @@ typedef struct pm9_report {
 
 // Asked at each report, before the load goes on: 0 ends it, with the report's number and kind 6. The report
 // is valid during the call only. The tree that is being loaded may not be used, and nothing may leave the
-// function but its answer.
+// function but its answer. A line of PIA text without "=", "{" and "}" is no report: it ends the load.
 typedef int32_t (*pm9_on_report)(void* context, const pm9_report* report);
 
 // How to read; NULL counts as {sizeof(pm9_load_options), PM9_FILE_ANY}.
@@ -318,7 +318,7 @@ typedef struct pm9_load_options {
     size_t base_length;
     const char* section; // of a DPIA file, the only one to load; NULL for its directory
     size_t section_length;
-    pm9_on_report on_report; // NULL: every load goes on
+    pm9_on_report on_report; // NULL: the load goes on at every report
     void* context;
 } pm9_load_options;
 

@@ -56,8 +56,9 @@ struct Report {
 // The text of an error number; empty without the message library.
 [[nodiscard]] std::string error_text(std::uint32_t number);
 
-// Asked at each report, before the load goes on; without one every load goes on. What it throws ends the load
-// and comes out of it. It may not use the tree that is being loaded.
+// Asked at each report, before the load goes on; without one it goes on at every report. What isn't reported
+// but thrown ends it either way: in PIA text a line without "=", "{" and "}", number 57. What this throws
+// ends the load and comes out of it. It may not use the tree that is being loaded.
 using OnReport = std::function<Answer(const Report&)>;
 
 // How to read. Texts are UTF-8. A type that can't be read so is number 67.
