@@ -246,9 +246,10 @@ PM9_API pm9_status pm9_tree_erase(pm9_tree* tree, const char* path, size_t path_
 PM9_API pm9_status pm9_tree_make_node(pm9_tree* tree, const char* path, size_t path_length, pm9_error* error);
 // Copies what is in the node `source` into the node `target`, which is made if it is missing; properties that
 // are there already stay. A source that isn't there is no failure: nothing is copied.
-// PM9_ERR_COPY_INTO_ITSELF if the last name of `source` is in `target`; PM9_ERR_NO_VALUE, with what was
-// copied by then, for a property that was never given a value, and raw data of no bytes is one to this
-// function.
+// PM9_ERR_COPY_INTO_ITSELF if the last name of `source` is in `target`. With what was copied by then staying:
+// PM9_ERR_NO_VALUE for a property that was never given a value, and raw data of no bytes is one to this
+// function; PM9_ERR_BAD_PATH where a path grows past 256 names, as it does when the root, which has no name,
+// is copied below itself.
 PM9_API pm9_status pm9_tree_copy_node(pm9_tree* tree, const char* source, size_t source_length,
                                       const char* target, size_t target_length, pm9_error* error);
 
