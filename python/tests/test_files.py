@@ -2,7 +2,10 @@
 
 from __future__ import annotations
 
+import copy
+import errno
 import os
+import pickle
 from collections.abc import Iterator
 from pathlib import Path
 
@@ -109,7 +112,19 @@ def test_failure_tells_all(tmp_path: Path) -> None:
     error = caught.value
     assert isinstance(error, pm9.NoSuchFileError) and isinstance(error, pm9.Error)
     assert (error.number, error.kind, error.detail) == (63, 4, str(tmp_path / "never.pia"))
+    assert (error.errno, error.filename) == (errno.ENOENT, str(tmp_path / "never.pia"))
+    assert error.strerror == os.strerror(errno.ENOENT)
     assert error.place != "" and str(error) == f"The file doesn't exist: {error.detail}"
+
+
+def test_failure_is_copied_whole(tmp_path: Path) -> None:
+    for file in (tmp_path / "never.pia", tmp_path):
+        with pytest.raises(pm9.Error) as caught:
+            pm9.load(file)
+        for other in (copy.copy(caught.value), pickle.loads(pickle.dumps(caught.value))):
+            assert type(other) is type(caught.value) and str(other) == str(caught.value)
+            assert vars(other) == vars(caught.value)
+            assert getattr(other, "filename", None) == getattr(caught.value, "filename", None)
 
 
 def test_type_that_isnt_written_is_error_67(tmp_path: Path) -> None:

@@ -2,6 +2,8 @@
 
 from __future__ import annotations
 
+import errno
+import os
 from typing import Any
 
 from pm9._library import NULL, ffi, lib, struct, text_out
@@ -21,7 +23,7 @@ class Error(Exception):
         self.place = place
         self.detail = detail
         self.line = line
-        super().__init__(number, kind, place, detail, line)
+        Exception.__init__(self, number, kind, place, detail, line)
 
     def __str__(self) -> str:
         text = error_text(self.number) or f"error {self.number}"
@@ -38,7 +40,14 @@ class NoMemoryError(Error, MemoryError):
 
 
 class NoSuchFileError(Error, FileNotFoundError):
-    """Number 63."""
+    """Number 63. `filename` is the file, as `detail` tells it."""
+
+    def __init__(self, number: int, kind: int, place: str, detail: str, line: int = 0) -> None:
+        super().__init__(number, kind, place, detail, line)
+        OSError.__init__(self, errno.ENOENT, os.strerror(errno.ENOENT), detail)
+
+    def __reduce__(self) -> tuple[Any, ...]:
+        return type(self), (self.number, self.kind, self.place, self.detail, self.line), self.__dict__
 
 
 class InputError(Error, ValueError):
