@@ -127,6 +127,34 @@ def test_failure_is_copied_whole(tmp_path: Path) -> None:
             assert getattr(other, "filename", None) == getattr(caught.value, "filename", None)
 
 
+def test_name_with_a_zero_is_error_51() -> None:
+    name = str(SAMPLES / "plotter.pia")
+    for act in (pm9.load, pm9.check, pm9.Tree().read, pm9.Tree({"a": 1}).save):
+        with pytest.raises(pm9.Error) as caught:
+            act(f"{name}\0junk")  # type: ignore[operator]
+        assert (caught.value.number, caught.value.detail) == (51, name)
+
+
+def test_reports_are_those_of_the_last_load(tmp_path: Path) -> None:
+    tree = pm9.loads(BAD)
+    with pytest.raises(pm9.NoSuchFileError):
+        tree.load(tmp_path / "never.pia")
+    assert tree.reports == []
+
+
+def test_line_without_a_sign_ends_the_load() -> None:
+    tree = pm9.Tree()
+    with pytest.raises(pm9.Error) as caught:
+        tree.load_bytes(b"PIAFILEVERSION_2.0\nb=1\nbad line\na=1\n")
+    assert caught.value.number == 57 and tree.to_dict() == {"b": 1} and tree.reports == []
+
+
+def test_plotter_of_another_format_is_error_67() -> None:
+    with pytest.raises(pm9.Error) as caught:
+        pm9.load(SAMPLES / "plotter.pia", plotter=2)
+    assert caught.value.number == 67
+
+
 def test_type_that_isnt_written_is_error_67(tmp_path: Path) -> None:
     with pytest.raises(pm9.Error) as caught:
         pm9.Tree().save(tmp_path / "a", type=pm9.FileType.PC2)
