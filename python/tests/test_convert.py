@@ -159,3 +159,8 @@ def test_change_in_place_waits_for_its_turn(tmp_path: Path) -> None:
         changed.replace(file)
     converting.join()
     assert pm9.load(file).to_dict() == {"a": 2}
+
+
+def test_target_without_a_name_doesnt_exist() -> None:
+    with pytest.raises(FileNotFoundError):
+        pm9.convert(SAMPLES / "plotter.pia", "")

@@ -21,6 +21,8 @@ def replace(target: File, content: bytes) -> None:
     A link stays and what it leads to is replaced; the new file has the owner, rights and attributes of the old one, as
     far as the process may give them. OSError for one that can't be written.
     """
+    if not os.fspath(target):
+        raise FileNotFoundError(errno.ENOENT, os.strerror(errno.ENOENT), target)
     path = os.path.realpath(os.fsdecode(target))
     old = _status(path)
     if old is not None and not stat.S_ISREG(old.st_mode):
