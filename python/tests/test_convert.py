@@ -2,7 +2,9 @@
 
 from __future__ import annotations
 
+import copy
 import os
+import pickle
 import stat
 import threading
 from collections.abc import Iterator
@@ -159,6 +161,12 @@ def test_change_in_place_waits_for_its_turn(tmp_path: Path) -> None:
         changed.replace(file)
     converting.join()
     assert pm9.load(file).to_dict() == {"a": 2}
+
+
+def test_losses_are_told_by_a_copy_too() -> None:
+    error = pm9.LossError([pm9.Loss("lost", r"\p", "r"), pm9.Loss("lost", r"\q", "r")])
+    for other in (error, copy.copy(error), pickle.loads(pickle.dumps(error))):
+        assert str(other) == r"\p: lost: r and 1 more" and other.losses == error.losses
 
 
 def test_target_without_a_name_doesnt_exist() -> None:

@@ -204,8 +204,11 @@ class LossError(Exception):
 
     def __init__(self, losses: list[Loss]) -> None:
         self.losses = losses
-        more = f" and {len(losses) - 1} more" if len(losses) > 1 else ""
-        super().__init__(f"{losses[0]}{more}")
+        super().__init__(losses)
+
+    def __str__(self) -> str:
+        more = f" and {len(self.losses) - 1} more" if len(self.losses) > 1 else ""
+        return f"{self.losses[0]}{more}"
 
 
 def _loss(found: Any) -> Loss:
@@ -402,6 +405,7 @@ def compatibility(configuration: Tree, description: Tree, *, description_base: s
     """Whether a configuration is possible on the device of a description; empty if it is.
 
     `map` is JSON that tells where a configuration keeps its settings; the built-in one knows the formats that are read.
+    `owner` is 0 to 3, or Error 78.
     """
     _trees(configuration, description)
     keep = [ffi.from_buffer(text_in(text)) for text in (description_base, configuration_base, map)]
