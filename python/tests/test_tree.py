@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import array
 import math
 import threading
 from collections.abc import MutableMapping
@@ -49,7 +50,7 @@ def test_buffers_are_bytes() -> None:
     assert tree["a"] == b"ab" and tree["b"] == b"cd"
 
 
-@pytest.mark.parametrize("value", [None, [1], object(), 1j, {1}])
+@pytest.mark.parametrize("value", [None, [1], object(), 1j, {1}, array.array("i", [1])])
 def test_value_of_no_type_is_a_type_error(value: object) -> None:
     tree = sample()
     with pytest.raises(TypeError, match="a property holds int, float, str, bool or bytes"):

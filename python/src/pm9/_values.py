@@ -8,7 +8,7 @@ from typing import Any, Union
 from pm9._library import bytes_out, ffi, struct, text_in, text_out
 
 Value = Union[int, float, str, bool, bytes, None]
-"""What a property holds; None for one that was never given a value. Bytes go in as any object with a buffer."""
+"""What a property holds; None for one that was never given a value. Bytes go in as bytearray and memoryview, too."""
 
 
 class Type(IntEnum):
