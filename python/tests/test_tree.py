@@ -130,6 +130,30 @@ def test_mapping_makes_a_node_anew() -> None:
     assert tree["z"] == {} and tree.properties() == {}
 
 
+@pytest.mark.parametrize("refused", ["z" * 4097, "z\0", 2**31, None, {"a\\b": 1}, {"n" * 1024: 1}],
+                         ids=["long text", "zero", "large number", "no value", "bad name", "long name"])
+def test_mapping_that_is_refused_leaves_what_was_there(refused: object) -> None:
+    tree = sample()
+    with pytest.raises((pm9.Error, TypeError, ValueError, OverflowError)):
+        tree["n"] = {"x": 1, "y": refused}
+    assert tree.to_dict() == sample().to_dict()
+
+
+def test_mapping_that_is_too_deep_leaves_what_was_there() -> None:
+    tree, deep = sample(), {"x": 1}
+    for _ in range(300):
+        deep = {"d": deep}  # type: ignore[dict-item]
+    with pytest.raises(pm9.Error) as caught:
+        tree["n"] = deep
+    assert caught.value.number == 51 and tree.to_dict() == sample().to_dict()
+
+
+def test_node_goes_into_what_takes_its_place() -> None:
+    tree = sample()
+    tree["n"] = {"old": tree["n"], "new": 1}
+    assert tree.to_dict() == {"n": {"old": {"copies": 2, "m": {"deep": 1}}, "new": 1}, "z": 1.5}
+
+
 def test_node_is_copied_into_another_tree_and_into_itself() -> None:
     tree, other = sample(), pm9.Tree()
     other["from"] = tree["n"]

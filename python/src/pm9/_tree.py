@@ -165,14 +165,15 @@ class Node(MutableMapping[str, Any]):
         """Sets a property, or for a mapping makes the node anew with what that holds.
 
         WrongTypeError for a value of another type than a property that is there, TypeError for one that no property
-        can hold, OverflowError for an integer beyond 32 bits.
+        can hold, OverflowError for an integer beyond 32 bits. When it fails, what was there stays.
         """
         path = self._below(_checked_name(name))
         if not isinstance(value, Mapping):
             self._set(path, value, _EXACT, True)
             return
-        content = value.to_dict() if isinstance(value, Node) else value
-        _check(content)
+        trial = Node(_Handle(), path)  # it refuses all that this tree would
+        trial._fill(path, value)
+        content = trial.to_dict()
         while self._erase(path) != _NOTHING:
             pass
         self._fill(path, content)
@@ -314,11 +315,12 @@ class Node(MutableMapping[str, Any]):
     def _fill(self, path: str, content: Mapping[str, Any]) -> None:
         if path:
             self._make(path)
-        for name, value in content.items():
+        for name, value in (content.to_dict() if isinstance(content, Node) else content).items():
+            below = f"{path}\\{_checked_name(name)}"
             if isinstance(value, Mapping):
-                self._fill(f"{path}\\{name}", value)
+                self._fill(below, value)
             else:
-                self._set(f"{path}\\{name}", value, _EXACT, True)
+                self._set(below, value, _EXACT, True)
 
     def _items(self, levels: int) -> list[_Item]:
         path, how = text_in(self.path), struct("pm9_list_options", levels=levels)
@@ -336,16 +338,6 @@ class Node(MutableMapping[str, Any]):
         raise KeyError(name)
 
 
-def _check(content: Mapping[Any, Any]) -> None:
-    """Raises what filling a node with this would, so that nothing is half made."""
-    for name, value in content.items():
-        _checked_name(name)
-        if isinstance(value, Mapping):
-            _check(value)
-        else:
-            value_in(value)
-
-
 class Tree(Node):
     """A tree of named nodes and typed properties, as a nested mapping.
 
@@ -361,11 +353,9 @@ class Tree(Node):
     def __init__(self, content: Optional[Mapping[str, Any]] = None) -> None:
         super().__init__(_Handle(), "")
         if content is not None:
-            whole = content.to_dict() if isinstance(content, Node) else content
-            if not isinstance(whole, Mapping):
-                raise TypeError(f"a tree is made of a mapping, not {type(whole).__name__}")
-            _check(whole)
-            self._fill("", whole)
+            if not isinstance(content, Mapping):
+                raise TypeError(f"a tree is made of a mapping, not {type(content).__name__}")
+            self._fill("", content)
 
     @property
     def reports(self) -> list[Report]:
