@@ -194,6 +194,20 @@ def test_path_with_an_index() -> None:
     assert caught.value.number == 87
 
 
+def test_path_without_a_name_is_error_51() -> None:
+    tree = pm9.Tree({"a": {"b": 1}})
+    for path in ("", "\\", "\\\\"):
+        for node in (tree, tree["a"]):
+            with pytest.raises(pm9.Error) as caught:
+                node.set(path, 5)
+            assert caught.value.number == 51
+            with pytest.raises(pm9.Error) as caught:
+                node.at(path)
+            assert caught.value.number == 51
+    tree["a"].set("", 5, 3)
+    assert tree["a"].at("", 3) == 5 and tree.to_dict() == {"a": {"b": 1, "3": 5}}
+
+
 def test_walk_goes_in_order() -> None:
     tree = pm9.Tree({"b": {"x": 1, "c": {"y": 2}}, "a": {"z": 3}, "top": 4})
     walked = [(node.path, properties) for node, properties in tree.walk()]

@@ -10,7 +10,7 @@ from dataclasses import dataclass
 from enum import IntEnum
 from typing import Any, Optional, Union
 
-from pm9._errors import call
+from pm9._errors import Error, call
 from pm9._library import NULL, bytes_out, ffi, lib, struct, text_in, text_out
 from pm9._values import Type, Value, value_in, value_out
 
@@ -235,11 +235,11 @@ class Node(MutableMapping[str, Any]):
 
         Error with number 51, 86 or 87 where there is no property.
         """
-        return self._value(self._down(path), -1 if index is None else index)
+        return self._value(self._down(path, index), -1 if index is None else index)
 
     def set(self, path: str, value: object, index: Optional[int] = None, strict: bool = True) -> None:
         """Sets the property at a path below this node, making what is missing; fails as an assignment does."""
-        self._set(self._down(path), value, -1 if index is None else index, strict)
+        self._set(self._down(path, index), value, -1 if index is None else index, strict)
 
     def walk(self, levels: int = 0) -> Iterator[tuple[Node, dict[str, Value]]]:
         """This node and those below it, `levels` deep or all, each with its properties; a node before its children."""
@@ -276,9 +276,11 @@ class Node(MutableMapping[str, Any]):
     def _below(self, name: str) -> str:
         return f"{self._path}\\{name}"
 
-    def _down(self, path: str) -> str:
+    def _down(self, path: str, index: Optional[int]) -> str:
         if not isinstance(path, str):
             raise TypeError(f"a path is a str, not {type(path).__name__}")
+        if not path.strip("\\") and index in (None, -1):
+            raise Error(51, 1, "pm9.Node", path)  # with this node's own name it would be a property beside it
         return f"{self._path}\\{path}"
 
     def _kind(self, name: str) -> int:
