@@ -208,6 +208,13 @@ def test_path_without_a_name_is_error_51() -> None:
     assert tree["a"].at("", 3) == 5 and tree.to_dict() == {"a": {"b": 1, "3": 5}}
 
 
+def test_name_of_two_surrogates_is_that_of_the_character() -> None:
+    tree = pm9.Tree({"\U0001f600": 1})
+    tree.make_child("\U0001f601")
+    assert tree.type_of("\ud83d\ude00") is pm9.Type.LONG
+    assert tree.child("\ud83d\ude01").to_dict() == {}
+
+
 def test_walk_goes_in_order() -> None:
     tree = pm9.Tree({"b": {"x": 1, "c": {"y": 2}}, "a": {"z": 3}, "top": 4})
     walked = [(node.path, properties) for node, properties in tree.walk()]

@@ -126,6 +126,13 @@ def _checked_name(name: object) -> str:
     return name
 
 
+def _paired(name: str) -> str:
+    """As the tree has it: two surrogates that make a character are that."""
+    if not isinstance(name, str):
+        return name
+    return name.encode("utf-16-le", "surrogatepass").decode("utf-16-le", "surrogatepass")
+
+
 class Node(MutableMapping[str, Any]):
     """A node of a tree: a mapping of the names of its properties to their values and of its children to nodes.
 
@@ -204,7 +211,7 @@ class Node(MutableMapping[str, Any]):
 
     def child(self, name: str) -> Node:
         """The child of that name, whatever property has it too; KeyError if there is none."""
-        if name not in (item.name for item in self._items(1)[1:] if item.is_node):
+        if _paired(name) not in (item.name for item in self._items(1)[1:] if item.is_node):
             raise KeyError(name)
         return Node(self._handle, self._below(name))
 
@@ -335,7 +342,7 @@ class Node(MutableMapping[str, Any]):
 
     def _property(self, name: str) -> _Item:
         for item in self._items(1)[1:]:
-            if item.name == name and not item.is_node:
+            if item.name == _paired(name) and not item.is_node:
                 return item
         raise KeyError(name)
 
