@@ -3,9 +3,11 @@
 from __future__ import annotations
 
 import array
+import copy
 import math
+import pickle
 import threading
-from collections.abc import MutableMapping
+from collections.abc import Callable, MutableMapping
 from typing import Any
 
 import pytest
@@ -206,6 +208,48 @@ def test_path_without_a_name_is_error_51() -> None:
             assert caught.value.number == 51
     tree["a"].set("", 5, 3)
     assert tree["a"].at("", 3) == 5 and tree.to_dict() == {"a": {"b": 1, "3": 5}}
+
+
+def test_copy_of_a_tree_is_another_tree() -> None:
+    tree = sample()
+    tree.set("loose", "x", strict=False)
+    tree.make_child("z")["\ud800"] = b""
+    for other in (copy.copy(tree), copy.deepcopy(tree), pickle.loads(pickle.dumps(tree))):
+        assert type(other) is pm9.Tree and pm9.diff(tree, other) == []
+        other["new"] = 1
+        assert "new" not in tree
+
+
+def test_copy_of_a_node_is_refused() -> None:
+    node = sample()["n"]
+    acts: list[Callable[[Any], Any]] = [copy.copy, copy.deepcopy, pickle.dumps]
+    for act in acts:
+        with pytest.raises(TypeError, match="a node is a place in its tree"):
+            act(node)
+
+
+def test_node_that_is_popped_is_a_tree_of_its_own() -> None:
+    tree = sample()
+    tree["n"].set("loose", 1, strict=False)
+    node = tree.pop("n")
+    assert type(node) is pm9.Tree and tree.to_dict() == {"z": 1.5}
+    assert node.to_dict() == {"copies": 2, "loose": 1, "m": {"deep": 1}} and not node.is_strict("loose")
+    assert tree.popitem() == ("z", 1.5) and tree.pop("z", 3) == 3
+    with pytest.raises(KeyError):
+        tree.popitem()
+    with pytest.raises(KeyError):
+        tree.pop("z")
+
+
+def test_node_that_is_gone_is_made_anew_by_what_is_set() -> None:
+    tree = sample()
+    node = tree["n"]
+    del tree["n"]
+    assert "copies" not in node
+    with pytest.raises(KeyError):
+        node.to_dict()
+    node["c"] = 5
+    assert tree.to_dict() == {"n": {"c": 5}, "z": 1.5}
 
 
 def test_name_of_two_surrogates_is_that_of_the_character() -> None:

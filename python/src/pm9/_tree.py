@@ -133,12 +133,21 @@ def _paired(name: str) -> str:
     return name.encode("utf-16-le", "surrogatepass").decode("utf-16-le", "surrogatepass")
 
 
+_NO_DEFAULT: Any = object()
+
+
 class Node(MutableMapping[str, Any]):
     """A node of a tree: a mapping of the names of its properties to their values and of its children to nodes.
 
     Its keys come in the tree's order, properties before children. Where a property and a child have the same name,
-    the name stands for the property; `child()` gives the child. A node is known by its path: it is what stands there
-    when it is used, and KeyError comes of it if nothing does.
+    the name stands for the property; `child()` gives the child.
+
+    A node is known by its path: it is what stands there when it is used. If nothing does, no name is in it, to read or
+    list it is a KeyError, and to set something in it makes it anew. So a copy of a node is refused, a TypeError: take
+    `to_dict()` of it, or a Tree made of it.
+
+    It equals what has the same nested dicts: neither order nor strictness counts, 1 equals 1.0 and True, and a child
+    that has the name of a property doesn't count. `pm9.diff()` is exact.
     """
 
     __slots__ = ("_handle", "_path")
@@ -206,6 +215,28 @@ class Node(MutableMapping[str, Any]):
 
     def __repr__(self) -> str:
         return f"<{type(self).__name__} {self.path}>"
+
+    def __reduce__(self) -> Any:
+        raise TypeError("a node is a place in its tree: copy its to_dict(), or the tree")
+
+    def pop(self, name: str, default: Any = _NO_DEFAULT) -> Any:
+        """Removes what has the name and gives it: a value or, as a tree of its own, what was in the child."""
+        try:
+            held = self[name]
+        except KeyError:
+            if default is _NO_DEFAULT:
+                raise
+            return default
+        if isinstance(held, Node):
+            held = Tree.from_json(held._json())
+        del self[name]
+        return held
+
+    def popitem(self) -> tuple[str, Any]:
+        """Removes the first name and what it stands for, and gives both as `pop` does; KeyError if there is none."""
+        for name in self:
+            return name, self.pop(name)
+        raise KeyError("nothing is left")
 
     # --- beyond the mapping
 
@@ -290,6 +321,11 @@ class Node(MutableMapping[str, Any]):
             raise Error(51, 1, "pm9.Node", path)  # with this node's own name it would be a property beside it
         return f"{self._path}\\{path}"
 
+    def _json(self, **how: bool) -> str:
+        path = text_in(self.path)
+        told = self._handle.text(lib.pm9_tree_to_json, path, len(path), struct("pm9_json_options", **how))
+        return told.decode("utf-8", "surrogatepass")
+
     def _kind(self, name: str) -> int:
         if not _is_name(name):
             return _NOTHING
@@ -354,7 +390,8 @@ class Tree(Node):
         tree["media"]["copies"] = 3
 
     Values keep their type: int (32 bits), float, str, bool, bytes. `reports` has what the last load passed over.
-    A tree may be used by several threads, one waiting for the other.
+    A tree may be used by several threads, one waiting for the other. A copy of one, also by pickle, is a tree of its
+    own with all that is in it; reports and what is known of the file that it was read from stay behind.
     """
 
     __slots__ = ()
@@ -365,6 +402,15 @@ class Tree(Node):
             if not isinstance(content, Mapping):
                 raise TypeError(f"a tree is made of a mapping, not {type(content).__name__}")
             self._fill("", content)
+
+    def __copy__(self) -> Tree:
+        return self.from_json(self._json())
+
+    def __deepcopy__(self, _memo: dict[int, Any]) -> Tree:
+        return self.from_json(self._json())
+
+    def __reduce__(self) -> Any:
+        return self.from_json, (self._json(one_line=True),)
 
     @property
     def reports(self) -> list[Report]:
@@ -405,8 +451,7 @@ class Tree(Node):
 
     def to_json(self, *, one_line: bool = False, plain: bool = False) -> str:
         """The tree as JSON, exact; `plain` is nested objects for other programs, without types."""
-        options = struct("pm9_json_options", one_line=one_line, plain=plain)
-        return self._handle.text(lib.pm9_tree_to_json, b"", 0, options).decode("utf-8", "surrogatepass")
+        return self._json(one_line=one_line, plain=plain)
 
     @classmethod
     def from_json(cls, text: str) -> Tree:
