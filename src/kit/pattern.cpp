@@ -1,6 +1,7 @@
 #include "pattern_walk.h"
 #include "tree_place.h"
 #include <algorithm>
+#include <pm/build.h>
 #include <pm/kit/error.h>
 #include <pm/kit/pattern.h>
 
@@ -42,21 +43,56 @@ bool matches_parts(const std::vector<std::u16string>& parts, std::u16string_view
     return true;
 }
 
-void append_found(const Node& node, const std::string& path, PatternWalk& walk, bool only_nodes,
-                  std::vector<Match>& found) {
-    for (const Property property : node.properties()) {
-        if (!only_nodes && walk.matches_below(property.name16(), false)) {
-            found.push_back({path + property.name(), node, property});
+// Gathers what a pattern matches.
+class Search {
+public:
+    // With a tree, what has a name of the pattern is looked up in it.
+    Search(const Pattern& pattern, std::optional<TreeBuilder> tree)
+        : m_walk(pattern), m_only_nodes(pattern.only_nodes()), m_tree(tree) {}
+
+    std::vector<Match> run(const Node& root) {
+        if (m_walk.matches()) m_found.push_back({"\\", root, std::nullopt});
+        if (m_walk.may_match_below()) go_below(root, "\\");
+        return std::move(m_found);
+    }
+
+private:
+    void go_below(const Node& node, const std::string& path) {
+        const std::u16string* const name = m_tree ? m_walk.only_name() : nullptr;
+        if (name != nullptr) {
+            look_up(node, path, *name);
+            return;
+        }
+        for (const Property property : node.properties()) {
+            take(node, path, property);
+        }
+        for (const Node child : node.children()) {
+            take(child, path);
         }
     }
-    for (const Node child : node.children()) {
-        walk.enter(child.name16());
-        const std::string child_path = path + child.name() + '\\';
-        if (walk.matches()) found.push_back({child_path, child, std::nullopt});
-        if (walk.may_match_below()) append_found(child, child_path, walk, only_nodes, found);
-        walk.leave();
+    void look_up(const Node& node, const std::string& path, const std::u16string& name) {
+        const PM_Property* const property = m_tree->find_property(*node.handle(), name);
+        if (property != nullptr) take(node, path, Property(*property));
+        const PM_Node* const child = m_tree->find_child(*node.handle(), name);
+        if (child != nullptr) take(Node(*child), path);
     }
-}
+    void take(const Node& node, const std::string& path, const Property& property) {
+        if (m_only_nodes || !m_walk.matches_below(property.name16(), false)) return;
+        m_found.push_back({path + property.name(), node, property});
+    }
+    void take(const Node& child, const std::string& path) {
+        m_walk.enter(child.name16());
+        const std::string child_path = path + child.name() + '\\';
+        if (m_walk.matches()) m_found.push_back({child_path, child, std::nullopt});
+        if (m_walk.may_match_below()) go_below(child, child_path);
+        m_walk.leave();
+    }
+
+    PatternWalk m_walk;
+    bool m_only_nodes;
+    std::optional<TreeBuilder> m_tree;
+    std::vector<Match> m_found;
+};
 
 } // namespace
 
@@ -68,6 +104,8 @@ Pattern::Pattern(std::string_view text) {
     for_each_name(wide, [&](std::u16string_view name) {
         Component component;
         component.any_depth = name == u"**";
+        // Several in a row say no more than one, and would all be followed.
+        if (component.any_depth && !m_components.empty() && m_components.back().any_depth) return;
         if (!component.any_depth) component.parts = parts_of(name);
         m_literal = m_literal && component.parts.size() == 1;
         if (m_literal) (path += u'\\') += component.parts.front();
@@ -94,12 +132,12 @@ PatternWalk::PatternWalk(const Pattern& pattern) : m_pattern(&pattern) {
     m_states.push_back(std::move(start));
 }
 
+// What is added rises, so that it is there already unless it is behind the last.
 void PatternWalk::add(States& states, std::size_t used) const {
     const auto& components = m_pattern->m_components;
-    for (;; ++used) {
-        if (std::ranges::find(states, used) == states.end()) states.push_back(used);
-        if (used == components.size() || !components[used].any_depth) return;
-    }
+    if (states.empty() || states.back() < used) states.push_back(used);
+    const bool may_be_none = used < components.size() && components[used].any_depth;
+    if (may_be_none && states.back() == used) states.push_back(used + 1);
 }
 
 PatternWalk::States PatternWalk::after(std::u16string_view name) const {
@@ -116,14 +154,27 @@ PatternWalk::States PatternWalk::after(std::u16string_view name) const {
     return next;
 }
 
+bool PatternWalk::is_whole(const States& states) const {
+    return !states.empty() && states.back() == m_pattern->m_components.size();
+}
+
 bool PatternWalk::matches() const {
-    return std::ranges::find(m_states.back(), m_pattern->m_components.size()) != m_states.back().end();
+    return is_whole(m_states.back());
 }
 
 bool PatternWalk::matches_below(std::u16string_view name, bool node) const {
     if (m_pattern->only_nodes() && !node) return false;
-    const States next = after(name);
-    return std::ranges::find(next, m_pattern->m_components.size()) != next.end();
+    return is_whole(after(name));
+}
+
+bool PatternWalk::may_match_below() const {
+    return !m_states.back().empty() && m_states.back().front() < m_pattern->m_components.size();
+}
+
+const std::u16string* PatternWalk::only_name() const {
+    if (m_states.back().size() != 1 || !may_match_below()) return nullptr;
+    const auto& parts = m_pattern->m_components[m_states.back().front()].parts;
+    return parts.size() == 1 ? &parts.front() : nullptr;
 }
 
 void PatternWalk::enter(std::u16string_view name) {
@@ -131,15 +182,12 @@ void PatternWalk::enter(std::u16string_view name) {
 }
 
 std::vector<Match> find_all(const Node& root, const Pattern& pattern) {
-    std::vector<Match> found;
-    PatternWalk walk(pattern);
-    if (walk.matches()) found.push_back({"\\", root, std::nullopt});
-    append_found(root, "\\", walk, pattern.only_nodes(), found);
-    return found;
+    return Search(pattern, std::nullopt).run(root);
 }
 
 std::vector<Match> find_all(const Tree& tree, const Pattern& pattern) {
-    return find_all(tree.root(), pattern);
+    // A builder that only looks things up changes nothing.
+    return Search(pattern, TreeBuilder(const_cast<PM_Object&>(tree.object()))).run(tree.root());
 }
 
 std::string escaped(std::string_view path) {

@@ -18,7 +18,9 @@ public:
     // Whether it matches a node or property of that name right below.
     [[nodiscard]] bool matches_below(std::u16string_view name, bool node) const;
     // Whether anything below can match.
-    [[nodiscard]] bool may_match_below() const { return !m_states.back().empty(); }
+    [[nodiscard]] bool may_match_below() const;
+    // The one name that what can match right below has; null if there are several.
+    [[nodiscard]] const std::u16string* only_name() const;
 
     void enter(std::u16string_view name);
     void leave() { m_states.pop_back(); }
@@ -28,6 +30,7 @@ private:
     using States = std::vector<std::size_t>;
     [[nodiscard]] States after(std::u16string_view name) const;
     void add(States& states, std::size_t used) const;
+    [[nodiscard]] bool is_whole(const States& states) const;
 
     const Pattern* m_pattern;
     std::vector<States> m_states; // one for each level

@@ -75,6 +75,33 @@ TEST(Pattern, TwoAsterisksAtTheEndAreOneNameAtLeast) {
     EXPECT_FALSE(matches("\\**", "\\"));
 }
 
+TEST(Pattern, TwoAsterisksInARowAreAsOneOfThem) {
+    EXPECT_TRUE(matches("\\**\\**\\name", "\\name"));
+    EXPECT_TRUE(matches("\\a\\**\\**\\**", "\\a\\b"));
+    EXPECT_FALSE(matches("\\a\\**\\**\\**", "\\a\\"));
+    EXPECT_FALSE(matches("\\**\\**", "\\"));
+}
+
+// Patterns of so many names, which end only if each name of a path goes through each of the pattern once.
+TEST(Pattern, OfManyTwoAsterisksTakesNoLongerThanItsLength) {
+    constexpr int count = 20000;
+    std::string path;
+    for (int i = 0; i < 200; ++i) {
+        path += "\\a";
+    }
+    std::string in_a_row;
+    std::string apart;
+    for (int i = 0; i < count; ++i) {
+        in_a_row += "\\**";
+        apart += "\\**\\*";
+    }
+    EXPECT_TRUE(matches((in_a_row + "\\a").c_str(), path.c_str()));
+    EXPECT_FALSE(matches((in_a_row + "\\b").c_str(), path.c_str()));
+    EXPECT_FALSE(matches(apart.c_str(), path.c_str()));
+    EXPECT_TRUE(matches(apart.substr(0, 200 * 5).c_str(), path.c_str()));
+    EXPECT_FALSE(matches(apart.substr(0, 201 * 5).c_str(), path.c_str()));
+}
+
 TEST(Pattern, BracketsAroundAnAsteriskMakeItOrdinary) {
     EXPECT_TRUE(matches("\\[*]", "\\*"));
     EXPECT_FALSE(matches("\\[*]", "\\x"));
@@ -122,6 +149,22 @@ TEST(FindAll, FindsWhatMatchesOneByOne) {
             }
             EXPECT_EQ(expected, found(tree, text)) << text;
         }
+    }
+}
+
+// So that a script of a line for each place of a long list takes no square of its length.
+TEST(FindAll, LooksUpNamesWithoutAsterisks) {
+    constexpr int count = 30000;
+    Tree tree;
+    for (int i = 0; i < count; ++i) {
+        tree.set("\\n*\\p", i, i);
+    }
+    for (int i = 0; i < count; ++i) {
+        const std::string name = "\\n" + std::to_string(i);
+        const std::vector<Match> matches = find_all(tree, Pattern(name + "\\*"));
+        ASSERT_EQ(1U, matches.size());
+        ASSERT_EQ(name + "\\p", matches.front().path);
+        ASSERT_EQ(i, matches.front().property->as<int>());
     }
 }
 
