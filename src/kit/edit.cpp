@@ -24,10 +24,31 @@ Place place_of(std::string_view path) {
     return {split_path(wide), is_node_path(wide)};
 }
 
+std::size_t size_of(const Stored& value) {
+    return value.bytes ? value.bytes->size() : 0;
+}
+
+// A few lines of a script can ask for more than any machine has. What copies and patterns may still make.
+class Allowance {
+public:
+    // False if there isn't so much left.
+    [[nodiscard]] bool take(std::size_t items, std::size_t bytes) {
+        if (items > m_items || bytes > m_bytes) return false;
+        m_items -= items;
+        m_bytes -= bytes;
+        return true;
+    }
+
+private:
+    std::size_t m_items = 1'000'000; // nodes and properties
+    std::size_t m_bytes = 256 << 20; // of values
+};
+
 // Changes one tree, one edit after the other.
 class Editor {
 public:
-    Editor(Tree& tree, const Edit& edit) : m_tree(tree), m_builder(tree.object()), m_edit(edit) {}
+    Editor(Tree& tree, const Edit& edit, Allowance& allowance)
+        : m_tree(tree), m_builder(tree.object()), m_edit(edit), m_allowance(allowance) {}
 
     void run() {
         const Pattern pattern(m_edit.path);
@@ -44,6 +65,21 @@ public:
 private:
     [[noreturn]] void fail(std::string_view path, std::string_view message) const {
         throw Error(fmt::format("{}: {}", printable_text(path), message), m_edit.line);
+    }
+
+    void charge(std::size_t items, std::size_t bytes) const {
+        if (m_allowance.take(items, bytes)) return;
+        fail(m_edit.path,
+             "copies and patterns of a script make no more than 1000000 nodes and properties, and "
+             "256 MB of values");
+    }
+    void charge_node(const PM_Node& node) const {
+        for (const auto& [each, level] : Node(node).walk()) {
+            charge(1, 0);
+            for (const Property property : each.properties()) {
+                charge(1, property.bytes().size());
+            }
+        }
     }
 
     void set(const std::string& path) {
@@ -63,6 +99,7 @@ private:
         for (const Match& match : matches(pattern)) {
             if (!match.property) continue;
             found = true;
+            charge(0, size_of(*m_edit.value));
             put_stored(m_builder, *match.node.handle(), std::u16string(match.property->name16()),
                        *m_edit.value);
         }
@@ -157,7 +194,11 @@ private:
         if (m_builder.find_property(to, name) != nullptr && !(same && moves)) {
             fail(to_utf8(parent + u'\\' + name), "there is a property of this path already");
         }
-        if (moves) m_builder.erase_property(from, source.name);
+        if (moves) {
+            m_builder.erase_property(from, source.name);
+        } else {
+            charge(1, size_of(value));
+        }
         put_stored(m_builder, to, name, value);
     }
 
@@ -173,6 +214,7 @@ private:
             fail(to_utf8(target.parent + u'\\' + target.name + u'\\'),
                  "there is a node of this path already");
         }
+        if (!moves) charge_node(node);
         if (there == nullptr) {
             copy_node(Node(node), m_builder, m_builder.child(parent, target.name));
             if (moves) m_builder.erase(node);
@@ -188,6 +230,7 @@ private:
     Tree& m_tree;
     TreeBuilder m_builder;
     const Edit& m_edit;
+    Allowance& m_allowance;
 };
 
 // Whether one path lies in the node of the other.
@@ -195,11 +238,9 @@ bool is_below(const std::string& path, const std::string& node) {
     return !node.empty() && path.starts_with(node);
 }
 
-} // namespace
-
-void apply_edit(Tree& tree, const Edit& edit) {
+void apply_within(Tree& tree, const Edit& edit, Allowance& allowance) {
     try {
-        Editor(tree, edit).run();
+        Editor(tree, edit, allowance).run();
     } catch (const PM_Warning& e) {
         if (e.m_number != PM_ERR_BAD_PATH) throw;
         throw Error(fmt::format("{}: no path can be so: its names hold a zero, or are more than 256",
@@ -208,12 +249,20 @@ void apply_edit(Tree& tree, const Edit& edit) {
     }
 }
 
+} // namespace
+
+void apply_edit(Tree& tree, const Edit& edit) {
+    Allowance allowance;
+    apply_within(tree, edit, allowance);
+}
+
 Tree applied(const Tree& tree, std::span<const Edit> edits) {
     Tree result = copy(tree);
+    Allowance allowance;
     while (!edits.empty()) {
         std::size_t done = do_end_moves(result, edits);
         if (done == 0) {
-            apply_edit(result, edits.front());
+            apply_within(result, edits.front(), allowance);
             done = 1;
         }
         edits = edits.subspan(done);

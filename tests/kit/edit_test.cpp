@@ -151,6 +151,44 @@ TEST_F(Apply, MoveOfAPatternTakesEachOfSeveralNodes) {
               text());
 }
 
+TEST_F(Apply, CopiesMakeNoMoreThanAMillionNodesAndProperties) {
+    std::string text;
+    for (int i = 0; i < 30; ++i) {
+        text += fmt::format("cp \\n\\ \\b\\\nmv \\b\\ \\n\\c{}\\\n", i);
+    }
+    // 5 nodes and properties, which double: the first 17 copies make 5 * (2^17 - 1) of them.
+    EXPECT_EQ("35: \\n\\: copies and patterns of a script make no more than 1000000 nodes and properties, "
+              "and 256 MB of values",
+              error(text));
+}
+
+TEST_F(Apply, CopiesAndPatternsMakeNoMoreThan256MegabytesOfValues) {
+    const char* const refused = " copies and patterns of a script make no more than 1000000 nodes and "
+                                "properties, and 256 MB of values";
+    const auto set = [](const char* path, std::uint64_t line) {
+        return Edit{Edit::Verb::set, path, {}, Stored{PROP_VOID, true, Bytes(32 << 20)}, line};
+    };
+    const auto eight_copies = [] {
+        std::string text;
+        for (int i = 0; i < 8; ++i) {
+            text += fmt::format("cp \\v \\w{}\n", i);
+        }
+        return parse_script(text);
+    };
+    apply_edit(tree, set("\\v", 0));
+    const Tree before = copy(tree);
+    std::vector<Edit> edits = eight_copies();
+    edits.push_back(set("\\v", 9)); // one path needs no asterisk, and a script as long as the value
+    edits.push_back(set("\\n\\p*", 10));
+    EXPECT_EQ("10: \\n\\p*:" + std::string(refused), error_of([&] { apply_edits(tree, edits); }));
+    edits.back() = parse_script("cp \\v \\n\\v").front();
+    EXPECT_EQ("1: \\v:" + std::string(refused), error_of([&] { apply_edits(tree, edits); }));
+    EXPECT_TRUE(identical(before, tree));
+    edits.pop_back();
+    apply_edits(tree, edits);
+    EXPECT_TRUE(tree.contains("\\w7"));
+}
+
 TEST_F(Apply, PathThatIsTooDeepIsAnErrorAndNoCrash) {
     std::string deep;
     for (int i = 0; i < 257; ++i) {

@@ -34,6 +34,9 @@
 //
 // mv and cp make the nodes that the target needs and take its property's or node's place only where that is
 // free. A target that ends in a backslash is a node: a property goes into it under its own name.
+//
+// The copies of a script make 1000000 nodes and properties at most, and hold 256 MB of values together with
+// what its patterns set.
 namespace pm::kit {
 
 struct Edit {
@@ -54,13 +57,14 @@ struct Edit {
 [[nodiscard]] PM_KIT_API std::string edit_line(const Edit& edit);
 
 // All or nothing: when it throws, the tree is as before. Throws Error, with the edit's line, for what isn't
-// there, a target that is taken, a node that would go into itself, and a path that can't be made (the message
-// says which); want of memory passes. Handles into the tree don't survive it.
+// there, a target that is taken, a node that would go into itself, a path that can't be made (the message
+// says which), and more than a script may make; want of memory passes. Handles into the tree don't survive
+// it.
 PM_KIT_API void apply_edits(Tree& tree, std::span<const Edit> edits);
 // The tree that this makes; `tree` stays.
 [[nodiscard]] PM_KIT_API Tree applied(const Tree& tree, std::span<const Edit> edits);
 
-// One edit at once. When it throws, what was done stays.
+// One edit at once, as a script of it alone. When it throws, what was done stays.
 PM_KIT_API void apply_edit(Tree& tree, const Edit& edit);
 
 // The edits that turn the first tree of a comparison into the second, exactly: order, empty nodes, strictness
