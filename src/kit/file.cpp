@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 #include <fstream>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <pm/code_page.h>
 #include <pm/error_number.h>
@@ -17,12 +18,22 @@
 #include <pm/kit/stored.h>
 #include <set>
 #include <sstream>
+#include <tuple>
 
 namespace pm::kit {
 
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr unsigned utf8_code_page = 65001;
+constexpr const char16_t* source_name = u"$Workfile: file $ $Revision: #1 $";
+constexpr const char16_t* section_place = u"load_section"; // as of a section that the file doesn't hold
+
+// Sections may share bytes, again and again: so often what the file has is read at most.
+constexpr std::uint64_t most_readings = 4;
+// Each plotter is a reading of the whole file, and has all defaults.
+constexpr std::size_t most_plotters = 1000;
 
 // Content as the library is given it: a file by name, or a stream.
 struct Source {
@@ -69,9 +80,36 @@ public:
     // Loads what the options say into a tree; `section` is for the reports.
     void load(Tree& tree, LoadOptions options, const std::string& section) {
         options.type = m_source.type;
-        options.on_report = m_input.on_report;
+        fill(tree, section, [&] { load_from(m_source, tree, std::move(options)); });
+    }
+
+    // Loads a section below a node of its own.
+    void load_section(LoadOptions options, const Section& section) {
+        options.type = m_source.type;
+        fill_section(section, [&](Tree& part) { load_from(m_source, part, std::move(options)); });
+    }
+    // The same of the bytes of a section, a PIA file.
+    void load_section(std::string_view bytes, const Section& section) {
+        fill_section(section, [&](Tree& part) {
+            const ScopedCodePage code_page(utf8_code_page);
+            Source source;
+            source.bytes = bytes;
+            load_from(source, part, {});
+        });
+    }
+    // A section whose bytes can't be had.
+    void refuse_section(const Section& section) {
+        fill_section(section, [&](Tree&) {
+            throw PM_Severe(PM_ERR_STREAM_FAILED, section_place, to_utf16(section.name).c_str(), source_name);
+        });
+    }
+
+private:
+    // Lets `load` fill a tree.
+    template<class Load>
+    void fill(Tree& tree, const std::string& section, Load load) {
         try {
-            load_source(tree, options);
+            load();
             take_reports(tree, section);
         } catch (ZT_Exception& e) {
             show_name(e, m_source);
@@ -82,15 +120,15 @@ public:
         }
     }
 
-    // Loads a section below a node of its own.
-    void load_section(LoadOptions options, const Section& section) {
+    template<class Load>
+    void fill_section(const Section& section, Load load) {
         const TreeBuilder builder(m_content.tree.object());
         const PM_Node& node = builder.child(builder.root(), to_utf16(section.node));
         // Its name may hold what a base can't, so that the section is loaded for itself and then copied; what
         // was read before a failure, too.
         Tree part;
         try {
-            load(part, std::move(options), section.name);
+            fill(part, section.name, [&] { load(part); });
         } catch (const ZT_Exception&) {
             copy_node(part.root(), builder, node);
             throw;
@@ -98,18 +136,19 @@ public:
         copy_node(part.root(), builder, node);
     }
 
-private:
-    void load_source(Tree& tree, const LoadOptions& options) {
-        if (!m_source.path.empty()) {
-            tree.load(m_source.path, options);
+    void load_from(const Source& source, Tree& tree, LoadOptions options) const {
+        options.on_report = m_input.on_report;
+        if (!source.path.empty()) {
+            tree.load(source.path, options);
             return;
         }
-        std::stringstream stream{std::string(m_source.bytes)};
+        std::stringstream stream{std::string(source.bytes)};
         tree.load(stream, options);
     }
 
     void take_reports(const Tree& tree, const std::string& section) {
         for (const Report& report : tree.reports()) {
+            if (is_told(report)) continue;
             FileReport& taken = m_content.reports.emplace_back();
             static_cast<Report&>(taken) = report;
             taken.detail = with_shown_name(report.detail, m_source);
@@ -117,9 +156,16 @@ private:
         }
     }
 
+    // Most bad lines of a CFG file are bad for each of its plotters.
+    bool is_told(const Report& report) {
+        return m_source.type == PM_Object::FILE_CFG &&
+               !m_told.emplace(report.number, report.place, report.detail).second;
+    }
+
     FileContent& m_content;
     const Input& m_input;
     const Source& m_source;
+    std::set<std::tuple<std::uint32_t, std::string, std::string>> m_told;
 };
 
 // ---- files of several trees
@@ -127,12 +173,14 @@ private:
 // Gives each section the name of its node.
 void name_nodes(std::vector<Section>& sections) {
     std::set<std::string> taken;
+    std::map<std::string, int> numbers; // the last behind each name
     for (Section& section : sections) {
         std::string name = section.name.empty() ? "section" : section.name;
         std::ranges::replace(name, '\\', '/');
         section.node = name;
-        for (int i = 2; !taken.insert(section.node).second; ++i) {
-            section.node = fmt::format("{}#{}", name, i);
+        int& number = numbers.try_emplace(name, 1).first->second;
+        while (!taken.insert(section.node).second) {
+            section.node = fmt::format("{}#{}", name, ++number);
         }
     }
 }
@@ -154,22 +202,39 @@ bool has_section(const std::vector<Section>& sections, std::string_view name) {
     return std::ranges::find(sections, name, &Section::name) != sections.end();
 }
 
-void read_sections(FileContent& content, Reading& reading) {
+// Lets `load` read the first section of each name, which it gets with its place in the file's order.
+template<class Load>
+void read_sections(FileContent& content, Load load) {
     content.by_section = true;
     name_nodes(content.sections);
     std::set<std::string> read;
-    for (const Section& section : content.sections) {
+    for (std::size_t i = 0; i < content.sections.size(); ++i) {
+        const Section& section = content.sections[i];
         if (read.insert(section.name).second) {
-            LoadOptions options;
-            if (content.type == PM_Object::FILE_DPIA) options.section = section.name;
-            if (content.type == PM_Object::FILE_CFG) options.plotter = std::stoi(section.name);
-            reading.load_section(options, section);
+            load(section, i);
         } else {
             const TreeBuilder builder(content.tree.object());
             builder.child(builder.root(), to_utf16(section.node));
             content.unread.push_back(section.name);
         }
     }
+}
+
+// From the file's bytes, so that the directory isn't followed for each section.
+void read_dpia_sections(FileContent& content, const std::vector<DpiaSection>& directory, const Source& source,
+                        Reading& reading) {
+    const std::string bytes = read_bytes(system_path(file_name_to_utf8(source.path)), source.shown);
+    std::uint64_t left = most_readings * bytes.size();
+    read_sections(content, [&](const Section& section, std::size_t i) {
+        const DpiaSection& entry = directory[i];
+        const bool inside = entry.offset <= bytes.size() && entry.size <= bytes.size() - entry.offset;
+        if (!inside || entry.size > left) {
+            reading.refuse_section(section);
+            return;
+        }
+        left -= entry.size;
+        reading.load_section(std::string_view(bytes).substr(entry.offset, entry.size), section);
+    });
 }
 
 // 1 or 2, the upper half of the word in front; dpia_sections() refuses others.
@@ -181,12 +246,13 @@ int dpia_version(const std::u16string& path) {
 }
 
 void read_dpia(FileContent& content, const Input& input, const Source& source, Reading& reading) {
-    for (const DpiaSection& section : dpia_sections(source.path)) {
+    const std::vector<DpiaSection> directory = dpia_sections(source.path);
+    for (const DpiaSection& section : directory) {
         content.sections.push_back({to_utf8(section.name), to_utf8(section.info.value_or(u"")), {}});
     }
     content.version = dpia_version(source.path);
     if (input.section.empty()) {
-        read_sections(content, reading);
+        read_dpia_sections(content, directory, source, reading);
         return;
     }
     if (!has_section(content.sections, input.section)) refuse_section(content, input, "section");
@@ -204,12 +270,22 @@ int plotter_number(const Input& input) {
                             quoted_text(input.section)));
 }
 
+void read_plotters(FileContent& content, const Input& input, Reading& reading) {
+    if (content.sections.size() > most_plotters) {
+        throw Error(fmt::format("{}: these are {} plotters, and {} are read at once at most; choose one",
+                                input.file, content.sections.size(), most_plotters));
+    }
+    read_sections(content, [&](const Section& section, std::size_t) {
+        reading.load_section({.plotter = std::stoi(section.name)}, section);
+    });
+}
+
 void read_cfg(FileContent& content, const Input& input, const Source& source, Reading& reading) {
     for (const CfgPlotter& plotter : cfg_plotters(source.path)) {
         content.sections.push_back({fmt::format("{}", plotter.number), to_utf8(plotter.name), {}});
     }
     if (input.section.empty() && content.sections.size() > 1) {
-        read_sections(content, reading);
+        read_plotters(content, input, reading);
         return;
     }
     LoadOptions options;

@@ -238,9 +238,8 @@ TEST(ReadStream, StreamMayThrowByItself) {
 TEST(ReadContent, ScratchFileIsNamedNowhereAndGone) {
     const std::string text = "[PlotDriver#1]\nnonsense\n[PlotDriver#2]\n";
     const FileContent content = read_content(text, {.file = "given.cfg"});
-    ASSERT_EQ(2U, content.reports.size());
+    ASSERT_EQ(1U, content.reports.size());
     EXPECT_EQ("\n2, nonsense, given.cfg", content.reports[0].detail);
-    EXPECT_EQ("2", content.reports[1].section);
     expect_thrown<PM_Severe>(
         [] { (void)read_content("no compound file", {.file = "a.doc", .type = PM_Object::FILE_DOC}); },
         PM_ERR_NOT_OPENED, u"PM_DOCFile::open()", u"a.doc");
@@ -292,6 +291,72 @@ TEST(ReadContent, NamesThatNoNodeHasAreChanged) {
     EXPECT_EQ(1, content.tree.get<int>("\\section\\x"));
     EXPECT_TRUE(content.tree.node("\\a#2")->properties().empty());
     EXPECT_EQ(1, (*content.tree.node("\\*-x")->properties().begin()).as<int>());
+}
+
+TEST(ReadContent, SectionsMayShareFourTimesTheBytesOfTheFile) {
+    std::vector<std::string> names;
+    for (char name = 'a'; name <= 'f'; ++name) {
+        names.emplace_back(1, name);
+    }
+    std::string text = header;
+    for (int i = 0; i < 1000; ++i) {
+        text += "p" + std::to_string(i) + "=1\n";
+    }
+    const std::string bytes = dpia(names, text);
+    const FileContent content = read_content(bytes, {.file = "x", .keep_going = true});
+    EXPECT_THAT(top_nodes(content.tree), ElementsAre("a", "b", "c", "d", "e", "f"));
+    EXPECT_TRUE(content.tree.contains("\\d\\p999"));
+    EXPECT_FALSE(content.tree.contains("\\e\\p0"));
+    ASSERT_EQ(2U, content.reports.size());
+    EXPECT_EQ(std::uint32_t{PM_ERR_STREAM_FAILED}, content.reports.front().number);
+    EXPECT_EQ("e", content.reports.front().section);
+    EXPECT_EQ("e", content.reports.front().detail);
+    EXPECT_TRUE(content.stopped);
+    expect_thrown<PM_Severe>([&] { (void)read_content(bytes, {.file = "x"}); }, PM_ERR_STREAM_FAILED,
+                             u"load_section", u"e");
+    EXPECT_TRUE(read_content(bytes, {.file = "x", .section = "e"}).tree.contains("\\p999"));
+}
+
+TEST(ReadContent, SectionOutsideOfTheFileIsTheLibrarys) {
+    std::string bytes = dpia({"a", "b"}, header + "x=1\n");
+    bytes.resize(bytes.size() - 1);
+    const FileContent whole = read_content(bytes, {.file = "x", .keep_going = true});
+    const FileContent alone = read_content(bytes, {.file = "x", .section = "a", .keep_going = true});
+    ASSERT_EQ(2U, whole.reports.size());
+    ASSERT_EQ(1U, alone.reports.size());
+    EXPECT_EQ(alone.reports.front().number, whole.reports.front().number);
+    EXPECT_EQ(alone.reports.front().place, whole.reports.front().place);
+    EXPECT_EQ(alone.reports.front().detail, whole.reports.front().detail);
+}
+
+TEST(ReadContent, SectionsAreUtf8) {
+    const FileContent content = read_content(dpia({"a"}, header + "\xD0\x96=\"\xD0\x96\n"), {.file = "x"});
+    EXPECT_EQ("Ж", content.tree.get<std::string>("\\a\\Ж"));
+    EXPECT_EQ(1252U, pm_system_code_page());
+}
+
+TEST(ReadContent, BadLineOfAllPlottersIsToldOnce) {
+    const FileContent content = read_content("bad\n[Plotter#1/Device]\nPens=x\n[Plotter#2/Device]\nPens=x\n",
+                                             {.file = "x", .type = PM_Object::FILE_CFG});
+    ASSERT_EQ(3U, content.reports.size());
+    EXPECT_EQ("\n1, bad, x", content.reports[0].detail);
+    EXPECT_EQ("\n3, Pens=x, x", content.reports[1].detail);
+    EXPECT_EQ("1", content.reports[1].section);
+    EXPECT_EQ("\n5, Pens=x, x", content.reports[2].detail);
+    EXPECT_EQ("2", content.reports[2].section);
+}
+
+TEST(ReadContent, NoMoreThanAThousandPlottersAreReadAtOnce) {
+    std::string text;
+    for (int i = 1; i <= 1001; ++i) {
+        text += "[PlotDriver#" + std::to_string(i) + "]\n";
+    }
+    const Input input{.file = "x", .type = PM_Object::FILE_CFG};
+    EXPECT_EQ("x: these are 1001 plotters, and 1000 are read at once at most; choose one",
+              error_of([&] { (void)read_content(text, input); }));
+    Input one = input;
+    one.section = "1001";
+    EXPECT_EQ(1001U, read_content(text, one).sections.size());
 }
 
 TEST(ReadContent, EmptySectionIsANodeToo) {

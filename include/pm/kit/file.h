@@ -36,7 +36,7 @@ struct Input {
 };
 
 // What a load passed over, and of which part of the file; the section as in Section::name, empty for a whole
-// file.
+// file. A line of a CFG file that is bad for several plotters is told once, for the first of them.
 struct FileReport : Report {
     std::string section = {};
 };
@@ -59,7 +59,8 @@ struct FileContent {
     PM_Object::FileType type = PM_Object::FILE_PIA;
     std::vector<FileReport> reports = {};
     // All that the file has, read or not, in its order. A second section of a name can't be read: it has its
-    // node, which stays empty, and is told in `unread`.
+    // node, which stays empty, and is told in `unread`. Sections of a DPIA file may share bytes; one with
+    // which more than four times the file's own would be read is number 82.
     std::vector<Section> sections = {};
     std::vector<std::string> unread = {}; // names of such sections
     bool by_section = false;              // the tree has a node for each section
@@ -79,9 +80,9 @@ struct FileContent {
 // temporary one, whose name no report shows.
 //
 // Throws Error: a file of no known kind, a folder without a string file, a section of a file that has none, a
-// section or plotter that isn't there (the message names those that are), a number that isn't one, no place
-// for a temporary file. The library's exceptions pass, with the name as it was given in their detail; what
-// was read before is lost with them, unless read_into() is used.
+// section or plotter that isn't there (the message names those that are), a number that isn't one, more than
+// 1000 plotters at once, no place for a temporary file. The library's exceptions pass, with the name as it
+// was given in their detail; what was read before is lost with them, unless read_into() is used.
 [[nodiscard]] PM_KIT_API FileContent read_file(const Input& input);
 // The same, filling `content` as far as it gets.
 PM_KIT_API void read_into(FileContent& content, const Input& input);

@@ -1,0 +1,52 @@
+#include "limits/scale.h"
+#include <pm/kit/file.h>
+#include <string>
+
+// What is read in time that grows as the file does.
+
+namespace pm::kit::test {
+namespace {
+
+std::string word(std::size_t number) {
+    std::string bytes;
+    for (int i = 0; i < 4; ++i) {
+        bytes += static_cast<char>(number >> 8 * i & 0xFF);
+    }
+    return bytes;
+}
+
+// A DPIA file of so many sections with as many bytes each; their names are `name_of` their numbers.
+template<class NameOf>
+std::string dpia(std::size_t count, NameOf name_of) {
+    const std::string text = "PIAFILEVERSION_2.0,T\na=1\n";
+    std::string directory = word(0x20000) + word(count);
+    std::string sections;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::string name = name_of(i);
+        directory += word(name.size()) + name + word(0) + word(sections.size()) + word(text.size());
+        sections += text;
+    }
+    return directory + sections;
+}
+
+TEST(Growth, OfSectionsThatAreAllRead) {
+    pm::test::expect_linear(40'000, [](std::size_t count) {
+        const std::string bytes = dpia(count, [](std::size_t i) { return "s" + std::to_string(i); });
+        const FileContent content = read_content(bytes, {.file = "x"});
+        EXPECT_EQ(count, content.sections.size());
+        EXPECT_TRUE(content.reports.empty());
+        EXPECT_EQ(1, content.tree.get<int>("\\s" + std::to_string(count - 1) + "\\a"));
+    });
+}
+
+TEST(Growth, OfSectionsOfOneName) {
+    pm::test::expect_linear(20'000, [](std::size_t count) {
+        const std::string bytes = dpia(count, [](std::size_t) { return std::string("s"); });
+        const FileContent content = read_content(bytes, {.file = "x"});
+        EXPECT_EQ(count - 1, content.unread.size());
+        EXPECT_EQ("s#" + std::to_string(count), content.sections.back().node);
+    });
+}
+
+} // namespace
+} // namespace pm::kit::test
