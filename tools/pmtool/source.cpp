@@ -14,6 +14,7 @@
 #include <pm/kit/error.h>
 #include <pm/kit/json.h>
 #include <pm/kit/loss.h>
+#include <set>
 #include <sstream>
 #include <system_error>
 
@@ -114,12 +115,12 @@ private:
 
 std::vector<std::string> dropped_of(const Reading& reading, Teller& teller, const std::string& file) {
     std::vector<std::string> dropped;
+    std::set<std::string> told;
     for (const kit::FileReport& report : reading.content.reports) {
-        const Report told =
+        const Report shown =
             make_report(report.number, pm::to_utf16(report.place), pm::to_utf16(report.detail), file);
-        std::string line = teller.text(told, report.section);
-        // A line that belongs to no plotter is bad in each of them.
-        if (std::ranges::find(dropped, line) == dropped.end()) dropped.push_back(std::move(line));
+        std::string line = teller.text(shown, report.section);
+        if (told.insert(line).second) dropped.push_back(std::move(line));
     }
     if (reading.end) dropped.push_back(teller.text(*reading.end, {}));
     return dropped;
