@@ -28,6 +28,11 @@ std::size_t size_of(const Stored& value) {
     return value.bytes ? value.bytes->size() : 0;
 }
 
+// Whether one path lies in the node of the other.
+bool is_below(const std::string& path, const std::string& node) {
+    return !node.empty() && path.starts_with(node);
+}
+
 // A few lines of a script can ask for more than any machine has. What copies and patterns may still make.
 class Allowance {
 public:
@@ -119,14 +124,16 @@ private:
         m_builder.erase(*node);
     }
 
-    // From the end on: what is in a node goes before the node.
+    // From the front on, where a list is left without a walk.
     void remove_matches(const Pattern& pattern) {
-        const std::vector<Match> found = matches(pattern);
-        for (auto match = found.rbegin(); match != found.rend(); ++match) {
-            if (match->property) {
-                m_builder.erase_property(*match->node.handle(), std::u16string(match->property->name16()));
-            } else if (!match->node.is_root()) {
-                m_builder.erase(*match->node.handle());
+        std::string removed; // the last node, whose content went with it
+        for (const Match& match : matches(pattern)) {
+            if (is_below(match.path, removed)) continue;
+            if (match.property) {
+                m_builder.erase_property(*match.node.handle(), std::u16string(match.property->name16()));
+            } else if (!match.node.is_root()) {
+                m_builder.erase(*match.node.handle());
+                removed = match.path;
             }
         }
     }
@@ -160,7 +167,7 @@ private:
         if (!target.is_node) fail(into, "what several things go to is a node; its path ends in a backslash");
         std::string moved; // the last node, whose content went with it
         for (const Match& match : matches(pattern)) {
-            if (!moved.empty() && match.path.starts_with(moved)) continue;
+            if (is_below(match.path, moved)) continue;
             const SplitPath source = split_path(to_utf16(match.path));
             if (match.property) {
                 transfer_property(match.path, *match.property->handle(), node_path(target), source.name);
@@ -232,11 +239,6 @@ private:
     const Edit& m_edit;
     Allowance& m_allowance;
 };
-
-// Whether one path lies in the node of the other.
-bool is_below(const std::string& path, const std::string& node) {
-    return !node.empty() && path.starts_with(node);
-}
 
 void apply_within(Tree& tree, const Edit& edit, Allowance& allowance) {
     try {

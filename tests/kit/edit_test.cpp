@@ -72,6 +72,12 @@ TEST_F(Apply, RemoveOfAPatternTakesAllThatMatches) {
     EXPECT_EQ("", text());
 }
 
+TEST_F(Apply, RemoveOfAPatternTakesWhatIsInANodeWithIt) {
+    run("set \\n\\m\\mm\\m long 4\nset \\n\\m long 5\nset \\n\\k\\m long 6\nrm \\**\\m*");
+    EXPECT_EQ("set \\x long 1\nset \\n\\\nset \\n\\p string \"a\"\nset \\n\\q bool true\nset \\n\\k\\\n",
+              text());
+}
+
 TEST_F(Apply, MoveRenamesAndMovesAndKeepsBytesAndOrder) {
     run("set \\n\\p loose string bytes 616200\nmv \\n\\p \\b\\c\\d\nmv \\n\\ \\b\\n");
     EXPECT_EQ(

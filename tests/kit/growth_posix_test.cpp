@@ -1,8 +1,9 @@
 #include "limits/scale.h"
+#include <pm/kit/edit.h>
 #include <pm/kit/file.h>
 #include <string>
 
-// What is read in time that grows as the file does.
+// What takes time that grows as the file or the tree does.
 
 namespace pm::kit::test {
 namespace {
@@ -45,6 +46,20 @@ TEST(Growth, OfSectionsOfOneName) {
         const FileContent content = read_content(bytes, {.file = "x"});
         EXPECT_EQ(count - 1, content.unread.size());
         EXPECT_EQ("s#" + std::to_string(count), content.sections.back().node);
+    });
+}
+
+// Of properties and nodes that one pattern takes out of their list.
+TEST(Growth, OfWhatAPatternRemoves) {
+    pm::test::expect_linear(80'000, [](std::size_t count) {
+        Tree tree;
+        for (std::size_t i = 0; i < count; ++i) {
+            tree.set("\\n\\p*", 1, static_cast<int>(i));
+            tree.set("\\n\\p*\\x", 1, static_cast<int>(i));
+        }
+        apply_edits(tree, parse_script("rm \\n\\**"));
+        EXPECT_TRUE(tree.node("\\n")->properties().empty());
+        EXPECT_TRUE(tree.node("\\n")->children().empty());
     });
 }
 
