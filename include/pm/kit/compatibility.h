@@ -146,7 +146,8 @@ struct CompatibilityMap {
 
 // A map from JSON, added to the built-in one, or in place of it with `"replace": true`; its own paths come
 // first. Throws kit::Error, with the line where it is known, for what isn't JSON, for a member that isn't
-// known or is of another type, for an unknown form, test or severity, and for an empty name or path.
+// known or is of another type, for an unknown form, test or severity, for an empty name, and for a path that
+// names nothing or has two "*" in one component.
 //
 //     {"settings": [{"setting": "size", "path": "\\plot\\paper", "form": "name"}],
 //      "quiet": [{"path": "\\calibration\\*"}],

@@ -1,4 +1,5 @@
 #include "devices/json_tree.h"
+#include "devices/path_pattern.h"
 #include <algorithm>
 #include <array>
 #include <pm/kit/compatibility.h>
@@ -90,11 +91,24 @@ std::int32_t code_of(std::string_view text) {
     return code_of(parse_json(text).value_or(JsonTree()));
 }
 
+// The path of a property, in which a star stands once a component.
+std::string path_in(Members& members, std::string_view name) {
+    std::string path = members.text(name, true);
+    const auto components = devices::split_path(path);
+    if (components.empty()) throw Error("The path \"" + path + "\" names nothing.");
+    if (std::ranges::any_of(components, [](const std::string& component) {
+            return component.find('*') != component.rfind('*');
+        })) {
+        throw Error("A name of the path \"" + path + "\" has two \"*\".");
+    }
+    return path;
+}
+
 SettingPath read_setting(const JsonTree& json) {
     Members members(json, "A setting");
     SettingPath path;
     path.setting = members.text("setting", true);
-    path.path = members.text("path", true);
+    path.path = path_in(members, "path");
     path.key = members.text("key");
     const std::string form = members.text("form");
     if (!form.empty()) path.form = one_of_names<SettingForm>(form_names, form, "form");
@@ -108,7 +122,7 @@ SettingPath read_setting(const JsonTree& json) {
     path.is_default = members.truth("default");
     if (members.object("owner") != nullptr) {
         Members parts(*members.member("owner"), "An owner");
-        path.owner = parts.text("path", true);
+        path.owner = path_in(parts, "path");
         const JsonTree* const digit = parts.member("digit");
         path.owner_digit = digit != nullptr ? code_of(*digit) : -1;
         if (path.owner_digit < 0 || path.owner_digit > most_digit) {
@@ -123,7 +137,7 @@ SettingPath read_setting(const JsonTree& json) {
 QuietPath read_quiet(const JsonTree& json) {
     Members members(json, "A quiet path");
     QuietPath quiet;
-    quiet.path = members.text("path", true);
+    quiet.path = path_in(members, "path");
     if (const JsonTree::List* const values = members.list("values")) {
         for (const JsonTree& value : *values) {
             const auto* const text = value.as<std::string>();
@@ -148,7 +162,7 @@ ValueRule read_rule(const JsonTree& json) {
     if (!severity.empty()) rule.severity = one_of_names<Severity>(severities, severity, "severity");
     rule.setting = members.text("setting", true);
     rule.test = one_of_names<ValueTest>(test_names, members.text("test", true), "test");
-    rule.capability = members.text("capability", true);
+    rule.capability = path_in(members, "capability");
     members.expect_no_more();
     return rule;
 }

@@ -15,6 +15,7 @@ struct Capability {
 // All properties that match a path with stars, in the order of the tree.
 std::vector<Capability> capabilities_at(const Device& device, std::string_view pattern) {
     const auto components = split_path(pattern);
+    if (components.empty()) return {};
     std::vector<Branch> branches{device.place({})};
     for (std::size_t level = 0; level + 1 < components.size(); ++level) {
         const PathPattern component(components[level]);

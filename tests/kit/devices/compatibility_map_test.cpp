@@ -185,6 +185,31 @@ TEST(Map, RefusesMembersOfOtherKinds) {
         EXPECT_EQ(error_of(json), std::string("0 ") + error);
 }
 
+TEST(Map, RefusesAPathThatNamesNothing) {
+    const std::string error = "0 The path \"\\\" names nothing.";
+    EXPECT_EQ(error_of(R"({"settings": [{"setting": "a", "path": "\\"}]})"), error);
+    EXPECT_EQ(
+        error_of(R"({"settings": [{"setting": "a", "path": "\\a", "owner": {"path": "\\", "digit": 1}}]})"),
+        error);
+    EXPECT_EQ(error_of(R"({"quiet": [{"path": "\\"}]})"), error);
+    EXPECT_EQ(error_of(R"({"rules": [{"rule": "r", "setting": "a", "test": "equal", "capability": "\\"}]})"),
+              error);
+}
+
+TEST(Map, RefusesTwoStarsInOneName) {
+    EXPECT_EQ(error_of(R"({"settings": [{"setting": "a", "path": "\\*\\*x*"}]})"),
+              "0 A name of the path \"\\*\\*x*\" has two \"*\".");
+    EXPECT_EQ(error_of(R"({"settings": [{"setting": "a", "path": "\\*\\*x"}]})"), "none");
+}
+
+TEST(Map, MadeByHandWithARuleThatNamesNothingIsUnspoken) {
+    CompatibilityMap map;
+    map.settings = {{.setting = "a", .path = "\\a"}};
+    map.rules = {{.name = "r", .setting = "a", .test = ValueTest::equal, .capability = "\\"}};
+    EXPECT_EQ(answer_of("unspoken", tree_of({{"\\a", 1}}), small_device(), {.map = &map}).findings,
+              Lines{"warning \\a = 1 @ \\ = : The description tells no such capability."});
+}
+
 TEST(Map, WithAPathThatIsQuietWhateverItHolds) {
     const auto map = load_map(R"({"replace": true, "quiet": [{"path": "\\note", "any-case": true}]})");
     EXPECT_EQ(map.quiet, (std::vector<QuietPath>{{.path = "\\note", .any_case = true}}));
