@@ -183,6 +183,7 @@ double longest_side(Checker& check) {
     return area != nullptr && area->bounds ? std::max(area->bounds->x, area->bounds->y) : 0;
 }
 
+// The first of `usable` that has the room counts.
 void check_area(Checker& check, Setting& setting, const std::vector<const MemoryArea*>& usable,
                 const std::vector<const MemoryArea*>& all, std::string_view memory, Severity severity) {
     const double needed = longest_side(check);
@@ -211,6 +212,8 @@ void check_installed(Checker& check, Setting& setting) {
         if (!area->memory || !is_above(*area->memory, *setting.number)) usable.push_back(area);
     }
     if (!usable.empty()) {
+        std::ranges::stable_sort(usable, std::ranges::greater(),
+                                 [](const MemoryArea* area) { return area->memory.value_or(0); });
         return check_area(check, setting, usable, areas, "The installed memory", Severity::error);
     }
     check.fail(setting, {.description_path = resolution != nullptr ? resolution->path + "\\mem_area" : list,

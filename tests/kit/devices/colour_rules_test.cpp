@@ -555,5 +555,11 @@ TEST(Resolution, OfTheHeightIsComparedWhereThatOfTheWidthCanNotBeRead) {
                    "no resolution of 301 x 301. (600 x 600, mittel; 1200 x 1200; 300 x 300)",
                    "unspoken \\res_color_mem\\resolution_x @ "}}});
 }
+TEST(Memory, ThatIsTheMostOfWhatIsInstalledPasses) {
+    EXPECT_EQ(looked("memory", {{installed, 256}}),
+              Lines{"passed \\res_color_mem\\installed_memory @ \\res_color_mem\\mem_area_list\\Large"});
+    EXPECT_EQ(looked("memory", {{installed, 255}}),
+              Lines{"passed \\res_color_mem\\installed_memory @ \\res_color_mem\\mem_area_list\\Small"});
+}
 
 } // namespace
