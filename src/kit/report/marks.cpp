@@ -44,7 +44,7 @@ struct Choice {
     std::string_view rule;
     std::string_view setting;
 };
-constexpr std::array<Choice, 18> choices{{{"media-size", "size"},
+constexpr std::array<Choice, 19> choices{{{"media-size", "size"},
                                           {"media-source", "source"},
                                           {"media-loaded", "loaded"},
                                           {"media-type", "type"},
@@ -56,6 +56,7 @@ constexpr std::array<Choice, 18> choices{{{"media-size", "size"},
                                           {"stapling", "stapling"},
                                           {"colour-mode", "mode"},
                                           {"resolution", "resolution_x"},
+                                          {"resolution", "resolution_y"},
                                           {"resolution", "resolution"},
                                           {"memory", "memory"},
                                           {"dithering", "dithering"},

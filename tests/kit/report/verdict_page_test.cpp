@@ -159,6 +159,15 @@ TEST(MarkOnAPage, SizeIsMarkedAsChosenOrNotPossible) {
     EXPECT_THAT(marks(), ElementsAre("chosen"));
 }
 
+TEST(MarkOnAPage, ResolutionToldByItsHeightAloneIsChosen) {
+    const Tree device = device_of_types();
+    const Tree office;
+    ReportInput input{ReportDescription{"device", device.root()}, {{"office.pia", office.root()}}};
+    input.configurations[0].check.looks.push_back(
+        passed("resolution", "resolution_y", "\\a", "\\res_color_mem\\b"));
+    EXPECT_THAT(pm::kit::report::Marks(input).at("\\res_color_mem\\b").chosen, ElementsAre(0U));
+}
+
 TEST(LineSample, OfALineTypeThatIsNoneIsSolid) {
     const auto dashes = [](long line_type) {
         pm::kit::report::Html html;
