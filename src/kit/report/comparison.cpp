@@ -117,6 +117,21 @@ public:
     }
 
 private:
+    // What tells a value apart where another configuration's, which differs, looks the same.
+    static std::string apart(const Row& row, Origin origin) {
+        const Property& own = *row.values[origin];
+        bool is_alike = false;
+        bool has_other_type = false;
+        for (const auto& other : row.values) {
+            if (!other || are_equal(own, *other) || shown_exactly(own) != shown_exactly(*other)) {
+                continue;
+            }
+            is_alike = true;
+            has_other_type = has_other_type || own.type() != other->type();
+        }
+        return is_alike ? distinction(own, has_other_type) : std::string();
+    }
+
     void write_row(const Row& row) {
         Html& html = m_page.html;
         const Element line(html, "tr", {{"class", row.differs ? "setting differs" : "setting"}});
@@ -132,7 +147,8 @@ private:
             const bool bad = m_settings.verdict(origin, row.full_paths[origin]) == Verdict::impossible;
             const Element cell(html, "td", {{"class", bad ? "impossible" : ""}});
             if (row.values[origin]) {
-                m_settings.write(html, origin, row.full_paths[origin], *row.values[origin]);
+                m_settings.write(html, origin, row.full_paths[origin], *row.values[origin],
+                                 row.differs ? apart(row, origin) : std::string());
             } else {
                 html.element("span", {{"class", "muted"}}, "not there");
             }

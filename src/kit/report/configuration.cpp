@@ -72,7 +72,7 @@ std::vector<std::string> spoken_columns(const Records& records) {
 std::vector<std::string> values_of(const Node& node) {
     std::vector<std::string> values;
     for (const Property& property : node.properties()) {
-        values.push_back(shown(property));
+        values.push_back(shown_exactly(property));
     }
     return values;
 }
@@ -193,11 +193,11 @@ private:
         const Element cell(html, "td");
         const Element list(html, "ul", {{"class", "chips"}});
         for (std::size_t at = 0; at < series.size();) {
-            const std::string value = shown(series[at]);
+            const std::string value = shown_exactly(series[at]);
             const std::string from = series[at].name();
             const Verdict verdict = m_settings.verdict(m_configuration, path_of(node, from));
             std::size_t end = at + 1;
-            while (end < series.size() && shown(series[end]) == value &&
+            while (end < series.size() && shown_exactly(series[end]) == value &&
                    m_settings.verdict(m_configuration, path_of(node, series[end].name())) == verdict) {
                 ++end;
             }

@@ -1,7 +1,9 @@
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cmath>
 #include <fmt/format.h>
+#include <limits>
 #include <pm/exception.h>
 #include <report/reading.h>
 
@@ -51,6 +53,17 @@ struct Shown {
     std::string operator()(bool value) const { return value ? "yes" : "no"; }
     std::string operator()(const Bytes& value) const { return shown_bytes(value); }
 };
+
+// A number rounded to 32 bits by the digits of 32 bits.
+std::string shown_exactly(double value) {
+    constexpr double scale = 1e4; // the decimals of shown()
+    if (!std::isfinite(value) || std::round(value * scale) / scale == value) {
+        return shown(value);
+    }
+    const bool is_narrow = std::fabs(value) <= double{std::numeric_limits<float>::max()} &&
+                           double{static_cast<float>(value)} == value;
+    return is_narrow ? fmt::format("{}", static_cast<float>(value)) : fmt::format("{}", value);
+}
 
 } // namespace
 
@@ -150,6 +163,26 @@ std::string shown(double value) {
         text.pop_back();
     }
     return text == "-0" ? "0" : text;
+}
+
+std::string shown_exactly(const Property& property) {
+    const auto value = value_of(property);
+    const auto* number = value ? std::get_if<double>(&*value) : nullptr;
+    return number != nullptr ? shown_exactly(*number) : shown(property);
+}
+
+std::string distinction(const Property& property, bool has_other_type) {
+    static constexpr std::array<std::string_view, 6> types{"no value", "integer",     "number",
+                                                           "text",     "truth value", "bytes"};
+    const auto value = value_of(property);
+    if (!value) {
+        return "otherwise";
+    }
+    if (has_other_type) {
+        return std::string(types[value->index()]);
+    }
+    const auto* number = std::get_if<double>(&*value);
+    return number != nullptr ? fmt::format("{}", *number) : "otherwise";
 }
 
 std::string grouped(long value) {

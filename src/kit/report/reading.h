@@ -34,6 +34,10 @@ namespace pm::kit::report {
 [[nodiscard]] std::string shown(const Value& value);
 // Up to four decimals, without zeros at the end; "1e+20" for what has more than fifteen digits.
 [[nodiscard]] std::string shown(double value);
+// As shown(), but with all digits that tell a number from others.
+[[nodiscard]] std::string shown_exactly(const Property& property);
+// What sets a value apart from another one that shown_exactly() shows alike: its type, or its last digits.
+[[nodiscard]] std::string distinction(const Property& property, bool has_other_type);
 // "16,777,216".
 [[nodiscard]] std::string grouped(long value);
 // "default_source" as "Default source"; what is no such name stays.

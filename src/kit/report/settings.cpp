@@ -131,17 +131,20 @@ std::string Settings::translated(const Property& property) const {
     return found == m_texts.end() ? std::string() : found->second;
 }
 
-void Settings::write(Html& html, Origin configuration, const std::string& path,
-                     const Property& property) const {
+void Settings::write(Html& html, Origin configuration, const std::string& path, const Property& property,
+                     std::string_view instead) const {
     const std::string word = coded_word(property);
-    const std::string value = shown(property);
+    const std::string value = shown_exactly(property);
     if (value.empty()) {
         html.element("span", {{"class", "muted"}}, "(empty)");
     } else {
         html.element("span", {{"class", "value"}}, word.empty() ? value : word);
     }
-    if (const std::string beside = word.empty() ? translated(property) : value;
-        !beside.empty() && (!word.empty() || beside != value)) {
+    std::string beside(instead);
+    if (beside.empty()) {
+        beside = word.empty() ? translated(property) : value;
+    }
+    if (!beside.empty() && (!word.empty() || beside != value)) {
         html.text(" ");
         html.element("span", {{"class", "meaning"}}, beside);
     }

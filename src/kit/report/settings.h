@@ -17,8 +17,9 @@ public:
     [[nodiscard]] Verdict verdict(Origin configuration, const std::string& path) const;
     // The description's text for one of its names.
     [[nodiscard]] std::string translated(const Property& property) const;
-    // The value with its meaning and its verdict.
-    void write(Html& html, Origin configuration, const std::string& path, const Property& property) const;
+    // The value with its meaning, or what is told instead, and its verdict.
+    void write(Html& html, Origin configuration, const std::string& path, const Property& property,
+               std::string_view instead = {}) const;
 
 private:
     std::vector<std::unordered_map<std::string, Verdict>> m_verdicts; // of each configuration, by path

@@ -260,4 +260,31 @@ TEST(Comparison, MarksEachConfigurationsChoicesAndWhatIsImpossible) {
     EXPECT_THAT(page.section("fit"), HasSubstr("B: b.pia"));
 }
 
+TEST(ConfigurationAlone, ShowsAllDigitsOfANumber) {
+    Tree tree;
+    tree.set("\\scale_x", 1.0002441);
+    tree.set("\\scale_y", 0.25);
+    tree.set("\\width", double{0.1F});
+    EXPECT_THAT(settings_of(tree).texts("tr", "setting"),
+                ElementsAre("Scale x1.0002441", "Scale y0.25", "Width0.1"));
+}
+
+TEST(Comparison, TellsApartWhatLooksAlike) {
+    Tree a;
+    Tree b;
+    a.set("\\near", 1.80001);
+    b.set("\\near", 1.80002);
+    a.set("\\kind", "5");
+    b.set("\\kind", 5);
+    a.set("\\whole", 5);
+    b.set("\\whole", 5.0);
+    a.set("\\digits", double{0.1F});
+    b.set("\\digits", 0.1);
+    ReportInput input;
+    input.configurations = {{"a.pia", a.root()}, {"b.pia", b.root()}};
+    EXPECT_THAT(Markup(pm::kit::report_page(input)).texts("tr", "setting differs"),
+                ElementsAre("≠ Near1.800011.80002", "≠ Kind5 text5 integer", "≠ Whole5 integer5 number",
+                            "≠ Digits0.1 0.100000001490116120.1"));
+}
+
 } // namespace

@@ -372,7 +372,7 @@ TEST(Comparison, OfOnesThatAgreeInNothingHasNothingAlike) {
     a.set("\\copies", 2);
     b.set("\\copies", "2");
     const Markup page = side_by_side(a.root(), b.root());
-    EXPECT_THAT(page.texts("tr", "setting differs"), ElementsAre("≠ Copies22"));
+    EXPECT_THAT(page.texts("tr", "setting differs"), ElementsAre("≠ Copies2 integer2 text"));
     EXPECT_THAT(page.texts("summary"), IsEmpty());
     EXPECT_THAT(page.section("configuration"), testing::Not(testing::HasSubstr("Not shown")));
 }
