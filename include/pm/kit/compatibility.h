@@ -171,8 +171,8 @@ struct CompatibilityOptions {
 };
 
 // Findings in the order of the rules, and within a rule in that of the configuration, setting by setting.
-// Throws kit::Error where a base names no node, or where there is no description; and what reading a damaged
-// tree throws, std::bad_alloc included.
+// Throws kit::Error where a base names no node, where there is no description, or for an owner that isn't 0
+// to 3; and what reading a damaged tree throws, std::bad_alloc included.
 [[nodiscard]] PM_KIT_API std::vector<Finding> check_compatibility(const Tree& configuration,
                                                                   const Tree& description,
                                                                   const CompatibilityOptions& options = {});

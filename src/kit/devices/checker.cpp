@@ -40,6 +40,11 @@ void Checker::fail(Setting& setting, Fault fault) {
                         std::move(fault.text), std::move(fault.offers), std::move(fault.message)});
 }
 
+void Checker::follow(Setting& setting) {
+    const Look last = looks.back();
+    look(setting, last.description_path, last.outcome);
+}
+
 void Checker::silent(Setting& setting, std::string description_path, std::string_view what) {
     look(setting, description_path, "unspoken");
     unspoken.push_back({"unspoken",

@@ -47,6 +47,8 @@ public:
     void pass_over(const UnknownProperty& property);
     // Another rule has found what is wrong with it.
     static void leave(Setting& setting) { setting.was_looked_at = true; }
+    // It was held against the description together with the one that was looked at last.
+    void follow(Setting& setting);
     // It belongs to what is chosen, and that isn't there. If the configuration chooses, another rule finds
     // it; `what` ends "The description tells no default ..." otherwise.
     void without_choice(Setting& setting, std::string_view choice, std::string_view default_path,

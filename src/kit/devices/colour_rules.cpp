@@ -348,17 +348,20 @@ void check_depth(Checker& check) {
 }
 
 void check_resolution(Checker& check) {
-    for (const std::string_view name : {"resolution_x", "resolution_y"}) {
-        for (Setting& setting : check.settings.all(name)) {
-            // The pair is told of once, at x.
-            const Setting* x =
-                name == "resolution_y" ? check.settings.find("resolution_x", setting.key) : nullptr;
-            if (x != nullptr && x->number) {
-                if (!setting.number) check.unreadable(setting, "resolution");
-                Checker::leave(setting);
-                continue;
-            }
-            check_dots(check, setting);
+    // A pair is told of once, at x.
+    for (Setting& x : check.settings.all("resolution_x")) {
+        check_dots(check, x);
+        Setting* y = check.settings.find("resolution_y", x.key);
+        if (x.number && y != nullptr && y->number && !y->was_looked_at) check.follow(*y);
+    }
+    for (Setting& y : check.settings.all("resolution_y")) {
+        const Setting* x = check.settings.find("resolution_x", y.key);
+        if (x == nullptr || !x->number) {
+            check_dots(check, y);
+        } else if (!y.number) {
+            check.unreadable(y, "resolution");
+        } else {
+            Checker::leave(y);
         }
     }
     for (Setting& setting : check.settings.all("resolution")) {

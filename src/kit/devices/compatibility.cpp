@@ -40,18 +40,22 @@ const CompatibilityMap& map_of(const CompatibilityOptions& options) {
     return options.map != nullptr ? *options.map : built_in_map();
 }
 
-// The settings that a rule takes and that the configuration hasn't, with the paths that they would have.
-void tell_unset(Checker& check, const CompatibilityMap& map, const CompatibilityRule& rule) {
-    for (const std::string_view setting : rule.settings) {
-        if (check.settings.has(setting)) continue;
-        std::string paths;
-        for (const SettingPath& path : map.settings) {
-            if (path.setting == setting) paths += (paths.empty() ? "" : ", ") + path.path;
-        }
-        const std::string capability =
-            rule.capabilities.empty() ? "" : check.device.path(rule.capabilities.front());
-        check.looks.push_back(
-            {std::string(rule.name), std::string(setting), std::move(paths), capability, "not set"});
+// A setting that a rule takes and that the configuration hasn't, with the paths that it would have.
+void tell_unset(Checker& check, const CompatibilityMap& map, std::string_view rule, std::string_view setting,
+                std::string_view capability) {
+    if (check.settings.has(setting)) return;
+    std::string paths;
+    for (const SettingPath& path : map.settings) {
+        if (path.setting == setting) paths += (paths.empty() ? "" : ", ") + path.path;
+    }
+    check.looks.push_back({std::string(rule), std::string(setting), std::move(paths),
+                           capability.empty() ? std::string() : check.device.path(capability), "not set"});
+}
+
+void check_value_rules(Checker& check, const CompatibilityMap& map) {
+    for (const ValueRule& rule : map.rules) {
+        check_value_rule(check, rule);
+        tell_unset(check, map, rule.name, rule.setting, rule.capability);
     }
 }
 
@@ -59,8 +63,16 @@ std::vector<std::string_view> told_of(std::span<const std::string_view> list) {
     return {list.begin(), std::ranges::find(list, std::string_view())};
 }
 
+void expect_owner(const CompatibilityOptions& options) {
+    constexpr int most_owner = 3;
+    const int owner = options.owner.value_or(0);
+    if (owner < 0 || owner > most_owner)
+        throw Error("An owner is a number from 0 to 3, not " + std::to_string(owner) + '.');
+}
+
 ExplainedFindings run(const Start& configuration, const Start& description,
                       const CompatibilityOptions& options, bool defaults_only) {
+    expect_owner(options);
     const CompatibilityMap& map = map_of(options);
     const Device device(description.node, description.path);
     Settings settings(configuration.node, configuration.path, map, defaults_only);
@@ -69,11 +81,13 @@ ExplainedFindings run(const Start& configuration, const Start& description,
     for (std::size_t i = 0; i < infos.size(); ++i) {
         const Rule& rule = rules()[i];
         const bool is_of_the_whole = rule.run == check_unspoken || rule.run == check_owners;
-        if (rule.run == check_unspoken) check_value_rules(check, map.rules);
+        if (rule.run == check_unspoken) check_value_rules(check, map);
         if (is_of_the_whole && defaults_only) continue;
         check.begin(rule.name, rule.severity);
         rule.run(check);
-        tell_unset(check, map, infos[i]);
+        for (const std::string_view setting : infos[i].settings) {
+            tell_unset(check, map, rule.name, setting, rule.capabilities.front());
+        }
     }
     return {std::move(check.findings), std::move(check.looks)};
 }

@@ -78,14 +78,12 @@ void check_value(Checker& check, Setting& setting, const ValueRule& rule,
 
 } // namespace
 
-void check_value_rules(Checker& check, const std::vector<ValueRule>& rules) {
-    for (const ValueRule& rule : rules) {
-        if (!check.settings.has(rule.setting)) continue;
-        check.begin(rule.name, rule.severity);
-        const auto capabilities = capabilities_at(check.device, rule.capability);
-        for (Setting& setting : check.settings.all(rule.setting)) {
-            check_value(check, setting, rule, capabilities);
-        }
+void check_value_rule(Checker& check, const ValueRule& rule) {
+    if (!check.settings.has(rule.setting)) return;
+    check.begin(rule.name, rule.severity);
+    const auto capabilities = capabilities_at(check.device, rule.capability);
+    for (Setting& setting : check.settings.all(rule.setting)) {
+        check_value(check, setting, rule, capabilities);
     }
 }
 

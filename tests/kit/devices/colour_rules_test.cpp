@@ -50,8 +50,10 @@ TEST(Resolution, OfTheModePasses) {
     EXPECT_EQ(looked("resolution", {{"\\res_color_mem\\default_name", text("Colour")},
                                     {"\\res_color_mem\\resolution_x", 600},
                                     {"\\res_color_mem\\resolution_y", 600}}),
-              Lines{"passed \\res_color_mem\\resolution_x @ "
-                    "\\res_color_mem\\rcm_list\\Colour\\resolution_list\\600_dpi"});
+              (Lines{"passed \\res_color_mem\\resolution_x @ "
+                     "\\res_color_mem\\rcm_list\\Colour\\resolution_list\\600_dpi",
+                     "passed \\res_color_mem\\resolution_y @ "
+                     "\\res_color_mem\\rcm_list\\Colour\\resolution_list\\600_dpi"}));
 }
 
 TEST(Resolution, OfAModePassesIfNoOtherTellsAny) {
@@ -64,8 +66,10 @@ TEST(Resolution, OfAModePassesIfNoOtherTellsAny) {
                                  {"\\res_color_mem\\resolution_y", 600}}),
                         device)
                   .looks,
-              Lines{"passed \\res_color_mem\\resolution_x @ "
-                    "\\res_color_mem\\rcm_list\\Colour\\resolution_list\\600_dpi"});
+              (Lines{"passed \\res_color_mem\\resolution_x @ "
+                     "\\res_color_mem\\rcm_list\\Colour\\resolution_list\\600_dpi",
+                     "passed \\res_color_mem\\resolution_y @ "
+                     "\\res_color_mem\\rcm_list\\Colour\\resolution_list\\600_dpi"}));
 }
 
 TEST(Resolution, OfAnyModePassesIfNoneIsNamed) {

@@ -333,5 +333,20 @@ TEST(Compatibility, WhatADescriptionHoldsAsAnotherTypeIsNothing) {
                                   {"error \\io\\serial\\baud_rate = 300 @ \\io\\method\\4\\baudrates = : "
                                    "Output by 4 (RS232) has no baud rate of 300. (19200)"}}});
 }
+TEST(Compatibility, OwnerThatIsNoneIsAnError) {
+    for (const int owner : {-7, -1, 4, 99}) {
+        EXPECT_THROW((void)check_compatibility(tree_of(copies), small_device(), {.owner = owner}), Error)
+            << owner;
+    }
+    EXPECT_NO_THROW((void)check_compatibility(tree_of(copies), small_device(), {.owner = 3}));
+}
+TEST(Compatibility, ExplainsWhichSettingOfAMapsRuleIsNotSet) {
+    CompatibilityMap map;
+    map.settings = {{.setting = "glue", .path = "\\glue"}};
+    map.rules = {{.name = "site-glue", .setting = "glue", .capability = "\\media\\glue"}};
+    const auto looks = explain_compatibility(tree_of(copies), small_device(), {.map = &map}).looks;
+    const Look unset{"site-glue", "glue", "\\glue", "\\media\\glue", "not set"};
+    EXPECT_EQ(std::ranges::count(looks, unset), 1);
+}
 
 } // namespace
