@@ -149,8 +149,10 @@ void check_range(Checker& check, Setting& setting, const Range& range, const std
     if (!range.least && !range.most) return check.silent(setting, most_path, "limits of it");
     if (!setting.number) return check.unreadable(setting, "number");
     const double number = *setting.number;
-    const bool is_above_most = range.most && is_above(number, *range.most);
-    const bool is_below_least = range.least && is_above(*range.least, number);
+    const bool is_integer = range.is_integer && type_of(setting.value) == PROP_LONG;
+    const Precision precision = is_integer ? Precision::exact : Precision::rounded;
+    const bool is_above_most = range.most && is_above(number, *range.most, precision);
+    const bool is_below_least = range.least && is_above(*range.least, number, precision);
     const std::string path = is_below_least || !range.most ? least_path : most_path;
     if (!is_above_most && !is_below_least) return check.pass(setting, path);
     const double limit = is_below_least || !range.most ? *range.least : *range.most;

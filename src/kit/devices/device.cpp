@@ -114,8 +114,8 @@ void fill_protocol(Protocol& protocol, const Branch& branch) {
 }
 
 void fill_method(IoMethod& method, const Branch& branch) {
-    method.input_timeout = {branch.number("min_input_timeout"), branch.number("max_input_timeout")};
-    method.output_timeout = {branch.number("min_output_timeout"), branch.number("max_output_timeout")};
+    method.input_timeout = branch.range("min_input_timeout", "max_input_timeout");
+    method.output_timeout = branch.range("min_output_timeout", "max_output_timeout");
     method.handshakes = branch.integer("handshakes");
     for (const Branch& rate : branch.child("baudrates").children()) {
         if (const auto number = rate.number("rate")) {
@@ -128,7 +128,7 @@ void fill_method(IoMethod& method, const Branch& branch) {
 void fill_custom(CustomCapability& custom, const Branch& branch) {
     custom.type = branch.integer("data_type").value_or(-1);
     custom.is_range = branch.truth("range_type").value_or(false);
-    custom.range = {branch.number("range_min"), branch.number("range_max")};
+    custom.range = branch.range("range_min", "range_max");
     for (const Branch& item : branch.child("value_list").children()) {
         if (auto value = item.value("value")) custom.values.push_back(std::move(*value));
     }
@@ -221,6 +221,13 @@ std::optional<int> Branch::integer(std::string_view property) const {
 std::optional<bool> Branch::truth(std::string_view property) const {
     const auto found = number(property);
     return found ? std::optional(*found != 0) : std::nullopt;
+}
+
+Range Branch::range(std::string_view least, std::string_view most) const {
+    const auto is_integer = [](const std::optional<Value>& limit) {
+        return !limit || type_of(*limit) == PROP_LONG;
+    };
+    return {number(least), number(most), is_integer(value(least)) && is_integer(value(most))};
 }
 
 std::optional<Extent> Branch::extent(std::string_view x, std::string_view y) const {

@@ -119,6 +119,7 @@ struct Protocol : Named {
 struct Range {
     std::optional<double> least;
     std::optional<double> most;
+    bool is_integer = false; // of integers alone
 };
 
 struct IoMethod : Named { // named by its number
@@ -154,6 +155,7 @@ public:
     [[nodiscard]] std::optional<double> number(std::string_view property) const;
     [[nodiscard]] std::optional<int> integer(std::string_view property) const;
     [[nodiscard]] std::optional<bool> truth(std::string_view property) const;
+    [[nodiscard]] Range range(std::string_view least, std::string_view most) const;
     [[nodiscard]] std::optional<Extent> extent(std::string_view x, std::string_view y) const;
 
 private:

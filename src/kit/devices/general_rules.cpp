@@ -35,7 +35,7 @@ bool has_custom_type(const CustomCapability& custom, const Value& value) {
 bool is_same_value(const Value& left, const Value& right) {
     const auto first = type_of(left) == PROP_BOOL ? std::nullopt : number_of(left);
     const auto second = type_of(right) == PROP_BOOL ? std::nullopt : number_of(right);
-    return first && second ? is_same(*first, *second) : left == right;
+    return first && second ? is_same(*first, *second, precision_of(left, right)) : left == right;
 }
 
 std::vector<Offer> custom_values(const CustomCapability& custom) {

@@ -39,14 +39,16 @@ std::vector<Capability> capabilities_at(const Device& device, std::string_view p
 bool holds(ValueTest test, const Setting& setting, const Value& capability) {
     const auto asked = setting.number;
     const auto offered = number_of(capability);
+    const Precision precision = precision_of(setting.value, capability);
     switch (test) {
     case ValueTest::one_of:
     case ValueTest::equal:
-        return asked && offered ? is_same(*asked, *offered) : setting.as_name() == value_text(capability);
+        return asked && offered ? is_same(*asked, *offered, precision)
+                                : setting.as_name() == value_text(capability);
     case ValueTest::at_most:
-        return asked && offered && !is_above(*asked, *offered);
+        return asked && offered && !is_above(*asked, *offered, precision);
     case ValueTest::at_least:
-        return asked && offered && !is_above(*offered, *asked);
+        return asked && offered && !is_above(*offered, *asked, precision);
     case ValueTest::bits_of: {
         const auto bits = integer_of(asked);
         const auto all = integer_of(offered);

@@ -64,12 +64,19 @@ std::string description_name(std::string_view text) {
     return name;
 }
 
-bool is_above(double number, double limit) noexcept {
-    return number > limit && !is_same(number, limit);
+Precision precision_of(const Value& left, const Value& right) noexcept {
+    return type_of(left) == PROP_LONG && type_of(right) == PROP_LONG ? Precision::exact : Precision::rounded;
 }
 
-bool is_same(double left, double right) noexcept {
-    return left == right || std::abs(left - right) <= 1e-6 * std::max(std::abs(left), std::abs(right));
+bool is_above(double number, double limit, Precision precision) noexcept {
+    return number > limit && !is_same(number, limit, precision);
+}
+
+bool is_same(double left, double right, Precision precision) noexcept {
+    constexpr double most = std::numeric_limits<float>::max();
+    const bool is_rounded =
+        precision == Precision::rounded && std::abs(left) <= most && std::abs(right) <= most;
+    return left == right || (is_rounded && static_cast<float>(left) == static_cast<float>(right));
 }
 
 bool is_longer(double length, double limit) noexcept {

@@ -19,9 +19,11 @@ namespace pm::kit::devices {
 // "a b " as a description names it: "a_b".
 [[nodiscard]] std::string description_name(std::string_view text);
 
-// Descriptions hold numbers rounded to 32 bits: compared as such.
-[[nodiscard]] bool is_above(double number, double limit) noexcept;
-[[nodiscard]] bool is_same(double left, double right) noexcept;
+// Descriptions hold numbers rounded to 32 bits: compared as such, but two integers as they are.
+enum class Precision { rounded, exact };
+[[nodiscard]] Precision precision_of(const Value& left, const Value& right) noexcept;
+[[nodiscard]] bool is_above(double number, double limit, Precision precision = Precision::rounded) noexcept;
+[[nodiscard]] bool is_same(double left, double right, Precision precision = Precision::rounded) noexcept;
 
 // Lengths in millimetres are the same, or above, beyond a twentieth.
 [[nodiscard]] bool is_longer(double length, double limit) noexcept;

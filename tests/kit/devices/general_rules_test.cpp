@@ -248,5 +248,21 @@ TEST(Owner, OfAPathThatBeginsWithoutABackslashIsToldByTheWholeOne) {
                   {"note \\a = 1 @ \\owners = 1: Owner 1 has this setting."}}},
                 {.map = &map});
 }
+TEST(Custom, NumbersAreComparedAsOnesOf32Bits) {
+    const char* const most = "\\custom_name\\Fan_Speed\\range_max";
+    expect_said(
+        "custom",
+        {{{{"\\custom_name\\Fan_Speed", 2000001000}},
+          {},
+          {{most, 2000000000.0}},
+          {"error \\custom_name\\Fan_Speed = 2000001000 @ \\custom_name\\Fan_Speed\\range_max = 2000000000: "
+           "\"Fan_Speed\" (Luefter), 2000001000, is above the most, 2000000000. (0 to 2000000000)"}},
+         {{{"\\custom_name\\Ink", 16777217}},
+          {"\\custom_name\\Ink\\data_type", "\\custom_name\\Ink\\value_list\\0\\value"},
+          {{"\\custom_name\\Ink\\data_type", 1}, {"\\custom_name\\Ink\\value_list\\0\\value", 16777216}},
+          {"error \\custom_name\\Ink = 16777217 @ \\custom_name\\Ink\\value_list = : \"Ink\" (Tinte) has no "
+           "value "
+           "\"16777217\". (16777216; Low)"}}});
+}
 
 } // namespace
