@@ -238,7 +238,10 @@ void check_landscape(Checker& check, Setting& setting) {
                                     .message = "No media size of the device is " +
                                                std::string(rotation_word(asked)) + '.'});
     }
-    if (size == nullptr) return Checker::leave(setting);
+    if (size == nullptr) { // of what has no name nothing speaks, and another rule tells of a wrong one
+        if (check.settings.find("size_entry", setting.key) != nullptr) Checker::leave(setting);
+        return;
+    }
     const std::string path = size->path + "\\landscape_mode";
     if (!size->landscape) return check.silent(setting, path, "rotation of this media size");
     if (*size->landscape == asked) return check.pass(setting, path);

@@ -338,5 +338,11 @@ TEST(Rotation, ByAnythingButHalvesIsFoundWithoutSizesOfBoth) {
                    "(0, 180)"}},
                  {{{"\\ROTATE", -180}}, {}, {{landscape, false}}, {"passed \\ROTATE @ \\media\\landscape"}}});
 }
+TEST(Rotation, OfAnEntryWithoutANameIsUnspoken) {
+    EXPECT_EQ(
+        found("unspoken", {{"\\media\\size\\0\\landscape_mode", true}}),
+        Lines{
+            "note \\media\\size\\0\\landscape_mode = true @  = : Nothing in the description speaks of it."});
+}
 
 } // namespace
