@@ -160,8 +160,8 @@ TEST_F(PmToolDevice, MapTellsWhereAConfigurationKeepsWhat) {
 TEST_F(PmToolDevice, OwnerTellsWhoMadeTheConfiguration) {
     folder.write("mine.pia", "PIAFILEVERSION_2.0,\nmedia{\n copies=1\n}\n");
     expect_no({"check", "mine.pia", "--device", device, "--owner", "1"},
-              "mine.pia: warning: \\media\\copies = 1: Owner 2 has this setting (\\media\\ui_owner = 2). "
-              "[owner]\n");
+              "mine.pia: warning: \\media\\copies = 1: Owner 2 has this setting (\\media\\ui_owner = "
+              "11112222133332333333330). [owner]\n");
     expect_output({"check", "mine.pia", "--device", device, "--owner", "2"},
                   "mine.pia: possible on the device\n");
 }

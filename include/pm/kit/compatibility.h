@@ -28,7 +28,7 @@ namespace pm::kit {
 
 // One thing that the device offers where the configuration asks for something else.
 struct Offer {
-    std::string value; // as a configuration would name it: "Z_Fold", "600 x 600", "0.05 to 12"
+    std::string value; // as this configuration would name it: "Z_Fold", "600 x 600", "0.05 to 12"
     std::string text; // the description's translated text, or the keyword of a number; empty if there is none
     std::string path; // in the description
 
@@ -93,7 +93,7 @@ struct SettingPath {
     std::string key = {}; // for a path without "*"
     SettingForm form = SettingForm::as_is;
     std::map<std::int32_t, std::int32_t> codes =
-        {};                     // numbers of the configuration and those of the description
+        {};                     // numbers of the configuration and those of the description; if any, all
     bool zero_is_unset = false; // 0, false and an empty text say nothing
     bool any_case = false;      // ASCII letters of the path match in any case
     bool is_default = false; // of a description's own default: the only paths that check_description() takes

@@ -183,6 +183,7 @@ struct Code {
     std::int32_t description;
 };
 constexpr std::array codes = std::to_array<Code>({
+    {"\\Plotter/DriverCustom\\dmDuplex", 1, 1}, // none
     {"\\Plotter/DriverCustom\\dmDuplex", 2, 2}, // along the long side
     {"\\Plotter/DriverCustom\\dmDuplex", 3, 4}, // along the short side
     {"\\Plotter/User\\DataBits", 5, 0},
@@ -191,6 +192,7 @@ constexpr std::array codes = std::to_array<Code>({
     {"\\Plotter/User\\DataBits", 8, 3},
     {"\\Plotter/User\\DataBits", 16, 4},
     {"\\Plotter/User\\StopBits", 1, 0},
+    {"\\Plotter/User\\StopBits", 2, 2},
 });
 
 struct FormOwner {

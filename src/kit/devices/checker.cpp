@@ -13,10 +13,10 @@ char lower(char c) noexcept {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-std::string range_text(const Range& range) {
-    if (!range.least) return "up to " + number_text(*range.most);
-    if (!range.most) return "from " + number_text(*range.least);
-    return number_text(*range.least) + " to " + number_text(*range.most);
+std::string range_text(const Setting& setting, const Range& range) {
+    if (!range.least) return "up to " + setting.in_unit(*range.most);
+    if (!range.most) return "from " + setting.in_unit(*range.least);
+    return setting.in_unit(*range.least) + " to " + setting.in_unit(*range.most);
 }
 
 } // namespace
@@ -69,6 +69,7 @@ void Checker::without_choice(Setting& setting, std::string_view choice, std::str
 
 void Checker::unreadable(Setting& setting, std::string_view wanted) {
     look(setting, {}, "unspoken");
+    if (setting.row != nullptr && !setting.row->codes.empty()) wanted = "code that the map knows";
     unspoken.push_back({"unspoken",
                         Severity::warning,
                         setting.path,
@@ -132,8 +133,13 @@ std::string called(const Named& item) {
     return item.text.empty() ? quoted(item.name) : quoted(item.name) + " (" + item.text + ')';
 }
 
+std::string by_default(bool is_default, Goes sentence) {
+    if (!is_default) return {};
+    return sentence == Goes::on ? ", the device's default," : ", the device's default";
+}
+
 std::string by_default(const Setting& setting) {
-    return setting.is_default() ? ", the device's default," : "";
+    return by_default(setting.is_default());
 }
 
 std::size_t common_begin(std::string_view left, std::string_view right) noexcept {
@@ -145,7 +151,7 @@ std::size_t common_begin(std::string_view left, std::string_view right) noexcept
 }
 
 void check_range(Checker& check, Setting& setting, const Range& range, const std::string& least_path,
-                 const std::string& most_path, std::string_view what) {
+                 const std::string& most_path, std::string_view what, std::string_view of_what) {
     if (!range.least && !range.most) return check.silent(setting, most_path, "limits of it");
     if (!setting.number) return check.unreadable(setting, "number");
     const double number = *setting.number;
@@ -158,25 +164,29 @@ void check_range(Checker& check, Setting& setting, const Range& range, const std
     const double limit = is_below_least || !range.most ? *range.least : *range.most;
     check.fail(setting, {.description_path = path,
                          .described = number_text(limit),
-                         .offers = {{range_text(range), {}, path}},
-                         .message = std::string(what) + ", " + number_text(number) + ", is " +
+                         .offers = {{range_text(setting, range), {}, path}},
+                         .message = std::string(what) + ", " + setting.said(number) + ", is " +
                                     (is_below_least ? "below the least, " : "above the most, ") +
-                                    number_text(limit) + '.'});
+                                    setting.said(limit) + std::string(of_what) + '.'});
 }
 
 void check_count(Checker& check, Setting& setting, const Range& range, const std::string& path,
-                 std::string_view what) {
+                 const std::string& described, std::string_view what) {
     const bool is_whole = !setting.number || std::trunc(*setting.number) == *setting.number;
-    const bool is_free = !range.least && !range.most;
-    if (is_whole || is_free) return check_range(check, setting, range, path, path, what);
-    check.fail(setting,
-               {.description_path = path,
-                .offers = {{range_text(range), {}, path}},
-                .message = std::string(what) + ", " + number_text(*setting.number) + ", isn't whole."});
+    if (!is_whole) {
+        return check.fail(
+            setting, {.description_path = path,
+                      .described = described,
+                      .offers = {{range_text(setting, range), {}, path}},
+                      .message = std::string(what) + ", " + number_text(*setting.number) + ", isn't whole."});
+    }
+    const std::size_t before = check.findings.size();
+    check_range(check, setting, {range.least, range.most, true}, path, path, what);
+    if (check.findings.size() != before) check.findings.back().described = described;
 }
 
 void check_bits(Checker& check, Setting& setting, std::string_view path, std::optional<double> offered,
-                std::string_view what, std::string (*words)(int)) {
+                std::string_view what, std::string (*words)(int), std::string_view where) {
     const std::string whole = check.device.path(path);
     const auto bits = integer_of(offered);
     if (!bits) return check.silent(setting, whole, what);
@@ -186,15 +196,17 @@ void check_bits(Checker& check, Setting& setting, std::string_view path, std::op
     std::vector<Offer> offers;
     for (int bit = 0; bit < most_bits; ++bit) {
         const int value = 1 << bit;
-        if ((*bits & value) != 0) offers.push_back({std::to_string(value), words(value), whole});
+        const auto code = (*bits & value) != 0 ? setting.code_of(value) : std::nullopt;
+        if (code) offers.push_back({std::to_string(*code), words(value), whole});
     }
-    check.fail(setting,
-               {.description_path = whole,
-                .described = std::to_string(*bits),
-                .offers = std::move(offers),
-                .message = "The device doesn't offer " + std::string(what) + ' ' + std::to_string(*asked) +
-                           (words(*asked).empty() ? "" : " (" + words(*asked) + ')') + '.',
-                .text = words(*asked)});
+    check.fail(setting, {.description_path = whole,
+                         .described = std::to_string(*bits),
+                         .offers = std::move(offers),
+                         .message = "The device doesn't offer " + std::string(what) + ' ' +
+                                    std::to_string(setting.code_of(*asked).value_or(*asked)) +
+                                    (words(*asked).empty() ? "" : " (" + words(*asked) + ')') +
+                                    std::string(where) + '.',
+                         .text = words(*asked)});
 }
 
 } // namespace pm::kit::devices

@@ -73,7 +73,10 @@ private:
 // "\"A4\"", and what messages call a named thing: "\"Roll_1\" (Upper roll)".
 [[nodiscard]] std::string quoted(std::string_view text);
 [[nodiscard]] std::string called(const Named& item);
-// ", the device's default," behind a choice that the configuration doesn't make.
+// ", the device's default," behind a choice that the configuration doesn't make; the comma at the end only
+// where the sentence goes on.
+enum class Goes { on, no_further };
+[[nodiscard]] std::string by_default(bool is_default, Goes sentence = Goes::on);
 [[nodiscard]] std::string by_default(const Setting& setting);
 
 // Offers are at most so many.
@@ -107,15 +110,17 @@ std::vector<Offer> nearest(const List& items, std::string_view asked) {
 }
 
 // The setting's number within the limits that are there: is it, if not the fault; `what` is "The pen's
-// width".
+// width", `of_what` goes behind the limit.
 void check_range(Checker& check, Setting& setting, const Range& range, const std::string& least_path,
-                 const std::string& most_path, std::string_view what);
-// The same of what is counted, so that it has to be whole.
+                 const std::string& most_path, std::string_view what, std::string_view of_what = {});
+// The same of what is counted, so that it has to be whole; all limits come from the property at `path`, which
+// is `described`.
 void check_count(Checker& check, Setting& setting, const Range& range, const std::string& path,
-                 std::string_view what);
+                 const std::string& described, std::string_view what);
 
-// The setting's number has no bits but those of the property at `path`; `words` names bits.
+// The setting's number has no bits but those of the property at `path`; `words` names bits, `where` goes
+// behind them.
 void check_bits(Checker& check, Setting& setting, std::string_view path, std::optional<double> offered,
-                std::string_view what, std::string (*words)(int));
+                std::string_view what, std::string (*words)(int), std::string_view where = {});
 
 } // namespace pm::kit::devices

@@ -96,6 +96,10 @@ void check_dots(Checker& check, Setting& setting) {
                                     " has no resolution of " + size_text(asked.x, asked.y) + '.'});
 }
 
+bool is_mode_by_default(Checker& check, const Setting& setting) {
+    return setting.key.empty() && check.settings.find("mode", {}) == nullptr;
+}
+
 void check_resolution_name(Checker& check, Setting& setting) {
     const ColourMode* mode = setting.key.empty() ? chosen_mode(check) : check.device.modes.find(setting.key);
     if (mode == nullptr) {
@@ -113,7 +117,8 @@ void check_resolution_name(Checker& check, Setting& setting) {
     }
     check.fail(setting, {.description_path = list,
                          .offers = nearest(mode->resolutions, setting.as_name()),
-                         .message = "The colour mode " + called(*mode) + " has no resolution " +
+                         .message = "The colour mode " + called(*mode) +
+                                    by_default(is_mode_by_default(check, setting)) + " has no resolution " +
                                     quoted(setting.as_name()) + '.'});
 }
 
@@ -197,7 +202,8 @@ void check_area(Checker& check, Setting& setting, const std::vector<const Memory
                          .offers = memory_offers(all, needed),
                          .message = std::string(memory) + " has room for a side of " +
                                     number_text(*roomiest->longest) + ", and " + called(*chosen_size(check)) +
-                                    " has one of " + number_text(needed) + '.',
+                                    by_default(check.settings.find("size", {}) == nullptr) + " has one of " +
+                                    number_text(needed) + '.',
                          .severity = severity});
 }
 
@@ -205,7 +211,8 @@ void check_installed(Checker& check, Setting& setting) {
     const std::string list = check.device.path("\\res_color_mem\\mem_area_list");
     if (check.device.memory.empty()) return check.silent(setting, list, "sizes of memory");
     if (!setting.number) return check.unreadable(setting, "number");
-    const DeviceResolution* resolution = chosen_resolution(check).resolution;
+    const auto chosen = chosen_resolution(check);
+    const DeviceResolution* resolution = chosen.resolution;
     const auto areas = areas_of(check.device, resolution);
     std::vector<const MemoryArea*> usable;
     for (const MemoryArea* area : areas) {
@@ -218,7 +225,8 @@ void check_installed(Checker& check, Setting& setting) {
     }
     check.fail(setting, {.description_path = resolution != nullptr ? resolution->path + "\\mem_area" : list,
                          .offers = memory_offers(areas, 0),
-                         .message = (resolution != nullptr ? "The resolution " + called(*resolution)
+                         .message = (resolution != nullptr ? "The resolution " + called(*resolution) +
+                                                                 by_default(chosen.is_default())
                                                            : std::string("The device")) +
                                     " needs more memory than " + number_text(*setting.number) + '.'});
 }
@@ -250,8 +258,9 @@ void answer_without_resolution(Checker& check, Setting& setting) {
 }
 
 void check_memory_name(Checker& check, Setting& setting) {
-    const DeviceResolution* resolution = setting.key.empty() ? chosen_resolution(check).resolution
-                                                             : keyed_resolution(check.device, setting.key);
+    const auto chosen = chosen_resolution(check);
+    const DeviceResolution* resolution =
+        setting.key.empty() ? chosen.resolution : keyed_resolution(check.device, setting.key);
     if (resolution == nullptr) return answer_without_resolution(check, setting);
     const std::string list = resolution->path + "\\mem_area";
     const Named* item = resolution->memory.find(setting.as_name());
@@ -261,10 +270,11 @@ void check_memory_name(Checker& check, Setting& setting) {
                           {.description_path = list,
                            .offers = memory_offers(areas_of(check.device, resolution), 0),
                            .message = "The resolution " + called(*resolution) +
+                                      by_default(setting.key.empty() && chosen.is_default()) +
                                       " doesn't go with the memory " + quoted(setting.as_name()) + '.'});
     }
     // Of a description's own defaults only those of the default mode are to hold the default size.
-    if (resolution != chosen_resolution(check).resolution) return check.pass(setting, item->path);
+    if (resolution != chosen.resolution) return check.pass(setting, item->path);
     check_area(check, setting, {area}, areas_of(check.device, resolution), "The memory " + called(*area),
                Severity::error);
 }
@@ -377,10 +387,11 @@ void check_resolution_on_media(Checker& check) {
     const MediaType* type = check.device.types.find(type_setting->as_name());
     const auto dots = chosen.resolution->dots();
     if (type == nullptr || !dots || !type->best_resolution || asked->is_default()) return;
-    const std::string path = type->path + "\\max_resolution_x";
-    if (!is_above(dots->x, type->best_resolution->x) && !is_above(dots->y, type->best_resolution->y)) {
-        return check.pass(*asked, path);
-    }
+    const bool is_too_wide = is_above(dots->x, type->best_resolution->x);
+    const bool is_too_high = is_above(dots->y, type->best_resolution->y);
+    const bool is_at_y = is_too_high && !is_too_wide;
+    const std::string path = type->path + (is_at_y ? "\\max_resolution_y" : "\\max_resolution_x");
+    if (!is_too_wide && !is_too_high) return check.pass(*asked, path);
     std::vector<Offer> offers;
     for (const MediaType& other : check.device.types) {
         if (!other.best_resolution || is_above(dots->x, other.best_resolution->x) ||
@@ -392,10 +403,11 @@ void check_resolution_on_media(Checker& check) {
     const std::string best = size_text(type->best_resolution->x, type->best_resolution->y);
     check.fail(*asked,
                {.description_path = path,
-                .described = best,
+                .described = number_text(is_at_y ? type->best_resolution->y : type->best_resolution->x),
                 .offers = std::move(offers),
                 .message = "The media type " + called(*type) + by_default(*type_setting) + " takes at most " +
-                           best + ", and " + called(*chosen.resolution) + " is more."});
+                           best + ", and " + called(*chosen.resolution) + by_default(chosen.is_default()) +
+                           " is more."});
 }
 
 void check_memory(Checker& check) {
@@ -413,8 +425,8 @@ void check_dithering(Checker& check) {
     for (Setting& setting : check.settings.all("dithering")) {
         const Named* method = check.device.dithering.find(setting.as_name());
         // One with a key stands below its resolution.
-        const DeviceResolution* resolution =
-            setting.key.empty() ? chosen_resolution(check).resolution : nullptr;
+        const auto chosen = chosen_resolution(check);
+        const DeviceResolution* resolution = setting.key.empty() ? chosen.resolution : nullptr;
         if (check.device.dithering.empty()) {
             check.silent(setting, list, "dithering methods");
         } else if (method == nullptr) {
@@ -431,8 +443,8 @@ void check_dithering(Checker& check) {
                        {.description_path = resolution->path + "\\res_color_mem\\dithering_list",
                         .described = resolution->dithering,
                         .offers = {own != nullptr ? offer_of(*own) : Offer{resolution->dithering, {}, {}}},
-                        .message = "The resolution " + called(*resolution) + " is dithered by " +
-                                   quoted(resolution->dithering) + '.',
+                        .message = "The resolution " + called(*resolution) + by_default(chosen.is_default()) +
+                                   " is dithered by " + quoted(resolution->dithering) + '.',
                         .severity = Severity::warning,
                         .text = method->text});
         }

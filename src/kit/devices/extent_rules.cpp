@@ -45,6 +45,10 @@ const MediaArea* chosen_area(Checker& check) {
     return size != nullptr ? check.device.area(*size) : nullptr;
 }
 
+bool is_size_by_default(Checker& check) {
+    return check.settings.find("size", {}) == nullptr;
+}
+
 void check_against_bounds(Checker& check, Setting& setting, const MediaSize& size, bool is_width) {
     const MediaArea* area = check.device.area(size);
     if (area == nullptr || !area->bounds) {
@@ -56,13 +60,13 @@ void check_against_bounds(Checker& check, Setting& setting, const MediaSize& siz
     const bool is_possible =
         area->is_dimensional ? is_same_length(*setting.number, bound) : !is_longer(*setting.number, bound);
     if (is_possible) return check.pass(setting, path);
-    check.fail(setting,
-               {.description_path = path,
-                .described = number_text(bound),
-                .offers = {{(area->is_dimensional ? "" : "up to ") + number_text(bound), size.text, path}},
-                .message = "The media size " + called(size) + " is " +
-                           (area->is_dimensional ? "" : "at most ") + number_text(bound) +
-                           (is_width ? " wide." : " high.")});
+    check.fail(
+        setting,
+        {.description_path = path,
+         .described = number_text(bound),
+         .offers = {{(area->is_dimensional ? "" : "up to ") + setting.in_unit(bound), size.text, path}},
+         .message = "The media size " + called(size) + " is " + (area->is_dimensional ? "" : "at most ") +
+                    setting.said(bound) + (is_width ? " wide." : " high.")});
 }
 
 std::optional<Extent> largest(const Device& device) {
@@ -83,11 +87,11 @@ void check_against_largest(Checker& check, Setting& setting, const Side& side) {
         is_longer(*setting.number, most) ||
         (side.is_width && !fits_turned(asked, *room) && !is_longer(std::max(asked.x, asked.y), most));
     if (!is_own_fault) return check.pass(setting, path);
-    const std::string size = size_text(room->x, room->y);
-    check.fail(setting, {.description_path = path,
-                         .described = number_text(side.is_width ? room->x : room->y),
-                         .offers = {{size, {}, path}},
-                         .message = "The largest size of the device is " + size + '.'});
+    check.fail(setting,
+               {.description_path = path,
+                .described = number_text(side.is_width ? room->x : room->y),
+                .offers = {{setting.in_unit(room->x, room->y), {}, path}},
+                .message = "The largest size of the device is " + setting.said(room->x, room->y) + '.'});
 }
 
 // A plot on a size that isn't known has room if some size of the device has it.
@@ -103,7 +107,7 @@ void check_any_room(Checker& check, Setting& setting, const Extent& asked) {
     if (!is_told) return check.silent(setting, path, "printable bounds");
     check.fail(setting, {.description_path = path,
                          .message = "No media size of the device has a printable area of " +
-                                    size_text(asked.x, asked.y) + '.'});
+                                    setting.said(asked.x, asked.y) + '.'});
 }
 
 // The sizes whose printable area has room, the smallest first.
@@ -137,15 +141,16 @@ void check_plot(Checker& check, Setting& setting, const Side& side) {
         return check.silent(setting, size->path, "printable bounds of this media size");
     }
     const auto& [left, bottom, right, top] = *area->printable;
+    const double bound = side.is_width ? right : top;
     const double room = side.is_width ? right - left : top - bottom;
     const std::string path =
         area->path + (side.is_width ? "\\printable_bounds_urx" : "\\printable_bounds_ury");
     if (!is_longer(*setting.number, room)) return check.pass(setting, path);
     check.fail(setting, {.description_path = path,
-                         .described = number_text(room),
+                         .described = number_text(bound),
                          .offers = sizes_for(check.device, asked),
                          .message = "The printable area of " + called(*size) + " is only " +
-                                    number_text(room) + (side.is_width ? " wide." : " high.")});
+                                    setting.said(room) + (side.is_width ? " wide." : " high.")});
 }
 
 void check_printable_part(Checker& check, Setting& setting) {
@@ -161,21 +166,21 @@ void check_printable_part(Checker& check, Setting& setting) {
     check.fail(setting, {.description_path = path,
                          .described = part,
                          .offers = {{"up to " + part, area->text, path}},
-                         .message = "Only " + part + " of the area " + called(*area) + " can be printed."});
+                         .message = "Only " + part + " of the area " + called(*area) +
+                                    by_default(is_size_by_default(check)) + " can be printed."});
 }
 
 struct Margin {
     std::string_view setting;
     std::string_view bound;
-    double (*least)(const MediaArea&);
+    std::size_t side;                     // of the printable bounds
+    double (*opposite)(const MediaArea&); // bound of the medium; null at 0
 };
 constexpr std::array<Margin, 4> margins{{
-    {"margin_left", "\\printable_bounds_llx", [](const MediaArea& area) { return (*area.printable)[0]; }},
-    {"margin_bottom", "\\printable_bounds_lly", [](const MediaArea& area) { return (*area.printable)[1]; }},
-    {"margin_right", "\\printable_bounds_urx",
-     [](const MediaArea& area) { return area.bounds->x - (*area.printable)[2]; }},
-    {"margin_top", "\\printable_bounds_ury",
-     [](const MediaArea& area) { return area.bounds->y - (*area.printable)[3]; }},
+    {"margin_left", "\\printable_bounds_llx", 0, nullptr},
+    {"margin_bottom", "\\printable_bounds_lly", 1, nullptr},
+    {"margin_right", "\\printable_bounds_urx", 2, [](const MediaArea& area) { return area.bounds->x; }},
+    {"margin_top", "\\printable_bounds_ury", 3, [](const MediaArea& area) { return area.bounds->y; }},
 }};
 
 void check_margin(Checker& check, Setting& setting, const Margin& margin) {
@@ -186,13 +191,15 @@ void check_margin(Checker& check, Setting& setting, const Margin& margin) {
         return check.silent(setting, path, "printable bounds of this media size");
     }
     if (!setting.number) return check.unreadable(setting, "number");
-    const double least = margin.least(*area);
+    const double bound = (*area->printable)[margin.side];
+    const double least = margin.opposite != nullptr ? margin.opposite(*area) - bound : bound;
     if (!is_longer(least, *setting.number)) return check.pass(setting, path);
-    check.fail(setting, {.description_path = path,
-                         .described = number_text(least),
-                         .offers = {{"from " + number_text(least), area->text, path}},
-                         .message = "The device leaves a margin of at least " + number_text(least) + " on " +
-                                    called(*area) + '.'});
+    check.fail(setting,
+               {.description_path = path,
+                .described = number_text(bound),
+                .offers = {{"from " + setting.in_unit(least), area->text, path}},
+                .message = "The device leaves a margin of at least " + setting.said(least) + " on " +
+                           called(*area) + by_default(is_size_by_default(check), Goes::no_further) + '.'});
 }
 
 // Sizes of the other rotation with the same sides.

@@ -137,7 +137,7 @@ void check_owners(Checker& check) {
             found.more == 0 ? "" : ", and " + std::to_string(found.more) + " more like it";
         check.fail(*found.first,
                    {.description_path = path,
-                    .described = std::to_string(owner),
+                    .described = owners,
                     .message = "Owner " + std::to_string(owner) + " has this setting" + more + '.',
                     .severity = check.options.owner ? Severity::warning : Severity::note});
     }

@@ -30,24 +30,26 @@ std::vector<Offer> offered_methods(const Device& device) {
     return offers;
 }
 
-std::string chosen_type(Checker& check) {
-    const Setting* type = check.chosen("io_type", default_type);
-    return type != nullptr ? type->text : std::string();
-}
-
 // The method that a setting is a parameter of, and whether it is the one in use.
 struct Parameter {
     const IoMethod* method = nullptr;
+    bool is_default = false;               // in use, and by default
     std::optional<Severity> severity = {}; // a warning where the method isn't in use
+
+    [[nodiscard]] std::string called(Goes sentence = Goes::on) const {
+        return method_called(method->name) + by_default(is_default, sentence);
+    }
 };
 
 // Takes up the setting if there is no such method.
 Parameter parameter_of(Checker& check, Setting& setting) {
-    const std::string chosen = chosen_type(check);
+    const Setting* type = check.chosen("io_type", default_type);
+    const std::string chosen = type != nullptr ? type->text : std::string();
     const std::string number = setting.key.empty() ? chosen : setting.key;
     Parameter parameter{check.device.methods.find(number)};
     const bool is_idle = number != chosen && (setting.row == nullptr || !setting.row->is_default);
     if (is_idle) parameter.severity = Severity::warning;
+    parameter.is_default = type != nullptr && type->is_default() && number == chosen;
     if (parameter.method != nullptr) return parameter;
     if (check.device.methods.empty() || number.empty()) {
         check.silent(setting, check.device.path(method_list), "methods of output");
@@ -56,25 +58,35 @@ Parameter parameter_of(Checker& check, Setting& setting) {
     } else {
         check.fail(setting, {.description_path = check.device.path(method_list),
                              .offers = offered_methods(check.device),
-                             .message = "The device has no output by " + method_called(number) + '.',
+                             .message = "The device has no output by " + method_called(number) +
+                                        by_default(parameter.is_default, Goes::no_further) + '.',
                              .severity = parameter.severity});
     }
     return parameter;
 }
 
+// Behind what is told of the method in use; nothing where the configuration chooses it.
+std::string where_by_default(const Parameter& parameter) {
+    return parameter.is_default ? " for output by " + parameter.called(Goes::no_further) : "";
+}
+
 void check_timeout(Checker& check, Setting& setting, Range IoMethod::*range, std::string_view name) {
-    const auto [method, severity] = parameter_of(check, setting);
+    const Parameter parameter = parameter_of(check, setting);
+    const IoMethod* method = parameter.method;
     if (method == nullptr) return;
     const std::string path = method->path + '\\';
     const std::size_t before = check.findings.size();
     check_range(check, setting, method->*range, path + "min_" + std::string(name),
                 path + "max_" + std::string(name),
-                name == "input_timeout" ? "The timeout of input" : "The timeout of output");
-    if (check.findings.size() != before && severity) check.findings.back().severity = *severity;
+                name == "input_timeout" ? "The timeout of input" : "The timeout of output",
+                (parameter.is_default ? "," : "") + where_by_default(parameter));
+    if (check.findings.size() != before && parameter.severity)
+        check.findings.back().severity = *parameter.severity;
 }
 
 void check_rate(Checker& check, Setting& setting) {
-    const auto [method, severity] = parameter_of(check, setting);
+    const Parameter parameter = parameter_of(check, setting);
+    const IoMethod* method = parameter.method;
     if (method == nullptr) return;
     const std::string list = method->path + "\\baudrates";
     if (method->baud_rates.empty()) return check.silent(setting, list, "baud rates of this method");
@@ -86,15 +98,15 @@ void check_rate(Checker& check, Setting& setting) {
     for (const Named& offered : method->baud_rates) {
         offers.push_back(offer_of(offered));
     }
-    check.fail(setting,
-               {.description_path = list,
-                .offers = std::move(offers),
-                .message = "Output by " + method_called(method->name) + " has no baud rate of " + rate + '.',
-                .severity = severity});
+    check.fail(setting, {.description_path = list,
+                         .offers = std::move(offers),
+                         .message = "Output by " + parameter.called() + " has no baud rate of " + rate + '.',
+                         .severity = parameter.severity});
 }
 
 void check_protocol_name(Checker& check, Setting& setting) {
-    const auto [method, severity] = parameter_of(check, setting);
+    const Parameter parameter = parameter_of(check, setting);
+    const IoMethod* method = parameter.method;
     if (method == nullptr) return;
     const std::string list = method->path + "\\protocol";
     if (method->protocols.empty()) return check.silent(setting, list, "protocols of this method");
@@ -103,9 +115,9 @@ void check_protocol_name(Checker& check, Setting& setting) {
     }
     check.fail(setting, {.description_path = list,
                          .offers = nearest(method->protocols, setting.text),
-                         .message = "Output by " + method_called(method->name) + " has no protocol " +
+                         .message = "Output by " + parameter.called() + " has no protocol " +
                                     quoted(setting.text) + '.',
-                         .severity = severity});
+                         .severity = parameter.severity});
 }
 
 // Data bits, stop bits and parity: one protocol has all that are told.
@@ -135,7 +147,8 @@ bool is_first_part(Checker& check, const Setting& setting) {
 void check_frame(Checker& check, Setting& setting) {
     if (!setting.number) return check.unreadable(setting, "integer");
     if (!is_first_part(check, setting)) return Checker::leave(setting);
-    const auto [method, severity] = parameter_of(check, setting);
+    const Parameter parameter = parameter_of(check, setting);
+    const IoMethod* method = parameter.method;
     if (method == nullptr) return;
     const std::string list = method->path + "\\protocol";
     if (method->protocols.empty()) return check.silent(setting, list, "protocols of this method");
@@ -144,9 +157,9 @@ void check_frame(Checker& check, Setting& setting) {
     }
     check.fail(setting, {.description_path = list,
                          .offers = nearest(method->protocols, {}),
-                         .message = "Output by " + method_called(method->name) +
+                         .message = "Output by " + parameter.called() +
                                     " has no protocol of these data bits, stop bits and parity.",
-                         .severity = severity});
+                         .severity = parameter.severity});
 }
 
 } // namespace
@@ -210,13 +223,16 @@ void check_protocol(Checker& check) {
 
 void check_handshake(Checker& check) {
     for (Setting& setting : check.settings.all("handshake")) {
-        const auto [method, severity] = parameter_of(check, setting);
+        const Parameter parameter = parameter_of(check, setting);
+        const IoMethod* method = parameter.method;
         if (method == nullptr) continue;
         const auto offered = method->handshakes;
         const std::size_t before = check.findings.size();
         check_bits(check, setting, "\\io\\method\\" + method->name + "\\handshakes",
-                   offered ? std::optional<double>(*offered) : std::nullopt, "handshake", handshake_words);
-        if (check.findings.size() != before && severity) check.findings.back().severity = *severity;
+                   offered ? std::optional<double>(*offered) : std::nullopt, "handshake", handshake_words,
+                   where_by_default(parameter));
+        if (check.findings.size() != before && parameter.severity)
+            check.findings.back().severity = *parameter.severity;
     }
 }
 

@@ -32,6 +32,11 @@ const MediaSource* source_of(Checker& check, const Setting& setting) {
     return setting.key.empty() ? chosen_source(check) : check.device.sources.find(setting.key);
 }
 
+std::string source_called(Checker& check, const Setting& setting, const MediaSource& source) {
+    const bool is_default = setting.key.empty() && check.settings.find("source", {}) == nullptr;
+    return called(source) + by_default(is_default);
+}
+
 Setting* loaded_in(Checker& check, const MediaSource& source) {
     if (Setting* loaded = check.settings.find("loaded", source.name)) return loaded;
     const MediaSource* chosen = chosen_source(check);
@@ -75,8 +80,8 @@ void check_loaded_entry(Checker& check, Setting& setting) {
     if (const auto* entry = source->entries.find(setting.as_name())) return check.pass(setting, entry->path);
     check.fail(setting, {.description_path = list,
                          .offers = nearest(source->entries, setting.as_name()),
-                         .message = "The source " + called(*source) + " can't be loaded with " +
-                                    quoted(setting.as_name()) + '.'});
+                         .message = "The source " + source_called(check, setting, *source) +
+                                    " can't be loaded with " + quoted(setting.as_name()) + '.'});
 }
 
 void check_feed(Checker& check, Setting& setting) {
@@ -88,11 +93,12 @@ void check_feed(Checker& check, Setting& setting) {
     if (!asked) return check.unreadable(setting, "integer");
     if (*asked == *source->feed) return check.pass(setting, path);
     const std::string feed = std::to_string(*source->feed);
-    check.fail(setting, {.description_path = path,
-                         .described = feed,
-                         .offers = {{feed, std::string(feed_word(*source->feed)), path}},
-                         .message = "The source " + called(*source) + " has another feed.",
-                         .text = std::string(feed_word(*asked))});
+    check.fail(setting,
+               {.description_path = path,
+                .described = feed,
+                .offers = {{feed, std::string(feed_word(*source->feed)), path}},
+                .message = "The source " + source_called(check, setting, *source) + " has another feed.",
+                .text = std::string(feed_word(*asked))});
 }
 
 void check_loaded_width(Checker& check, Setting& setting) {
@@ -107,11 +113,11 @@ void check_loaded_width(Checker& check, Setting& setting) {
     if (!entry->width) return check.silent(setting, path, "width of this entry");
     if (!setting.number) return check.unreadable(setting, "number");
     if (is_same_length(*setting.number, *entry->width)) return check.pass(setting, path);
-    const std::string width = number_text(*entry->width);
     check.fail(setting, {.description_path = path,
-                         .described = width,
-                         .offers = {{width, entry->text, path}},
-                         .message = called(*entry) + " is " + width + " wide."});
+                         .described = number_text(*entry->width),
+                         .offers = {{setting.in_unit(*entry->width), entry->text, path}},
+                         .message = called(*entry) + by_default(loaded_in(check, *source) == nullptr) +
+                                    " is " + setting.said(*entry->width) + " wide."});
 }
 
 // The size by default of what a source can be loaded with.
@@ -196,7 +202,6 @@ void check_size_in_source(Checker& check) {
     check.fail(
         asked,
         {.description_path = source->path + "\\entry",
-         .described = loaded != nullptr ? loaded->text : std::string(),
          .offers = sources_for(check.device, *source, size->as_name()),
          .message = "The media size " + called(media) + by_default(*size) + " isn't one that the source " +
                     called(*source) + by_default(*source_setting) +
@@ -223,7 +228,7 @@ void check_copies(Checker& check) {
         if (!most) {
             check.silent(setting, path, "maximum of copies");
         } else {
-            check_count(check, setting, {1.0, most}, path, "The number of copies");
+            check_count(check, setting, {1.0, most}, path, number_text(*most), "The number of copies");
         }
     }
 }

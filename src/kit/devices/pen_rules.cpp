@@ -16,35 +16,52 @@ struct PenLimit {
     std::string_view most;
     std::string_view what;
     std::string_view programmable = {}; // the truth value that tells whether it can be set at all
+    std::string_view fixed = {};        // what it is where it can't be set
 };
 
 constexpr PenLimit count_limit{"pen_count", "", "\\physical_pen\\max_npens", "The number of pens"};
 constexpr PenLimit number_limit{"pen_number", "", "\\physical_pen\\max_npens", "The pen's number"};
-constexpr PenLimit width_limit{"pen_width", "\\physical_pen\\min_width", "\\physical_pen\\max_width",
-                               "The pen's width", "\\physical_pen\\programmable_widths"};
-constexpr PenLimit speed_limit{"pen_speed", "\\physical_pen\\min_speed", "\\physical_pen\\max_speed",
-                               "The pen's speed", "\\physical_pen\\programmable_speeds"};
+constexpr PenLimit width_limit{
+    "pen_width",       "\\physical_pen\\min_width",           "\\physical_pen\\max_width",
+    "The pen's width", "\\physical_pen\\programmable_widths", "\\physical_pen\\default_width"};
+constexpr PenLimit speed_limit{
+    "pen_speed",       "\\physical_pen\\min_speed",           "\\physical_pen\\max_speed",
+    "The pen's speed", "\\physical_pen\\programmable_speeds", "\\physical_pen\\default_speed"};
 
 std::optional<double> limit_at(const Device& device, std::string_view path) {
     return path.empty() ? std::nullopt : device.number(path);
+}
+
+// Where it can't be set, a pen that is asked for as it is passes on to its limits.
+bool is_set_anew(const Device& device, const PenLimit& limit, const Setting& setting) {
+    if (limit_at(device, limit.programmable) != 0.0) return false;
+    const auto fixed = limit_at(device, limit.fixed);
+    return !fixed || !setting.number || !is_same(*setting.number, *fixed);
+}
+
+void refuse_setting(Checker& check, const PenLimit& limit, Setting& setting) {
+    std::vector<Offer> offers;
+    if (const auto fixed = limit_at(check.device, limit.fixed)) {
+        offers.push_back({setting.in_unit(*fixed), {}, check.device.path(limit.fixed)});
+    }
+    check.fail(setting, {.description_path = check.device.path(limit.programmable),
+                         .described = "false",
+                         .offers = std::move(offers),
+                         .message = std::string(limit.what) + " can't be set on this device."});
 }
 
 void check_limit(Checker& check, const PenLimit& limit, std::optional<double> least) {
     if (!check.settings.has(limit.setting)) return;
     const Range range{least ? least : limit_at(check.device, limit.least),
                       limit_at(check.device, limit.most)};
-    const auto programmable = limit_at(check.device, limit.programmable);
     for (Setting& setting : check.settings.all(limit.setting)) {
         const std::string most = check.device.path(limit.most);
-        if (programmable == 0.0) {
-            const std::string path = check.device.path(limit.programmable);
-            check.fail(setting, {.description_path = path,
-                                 .described = "false",
-                                 .message = std::string(limit.what) + " can't be set on this device."});
+        if (is_set_anew(check.device, limit, setting)) {
+            refuse_setting(check, limit, setting);
         } else if (!range.most && !limit_at(check.device, limit.least)) {
             check.silent(setting, most, "limits of it");
         } else if (limit.least.empty()) {
-            check_count(check, setting, range, most, limit.what);
+            check_count(check, setting, range, most, number_text(*range.most), limit.what);
         } else {
             check_range(check, setting, range, check.device.path(limit.least), most, limit.what);
         }
@@ -148,7 +165,8 @@ void check_line_type(Checker& check) {
         const std::string path = check.device.path(line_type_texts);
         const double count = static_cast<double>(offered_line_types(check.device).size());
         if (check.device.has_line_type(0)) {
-            check_count(check, setting, {std::nullopt, count}, path, "The number of line types");
+            check_count(check, setting, {std::nullopt, count}, path, check.device.text(line_type_texts),
+                        "The number of line types");
         } else {
             check.silent(setting, path, "line types");
         }
@@ -171,10 +189,10 @@ void check_line_width(Checker& check) {
         const std::string word(line_type_word(*type));
         check.fail(*width, {.description_path = check.device.path(path),
                             .described = number_text(*least),
-                            .offers = {{"from " + number_text(*least), word, check.device.path(path)}},
+                            .offers = {{"from " + width->in_unit(*least), word, check.device.path(path)}},
                             .message = "The line type " + std::to_string(*type) +
                                        (word.empty() ? "" : " (" + word + ")") +
-                                       " needs a width of at least " + number_text(*least) + '.'});
+                                       " needs a width of at least " + width->said(*least) + '.'});
     }
 }
 

@@ -28,6 +28,8 @@ struct ChosenResolution {
     const ColourMode* mode = nullptr;
     const DeviceResolution* resolution = nullptr;
     Setting* setting = nullptr; // null: by default all the way
+
+    [[nodiscard]] bool is_default() const noexcept { return setting == nullptr; }
 };
 [[nodiscard]] ChosenResolution chosen_resolution(Checker& check);
 // The size that the configuration means, or the device's default; null if it isn't one of the device's.

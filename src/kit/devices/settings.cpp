@@ -3,6 +3,7 @@
 #include "devices/value_words.h"
 #include <algorithm>
 #include <cmath>
+#include <fmt/format.h>
 #include <pm/exception.h>
 
 namespace pm::kit::devices {
@@ -52,9 +53,21 @@ std::optional<double> number_by_form(const Value& value, SettingForm form) {
 
 std::optional<double> number_of_setting(const Value& value, const SettingPath& row) {
     const auto number = number_by_form(value, row.form);
+    if (row.codes.empty()) return number;
     const auto integer = integer_of(number);
     const auto code = integer ? row.codes.find(*integer) : row.codes.end();
-    return code != row.codes.end() ? std::optional<double>(code->second) : number;
+    return code != row.codes.end() ? std::optional<double>(code->second) : std::nullopt;
+}
+
+// With the fewest decimals that come back as the length.
+std::string inches_text(double millimetres) {
+    constexpr double most_scale = 1e12;
+    const double inches = millimetres / millimetres_an_inch;
+    for (double scale = 1; scale <= most_scale; scale *= 10) {
+        const double rounded = std::round(inches * scale) / scale;
+        if (is_same(rounded * millimetres_an_inch, millimetres)) return fmt::format("{}", rounded);
+    }
+    return fmt::format("{}", inches);
 }
 
 bool is_set(const Value& value, const SettingPath& row) {
@@ -105,6 +118,29 @@ private:
 
 std::string Setting::as_name() const {
     return row != nullptr && row->form == SettingForm::name ? description_name(text) : text;
+}
+
+std::string Setting::in_unit(double described) const {
+    return is_in_inches ? inches_text(described) : number_text(described);
+}
+
+std::string Setting::in_unit(double x, double y) const {
+    return in_unit(x) + " x " + in_unit(y);
+}
+
+std::string Setting::said(double described) const {
+    const std::string number_said = in_unit(described);
+    return is_in_inches ? number_said + (number_said == "1" ? " inch" : " inches") : number_said;
+}
+
+std::string Setting::said(double x, double y) const {
+    return in_unit(x, y) + (is_in_inches ? " inches" : "");
+}
+
+std::optional<int> Setting::code_of(int described) const {
+    if (row == nullptr || row->codes.empty()) return described;
+    const auto found = std::ranges::find(row->codes, described, [](const auto& code) { return code.second; });
+    return found == row->codes.end() ? std::nullopt : std::optional<int>(found->first);
 }
 
 Settings::Settings(Node node, std::string_view base, const CompatibilityMap& map, bool defaults_only) {
@@ -172,6 +208,7 @@ void Settings::apply_unit() {
         for (Setting& setting : list) {
             if (setting.row->form == SettingForm::length && setting.number) {
                 *setting.number *= millimetres_an_inch;
+                setting.is_in_inches = true;
             }
         }
     }

@@ -18,12 +18,21 @@ struct Setting {
     std::string path;
     Value value;
     std::string text;             // value_text() of it
-    std::optional<double> number; // as its form and its codes take it
+    std::optional<double> number; // as its form and its codes take it, a length in millimetres
     bool was_looked_at = false;
+    bool is_in_inches = false;
 
     [[nodiscard]] bool is_default() const noexcept { return row == nullptr; }
     // As a description names it.
     [[nodiscard]] std::string as_name() const;
+    // A number of the description, or two, as the configuration would have them: lengths in its unit.
+    [[nodiscard]] std::string in_unit(double described) const;
+    [[nodiscard]] std::string in_unit(double x, double y) const;
+    // With the unit behind it where that isn't the description's.
+    [[nodiscard]] std::string said(double described) const;
+    [[nodiscard]] std::string said(double x, double y) const;
+    // A description's number by the code of the configuration; nothing if there is none.
+    [[nodiscard]] std::optional<int> code_of(int described) const;
 };
 
 // A property that the map doesn't know.

@@ -102,11 +102,9 @@ TEST(ResolutionOnMedia, ThatTheTypeTakesPasses) {
 
 TEST(ResolutionOnMedia, ThatIsTooMuchForTheTypeIsFound) {
     EXPECT_EQ(found("resolution-media", {{"\\res_color_mem\\resolution_x", 1200}}),
-              Lines{"error \\res_color_mem\\resolution_x = 1200 @ \\media\\type\\0\\max_resolution_x = 600 x "
-                    "600: The media "
-                    "type \"Plain\", the device's default, takes at most 600 x 600, and \"1200_dpi\" is "
-                    "more. (Photo, "
-                    "Fotopapier)"});
+              Lines{"error \\res_color_mem\\resolution_x = 1200 @ \\media\\type\\0\\max_resolution_x = 600: "
+                    "The media type \"Plain\", the device's default, takes at most 600 x 600, and "
+                    "\"1200_dpi\" is more. (Photo, Fotopapier)"});
 }
 
 TEST(Memory, WithRoomForTheSizePasses) {
@@ -167,8 +165,8 @@ TEST(Dithering, OfAnotherResolutionIsAWarning) {
     EXPECT_EQ(found("dithering", {{"\\res_color_mem\\dithering", text("Coarse")}}),
               Lines{"warning \\res_color_mem\\dithering = Coarse @ "
                     "\\res_color_mem\\rcm_list\\Colour\\resolution_list\\600_dpi\\res_color_mem\\dithering_"
-                    "list = Fine: The "
-                    "resolution \"600_dpi\" (mittel) is dithered by \"Fine\". (Fine, fein)"});
+                    "list = Fine: The resolution \"600_dpi\" (mittel), the device's default, is dithered by "
+                    "\"Fine\". (Fine, fein)"});
 }
 
 constexpr const char* colour = "\\Plotter/DriverCustom\\dmColor";
@@ -297,26 +295,26 @@ TEST(Resolution, ByNameIsOneOfItsMode) {
 TEST(Resolution, ByNameWithoutAModeIsOneOfTheChosen) {
     const auto map =
         pm::kit::load_map(R"({"settings": [{"setting": "resolution", "path": "\\dpi", "form": "name"}]})");
-    expect_said(
-        "resolution",
-        {{{{"\\dpi", text("1200 dpi")}},
-          {},
-          {},
-          {"passed \\dpi @ \\res_color_mem\\rcm_list\\Colour\\resolution_list\\1200_dpi"}},
-         {{{"\\dpi", text("300 dpi")}},
-          {},
-          {},
-          {"error \\dpi = 300 dpi @ \\res_color_mem\\rcm_list\\Colour\\resolution_list = : The colour mode "
-           "\"Colour\" (bunt) has no resolution \"300_dpi\". (600_dpi, mittel; 1200_dpi)"}},
-         {{{"\\dpi", text("300 dpi")}, {default_mode, text("Mono")}},
-          {},
-          {},
-          {"passed \\dpi @ \\res_color_mem\\rcm_list\\Mono\\resolution_list\\300_dpi"}},
-         {{{"\\dpi", text("300 dpi")}},
-          {default_mode},
-          {},
-          {"unspoken \\dpi @ \\res_color_mem\\default_name"}}},
-        {.map = &map});
+    expect_said("resolution",
+                {{{{"\\dpi", text("1200 dpi")}},
+                  {},
+                  {},
+                  {"passed \\dpi @ \\res_color_mem\\rcm_list\\Colour\\resolution_list\\1200_dpi"}},
+                 {{{"\\dpi", text("300 dpi")}},
+                  {},
+                  {},
+                  {"error \\dpi = 300 dpi @ \\res_color_mem\\rcm_list\\Colour\\resolution_list = : The "
+                   "colour mode \"Colour\" (bunt), the device's default, has no resolution \"300_dpi\". "
+                   "(600_dpi, mittel; 1200_dpi)"}},
+                 {{{"\\dpi", text("300 dpi")}, {default_mode, text("Mono")}},
+                  {},
+                  {},
+                  {"passed \\dpi @ \\res_color_mem\\rcm_list\\Mono\\resolution_list\\300_dpi"}},
+                 {{{"\\dpi", text("300 dpi")}},
+                  {default_mode},
+                  {},
+                  {"unspoken \\dpi @ \\res_color_mem\\default_name"}}},
+                {.map = &map});
     expect_said("memory",
                 {{{{"\\dpi", text("1200 dpi")}, {installed, 64}},
                   {},
@@ -356,32 +354,33 @@ TEST(ResolutionOnMedia, ThatIsTooMuchAlongOneSideIsFoundWithTypesThatTakeBoth) {
                    {"\\media\\type\\3\\max_resolution_x", 300.0},
                    {"\\media\\type\\3\\max_resolution_y", 600.0},
                    {"\\media\\type\\4\\name", text("Any")}},
-                  {"error \\res_color_mem\\resolution_x = 600 @ \\media\\type\\0\\max_resolution_x = 600 x "
-                   "300: The media type \"Plain\", the device's default, takes at most 600 x 300, and "
-                   "\"600_dpi\" (mittel) is more. (Photo, Fotopapier)"}}});
+                  {"error \\res_color_mem\\resolution_x = 600 @ \\media\\type\\0\\max_resolution_y = 300: "
+                   "The media type \"Plain\", the device's default, takes at most 600 x 300, and \"600_dpi\" "
+                   "(mittel) is more. (Photo, Fotopapier)"}}});
 }
 
 TEST(Memory, ThatIsTooLittleForAllIsFound) {
-    expect_said("memory",
-                {{{{installed, 1}},
-                  {},
-                  {},
-                  {"error \\res_color_mem\\installed_memory = 1 @ "
-                   "\\res_color_mem\\rcm_list\\Colour\\resolution_list\\600_dpi\\mem_area = : The resolution "
-                   "\"600_dpi\" (mittel) needs more memory than 1. (64, 64 MB; 256, 256 MB)"}},
-                 {{{installed, 1}},
-                  {default_mode},
-                  {},
-                  {"error \\res_color_mem\\installed_memory = 1 @ \\res_color_mem\\mem_area_list = : The "
-                   "device needs more memory than 1. (64, 64 MB; 256, 256 MB)"}},
-                 {{{installed, 64}},
-                  {areas_of_600},
-                  {},
-                  {"passed \\res_color_mem\\installed_memory @ \\res_color_mem\\mem_area_list\\Small"}},
-                 {{{installed, 1}},
-                  {small_memory},
-                  {},
-                  {"passed \\res_color_mem\\installed_memory @ \\res_color_mem\\mem_area_list\\Small"}}});
+    expect_said(
+        "memory",
+        {{{{installed, 1}},
+          {},
+          {},
+          {"error \\res_color_mem\\installed_memory = 1 @ "
+           "\\res_color_mem\\rcm_list\\Colour\\resolution_list\\600_dpi\\mem_area = : The resolution "
+           "\"600_dpi\" (mittel), the device's default, needs more memory than 1. (64, 64 MB; 256, 256 MB)"}},
+         {{{installed, 1}},
+          {default_mode},
+          {},
+          {"error \\res_color_mem\\installed_memory = 1 @ \\res_color_mem\\mem_area_list = : The "
+           "device needs more memory than 1. (64, 64 MB; 256, 256 MB)"}},
+         {{{installed, 64}},
+          {areas_of_600},
+          {},
+          {"passed \\res_color_mem\\installed_memory @ \\res_color_mem\\mem_area_list\\Small"}},
+         {{{installed, 1}},
+          {small_memory},
+          {},
+          {"passed \\res_color_mem\\installed_memory @ \\res_color_mem\\mem_area_list\\Small"}}});
 }
 
 TEST(Memory, WithTheMostRoomOfWhatIsInstalledCounts) {
@@ -517,14 +516,13 @@ TEST(Dithering, OfAnyMethodPassesWhereTheResolutionTellsNone) {
 }
 
 TEST(Dithering, ThatTheDeviceDoesNotListIsOfferedByItsName) {
-    expect_said(
-        "dithering",
-        {{{{method, text("Fine")}},
-          {},
-          {{dithering_of_600, text("Special")}},
-          {"warning \\res_color_mem\\dithering = Fine @ "
-           "\\res_color_mem\\rcm_list\\Colour\\resolution_list\\600_dpi\\res_color_mem\\dithering_list = "
-           "Special: The resolution \"600_dpi\" (mittel) is dithered by \"Special\". (Special)"}}});
+    expect_said("dithering", {{{{method, text("Fine")}},
+                               {},
+                               {{dithering_of_600, text("Special")}},
+                               {"warning \\res_color_mem\\dithering = Fine @ "
+                                "\\res_color_mem\\rcm_list\\Colour\\resolution_list\\600_dpi\\res_color_"
+                                "mem\\dithering_list = Special: The resolution \"600_dpi\" (mittel), the "
+                                "device's default, is dithered by \"Special\". (Special)"}}});
 }
 
 TEST(Resolution, ThatStandsInAnotherPlaceTooIsComparedThere) {
@@ -559,11 +557,40 @@ TEST(Resolution, OfTheHeightIsComparedWhereThatOfTheWidthCanNotBeRead) {
                    "no resolution of 301 x 301. (600 x 600, mittel; 1200 x 1200; 300 x 300)",
                    "unspoken \\res_color_mem\\resolution_x @ "}}});
 }
+
 TEST(Memory, ThatIsTheMostOfWhatIsInstalledPasses) {
     EXPECT_EQ(looked("memory", {{installed, 256}}),
               Lines{"passed \\res_color_mem\\installed_memory @ \\res_color_mem\\mem_area_list\\Large"});
     EXPECT_EQ(looked("memory", {{installed, 255}}),
               Lines{"passed \\res_color_mem\\installed_memory @ \\res_color_mem\\mem_area_list\\Small"});
+}
+
+TEST(ResolutionOnMedia, IsDescribedByTheSideThatIsTooFine) {
+    expect_said(
+        "resolution-media",
+        {{{{"\\res_color_mem\\resolution_x", 600}},
+          {},
+          {{"\\media\\type\\0\\max_resolution_y", 300.0}},
+          {"error \\res_color_mem\\resolution_x = 600 @ \\media\\type\\0\\max_resolution_y = 300: The media "
+           "type \"Plain\", the device's default, takes at most 600 x 300, and \"600_dpi\" (mittel) is more. "
+           "(Photo, Fotopapier)"}}});
+}
+
+TEST(ColourRule, TellsOfADefault) {
+    EXPECT_EQ(
+        found("dithering", {{"\\res_color_mem\\dithering", text("Coarse")}}),
+        Lines{"warning \\res_color_mem\\dithering = Coarse @ "
+              "\\res_color_mem\\rcm_list\\Colour\\resolution_list\\600_dpi\\res_color_mem\\dithering_list = "
+              "Fine: The resolution \"600_dpi\" (mittel), the device's default, is dithered by \"Fine\". "
+              "(Fine, fein)"});
+    expect_said(
+        "memory",
+        {{{{installed, 64}},
+          {},
+          {{"\\media\\default_size", text("Free")}},
+          {"error \\res_color_mem\\installed_memory = 64 @ "
+           "\\res_color_mem\\mem_area_list\\Small\\printable_area = 300: The installed memory has room for a "
+           "side of 300, and \"Free\" (Frei), the device's default, has one of 500. (256, 256 MB)"}}});
 }
 
 } // namespace

@@ -285,13 +285,13 @@ TEST(Compatibility, LengthsAreInchesOnlyWhereTheUnitIsRead) {
                   {},
                   {},
                   {"error \\SIZE\\A\\X = 20 @ \\media\\size_max_x = 500: The largest size of the device is "
-                   "500 x 300. (500 x 300)"}},
+                   "19.685039 x 11.811024 inches. (19.685039 x 11.811024)"}},
                  {{width, {"\\UNITS", text("feet")}}, {}, {}, {"passed \\SIZE\\A\\X @ \\media\\size_max_x"}},
                  {{width, {"\\UNITS", false}, {"\\SIZE\\B\\X", text("some")}},
                   {},
                   {},
                   {"error \\SIZE\\A\\X = 20 @ \\media\\size_max_x = 500: The largest size of the device is "
-                   "500 x 300. (500 x 300)",
+                   "19.685039 x 11.811024 inches. (19.685039 x 11.811024)",
                    "unspoken \\SIZE\\B\\X @ "}}});
     expect_said("unspoken", {{{{"\\UNITS", text("feet")}},
                               {},
@@ -327,12 +327,14 @@ TEST(Compatibility, WhatADescriptionHoldsAsAnotherTypeIsNothing) {
                   {"\\media\\description\\0\\printable_bounds_ury"},
                   {},
                   {"unspoken \\media\\margin_left @ \\media\\description\\0\\printable_bounds_llx"}}});
-    expect_said("io-baud-rate", {{{{"\\io\\serial\\baud_rate", 300}},
-                                  {"\\io\\method\\4\\baudrates\\0\\rate"},
-                                  {{"\\io\\method\\4\\baudrates\\0\\rate", text("fast")}},
-                                  {"error \\io\\serial\\baud_rate = 300 @ \\io\\method\\4\\baudrates = : "
-                                   "Output by 4 (RS232) has no baud rate of 300. (19200)"}}});
+    expect_said("io-baud-rate",
+                {{{{"\\io\\serial\\baud_rate", 300}},
+                  {"\\io\\method\\4\\baudrates\\0\\rate"},
+                  {{"\\io\\method\\4\\baudrates\\0\\rate", text("fast")}},
+                  {"error \\io\\serial\\baud_rate = 300 @ \\io\\method\\4\\baudrates = : Output by 4 "
+                   "(RS232), the device's default, has no baud rate of 300. (19200)"}}});
 }
+
 TEST(Compatibility, OwnerThatIsNoneIsAnError) {
     for (const int owner : {-7, -1, 4, 99}) {
         EXPECT_THROW((void)check_compatibility(tree_of(copies), small_device(), {.owner = owner}), Error)
@@ -340,6 +342,7 @@ TEST(Compatibility, OwnerThatIsNoneIsAnError) {
     }
     EXPECT_NO_THROW((void)check_compatibility(tree_of(copies), small_device(), {.owner = 3}));
 }
+
 TEST(Compatibility, ExplainsWhichSettingOfAMapsRuleIsNotSet) {
     CompatibilityMap map;
     map.settings = {{.setting = "glue", .path = "\\glue"}};

@@ -61,8 +61,7 @@ TEST(Extent, OfTwoSidesThatDoNotFitTogetherIsFoundAtTheWidth) {
 TEST(Extent, InInchesIsMeasuredInMillimetres) {
     EXPECT_EQ(found("media-extent", {{"\\UNITS", text("i")}, {"\\SIZE\\A\\X", 19.0}, {"\\SIZE\\B\\X", 20.0}}),
               Lines{"error \\SIZE\\B\\X = 20 @ \\media\\size_max_x = 500: The largest size of the device is "
-                    "500 x 300. "
-                    "(500 x 300)"});
+                    "19.685039 x 11.811024 inches. (19.685039 x 11.811024)"});
 }
 
 TEST(Extent, OfALongPlotHasALimitOfItsOwn) {
@@ -90,8 +89,7 @@ TEST(Printable, PlotBeyondTheAreaIsFoundWithSizesThatHaveRoom) {
                                         {"\\Plotter/DriverCustom\\dmFormName", text("A4")},
                                         {"\\Plotter/User\\PlotWidth", 210.0}}),
               Lines{"error \\Plotter/User\\PlotWidth = 210 @ \\media\\description\\0\\printable_bounds_urx = "
-                    "198: The "
-                    "printable area of \"A4\" (DIN A4) is only 198 wide. (Free, Frei)"});
+                    "203: The printable area of \"A4\" (DIN A4) is only 198 wide. (Free, Frei)"});
 }
 
 TEST(Printable, PlotOnNoSizePassesIfAnyHasRoom) {
@@ -113,8 +111,7 @@ TEST(Printable, PartOfTheAreaUpToThatOfTheDevicePasses) {
 TEST(Printable, MoreOfTheAreaThanTheDevicePrintsIsFound) {
     EXPECT_EQ(found("media-printable", {{"\\media\\printable_area", 0.95}}),
               Lines{"error \\media\\printable_area = 0.95 @ \\media\\description\\0\\printable_area = 0.9: "
-                    "Only 0.9 of the "
-                    "area \"A4_area\" can be printed. (up to 0.9)"});
+                    "Only 0.9 of the area \"A4_area\", the device's default, can be printed. (up to 0.9)"});
 }
 
 TEST(Printable, MarginsOfTheDevicePass) {
@@ -131,12 +128,10 @@ TEST(Printable, MarginsOfTheDevicePass) {
 TEST(Printable, SmallerMarginsAreFound) {
     EXPECT_EQ(
         found("media-printable", {{"\\media\\margin_right", 6.9}, {"\\media\\margin_top", 7.9}}),
-        (Lines{
-            "error \\media\\margin_right = 6.9 @ \\media\\description\\0\\printable_bounds_urx = 7: The "
-            "device "
-            "leaves a margin of at least 7 on \"A4_area\". (from 7)",
-            "error \\media\\margin_top = 7.9 @ \\media\\description\\0\\printable_bounds_ury = 8: The device "
-            "leaves a margin of at least 8 on \"A4_area\". (from 8)"}));
+        (Lines{"error \\media\\margin_right = 6.9 @ \\media\\description\\0\\printable_bounds_urx = 203: The "
+               "device leaves a margin of at least 7 on \"A4_area\", the device's default. (from 7)",
+               "error \\media\\margin_top = 7.9 @ \\media\\description\\0\\printable_bounds_ury = 289: The "
+               "device leaves a margin of at least 8 on \"A4_area\", the device's default. (from 8)"}));
 }
 
 TEST(Rotation, OfTheSizePasses) {
@@ -234,19 +229,19 @@ TEST(Printable, PlotNeedsRoomAlongBothSides) {
                   {},
                   {},
                   {"error \\Plotter/User\\PlotHeight = 300 @ \\media\\description\\0\\printable_bounds_ury = "
-                   "283: The printable area of \"A4\" (DIN A4) is only 283 high. (Free, Frei)"}},
+                   "289: The printable area of \"A4\" (DIN A4) is only 283 high. (Free, Frei)"}},
                  {{metric, form_a4, wide, high},
                   {},
                   {},
                   {"error \\Plotter/User\\PlotWidth = 281 @ \\media\\description\\0\\printable_bounds_urx = "
-                   "198: The printable area of \"A4\" (DIN A4) is only 198 wide.",
+                   "203: The printable area of \"A4\" (DIN A4) is only 198 wide.",
                    "error \\Plotter/User\\PlotHeight = 300 @ \\media\\description\\0\\printable_bounds_ury = "
-                   "283: The printable area of \"A4\" (DIN A4) is only 283 high."}},
+                   "289: The printable area of \"A4\" (DIN A4) is only 283 high."}},
                  {{metric, form_a4, high},
                   {"\\media\\size\\2\\media_description_name"},
                   {},
                   {"error \\Plotter/User\\PlotHeight = 300 @ \\media\\description\\0\\printable_bounds_ury = "
-                   "283: The printable area of \"A4\" (DIN A4) is only 283 high."}},
+                   "289: The printable area of \"A4\" (DIN A4) is only 283 high."}},
                  {{metric, high},
                   {"\\media\\description\\2\\printable_bounds_urx"},
                   {},
@@ -266,7 +261,7 @@ TEST(Printable, SizesWithRoomAreOfferedTheSmallestFirst) {
                    {"\\media\\description\\3\\printable_bounds_urx", 200},
                    {"\\media\\description\\3\\printable_bounds_ury", 300}},
                   {"error \\Plotter/User\\PlotHeight = 300 @ \\media\\description\\0\\printable_bounds_ury = "
-                   "283: The printable area of \"A4\" (DIN A4) is only 283 high. (Less; Free, Frei)"}}});
+                   "289: The printable area of \"A4\" (DIN A4) is only 283 high. (Less; Free, Frei)"}}});
 }
 
 TEST(Rotation, IsOfferedWithSizesOfTheSameSidesAlone) {
@@ -338,6 +333,26 @@ TEST(Rotation, ByAnythingButHalvesIsFoundWithoutSizesOfBoth) {
                    "(0, 180)"}},
                  {{{"\\ROTATE", -180}}, {}, {{landscape, false}}, {"passed \\ROTATE @ \\media\\landscape"}}});
 }
+
+TEST(Printable, OfTheDefaultSizeIsToldOfAsSuch) {
+    EXPECT_EQ(
+        found("media-printable", {{"\\media\\margin_top", 1}, {"\\media\\printable_area", 1.0}}),
+        (Lines{
+            "error \\media\\printable_area = 1 @ \\media\\description\\0\\printable_area = 0.9: Only 0.9 of "
+            "the area \"A4_area\", the device's default, can be printed. (up to 0.9)",
+            "error \\media\\margin_top = 1 @ \\media\\description\\0\\printable_bounds_ury = 289: The device "
+            "leaves a margin of at least 8 on \"A4_area\", the device's default. (from 8)"}));
+}
+
+TEST(Printable, MarginInInchesIsOfferedInInches) {
+    EXPECT_EQ(found("media-printable", {{"\\Plotter/User\\IsMetric", 0},
+                                        {"\\Plotter/User\\WidthOrigin", 0.1},
+                                        {"\\Plotter/DriverCustom\\dmFormName", text("A4")}}),
+              Lines{"error \\Plotter/User\\WidthOrigin = 0.1 @ \\media\\description\\0\\printable_bounds_llx "
+                    "= 5: The "
+                    "device leaves a margin of at least 0.1968504 inches on \"A4_area\". (from 0.1968504)"});
+}
+
 TEST(Rotation, OfAnEntryWithoutANameIsUnspoken) {
     EXPECT_EQ(
         found("unspoken", {{"\\media\\size\\0\\landscape_mode", true}}),

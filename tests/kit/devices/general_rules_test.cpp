@@ -92,21 +92,19 @@ const std::initializer_list<Item> pens{{"\\physical_pen\\count", 1},
 
 TEST(Owner, OtherThanTheFirstIsANoteOncePerSetting) {
     EXPECT_EQ(answer_of("owner", tree_of(pens), owned_device()).findings,
-              (Lines{"note \\physical_pen\\table\\1\\width = 0.5 @ \\physical_pen\\ui_owner = 1: Owner 1 has "
-                     "this setting, and 1 "
-                     "more like it.",
-                     "note \\physical_pen\\table\\1\\speed = 100 @ \\physical_pen\\ui_owner = 2: Owner 2 has "
-                     "this setting."}));
+              (Lines{"note \\physical_pen\\table\\1\\width = 0.5 @ \\physical_pen\\ui_owner = 0012000: Owner "
+                     "1 has this setting, and 1 more like it.",
+                     "note \\physical_pen\\table\\1\\speed = 100 @ \\physical_pen\\ui_owner = 0012000: Owner "
+                     "2 has this setting."}));
 }
 
 TEST(Owner, OtherThanTheOneToldIsAWarning) {
     const auto answer = answer_of("owner", tree_of(pens), owned_device(), {.owner = 2});
-    EXPECT_EQ(
-        answer.findings,
-        (Lines{"warning \\physical_pen\\count = 1 @ \\physical_pen\\ui_owner = 0: Owner 0 has this setting.",
-               "warning \\physical_pen\\table\\1\\width = 0.5 @ \\physical_pen\\ui_owner = 1: Owner 1 has "
-               "this setting, and "
-               "1 more like it."}));
+    EXPECT_EQ(answer.findings,
+              (Lines{"warning \\physical_pen\\count = 1 @ \\physical_pen\\ui_owner = 0012000: Owner 0 has "
+                     "this setting.",
+                     "warning \\physical_pen\\table\\1\\width = 0.5 @ \\physical_pen\\ui_owner = 0012000: "
+                     "Owner 1 has this setting, and 1 more like it."}));
     EXPECT_EQ(answer.looks.back(), "passed \\physical_pen\\table\\1\\speed @ \\physical_pen\\ui_owner");
 }
 
@@ -208,7 +206,7 @@ TEST(Owner, IsNoneWhereTheTextOfOwnersIsTooShort) {
     expect_said("owner", {{{pens},
                            {},
                            {{"\\physical_pen\\ui_owner", text("001")}},
-                           {"note \\physical_pen\\table\\1\\width = 0.5 @ \\physical_pen\\ui_owner = 1: "
+                           {"note \\physical_pen\\table\\1\\width = 0.5 @ \\physical_pen\\ui_owner = 001: "
                             "Owner 1 has this setting, and 1 more like it.",
                             "passed \\physical_pen\\count @ \\physical_pen\\ui_owner"}}});
 }
@@ -226,7 +224,7 @@ TEST(Owner, OfAPathOfItsOwnIsToldByTheDigitThere) {
                 {{{{"\\b", 1}, {"\\c", 1}, {"\\d", 1}, {"\\e", 1}},
                   {},
                   {{"\\owners", text("012")}, {"\\number", 3}},
-                  {"note \\b = 1 @ \\owners = 2: Owner 2 has this setting."}}},
+                  {"note \\b = 1 @ \\owners = 012: Owner 2 has this setting."}}},
                 {.map = &map});
 }
 
@@ -245,9 +243,10 @@ TEST(Owner, OfAPathThatBeginsWithoutABackslashIsToldByTheWholeOne) {
                 {{{{"\\a", 1}},
                   {},
                   {{"\\owners", text("01")}},
-                  {"note \\a = 1 @ \\owners = 1: Owner 1 has this setting."}}},
+                  {"note \\a = 1 @ \\owners = 01: Owner 1 has this setting."}}},
                 {.map = &map});
 }
+
 TEST(Custom, NumbersAreComparedAsOnesOf32Bits) {
     const char* const most = "\\custom_name\\Fan_Speed\\range_max";
     expect_said(

@@ -33,13 +33,13 @@ TEST(IoTimeout, WithinTheLimitsOfTheMethodPasses) {
 }
 
 TEST(IoTimeout, OutsideTheLimitsIsFound) {
-    EXPECT_EQ(found("io-timeout", {{"\\io\\output_timeout", 4}, {"\\io\\input_timeout", 300}}),
-              (Lines{"error \\io\\output_timeout = 4 @ \\io\\method\\4\\min_output_timeout = 5: The timeout "
-                     "of output, 4, is "
-                     "below the least, 5. (5 to 300)",
-                     "error \\io\\input_timeout = 300 @ \\io\\method\\4\\max_input_timeout = 200: The "
-                     "timeout of input, 300, "
-                     "is above the most, 200. (5 to 200)"}));
+    EXPECT_EQ(
+        found("io-timeout", {{"\\io\\output_timeout", 4}, {"\\io\\input_timeout", 300}}),
+        (Lines{"error \\io\\output_timeout = 4 @ \\io\\method\\4\\min_output_timeout = 5: The timeout of "
+               "output, 4, is below the least, 5, for output by 4 (RS232), the device's default. (5 to 300)",
+               "error \\io\\input_timeout = 300 @ \\io\\method\\4\\max_input_timeout = 200: The timeout of "
+               "input, 300, is above the most, 200, for output by 4 (RS232), the device's default. (5 to "
+               "200)"}));
 }
 
 TEST(IoTimeout, OfAMethodWithoutLimitsIsUnspoken) {
@@ -57,8 +57,7 @@ TEST(BaudRate, OfTheMethodPasses) {
 TEST(BaudRate, ThatTheMethodHasNotIsFound) {
     EXPECT_EQ(found("io-baud-rate", {{"\\io\\serial\\baud_rate", 300}}),
               Lines{"error \\io\\serial\\baud_rate = 300 @ \\io\\method\\4\\baudrates = : Output by 4 "
-                    "(RS232) has no baud rate "
-                    "of 300. (9600; 19200)"});
+                    "(RS232), the device's default, has no baud rate of 300. (9600; 19200)"});
 }
 
 TEST(BaudRate, OfAMethodThatIsNotInUseIsAWarning) {
@@ -73,8 +72,7 @@ TEST(BaudRate, OfAMethodThatTheDeviceHasNotIsFound) {
     device.erase("\\io\\method\\4");
     EXPECT_EQ(answer_of("io-baud-rate", tree_of({{"\\io\\serial\\baud_rate", 9600}}), device).findings,
               Lines{"error \\io\\serial\\baud_rate = 9600 @ \\io\\method = : The device has no output by 4 "
-                    "(RS232). (6, "
-                    "Network)"});
+                    "(RS232), the device's default. (6, Network)"});
 }
 
 TEST(IoProtocol, OfTheMethodPasses) {
@@ -84,9 +82,8 @@ TEST(IoProtocol, OfTheMethodPasses) {
 
 TEST(IoProtocol, ThatTheMethodHasNotIsFound) {
     EXPECT_EQ(found("io-protocol", {{"\\io\\serial\\protocol", text("7O2")}}),
-              Lines{"error \\io\\serial\\protocol = 7O2 @ \\io\\method\\4\\protocol = : Output by 4 (RS232) "
-                    "has no protocol "
-                    "\"7O2\". (7E1; 8N1, acht Bits)"});
+              Lines{"error \\io\\serial\\protocol = 7O2 @ \\io\\method\\4\\protocol = : Output by 4 (RS232), "
+                    "the device's default, has no protocol \"7O2\". (7E1; 8N1, acht Bits)"});
 }
 
 TEST(IoProtocol, OfTheseBitsPasses) {
@@ -98,9 +95,9 @@ TEST(IoProtocol, OfTheseBitsPasses) {
 
 TEST(IoProtocol, OfBitsThatDoNotGoTogetherIsFound) {
     EXPECT_EQ(found("io-protocol", {{"\\Plotter/User\\DataBits", 8}, {"\\Plotter/User\\Parity", 2}}),
-              Lines{"error \\Plotter/User\\DataBits = 8 @ \\io\\method\\4\\protocol = : Output by 4 (RS232) "
-                    "has no protocol of "
-                    "these data bits, stop bits and parity. (8N1, acht Bits; 7E1)"});
+              Lines{"error \\Plotter/User\\DataBits = 8 @ \\io\\method\\4\\protocol = : Output by 4 (RS232), "
+                    "the device's default, has no protocol of these data bits, stop bits and parity. (8N1, "
+                    "acht Bits; 7E1)"});
 }
 
 TEST(Handshake, OfTheMethodPasses) {
@@ -109,10 +106,11 @@ TEST(Handshake, OfTheMethodPasses) {
 }
 
 TEST(Handshake, ThatTheMethodHasNotIsFound) {
-    EXPECT_EQ(found("io-handshake", {{"\\io\\serial\\handshake", 3}}),
-              Lines{"error \\io\\serial\\handshake = 3 @ \\io\\method\\4\\handshakes = 6: The device doesn't "
-                    "offer handshake 3 "
-                    "(fXIn + fXOut). (2, fXOut; 4, Cts)"});
+    EXPECT_EQ(
+        found("io-handshake", {{"\\io\\serial\\handshake", 3}}),
+        Lines{
+            "error \\io\\serial\\handshake = 3 @ \\io\\method\\4\\handshakes = 6: The device doesn't offer "
+            "handshake 3 (fXIn + fXOut) for output by 4 (RS232), the device's default. (2, fXOut; 4, Cts)"});
 }
 
 TEST(FileExtension, OfTheDevicePasses) {
@@ -198,12 +196,12 @@ TEST(IoParameter, OfAMethodThatIsNotThereIsToldOfOnce) {
                                 {io_type},
                                 {{io_type, 5}},
                                 {"error \\io\\output_timeout = 5 @ \\io\\method = : The device has no output "
-                                 "by 5 (Parallel). (4, RS232; 6, Network)"}},
+                                 "by 5 (Parallel), the device's default. (4, RS232; 6, Network)"}},
                                {{{output_timeout, 5}},
                                 {io_type},
                                 {{io_type, text("none")}},
                                 {"error \\io\\output_timeout = 5 @ \\io\\method = : The device has no output "
-                                 "by none. (4, RS232; 6, Network)"}}});
+                                 "by none, the device's default. (4, RS232; 6, Network)"}}});
     expect_said("io-baud-rate", {{{{rate, 9600}, {io_type, 6}},
                                   {method_4},
                                   {},
@@ -214,22 +212,22 @@ TEST(IoParameter, OfAMethodThatIsNotThereIsToldOfOnce) {
                                   {method_4},
                                   {},
                                   {"error \\io\\serial\\baud_rate = 9600 @ \\io\\method = : The device has "
-                                   "no output by 4 (RS232). (6, Network)"}}});
+                                   "no output by 4 (RS232), the device's default. (6, Network)"}}});
     expect_said("io-protocol", {{{{"\\io\\serial\\protocol", text("8N1")}},
                                  {method_4},
                                  {},
                                  {"error \\io\\serial\\protocol = 8N1 @ \\io\\method = : The device has no "
-                                  "output by 4 (RS232). (6, Network)"}},
+                                  "output by 4 (RS232), the device's default. (6, Network)"}},
                                 {{{data_bits, 8}},
                                  {method_4},
                                  {},
                                  {"error \\Plotter/User\\DataBits = 8 @ \\io\\method = : The device has no "
-                                  "output by 4 (RS232). (6, Network)"}}});
+                                  "output by 4 (RS232), the device's default. (6, Network)"}}});
     expect_said("io-handshake", {{{{"\\io\\serial\\handshake", 2}},
                                   {method_4},
                                   {},
                                   {"error \\io\\serial\\handshake = 2 @ \\io\\method = : The device has no "
-                                   "output by 4 (RS232). (6, Network)"}}});
+                                   "output by 4 (RS232), the device's default. (6, Network)"}}});
 }
 
 TEST(IoParameter, OfAMethodThatIsNotInUseIsAWarningUnlessItIsADefault) {
@@ -267,42 +265,78 @@ TEST(IoParameter, OfAMethodThatIsNotInUseIsAWarningUnlessItIsADefault) {
 }
 
 TEST(IoProtocol, OfBitsIsComparedByThoseThatCanBeRead) {
-    expect_said("io-protocol",
-                {{{{data_bits, 7}, {parity, text("even")}},
-                  {},
-                  {},
-                  {"passed \\Plotter/User\\DataBits @ \\io\\method\\4\\protocol\\1",
-                   "unspoken \\Plotter/User\\Parity @ "}},
-                 {{{stop_bits, 1}, {parity, 2}},
-                  {},
-                  {},
-                  {"passed \\Plotter/User\\StopBits @ \\io\\method\\4\\protocol\\1"}},
-                 {{{stop_bits, 2}},
-                  {},
-                  {},
-                  {"error \\Plotter/User\\StopBits = 2 @ \\io\\method\\4\\protocol = : Output by 4 (RS232) "
-                   "has no protocol of these data bits, stop bits and parity. (8N1, acht Bits; 7E1)"}},
-                 {{{parity, 2}},
-                  {"\\io\\method\\4\\protocol\\1\\parity"},
-                  {},
-                  {"error \\Plotter/User\\Parity = 2 @ \\io\\method\\4\\protocol = : Output by 4 (RS232) has "
-                   "no protocol of these data bits, stop bits and parity. (8N1, acht Bits; 7E1)"}}});
+    expect_said("io-protocol", {{{{data_bits, 7}, {parity, text("even")}},
+                                 {},
+                                 {},
+                                 {"passed \\Plotter/User\\DataBits @ \\io\\method\\4\\protocol\\1",
+                                  "unspoken \\Plotter/User\\Parity @ "}},
+                                {{{stop_bits, 1}, {parity, 2}},
+                                 {},
+                                 {},
+                                 {"passed \\Plotter/User\\StopBits @ \\io\\method\\4\\protocol\\1"}},
+                                {{{stop_bits, 2}},
+                                 {},
+                                 {},
+                                 {"error \\Plotter/User\\StopBits = 2 @ \\io\\method\\4\\protocol = : Output "
+                                  "by 4 (RS232), the device's default, has no protocol of these data bits, "
+                                  "stop bits and parity. (8N1, acht Bits; 7E1)"}},
+                                {{{parity, 2}},
+                                 {"\\io\\method\\4\\protocol\\1\\parity"},
+                                 {},
+                                 {"error \\Plotter/User\\Parity = 2 @ \\io\\method\\4\\protocol = : Output "
+                                  "by 4 (RS232), the device's default, has no protocol of these data bits, "
+                                  "stop bits and parity. (8N1, acht Bits; 7E1)"}}});
 }
 
 TEST(IoProtocol, OfBitsIsToldOfAtTheFirstThatCanBeRead) {
-    expect_said("io-protocol",
-                {{{{data_bits, text("eight")}, {parity, 2}},
-                  {},
-                  {},
-                  {"unspoken \\Plotter/User\\DataBits @ ",
-                   "passed \\Plotter/User\\Parity @ \\io\\method\\4\\protocol\\1"}},
-                 {{{data_bits, text("eight")}, {parity, 1}},
-                  {},
-                  {},
-                  {"error \\Plotter/User\\Parity = 1 @ \\io\\method\\4\\protocol = : Output by 4 "
-                   "(RS232) has no protocol of these data bits, stop bits and parity. (8N1, acht "
-                   "Bits; 7E1)",
-                   "unspoken \\Plotter/User\\DataBits @ "}}});
+    expect_said("io-protocol", {{{{data_bits, text("eight")}, {parity, 2}},
+                                 {},
+                                 {},
+                                 {"unspoken \\Plotter/User\\DataBits @ ",
+                                  "passed \\Plotter/User\\Parity @ \\io\\method\\4\\protocol\\1"}},
+                                {{{data_bits, text("eight")}, {parity, 1}},
+                                 {},
+                                 {},
+                                 {"error \\Plotter/User\\Parity = 1 @ \\io\\method\\4\\protocol = : Output "
+                                  "by 4 (RS232), the device's default, has no protocol of these data bits, "
+                                  "stop bits and parity. (8N1, acht Bits; 7E1)",
+                                  "unspoken \\Plotter/User\\DataBits @ "}}});
+}
+
+TEST(IoParameter, OfTheDefaultMethodIsToldOfAsSuch) {
+    const Item timeout{"\\io\\output_timeout", 400};
+    EXPECT_EQ(
+        found("io-timeout", {timeout}),
+        Lines{"error \\io\\output_timeout = 400 @ \\io\\method\\4\\max_output_timeout = 300: The timeout of "
+              "output, 400, is above the most, 300, for output by 4 (RS232), the device's default. (5 to "
+              "300)"});
+    EXPECT_EQ(
+        found("io-timeout", {timeout, {"\\io\\default_type", 4}}),
+        Lines{"error \\io\\output_timeout = 400 @ \\io\\method\\4\\max_output_timeout = 300: The timeout of "
+              "output, 400, is above the most, 300. (5 to 300)"});
+    EXPECT_EQ(
+        found("io-protocol", {{"\\io\\serial\\protocol", text("8N2")}}),
+        Lines{"error \\io\\serial\\protocol = 8N2 @ \\io\\method\\4\\protocol = : Output by 4 (RS232), the "
+              "device's default, has no protocol \"8N2\". (8N1, acht Bits; 7E1)"});
+    EXPECT_EQ(found("io-handshake", {{"\\io\\serial\\handshake", 1}})
+                      .at(0)
+                      .find("for output by 4 (RS232), the device's default.") != std::string::npos,
+              true);
+    expect_said("io-timeout", {{{timeout},
+                                {"\\io\\default_type"},
+                                {{"\\io\\default_type", 2}},
+                                {"error \\io\\output_timeout = 400 @ \\io\\method = : The device has no "
+                                 "output by 2 (File), the device's default. (4, RS232; 6, Network)"}}});
+}
+
+TEST(IoProtocol, OfBitsWithoutACodeIsUnspoken) {
+    EXPECT_EQ(
+        found("unspoken", {{"\\Plotter/User\\DataBits", 3}}),
+        Lines{
+            "warning \\Plotter/User\\DataBits = 3 @  = : The value is no code that the map knows, so that it "
+            "can't be compared."});
+    EXPECT_EQ(found("io-protocol", {{"\\Plotter/User\\DataBits", 8}, {"\\Plotter/User\\StopBits", 2}}).size(),
+              1U);
 }
 
 } // namespace

@@ -65,10 +65,9 @@ TEST(MediaLoaded, AnotherFeedIsFound) {
 }
 
 TEST(MediaLoaded, AnotherWidthThanThatOfTheDefaultEntryIsFound) {
-    EXPECT_EQ(
-        found("media-loaded", {{"\\media\\source\\Roll\\width", 210.0}}),
-        Lines{"error \\media\\source\\Roll\\width = 210 @ \\media\\source\\Roll\\entry\\Wide\\width = 300: "
-              "\"Wide\" (breit) is 300 wide. (300, breit)"});
+    EXPECT_EQ(found("media-loaded", {{"\\media\\source\\Roll\\width", 210.0}}),
+              Lines{"error \\media\\source\\Roll\\width = 210 @ \\media\\source\\Roll\\entry\\Wide\\width = "
+                    "300: \"Wide\" (breit), the device's default, is 300 wide. (300, breit)"});
 }
 
 TEST(SizeInSource, PassesIfAnyEntryTakesIt) {
@@ -79,11 +78,9 @@ TEST(SizeInSource, PassesIfAnyEntryTakesIt) {
 TEST(SizeInSource, IsFoundIfWhatIsLoadedDoesNotTakeIt) {
     EXPECT_EQ(found("media-size-source", {{"\\media\\default_size", text("Free")},
                                           {"\\media\\source\\Roll\\loaded", text("Narrow")}}),
-              Lines{"error \\media\\default_size = Free @ \\media\\source\\Roll\\entry = Narrow: The media "
-                    "size \"Free\" "
-                    "(Frei) isn't one that the source \"Roll\" (Rolle), the device's default, takes with "
-                    "\"Narrow\" loaded. "
-                    "(Roll\\Wide, Rolle: breit)"});
+              Lines{"error \\media\\default_size = Free @ \\media\\source\\Roll\\entry = : The media size "
+                    "\"Free\" (Frei) isn't one that the source \"Roll\" (Rolle), the device's default, takes "
+                    "with \"Narrow\" loaded. (Roll\\Wide, Rolle: breit)"});
 }
 
 TEST(SizeInSource, SourceThatDoesNotTakeTheDefaultSizeIsFound) {
@@ -133,16 +130,14 @@ TEST(Copies, AboveTheMostAreFound) {
 
 TEST(Copies, NoneAreFound) {
     EXPECT_EQ(found("copies", {{"\\media\\copies", 0}}),
-              Lines{"error \\media\\copies = 0 @ \\media\\max_number_of_copies = 1: The number of copies, 0, "
-                    "is below the "
-                    "least, 1. (1 to 9)"});
+              Lines{"error \\media\\copies = 0 @ \\media\\max_number_of_copies = 9: The number of copies, 0, "
+                    "is below the least, 1. (1 to 9)"});
 }
 
 TEST(Copies, PartOfACopyIsFound) {
     EXPECT_EQ(found("copies", {{"\\media\\copies", 1.5}}),
-              Lines{"error \\media\\copies = 1.5 @ \\media\\max_number_of_copies = : The number of copies, "
-                    "1.5, isn't "
-                    "whole. (1 to 9)"});
+              Lines{"error \\media\\copies = 1.5 @ \\media\\max_number_of_copies = 9: The number of copies, "
+                    "1.5, isn't whole. (1 to 9)"});
     EXPECT_EQ(found("copies", {{"\\media\\copies", 2.0}}), Lines{});
 }
 
@@ -167,8 +162,7 @@ TEST(Duplex, AnotherModeIsFound) {
 TEST(Duplex, ModeOfAPc2FileHasItsOwnNumbers) {
     EXPECT_EQ(found("duplex", {{"\\Plotter/DriverCustom\\dmDuplex", 3}}),
               Lines{"error \\Plotter/DriverCustom\\dmDuplex = 3 @ \\media\\duplexing_modes = 3: The device "
-                    "doesn't offer "
-                    "duplexing mode 4 (Short). (1, None; 2, Long)"});
+                    "doesn't offer duplexing mode 3 (Short). (1, None; 2, Long)"});
 }
 
 TEST(SelectionMethod, OfTheDevicePasses) {
@@ -268,9 +262,9 @@ TEST(SizeInSource, OfASourceWithWhatItIsLoadedWith) {
                 {{{tray, {"\\media\\source\\Tray\\loaded", text("Sheet")}},
                   {},
                   {},
-                  {"error \\media\\default_source = Tray @ \\media\\source\\Tray\\entry = Sheet: The media "
-                   "size \"A4\" (DIN A4), the device's default, isn't one that the source \"Tray\" (Fach) "
-                   "takes with \"Sheet\" loaded. (Roll\\Wide, Rolle: breit; Roll\\Narrow, Rolle: schmal)"}},
+                  {"error \\media\\default_source = Tray @ \\media\\source\\Tray\\entry = : The media size "
+                   "\"A4\" (DIN A4), the device's default, isn't one that the source \"Tray\" (Fach) takes "
+                   "with \"Sheet\" loaded. (Roll\\Wide, Rolle: breit; Roll\\Narrow, Rolle: schmal)"}},
                  {{tray, {size, text("A4_wide")}},
                   {},
                   {},
@@ -316,6 +310,61 @@ TEST(MediaSize, WithoutANameIsNotOffered) {
                   {{"\\media\\size\\0\\name", 4}},
                   {"error \\media\\default_size = A4 @ \\media\\size = : The device has no media "
                    "size \"A4\". (A4_wide, DIN A4 quer; Free, Frei)"}}});
+}
+
+TEST(Copies, AreCountedExactly) {
+    expect_said("copies",
+                {{{{"\\media\\copies", 1000001}},
+                  {},
+                  {{"\\media\\max_number_of_copies", 1000000}},
+                  {"error \\media\\copies = 1000001 @ \\media\\max_number_of_copies = 1000000: The number "
+                   "of copies, 1000001, is above the most, 1000000. (1 to 1000000)"}},
+                 {{{"\\media\\copies", 16777217}},
+                  {},
+                  {{"\\media\\max_number_of_copies", 16777216}},
+                  {"error \\media\\copies = 16777217 @ \\media\\max_number_of_copies = 16777216: The number "
+                   "of copies, 16777217, is above the most, 16777216. (1 to 16777216)"}}});
+}
+
+TEST(Duplex, OfAPc2FileIsOfferedByItsNumbers) {
+    expect_said("duplex",
+                {{{{"\\Plotter/DriverCustom\\dmDuplex", 2}},
+                  {},
+                  {{"\\media\\duplexing_modes", 5}},
+                  {"error \\Plotter/DriverCustom\\dmDuplex = 2 @ \\media\\duplexing_modes = 5: The device "
+                   "doesn't offer duplexing mode 2 (Long). (1, None; 3, Short)"}}});
+}
+
+TEST(Duplex, OfAPc2FileWithoutACodeIsUnspoken) {
+    EXPECT_EQ(
+        found("unspoken", {{"\\Plotter/DriverCustom\\dmDuplex", 4}}),
+        Lines{
+            "warning \\Plotter/DriverCustom\\dmDuplex = 4 @  = : The value is no code that the map knows, so "
+            "that it can't be compared."});
+}
+
+TEST(MediaLoaded, InTheDefaultSourceIsToldOfAsSuch) {
+    const auto map = pm::kit::load_map(R"({"settings": [{"setting": "feed", "path": "\\feed"},
+        {"setting": "loaded", "path": "\\loaded"}, {"setting": "loaded_width", "path": "\\width"}]})");
+    expect_said(
+        "media-loaded",
+        {{{{"\\feed", 2}},
+          {},
+          {},
+          {"error \\feed = 2 @ \\media\\source\\Roll\\feed = 3: The source \"Roll\" (Rolle), the device's "
+           "default, has another feed. (3, RollFeeder)"}},
+         {{{"\\loaded", text("Thin")}},
+          {},
+          {},
+          {"error \\loaded = Thin @ \\media\\source\\Roll\\entry = : The source \"Roll\" (Rolle), the "
+           "device's "
+           "default, can't be loaded with \"Thin\". (Wide, breit; Narrow, schmal)"}},
+         {{{"\\width", 100}},
+          {},
+          {},
+          {"error \\width = 100 @ \\media\\source\\Roll\\entry\\Wide\\width = 300: \"Wide\" (breit), the "
+           "device's default, is 300 wide. (300, breit)"}}},
+        {.map = &map});
 }
 
 } // namespace

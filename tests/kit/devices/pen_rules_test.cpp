@@ -24,7 +24,7 @@ TEST(PenCount, AboveTheMostIsFound) {
 
 TEST(PenCount, PartOfAPenIsFound) {
     EXPECT_EQ(found("pen-count", {{"\\physical_pen\\count", 2.5}}),
-              Lines{"error \\physical_pen\\count = 2.5 @ \\physical_pen\\max_npens = : The number of pens, "
+              Lines{"error \\physical_pen\\count = 2.5 @ \\physical_pen\\max_npens = 8: The number of pens, "
                     "2.5, isn't "
                     "whole. (0 to 8)"});
 }
@@ -36,7 +36,7 @@ TEST(PenNumber, OfTheDevicePasses) {
 
 TEST(PenNumber, ThatTheDeviceHasNotIsFound) {
     EXPECT_EQ(found("pen-number", {{"\\3\\PEN_NUMBER", 0}, {"\\4\\PEN_NUMBER", 9}}),
-              (Lines{"error \\3\\PEN_NUMBER = 0 @ \\physical_pen\\max_npens = 1: The pen's number, 0, is "
+              (Lines{"error \\3\\PEN_NUMBER = 0 @ \\physical_pen\\max_npens = 8: The pen's number, 0, is "
                      "below the least, 1. "
                      "(1 to 8)",
                      "error \\4\\PEN_NUMBER = 9 @ \\physical_pen\\max_npens = 8: The pen's number, 9, is "
@@ -71,6 +71,48 @@ TEST(PenWidth, ThatCanNotBeSetIsFound) {
                     "can't be set on this device."});
 }
 
+TEST(PenWidth, OfTheDevicesDefaultPassesWhereItCanNotBeSet) {
+    pm::Tree device = small_device();
+    device.set("\\physical_pen\\programmable_widths", false);
+    device.set("\\physical_pen\\default_width", double{0.35F});
+    const auto answer = answer_of(
+        "pen-width",
+        tree_of({{"\\physical_pen\\table\\1\\width", 0.35}, {"\\physical_pen\\table\\2\\width", 0.5}}),
+        device);
+    EXPECT_EQ(answer.findings,
+              Lines{"error \\physical_pen\\table\\2\\width = 0.5 @ "
+                    "\\physical_pen\\programmable_widths = false: The pen's width can't be set on "
+                    "this device. (0.35)"});
+    EXPECT_EQ(answer.looks.at(0), "passed \\physical_pen\\table\\1\\width @ \\physical_pen\\max_width");
+    EXPECT_EQ(findings_of(pm::kit::check_description(device), "pen-width"), Lines{});
+}
+
+TEST(PenWidth, ByDefaultOutsideItsLimitsIsFoundWhereItCanNotBeSet) {
+    pm::Tree device = small_device();
+    device.set("\\physical_pen\\programmable_widths", false);
+    device.set("\\physical_pen\\default_width", 2.0);
+    EXPECT_EQ(
+        findings_of(pm::kit::check_description(device), "pen-width"),
+        Lines{
+            "error \\physical_pen\\default_width = 2 @ \\physical_pen\\max_width = 1.4: The pen's width, 2, "
+            "is above the most, 1.4. (0.1 to 1.4)"});
+}
+
+TEST(PenWidth, InInchesIsToldOfInInches) {
+    EXPECT_EQ(
+        found("pen-width", {{"\\Plotter/User\\IsMetric", 0}, {"\\Plotter/User\\LineWidth", 1.0}}),
+        Lines{
+            "error \\Plotter/User\\LineWidth = 1 @ \\physical_pen\\max_width = 1.4: The pen's width, 1 inch, "
+            "is above the most, 0.05511811 inches. (0.003937008 to 0.05511811)"});
+}
+
+TEST(PenWidth, OfferedInInchesPasses) {
+    EXPECT_EQ(found("pen-width", {{"\\Plotter/User\\IsMetric", 0},
+                                  {"\\Plotter/Device/WidthTable\\Color1", 0.003937008},
+                                  {"\\Plotter/Device/WidthTable\\Color2", 0.05511811}}),
+              Lines{});
+}
+
 TEST(PenWidth, WithoutLimitsIsUnspoken) {
     const auto device = tree_of({{"\\physical_pen\\abilities", text("0")}});
     EXPECT_EQ(answer_of("unspoken", tree_of({{"\\physical_pen\\table\\1\\width", 0.5}}), device).findings,
@@ -81,6 +123,14 @@ TEST(PenWidth, WithoutLimitsIsUnspoken) {
 
 TEST(PenSpeed, WithinTheLimitsPasses) {
     EXPECT_EQ(looked("pen-speed", {{"\\physical_pen\\table\\1\\speed", 500}}),
+              Lines{"passed \\physical_pen\\table\\1\\speed @ \\physical_pen\\max_speed"});
+}
+
+TEST(PenSpeed, OfTheDevicesDefaultPassesWhereItCanNotBeSet) {
+    pm::Tree device = small_device();
+    device.set("\\physical_pen\\programmable_speeds", false);
+    device.set("\\physical_pen\\default_speed", 100.0);
+    EXPECT_EQ(answer_of("pen-speed", tree_of({{"\\physical_pen\\table\\1\\speed", 100}}), device).looks,
               Lines{"passed \\physical_pen\\table\\1\\speed @ \\physical_pen\\max_speed"});
 }
 
@@ -133,7 +183,7 @@ TEST(LineType, ThatTheDeviceDoesNotDrawIsFound) {
 
 TEST(LineType, MoreThanTheDeviceDrawsAreFound) {
     EXPECT_EQ(found("line-type", {{"\\Plotter/Device/LineTypeTable\\Types", 3}}),
-              Lines{"error \\Plotter/Device/LineTypeTable\\Types = 3 @ \\linetype\\capabilities = 2: The "
+              Lines{"error \\Plotter/Device/LineTypeTable\\Types = 3 @ \\linetype\\capabilities = 50000: The "
                     "number of line types, "
                     "3, is above the most, 2. (up to 2)"});
 }

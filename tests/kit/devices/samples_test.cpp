@@ -28,7 +28,7 @@ SampleAnswer answer_of_sample(const std::string& file, const pm::LoadOptions& op
         if (finding.rule == "unspoken") {
             answer.unspoken.push_back(path);
         } else if (finding.rule == "owner") {
-            answer.owned.push_back(finding.described + ' ' + path);
+            answer.owned.push_back(finding.message.substr(std::size("Owner ") - 1, 1) + ' ' + path);
         } else {
             std::string line(severity_name(finding.severity));
             line += ' ' + finding.rule + ' ' + path + " = " + finding.configured + ':';
