@@ -1,11 +1,10 @@
 #include "scratch_file.h"
 
+#include "private_folder.h"
 #include "stream_bytes.h"
-#include <fmt/format.h>
 #include <fstream>
 #include <pm/kit/error.h>
 #include <pm/text.h>
-#include <random>
 #include <system_error>
 
 namespace pm::kit {
@@ -15,17 +14,9 @@ namespace {
 namespace fs = std::filesystem;
 
 fs::path make_folder() {
-    std::error_code error;
-    const fs::path place = fs::temp_directory_path(error);
-    std::random_device random;
-    constexpr int tries = 8;
-    for (int i = 0; i < tries && !error; ++i) {
-        fs::path folder = place / fmt::format("pm9-{:08x}{:08x}", random(), random());
-        if (!fs::create_directory(folder, error)) continue;
-        fs::permissions(folder, fs::perms::owner_all, error);
-        return folder;
-    }
-    throw Error("there is no folder for temporary files that can be written");
+    fs::path folder = make_private_folder();
+    if (folder.empty()) throw Error("there is no folder for temporary files that can be written");
+    return folder;
 }
 
 } // namespace

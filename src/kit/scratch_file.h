@@ -12,8 +12,8 @@ namespace pm::kit {
 // The whole file; Error if that fails.
 [[nodiscard]] std::string read_bytes(const std::filesystem::path& file, const std::string& shown_name);
 
-// A file for what the library reads and writes by name only. It lies alone in a new folder of the system's
-// folder for temporary files; both go with this.
+// A file for what the library reads and writes by name only. It lies alone in a new folder of the user's
+// alone, in the system's folder for temporary files; both go with this.
 class ScratchFile {
 public:
     // Error if there is no place for it.

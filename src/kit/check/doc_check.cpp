@@ -203,8 +203,8 @@ void check_doc(const CheckedContent& content, const Place& where, Findings& find
                       .number = PM_ERR_NOT_OPENED});
     }
     // The library would open the file itself for writing, and for this process alone.
-    const ContentFile copy(content.bytes);
-    const std::u16string name = file_name_to_utf16(copy.name().empty() ? content.file : copy.name());
+    const std::unique_ptr<ScratchFile> copy = scratch_file_of(content.bytes);
+    const std::u16string name = copy ? copy->name() : file_name_to_utf16(content.file);
     if (name.empty()) return;
     Tree tree;
     std::vector<Heard> heard =

@@ -1,12 +1,9 @@
 #include "check/files.h"
 
 #include "stream_bytes.h"
-#include <atomic>
-#include <chrono>
-#include <fmt/format.h>
 #include <fstream>
 #include <pm/error_number.h>
-#include <random>
+#include <pm/kit/error.h>
 
 namespace pm::kit {
 
@@ -42,25 +39,12 @@ FileBytes read_bytes(std::string_view name) {
     return file;
 }
 
-ContentFile::ContentFile(std::string_view content) {
-    static std::atomic<unsigned> count = 0;
-    std::error_code error;
-    const fs::path folder = fs::temp_directory_path(error);
-    if (error) return;
-    std::random_device random;
-    const fs::path path = folder / fmt::format("pm-check-{:08x}{:08x}-{}", random(), random(), ++count);
-    std::ofstream stream(path, std::ios::binary);
-    stream.write(content.data(), static_cast<std::streamsize>(content.size()));
-    stream.close();
-    m_name = name_of_path(path);
-    if (stream) return;
-    fs::remove(path, error);
-    m_name.clear();
-}
-
-ContentFile::~ContentFile() {
-    std::error_code error;
-    if (!m_name.empty()) fs::remove(path_of_name(m_name), error);
+std::unique_ptr<ScratchFile> scratch_file_of(std::string_view content) {
+    try {
+        return std::make_unique<ScratchFile>(content);
+    } catch (const Error&) {
+        return nullptr;
+    }
 }
 
 } // namespace pm::kit

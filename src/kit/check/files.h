@@ -1,7 +1,10 @@
 #pragma once
 
+#include "scratch_file.h"
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,19 +24,7 @@ struct FileBytes {
 };
 [[nodiscard]] FileBytes read_bytes(std::string_view name);
 
-// A file in the system's folder for such, for content that the library reads by name alone. Gone with this.
-class ContentFile {
-public:
-    explicit ContentFile(std::string_view content);
-    ~ContentFile();
-    ContentFile(const ContentFile&) = delete;
-    ContentFile& operator=(const ContentFile&) = delete;
-
-    // Empty if it couldn't be written.
-    [[nodiscard]] const std::string& name() const { return m_name; }
-
-private:
-    std::string m_name;
-};
+// Content in a file, for what the library reads by name alone. Nothing if there is no place for it.
+[[nodiscard]] std::unique_ptr<ScratchFile> scratch_file_of(std::string_view content);
 
 } // namespace pm::kit

@@ -138,15 +138,13 @@ void round_trip_pia(std::string_view bytes, const Place& where, Findings& findin
 }
 
 void round_trip_doc(const CheckedContent& content, const Place& where, Findings& findings) {
-    const ContentFile copy(content.bytes);
-    const std::u16string name = file_name_to_utf16(copy.name());
-    const ContentFile written("");
-    const std::u16string written_name = file_name_to_utf16(written.name());
-    if (name.empty() || written_name.empty()) return;
-    const auto load = [&](Tree& tree) { tree.load(name, {.type = PM_Object::FILE_DOC}); };
+    const std::unique_ptr<ScratchFile> copy = scratch_file_of(content.bytes);
+    const std::unique_ptr<ScratchFile> written = scratch_file_of("");
+    if (!copy || !written) return;
+    const auto load = [&](Tree& tree) { tree.load(copy->name(), {.type = PM_Object::FILE_DOC}); };
     const auto save_and_load = [&](const Tree& tree, Tree& read_back) {
-        save(tree, written_name, {.type = PM_Object::FILE_DOC});
-        read_back.load(written_name, {.type = PM_Object::FILE_DOC});
+        save(tree, written->name(), {.type = PM_Object::FILE_DOC});
+        read_back.load(written->name(), {.type = PM_Object::FILE_DOC});
     };
     compare_round(load, save_and_load, where, findings);
 }

@@ -1,8 +1,10 @@
+#include "kit/folder_watch.h"
 #include "support/system.h"
 #include "support/temp_folder.h"
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <pm/kit/check.h>
+#include <pm/pm.h>
 #include <sys/stat.h>
 
 namespace {
@@ -41,6 +43,23 @@ TEST(CheckUnreadable, WhatIsNoFileInAFolderIsPassedOver) {
     std::filesystem::create_symlink("nowhere", folder / "c.pia");
     EXPECT_EQ(Lines{"bad-line 57 \"b\" is no property, no node and no comment."},
               said(folder.path().string()));
+}
+
+TEST(CheckTemporary, CopiesOfACompoundFileLieInFoldersOfTheirOwn) {
+    const pm::test::TempFolder folder;
+    const std::string name = (folder / "a.doc").string();
+    pm::Tree tree;
+    tree.set("\\a", 1);
+    pm::save(tree, name, {.type = PM_Object::FILE_DOC});
+    const std::filesystem::path temporary = folder / "temporary";
+    std::filesystem::create_directory(temporary);
+    const std::string before = std::filesystem::temp_directory_path().string();
+    pm::test::set_variable(pm::test::temp_folder_variable, temporary.string());
+    const pm::test::FolderWatch watch(temporary);
+    EXPECT_TRUE(check_file(name, {.round_trip = true}).empty());
+    pm::test::set_variable(pm::test::temp_folder_variable, before);
+    EXPECT_EQ((Lines{"made a folder", "made a folder", "made a folder"}), watch.seen());
+    EXPECT_TRUE(std::filesystem::is_empty(temporary));
 }
 
 } // namespace
