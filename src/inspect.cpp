@@ -213,19 +213,20 @@ bool ends_in_table_extension(std::u16string_view name) {
            equals_ignoring_case(name.substr(name.size() - table_extension.size()), table_extension);
 }
 
-// The names of the tables in a folder, in their order; none of a folder that can't be listed.
+// The names of the tables in a folder, in their order; none of a folder that can't be listed. What is no file
+// is no table: nobody asked for it by its name.
 std::vector<std::u16string> table_names(std::u16string_view folder) {
     std::vector<std::filesystem::path> paths;
     std::error_code error;
     for (std::filesystem::directory_iterator it(native_file_name(folder), error), end; !error && it != end;
          it.increment(error)) {
-        paths.push_back(it->path().filename());
+        paths.push_back(it->path());
     }
     std::ranges::sort(paths);
     std::vector<std::u16string> names;
     for (const std::filesystem::path& path : paths) {
-        std::u16string name = wide_file_name(path);
-        if (ends_in_table_extension(name)) names.push_back(std::move(name));
+        std::u16string name = wide_file_name(path.filename());
+        if (ends_in_table_extension(name) && !is_special_file(path)) names.push_back(std::move(name));
     }
     return names;
 }

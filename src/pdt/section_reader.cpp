@@ -116,8 +116,10 @@ void SectionReader::fail(int code) const {
 
 void SectionReader::open() {
     if (m_path.empty()) fail(ENOENT);
+    const std::filesystem::path path = native_file_name(m_path);
+    if (is_special_file(path)) fail(ENODEV);
     errno = 0;
-    m_stream.open(native_file_name(m_path), std::ios::in | std::ios::binary);
+    m_stream.open(path, std::ios::in | std::ios::binary);
     if (!m_stream) fail(errno);
 }
 

@@ -18,6 +18,9 @@ std::u16string wide_file_name(const std::filesystem::path& name);
 // Units of the drive and folder in front of a file's name, with what ends them: "\", "/" or, where there are
 // drives, the ":" behind one's letter.
 std::size_t folder_length(std::u16string_view name);
+// Whether it is a pipe, a device or the like, at the end of links too: such a thing may have no end, or
+// block.
+bool is_special_file(const std::filesystem::path& name);
 // Whether the file's attributes can be read.
 bool file_exists(std::u16string_view name);
 

@@ -21,6 +21,11 @@ std::size_t folder_length(std::u16string_view name) {
     return name.find_last_of(u"\\/") + 1;
 }
 
+bool is_special_file(const std::filesystem::path& name) {
+    std::error_code error;
+    return std::filesystem::is_other(std::filesystem::status(name, error));
+}
+
 bool file_exists(std::u16string_view name) {
     struct stat attributes {};
     return stat(native_file_name(name).c_str(), &attributes) == 0;

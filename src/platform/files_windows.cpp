@@ -19,6 +19,11 @@ std::size_t folder_length(std::u16string_view name) {
     return folder == 0 && is_on_drive ? 2 : folder;
 }
 
+bool is_special_file(const std::filesystem::path& name) {
+    std::error_code error;
+    return std::filesystem::is_other(std::filesystem::status(name, error));
+}
+
 bool file_exists(std::u16string_view name) {
     return GetFileAttributesW(native_file_name(name).c_str()) != INVALID_FILE_ATTRIBUTES;
 }

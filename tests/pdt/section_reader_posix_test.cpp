@@ -5,6 +5,7 @@
 #include <pm/error_number.h>
 #include <string>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -35,6 +36,16 @@ TEST(SectionReaderPosix, TooManyOpenFilesIsNumber62WithoutAName) {
     const std::u16string path = folder.write("table.pdt", "");
     const NoMoreFiles limited;
     expect_thrown<PM_Severe>([&] { SectionReader(path, 0); }, PM_ERR_TOO_MANY_FILES, place, u"");
+}
+
+TEST(SectionReaderPosix, WhatIsNoFileCannotBeOpened) {
+    const TempFolder folder;
+    ASSERT_EQ(0, mkfifo((folder / "pipe.pdt").c_str(), 0600));
+    std::filesystem::create_symlink("/dev/zero", folder / "zeros.pdt");
+    for (const char* name : {"pipe.pdt", "zeros.pdt"}) {
+        const std::u16string path = folder.wide(name);
+        expect_thrown<PM_Severe>([&] { SectionReader(path, 0); }, PM_ERR_NOT_OPENED, place, path.c_str());
+    }
 }
 
 } // namespace

@@ -39,6 +39,12 @@ FileBytes read_bytes(std::string_view name) {
     return file;
 }
 
+FileBytes read_found_bytes(std::string_view name) {
+    std::error_code error;
+    if (fs::is_other(fs::status(path_of_name(name), error))) return {{}, PM_ERR_NOT_OPENED};
+    return read_bytes(name);
+}
+
 std::unique_ptr<ScratchFile> scratch_file_of(std::string_view content) {
     try {
         return std::make_unique<ScratchFile>(content);

@@ -23,6 +23,8 @@ struct FileBytes {
     std::uint32_t failure = 0;
 };
 [[nodiscard]] FileBytes read_bytes(std::string_view name);
+// The same of a file that nobody named: a pipe or a device can't be opened.
+[[nodiscard]] FileBytes read_found_bytes(std::string_view name);
 
 // Content in a file, for what the library reads by name alone. Nothing if there is no place for it.
 [[nodiscard]] std::unique_ptr<ScratchFile> scratch_file_of(std::string_view content);

@@ -1,6 +1,7 @@
 #include "kit/folder_watch.h"
 #include "support/system.h"
 #include "support/temp_folder.h"
+#include <algorithm>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <pm/kit/check.h>
@@ -43,6 +44,16 @@ TEST(CheckUnreadable, WhatIsNoFileInAFolderIsPassedOver) {
     std::filesystem::create_symlink("nowhere", folder / "c.pia");
     EXPECT_EQ(Lines{"bad-line 57 \"b\" is no property, no node and no comment."},
               said(folder.path().string()));
+}
+
+TEST(CheckUnreadable, TableThatIsNoFileCannotBeOpened) {
+    const pm::test::TempFolder folder;
+    folder.write("strings.pdt", "DRFX_A \"a\"\n");
+    ASSERT_EQ(0, mkfifo((folder / "A.pdt").c_str(), 0600));
+    ASSERT_EQ(0, mkfifo((folder / "Media Type.pdt").c_str(), 0600));
+    const Lines told = said(folder.path().string());
+    EXPECT_EQ(1, std::ranges::count(told, "missing-table 56 The table isn't there, or can't be read."));
+    EXPECT_EQ(20, std::ranges::count(told, "missing-table 63 The table isn't there, or can't be read."));
 }
 
 TEST(CheckTemporary, CopiesOfACompoundFileLieInFoldersOfTheirOwn) {

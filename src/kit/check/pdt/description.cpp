@@ -74,7 +74,7 @@ void Description::read_tables(const std::string& only) {
     for (const Table& table : description_tables()) {
         const std::filesystem::path path =
             m_folder / path_of_name(std::string(table.name) + std::string(ending));
-        FileBytes read = read_bytes(name_of_path(path));
+        FileBytes read = read_found_bytes(name_of_path(path));
         if (read.failure != 0) {
             if (!only.empty()) continue;
             m_findings.add({.rule = Rule::missing_table,
