@@ -1,6 +1,7 @@
 #include "failure.h"
 #include "tools/run_tool.h"
 #include <cerrno>
+#include <cstdlib>
 #include <fcntl.h>
 #include <pm/error_number.h>
 #include <sys/file.h>
@@ -20,6 +21,13 @@ protected:
         struct stat attributes {};
         stat(path.c_str(), &attributes);
         return attributes.st_mode & 07777;
+    }
+
+    // The exit code of a script in which $PMTOOL is the program.
+    int run_shell(const std::string& script) const {
+        const std::string command =
+            "cd '" + folder.path().string() + "' || exit; PMTOOL='" PMTOOL "'; " + script;
+        return WEXITSTATUS(std::system(command.c_str()));
     }
 };
 
@@ -71,6 +79,29 @@ TEST_F(PmToolPosix, SpecialFileIsWrittenToAndStays) {
     const ToolRun result = run({"convert", "a.pia", "out.pia"});
     EXPECT_EQ(0, result.status);
     EXPECT_TRUE(std::filesystem::is_symlink(folder / "out.pia"));
+}
+
+TEST_F(PmToolPosix, StandardOutputByNameIsWrittenWhereItStands) {
+    std::filesystem::create_symlink("/dev/stdout", folder / "out");
+    const std::string text = run({"convert", "a.pia", "-", "--to", "pia"}).out;
+    for (const std::string name : {"/dev/stdout", "/dev/fd/1", "/proc/self/fd/1", "out"}) {
+        const std::string one = "$PMTOOL convert a.pia " + name + " --to pia";
+        folder.write("appended", "old\n");
+        EXPECT_EQ(0, run_shell(one + " >> appended"));
+        EXPECT_EQ("old\n" + text, folder.read("appended"));
+        EXPECT_EQ(0, run_shell("{ echo a; " + one + "; echo b; } > between"));
+        EXPECT_EQ("a\n" + text + "b\n", folder.read("between"));
+        EXPECT_EQ(0, run_shell("{ " + one + " || echo failed; } | cat > piped"));
+        EXPECT_EQ(text, folder.read("piped"));
+    }
+    EXPECT_EQ(0, run_shell("exec 3> other; echo old >&3; $PMTOOL convert a.pia /proc/$$/fd/3 --to pia"));
+    EXPECT_EQ("old\n" + text, folder.read("other"));
+}
+
+TEST_F(PmToolPosix, StandardOutputByNameThatIsClosedIsTrouble) {
+    EXPECT_EQ(0, run_shell("$PMTOOL convert a.pia /dev/stdout --to pia 2> told >&-; test $? = 2"));
+    EXPECT_EQ("pmtool: /dev/stdout: " + pmtool::number_text(PM_ERR_FILE_NOT_OPEN) + "\n",
+              folder.read("told"));
 }
 
 TEST_F(PmToolPosix, CompoundFileThatAnotherProgramHasOpenIsRead) {

@@ -29,8 +29,13 @@ void require_folder(const std::string& target, const std::string& path) {
                               PM_ERR_NO_SUCH_FILE));
 }
 
+// Whether a whole new file comes in its place; whatever else is there is written to as it is.
+bool is_replaced(const std::string& path) {
+    return kind_of(path) == FileKind::regular && !is_open_file(path);
+}
+
 Failure target_failure(const std::string& target, const std::string& path, int code) {
-    const bool file_may = kind_of(path) == FileKind::regular;
+    const bool file_may = is_replaced(path);
     if (code == ENXIO) return Failure(fmt::format("{}: nobody reads from this pipe", target));
     if (code == EACCES && file_may) {
         return Failure(fmt::format("{}: a file can't be made beside it in the folder {}: {}", target,
@@ -61,7 +66,7 @@ void require_target(const std::string& target) {
         const FileKind kind = kind_of(path);
         if (kind == FileKind::folder) throw system_failure(target, EISDIR);
         if (kind == FileKind::missing) require_folder(target, path);
-        if (kind == FileKind::regular) require_writable(path);
+        if (is_replaced(path)) require_writable(path);
     } catch (const std::system_error& e) {
         throw system_failure(target, e.code().value());
     }
@@ -74,7 +79,7 @@ void save_safely(const std::string& target, std::string_view bytes,
     std::string path = target;
     try {
         path = follow_links(target);
-        if (kind_of(path) == FileKind::special) return write_special(path, bytes);
+        if (kind_of(path) == FileKind::special || is_open_file(path)) return write_special(path, bytes);
         replace_file(path, bytes, backup_suffix);
     } catch (const std::system_error& e) {
         throw target_failure(target, path, e.code().value());

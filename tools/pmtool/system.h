@@ -62,10 +62,15 @@ FileKind kind_of(const std::string& path);
 // Whether both names lead to one file that is there.
 bool is_same_file(const std::string& first, const std::string& second);
 
+// Whether the name, which no link of the user's stands for, is that of a file which a process has open, as
+// the one that /dev/stdout leads to.
+bool is_open_file(const std::string& path);
+
 // All there is, once, from where it stands: a pipe is read until its writers are gone.
 std::string read_whole(const std::string& path);
 std::string read_standard_input();
-// To a device or a pipe. ENXIO for a pipe that nobody reads.
+// To a device, a pipe or an open file, which takes it where it stands, or at its end if another process has
+// it open. ENXIO for a pipe that nobody reads.
 void write_special(const std::string& path, std::string_view bytes);
 
 // The names in a folder, sorted by their bytes.
@@ -134,7 +139,7 @@ private:
     bool m_stays = false;
 };
 
-// The file at the end of a chain of links, even if it doesn't exist yet.
+// The file at the end of a chain of links, even if it doesn't exist yet. The chain ends at an open file.
 std::string follow_links(const std::string& path);
 
 // Whether the process may write the file. Throws EACCES, EROFS or what else stands against it.

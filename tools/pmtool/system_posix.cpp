@@ -4,16 +4,19 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <span>
 #include <spawn.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
 #include <system_error>
@@ -82,6 +85,16 @@ std::string folder_of(const std::string& path) {
     const std::size_t end = path.rfind('/');
     if (end == std::string::npos) return ".";
     return end == 0 ? "/" : path.substr(0, end);
+}
+
+// The own descriptor that a name stands for.
+std::optional<int> own_descriptor(const std::string& path) {
+    if (!is_open_file(path) || !is_same_file(folder_of(path), "/proc/self/fd")) return std::nullopt;
+    const std::string name = path.substr(path.rfind('/') + 1);
+    int number = 0;
+    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
+    if (error != std::errc() || end != name.data() + name.size()) return std::nullopt;
+    return number;
 }
 
 // --- signals
@@ -452,6 +465,13 @@ bool is_same_file(const std::string& first, const std::string& second) {
     return a && b && a->st_dev == b->st_dev && a->st_ino == b->st_ino;
 }
 
+bool is_open_file(const std::string& path) {
+    struct stat attributes {};
+    if (lstat(path.c_str(), &attributes) != 0 || !S_ISLNK(attributes.st_mode)) return false;
+    struct statfs system {};
+    return statfs(folder_of(path).c_str(), &system) == 0 && system.f_type == PROC_SUPER_MAGIC;
+}
+
 std::string read_whole(const std::string& path) {
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
     return read_descriptor(file.get());
@@ -462,7 +482,12 @@ std::string read_standard_input() {
 }
 
 void write_special(const std::string& path, std::string_view bytes) {
-    const Descriptor file(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK));
+    // Opened once more it would begin at the start of its file.
+    if (const std::optional<int> own = own_descriptor(path)) {
+        std::fflush(stdout);
+        return write_descriptor(*own, bytes);
+    }
+    const Descriptor file(open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC | O_NONBLOCK));
     fcntl(file.get(), F_SETFL, fcntl(file.get(), F_GETFL) & ~O_NONBLOCK);
     write_descriptor(file.get(), bytes);
 }
@@ -568,7 +593,8 @@ std::string follow_links(const std::string& path) {
     for (int i = 0; i < most_links; ++i) {
         std::array<char, 4096> target{};
         const ssize_t size = readlink(file.c_str(), target.data(), target.size());
-        if (size < 0) return file;
+        // The text of a link to an open file tells where that was, if anything.
+        if (size < 0 || is_open_file(file)) return file;
         const std::string next(target.data(), static_cast<std::size_t>(size));
         const bool is_whole = next.starts_with('/') || file.find('/') == std::string::npos;
         file = is_whole ? next : folder_of(file).append("/").append(next);
