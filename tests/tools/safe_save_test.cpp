@@ -28,6 +28,9 @@ Refused refused_change = Refused::none;
 // Whether files have one name only, as on many a memory stick.
 bool link_fails = false;
 
+// How often the rights of what stands under a name were changed, whatever that was by then.
+int changes_by_name = 0;
+
 } // namespace
 
 // Stands before the system's own: the only way to have a change refused whoever runs the tests.
@@ -48,6 +51,11 @@ extern "C" int link(const char* from, const char* to) noexcept {
         return -1;
     }
     return static_cast<int>(syscall(SYS_linkat, AT_FDCWD, from, AT_FDCWD, to, 0));
+}
+
+extern "C" int chmod(const char* name, mode_t mode) noexcept {
+    ++changes_by_name;
+    return static_cast<int>(syscall(SYS_fchmodat, AT_FDCWD, name, mode));
 }
 
 namespace pm::test {
@@ -185,8 +193,10 @@ TEST_F(SafeSave, BackupWhereFilesHaveNoSecondNamesIsACopyWithTheSameRights) {
     folder.write("a", "old");
     chmod(path("a").c_str(), 0640);
     link_fails = true;
+    changes_by_name = 0;
     save_safely(path("a"), "new", "~");
     link_fails = false;
+    EXPECT_EQ(0, changes_by_name); // a link in its place would be followed
     EXPECT_EQ("new", folder.read("a"));
     EXPECT_EQ("old", folder.read("a~"));
     EXPECT_EQ(0640U, mode_of("a"));
@@ -203,6 +213,14 @@ TEST_F(SafeSave, WhatAKilledProgramLeftGoesWithTheNextSaving) {
     folder.write(".pmtool-scratch-pad", "the user's own");
     save_safely(path("a"), "new");
     EXPECT_EQ((std::vector<std::string>{".pmtool-config", ".pmtool-scratch-pad", "a"}), file_names());
+}
+
+TEST_F(SafeSave, WhatIsNoFileWasLeftByNoProgram) {
+    ASSERT_EQ(0, mkfifo(path(".pmtool-scratch-AbCdEf").c_str(), 0600));
+    ASSERT_EQ(0, mkfifo(path(".pmtool-scratch-GhIjKl~").c_str(), 0600));
+    save_safely(path("a"), "new");
+    EXPECT_EQ((std::vector<std::string>{".pmtool-scratch-AbCdEf", ".pmtool-scratch-GhIjKl~", "a"}),
+              file_names());
 }
 
 TEST_F(SafeSave, ScratchFileOfAProgramThatLivesStays) {

@@ -109,6 +109,8 @@ public:
     // Takes over mode, owner, group, access lists and extended attributes of the target as far as the system
     // lets it. Where owner or group can't be kept, nobody gets more rights than before.
     void keep_attributes();
+    // The same of another file.
+    void keep_attributes_of(const std::string& file);
     // Until all is on the disk; then takes the target's place, so that whoever looks finds the old file or
     // the new one. With a suffix the old file stays under its name and that.
     void replace_target(const std::optional<std::string>& backup_suffix);

@@ -313,11 +313,22 @@ bool is_scratch_name(std::string_view name) {
     return name.starts_with(scratch_prefix) && name.size() == scratch_prefix.size() + scratch_random;
 }
 
+// Neither a link nor a pipe: programs of this name leave files alone behind.
+bool is_file_here(const std::string& name) {
+    struct stat attributes {};
+    return lstat(name.c_str(), &attributes) == 0 && S_ISREG(attributes.st_mode);
+}
+
+void remove_spare(const std::string& name) {
+    if (is_file_here(name)) unlink(name.c_str());
+}
+
 void remove_if_abandoned(const std::string& name) {
+    if (!is_file_here(name)) return;
     const int file = open(name.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
     if (file < 0) return;
     if (take_lock(file)) {
-        unlink((name + spare_suffix).c_str());
+        remove_spare(name + spare_suffix);
         unlink(name.c_str());
     }
     close(file);
@@ -335,7 +346,7 @@ void clean_up_beside(const std::string& target) {
         const std::string path = in_folder_of(target, name);
         remove_if_abandoned(path);
         // A spare is never there without its scratch file while somebody works on it.
-        if (is_spare && access(path.c_str(), F_OK) != 0) unlink((path + spare_suffix).c_str());
+        if (is_spare && access(path.c_str(), F_OK) != 0) remove_spare(path + spare_suffix);
     }
     closedir(list);
 }
@@ -343,11 +354,7 @@ void clean_up_beside(const std::string& target) {
 // For where a file has no second names.
 void copy_old_file(const std::string& target, const std::string& backup) {
     ScratchFile copy(backup);
-    const std::optional<struct stat> old = attributes_of(target);
-    const std::optional<struct stat> own = attributes_of(copy.name());
-    if (!old || !own) fail(ENOENT);
-    const mode_t mode = kept_mode(old->st_mode, own->st_uid == old->st_uid, own->st_gid == old->st_gid);
-    checked(chmod(copy.name().c_str(), mode));
+    copy.keep_attributes_of(target);
     copy.write(read_whole(target));
     copy.replace_target(std::nullopt);
 }
@@ -543,8 +550,12 @@ void ScratchFile::write(std::string_view bytes) {
 }
 
 void ScratchFile::keep_attributes() {
-    const std::optional<struct stat> old = attributes_of(m_target);
-    if (m_is_new || !old) return;
+    if (!m_is_new) keep_attributes_of(m_target);
+}
+
+void ScratchFile::keep_attributes_of(const std::string& file) {
+    const std::optional<struct stat> old = attributes_of(file);
+    if (!old) return;
     bool owner_kept = true;
     bool group_kept = true;
     if (fchown(m_file, old->st_uid, old->st_gid) != 0) {
@@ -553,10 +564,10 @@ void ScratchFile::keep_attributes() {
         owner_kept = own.st_uid == old->st_uid;
         group_kept = own.st_gid == old->st_gid || fchown(m_file, static_cast<uid_t>(-1), old->st_gid) == 0;
     }
-    copy_attributes(m_target, m_file);
-    copy_access_list(m_target, m_file, group_kept);
+    copy_attributes(file, m_file);
+    copy_access_list(file, m_file, group_kept);
     // With a list the group's bits are its mask.
-    const bool has_list = attribute(m_target, access_list).has_value();
+    const bool has_list = attribute(file, access_list).has_value();
     const mode_t mode = kept_mode(old->st_mode, owner_kept, group_kept || has_list);
     checked(fchmod(m_file, mode));
 }

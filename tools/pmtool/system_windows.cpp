@@ -328,6 +328,8 @@ void ScratchFile::write(std::string_view bytes) {
 // The rights of the folder go to what is moved within it.
 void ScratchFile::keep_attributes() {}
 
+void ScratchFile::keep_attributes_of(const std::string&) {}
+
 void ScratchFile::replace_target(const std::optional<std::string>& backup_suffix) {
     constexpr DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
     const std::wstring target = to_native(m_target);
