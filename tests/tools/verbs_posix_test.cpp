@@ -69,6 +69,24 @@ TEST_F(PmToolShell, FileNameIsPartOfALineWhateverItHolds) {
     expect_trouble({"tree", "none\n"}, "none\\x0A: The file doesn't exist (error 63)");
 }
 
+TEST_F(PmToolShell, NameOfAFileInAFolderIsShownForTheEye) {
+    std::filesystem::create_directory(folder / "d");
+    folder.write("d/s\x1B[31m\u202E.pdt", "DRFX_A \"a\"\n");
+    const std::string out = run({"identify", "d"}).out;
+    EXPECT_TRUE(out.starts_with("d: pdt (folder of driver tables): folder with s\\x1B[31m\\u202E.pdt\n"))
+        << out;
+}
+
+TEST_F(PmToolShell, JsonHoldsNothingThatATerminalWouldObey) {
+    folder.write("b.pia", "PIAFILEVERSION_2.0,\r\nx\x7F\u0085\u009B\u202E\u2028\x1B\u00FC\U0001F600=1\n");
+    folder.write("c.pia", "PIAFILEVERSION_2.0,\r\n");
+    const std::string path = "\\\\x\\u007f\\u0085\\u009b\\u202e\\u2028\\u001b\u00FC\U0001F600";
+    const std::string out = run({"diff", "c.pia", "b.pia", "--json"}).out;
+    EXPECT_EQ("[\n  {\n    \"change\": \"added\",\n    \"path\": \"" + path +
+                  "\",\n    \"before\": null,\n    \"after\": \"long 1\"\n  }\n]\n",
+              out);
+}
+
 TEST_F(PmToolShell, LongWorkIsShownOnATerminal) {
     const auto on_terminal = [&](const std::string& seconds, const std::string& words) {
         const std::string command = "cd '" + folder.path().string() +
@@ -85,6 +103,10 @@ TEST_F(PmToolShell, LongWorkIsShownOnATerminal) {
                 testing::MatchesRegex("\rchecking pipe ... 2 s(\rchecking pipe ... [0-9]+ s)*\r\x1B.K"
                                       "pipe: no bad lines\r\n"));
     EXPECT_EQ("1\r\n", on_terminal("0.1", "get pipe n"));
+    std::filesystem::create_symlink("pipe", folder / "e\x1B[2J");
+    EXPECT_THAT(
+        on_terminal("2.5", "get e* n"),
+        testing::MatchesRegex("\rreading e.x1B.2J ... 2 s(\rreading e.x1B.2J ... [0-9]+ s)*\r\x1B.K1\r\n"));
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "text.h"
 #include <algorithm>
 #include <fmt/format.h>
+#include <pm/kit/stored.h>
 #include <vector>
 
 namespace pmtool {
@@ -54,7 +55,8 @@ std::string evidence_text(const pm::FileIdentity& identity) {
     case pm::Evidence::string_keys:
         return "string file with DRFX_ keys";
     case pm::Evidence::string_file:
-        return fmt::format("folder with {}", base_name(pm::file_name_to_utf8(identity.string_file)));
+        return fmt::format("folder with {}",
+                           pm::kit::printable_text(base_name(pm::file_name_to_utf8(identity.string_file))));
     }
     return {};
 }

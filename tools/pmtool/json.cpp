@@ -1,8 +1,34 @@
 #include "json.h"
 
+#include "text.h"
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 namespace pmtool {
+
+namespace {
+
+bool is_shown_by_all(char c) {
+    return c == '\n' || (c >= ' ' && c <= '~');
+}
+
+// Escapes what a terminal would obey and JSON lets stand. All of it stands within texts, and with neither
+// quotes nor backslashes.
+std::string escape_unseen(std::string_view json) {
+    std::string out;
+    while (!json.empty()) {
+        const auto plain = std::ranges::find_if_not(json, is_shown_by_all) - json.begin();
+        out += json.substr(0, static_cast<std::size_t>(plain));
+        json.remove_prefix(static_cast<std::size_t>(plain));
+        const auto other = std::ranges::find_if(json, is_shown_by_all) - json.begin();
+        const std::string quoted = in_quotes(json.substr(0, static_cast<std::size_t>(other)));
+        out.append(quoted, 1, quoted.size() - 2);
+        json.remove_prefix(static_cast<std::size_t>(other));
+    }
+    return out;
+}
+
+} // namespace
 
 struct Json::Value {
     nlohmann::ordered_json json;
@@ -57,7 +83,8 @@ Json& Json::append(Json value) {
 }
 
 std::string Json::dump() const {
-    return m_value->json.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + '\n';
+    constexpr auto replace = nlohmann::ordered_json::error_handler_t::replace;
+    return escape_unseen(m_value->json.dump(2, ' ', false, replace)) + '\n';
 }
 
 } // namespace pmtool

@@ -9,7 +9,7 @@
 namespace pmtool {
 
 // A JSON value that is put together: an object with its members in order, or an array. Text that isn't UTF-8
-// shows U+FFFD.
+// shows U+FFFD, and what in_quotes() escapes is escaped.
 class Json {
 public:
     static Json object();

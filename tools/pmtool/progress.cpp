@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdio>
 #include <fmt/format.h>
+#include <pm/kit/stored.h>
 
 namespace pmtool {
 
@@ -23,7 +24,7 @@ Clock::time_point start() {
 
 } // namespace
 
-Progress::Progress(std::string what) : m_what(std::move(what)) {
+Progress::Progress(std::string_view what) : m_what(pm::kit::printable_text(what)) {
     if (!is_terminal(Stream::err)) return;
     (void)start();
     const SignalDelay delay; // signals are for the thread that works

@@ -3,6 +3,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <thread>
 
 namespace pmtool {
@@ -11,7 +12,7 @@ namespace pmtool {
 // error says what it is at and for how long it works, until this dies. Elsewhere nothing is shown.
 class Progress {
 public:
-    explicit Progress(std::string what);
+    explicit Progress(std::string_view what);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
