@@ -15,15 +15,18 @@ protected:
 };
 
 TEST_F(PmToolShell, BashTakesItsCompletion) {
-    folder.write("try",
-                 "source completion\nCOMP_WORDS=(pmtool set --ex) COMP_CWORD=2\n_pmtool\n"
-                 "echo \"${COMPREPLY[@]}\"\nCOMP_WORDS=(pmtool ident) COMP_CWORD=1\n_pmtool\n"
-                 "echo \"${COMPREPLY[@]}\"\nCOMP_WORDS=(pmtool convert --to '') COMP_CWORD=3\n_pmtool\n"
-                 "echo \"${COMPREPLY[@]}\"\n");
+    folder.write(
+        "try", "source completion\nCOMP_WORDS=(pmtool set --ex) COMP_CWORD=2\n_pmtool\n"
+               "echo \"${COMPREPLY[@]}\"\nCOMP_WORDS=(pmtool ident) COMP_CWORD=1\n_pmtool\n"
+               "echo \"${COMPREPLY[@]}\"\nCOMP_WORDS=(pmtool convert --to '') COMP_CWORD=3\n_pmtool\n"
+               "echo \"${COMPREPLY[@]}\"\nCOMP_WORDS=(pmtool --code-page 1252 ident) COMP_CWORD=3\n_pmtool\n"
+               "echo \"${COMPREPLY[@]}\"\n"
+               "COMP_WORDS=(pmtool --code-page 1252 tree --color '') COMP_CWORD=5\n_pmtool\n"
+               "echo \"${COMPREPLY[@]}\"\n");
     folder.write("completion", run({"completion", "bash"}).out);
     const std::string command = "cd '" + folder.path().string() + "' && bash try > out 2>&1";
     EXPECT_EQ(0, std::system(command.c_str()));
-    EXPECT_EQ("--existing\nidentify\ndoc dpia pia json\n", folder.read("out"));
+    EXPECT_EQ("--existing\nidentify\ndoc dpia pia json\nidentify\nalways never auto\n", folder.read("out"));
 }
 
 TEST_F(PmToolShell, ColoursGoToATerminalAlone) {

@@ -54,15 +54,29 @@ void append_bash_values(std::string& out, const std::vector<OptionWords>& option
     }
 }
 
+// Passes the values of options that stand in front of the verb.
+void append_bash_skip(std::string& out, const std::vector<OptionWords>& options) {
+    std::vector<std::string> names;
+    for (const OptionWords& option : options) {
+        if (option.value.empty() || option.value_is_optional) continue;
+        names.insert(names.end(), option.names.begin(), option.names.end());
+    }
+    if (!names.empty()) out += fmt::format("        {}) ((++i));;\n", fmt::join(names, "|"));
+}
+
 std::string bash(const Commands& commands) {
     std::string out = "# bash completion of pmtool\n"
                       "_pmtool() {\n"
                       "    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} verb= i\n"
                       "    for ((i = 1; i < COMP_CWORD; ++i)); do\n"
-                      "        if [[ ${COMP_WORDS[i]} != -* ]]; then verb=${COMP_WORDS[i]}; break; fi\n"
-                      "    done\n"
-                      "    COMPREPLY=()\n"
-                      "    if [[ -z $verb ]]; then\n";
+                      "        case ${COMP_WORDS[i]} in\n";
+    append_bash_skip(out, commands.common_options());
+    out += "        -*) ;;\n"
+           "        *) verb=${COMP_WORDS[i]}; break;;\n"
+           "        esac\n"
+           "    done\n"
+           "    COMPREPLY=()\n"
+           "    if [[ -z $verb ]]; then\n";
     out += fmt::format("        COMPREPLY=($(compgen -W '{} {}' -- \"$word\"))\n        return\n    fi\n",
                        verb_names(commands), option_names(commands.common_options()));
     out += "    case $verb in\n";
