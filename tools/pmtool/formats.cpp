@@ -77,10 +77,12 @@ auto inspecting(const std::string& file, Inspect inspect) {
     }
 }
 
-Identity identity_of(const std::string& file, const std::optional<pm::FileIdentity>& identity) {
+Identity identity_of(const std::string& file, const std::optional<pm::FileIdentity>& identity,
+                     bool takes_from) {
     if (identity) return {&format_of(identity->type), evidence_text(*identity)};
-    throw Failure(fmt::format("{}: the content is of no known format; say which with --from ({})", file,
-                              format_names(false)));
+    const std::string advice =
+        takes_from ? fmt::format("; say which with --from ({})", format_names(false)) : std::string();
+    throw Failure(fmt::format("{}: the content is of no known format{}", file, advice));
 }
 
 // What a file of this name is taken for; empty if nothing is known of it.
@@ -139,14 +141,14 @@ void require_page_extension(const std::string& file) {
     require_kind(file, page, {});
 }
 
-Identity identify(const std::string& file) {
+Identity identify(const std::string& file, bool takes_from) {
     const std::optional<pm::FileIdentity> identity =
         inspecting(file, [](const std::u16string& name) { return pm::identify(name); });
-    return identity_of(file, identity);
+    return identity_of(file, identity, takes_from);
 }
 
-Identity identify_content(const std::string& file, std::string_view content) {
-    return identity_of(file, pm::identify_content(content));
+Identity identify_content(const std::string& file, std::string_view content, bool takes_from) {
+    return identity_of(file, pm::identify_content(content), takes_from);
 }
 
 } // namespace pmtool

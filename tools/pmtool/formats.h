@@ -41,9 +41,10 @@ struct Identity {
     std::string evidence;
 };
 
-// By content. Failure if the file can't be read or is of no known format.
-Identity identify(const std::string& file);
+// By content. Failure if the file can't be read or is of no known format, which advises --from if the verb
+// takes that.
+Identity identify(const std::string& file, bool takes_from);
 // The same for content at hand.
-Identity identify_content(const std::string& file, std::string_view content);
+Identity identify_content(const std::string& file, std::string_view content, bool takes_from);
 
 } // namespace pmtool

@@ -15,6 +15,7 @@ void add_file_argument(VerbLine& line, SourceOptions& options) {
 }
 
 void add_from(VerbLine& line, SourceOptions& options) {
+    options.takes_from = true;
     line.text("--from", options.from, "FORMAT",
               "Format of the input, if its content doesn't tell it: " + format_names(false));
 }

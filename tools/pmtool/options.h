@@ -13,7 +13,8 @@ struct SourceOptions {
     std::string from = {};    // empty: by content
     std::string section = {}; // empty: all
     bool keep_going = false;
-    bool exclusive = false; // kit::Input::exclusive: for a file that is changed in place
+    bool takes_from = false; // --from is an option of the verb
+    bool exclusive = false;  // kit::Input::exclusive: for a file that is changed in place
 };
 
 // How a file is written.

@@ -35,7 +35,9 @@ std::string shown_name(const std::string& file) {
 const Format& format_of_input(const SourceOptions& options, const std::optional<std::string>& content) {
     if (!options.from.empty()) return format_named(options.from);
     const std::string name = shown_name(options.file);
-    return *(content ? identify_content(name, *content) : identify(options.file)).format;
+    return *(content ? identify_content(name, *content, options.takes_from)
+                     : identify(options.file, options.takes_from))
+                .format;
 }
 
 Source read_json(const SourceOptions& options, const std::optional<std::string>& content) {

@@ -143,7 +143,7 @@ std::vector<kit::Diagnostic> check_defaults(const std::string& file, const std::
                                             const kit::CheckOptions& options,
                                             const std::vector<kit::Diagnostic>& found) {
     std::vector<kit::Diagnostic> diagnostics;
-    const SourceOptions source{.file = file, .from = from, .section = options.section};
+    const SourceOptions source{.file = file, .from = from, .section = options.section, .takes_from = true};
     for (const DefaultFinding& each : findings_of_defaults(source, content)) {
         const kit::Finding& finding = each.finding;
         if (is_in(options.without, finding.rule)) continue;

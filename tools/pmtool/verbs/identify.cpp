@@ -50,7 +50,9 @@ struct Input {
     std::string file;
     std::optional<std::string> content;
 
-    Identity identity() const { return content ? identify_content(file, *content) : identify(file); }
+    Identity identity() const {
+        return content ? identify_content(file, *content, false) : identify(file, false);
+    }
 };
 
 Details details_of(const Input& input) {

@@ -39,7 +39,7 @@ void print_conflicts(const MergeOptions& options, const std::vector<kit::Conflic
 
 const Format& format_for(const MergeOptions& options, const Source& first) {
     if (!options.target.to.empty()) return format_of_output(options.target.file, options.target.to);
-    const Format& format = first.is_json ? format_named("json") : format_of(first.content.type);
+    const Format& format = format_of(first.content.type);
     require_extension(options.target.file, format, ", or say what is meant with --to");
     return format;
 }
@@ -65,7 +65,7 @@ int merge(MergeOptions options) {
     const Source second = read_source(options.second, damage_by(options.target));
     kit::Merged merged = kit::merge(base.content.tree, first.content.tree, second.content.tree);
     const Format& format = format_for(options, first);
-    const bool is_same = !first.is_json && format.is(first.content.type);
+    const bool is_same = format.is(first.content.type);
     Writing writing{merged.tree, format,
                     is_same ? same_form(first, options.target) : form_of(format, options.target, first),
                     losses_of(base, first, second)};
