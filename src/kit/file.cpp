@@ -69,6 +69,7 @@ FileReport last_report(const ZT_Exception& exception, const std::string& section
     report.place = exception.m_place != nullptr ? to_utf8(exception.m_place) : std::string();
     report.detail = to_utf8(exception.m_detail);
     report.section = section;
+    report.ends = true;
     return report;
 }
 

@@ -269,6 +269,32 @@ TEST_F(PmToolNeverLoses, VerbThatReplacesOneOfItsSourcesReadsItWhenItsTurnComes)
     }
 }
 
+TEST_F(PmToolNeverLoses, LinesBehindTheOneThatEndsTheReadingAreTold) {
+    write("a.pia", "b=1\nbad line\na=1\n\nc=2\n");
+    const std::string bad = "a.pia:3: The line isn't valid (error 57): bad line\n";
+    const std::string rest = "a.pia: reading ended at line 3; the 2 lines behind it aren't read\n";
+    const std::string dropped = "pmtool: dropped: " + bad + "pmtool: dropped: " + rest;
+    EXPECT_EQ(dropped, run({"convert", "a.pia", "o.pia", "--keep-going"}).err);
+    EXPECT_EQ(dropped, run({"tree", "a.pia", "--keep-going"}).err);
+    EXPECT_EQ("pmtool: o.pia: warning: not read: " + bad + "pmtool: o.pia: warning: not read: " + rest,
+              run({"convert", "a.pia", "o.pia", "--lossy"}).err);
+    write("a.pia", "b=1\nbad line\na=1\n");
+    EXPECT_EQ("pmtool: dropped: " + bad +
+                  "pmtool: dropped: a.pia: reading ended at line 3; the line behind it isn't read\n",
+              run({"tree", "a.pia", "--keep-going"}).err);
+    write("a.pia", "b=1\nbad line\n\n");
+    EXPECT_EQ("pmtool: dropped: " + bad, run({"tree", "a.pia", "--keep-going"}).err);
+}
+
+TEST_F(PmToolNeverLoses, LinesBehindTheOneThatEndsASectionAreTold) {
+    const std::string text = "PIAFILEVERSION_2.0,\r\nb=1\nbad line\na=1\n";
+    const std::string size(1, static_cast<char>(text.size()));
+    folder.write("o.dpia", "\0\0\2\0\1\0\0\0\1\0\0\0A\0\0\0\0\0\0\0\0"s + size + "\0\0\0"s + text);
+    EXPECT_EQ("pmtool: dropped: o.dpia[A]:3: The line isn't valid (error 57): bad line\n"
+              "pmtool: dropped: o.dpia[A]: reading ended there; what stands behind that line isn't read\n",
+              run({"tree", "o.dpia", "--keep-going"}).err);
+}
+
 TEST_F(PmToolNeverLoses, EveryVerbThatWritesRefusesWhatReadingLost) {
     const std::vector<std::vector<std::string>> verbs = {{"set", "a.pia", "b", "2"},
                                                          {"rm", "a.pia", "a"},

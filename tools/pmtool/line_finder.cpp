@@ -59,6 +59,13 @@ int LineFinder::find(const Report& report) {
     return line > 0 ? line : report.line;
 }
 
+std::size_t LineFinder::lines_behind(int line) const {
+    const auto at = std::min(static_cast<std::size_t>(std::max(line, 0)), m_lines.size());
+    return m_lines.size() - at -
+           static_cast<std::size_t>(
+               std::count(m_lines.begin() + static_cast<std::ptrdiff_t>(at), m_lines.end(), std::string()));
+}
+
 int LineFinder::find_text(const Report& report) {
     const std::string wanted = ascii_part(report.subject);
     const auto told = static_cast<std::size_t>(std::max(report.line, 1)) - 1;

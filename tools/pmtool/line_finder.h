@@ -26,6 +26,8 @@ public:
     int find(const Report& report);
     // The same, with 0 for a text that isn't found.
     int find_text(const Report& report);
+    // How many lines that aren't blank stand behind the one of this number.
+    std::size_t lines_behind(int line) const;
 
 private:
     bool matches(std::size_t line, const Report& report, const std::string& wanted) const;

@@ -22,7 +22,7 @@ void add_from(VerbLine& line, SourceOptions& options) {
 
 void add_keep_going(VerbLine& line, SourceOptions& options) {
     line.flag("--keep-going", options.keep_going,
-              "Read on behind what can't be read, and list what was dropped");
+              "Take what can be read of a damaged file, and list what was dropped");
 }
 
 void add_edited(VerbLine& line, SourceOptions& options) {

@@ -100,7 +100,20 @@ public:
 
     std::string text(Report report, const std::string& section) {
         if (is_bad_line(report) && section.empty()) report.line = m_finder.find(report);
+        m_line = report.line;
         return describe(report, part_name(m_file, section, m_format));
+    }
+
+    // What else is lost where the line that was told last ended the reading; empty for nothing.
+    std::string rest_text(const std::string& section, bool is_plain) const {
+        const std::string name = part_name(m_file, section, m_format);
+        const bool counts = is_plain && m_line > 0 && m_format.is_text && !m_format.is(PM_Object::FILE_CFG);
+        if (!counts) return name + ": reading ended there; what stands behind that line isn't read";
+        const std::size_t count = m_finder.lines_behind(m_line);
+        if (count == 0) return {};
+        return fmt::format("{}: reading ended at line {}; {} behind it {} read", name, m_line,
+                           count == 1 ? "the line" : fmt::format("the {} lines", count),
+                           count == 1 ? "isn't" : "aren't");
     }
 
 private:
@@ -113,6 +126,7 @@ private:
     const std::string& m_file;
     const Format& m_format;
     LineFinder m_finder;
+    int m_line = 0; // of the last report
 };
 
 std::vector<std::string> dropped_of(const Reading& reading, Teller& teller, const std::string& file) {
@@ -121,8 +135,13 @@ std::vector<std::string> dropped_of(const Reading& reading, Teller& teller, cons
     for (const kit::FileReport& report : reading.content.reports) {
         const Report shown =
             make_report(report.number, pm::to_utf16(report.place), pm::to_utf16(report.detail), file);
-        std::string line = teller.text(shown, report.section);
-        if (told.insert(line).second) dropped.push_back(std::move(line));
+        const std::string line = teller.text(shown, report.section);
+        const std::string rest = report.ends && is_bad_line(shown)
+                                     ? teller.rest_text(report.section, !reading.content.compressed)
+                                     : std::string();
+        for (const std::string& each : {line, rest}) {
+            if (!each.empty() && told.insert(each).second) dropped.push_back(each);
+        }
     }
     if (reading.end) dropped.push_back(teller.text(*reading.end, {}));
     return dropped;

@@ -39,6 +39,7 @@ struct Input {
 // file. A line of a CFG file that is bad for several plotters is told once, for the first of them.
 struct FileReport : Report {
     std::string section = {};
+    bool ends = false; // it ended the reading of that part; what stands behind it isn't read
 };
 
 // A part of a file that holds several trees.

@@ -242,7 +242,7 @@ void add_check(Commands& commands) {
     line.text("--owner", options->device.owner, "NUMBER",
               "Who made the configuration: what others own is a warning");
     line.flag("--keep-going", options->device.keep_going,
-              "With --device: read on behind what can't be read, and list what was dropped");
+              "With --device: take what can be read of a damaged file, and list what was dropped");
     line.flag("--explain", options->device.explain, "Show which rule looked where");
     line.flag("--json", options->json, "An array of diagnostics, or of findings by file");
 }

@@ -42,7 +42,7 @@ void add_extract(Commands& commands) {
                        "The file to write; \"-\" is standard output");
     add_from(line, options->source);
     line.flag("--keep-going", options->source.keep_going,
-              "Read on behind what can't be read, and list what was dropped");
+              "Take what can be read of a damaged file, and list what was dropped");
     add_form(line, options->target);
     add_writing(line, options->target);
 }
