@@ -57,7 +57,7 @@ void add_findings_of_file(const SourceOptions& options, const std::optional<std:
 // The format that a file or folder is read as; nothing if it isn't known.
 const Format* format_read(const std::string& file, const std::string& from) {
     try {
-        return from.empty() ? identify(file).format : &format_named(from);
+        return from.empty() ? identify(file, true).format : &format_named(from);
     } catch (const Mistake&) {
         throw;
     } catch (const Failure&) {
