@@ -120,7 +120,8 @@ public:
     }
 
 private:
-    // What has to be done with a node that one side removed, once it is merged.
+    // What has to be done with a node that one side removed, or that the other added in such a one, once it
+    // is merged.
     struct Removal {
         std::size_t conflicts; // that there were before
         bool preferred;
@@ -143,7 +144,7 @@ private:
         const Node second = sides.second.value_or(empty());
         const Lists<Property> properties(base.properties(), first.properties(), second.properties());
         for (const std::u16string_view name : properties.names) {
-            merge_property(name, properties.sides_of(name), to);
+            merge_property(name, properties.sides_of(name), to, removal.has_value());
         }
         m_levels.push_back({{base.children(), first.children(), second.children()}, &to, length, removal});
     }
@@ -156,18 +157,21 @@ private:
     }
 
     void close_removed(const Removal& removal, const PM_Node& node) {
-        // Changed in its order or its nodes alone.
+        // Changed in its order or its nodes alone, or added with nothing in it.
         if (m_merged.conflicts.size() == removal.conflicts) {
             m_merged.conflicts.push_back({m_path, {}, {}, {}});
         }
         if (removal.preferred) m_builder.erase(node);
     }
 
-    void merge_property(std::u16string_view name, const Sides<Property>& sides, const PM_Node& to) {
+    // In a node that one side removed all that the other changed is a conflict, and what it added, too.
+    void merge_property(std::u16string_view name, const Sides<Property>& sides, const PM_Node& to,
+                        bool in_removed) {
         const std::optional<Stored> base = stored_side(sides.base);
         const std::optional<Stored> first = stored_side(sides.first);
         const std::optional<Stored> second = stored_side(sides.second);
-        const bool conflict = first != second && first != base && second != base;
+        const bool added = !base && first != second;
+        const bool conflict = (first != second && first != base && second != base) || (in_removed && added);
         if (conflict) m_merged.conflicts.push_back({m_path + to_utf8(name), base, first, second});
         const std::optional<Stored>& kept =
             conflict ? (m_prefer == Prefer::first ? first : second) : (first == base ? second : first);
@@ -177,8 +181,9 @@ private:
     // A node that a side removed goes with all that the other side left as it was.
     void merge_child(std::u16string_view name, const Sides<Node>& sides, const PM_Node& to) {
         const std::size_t length = m_path.size();
-        const bool removed = sides.base && (!sides.first || !sides.second);
-        if (removed && !is_changed(sides)) return;
+        const bool in_removed = m_levels.back().removal.has_value();
+        const bool removed = (sides.base || in_removed) && (!sides.first || !sides.second);
+        if (removed && sides.base && !is_changed(sides)) return;
         (m_path += to_utf8(name)) += '\\';
         std::optional<Removal> removal;
         if (removed) {

@@ -88,7 +88,31 @@ TEST_F(Merge, NodeThatOneSideRemovedAndTheOtherFilledIsAConflict) {
     change(a, "rm \\n\\");
     change(b, "set \\n\\new\\");
     EXPECT_THAT(conflicts(merge(base, a, b)),
-                ElementsAre("\\n\\: removed on one side, changed on the other"));
+                ElementsAre("\\n\\new\\: removed on one side, changed on the other"));
+}
+
+TEST_F(Merge, EachAdditionToANodeThatOneSideRemovedIsAConflict) {
+    change(a, "rm \\n\\");
+    change(b, "set \\n\\p long 2\nset \\n\\new long 3\nset \\n\\m\\r long 4\nset \\n\\m\\e\\");
+    const Merged merged = merge(base, a, b);
+    EXPECT_THAT(conflicts(merged), ElementsAre("\\n\\p: long 1 -> - | long 2", "\\n\\new: - -> - | long 3",
+                                               "\\n\\m\\r: - -> - | long 4",
+                                               "\\n\\m\\e\\: removed on one side, changed on the other"));
+    EXPECT_TRUE(identical(a, merged.tree));
+    const Merged back = merge(base, b, a);
+    EXPECT_THAT(conflicts(back), ElementsAre("\\n\\p: long 1 -> long 2 | -", "\\n\\new: - -> long 3 | -",
+                                             "\\n\\m\\r: - -> long 4 | -",
+                                             "\\n\\m\\e\\: removed on one side, changed on the other"));
+    EXPECT_THAT(beside(back, "set \\n\\p long 2\nrm \\n\\q\nset \\n\\new long 3\nset \\n\\m\\r long 4\n"
+                             "set \\n\\m\\e\\"),
+                IsEmpty());
+}
+
+TEST_F(Merge, ConflictsOfAListAreInTheOrderThatItGets) {
+    change(a, "rm \\x\nset \\y long 2");
+    change(b, "set \\x long 3\nset \\y long 3");
+    EXPECT_THAT(conflicts(merge(base, a, b)),
+                ElementsAre("\\y: long 1 -> long 2 | long 3", "\\x: long 1 -> - | long 3"));
 }
 
 TEST_F(Merge, OrderOfTheSideThatChangedIt) {

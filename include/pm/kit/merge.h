@@ -19,7 +19,9 @@ namespace pm::kit {
 
 // Both sides changed the same property, and not alike.
 struct Conflict {
-    std::string path = {}; // of the property; or of the node that one side removed, the other changed
+    // Of the property; or of a node that one side removed and the other changed in its order or its nodes
+    // alone, or added with nothing in it in a node that the first removed.
+    std::string path = {};
     std::optional<Stored> base = {}; // nothing where it isn't
     std::optional<Stored> first = {};
     std::optional<Stored> second = {};
@@ -32,15 +34,18 @@ enum class Prefer { first, second };
 
 struct Merged {
     Tree tree = {};
-    std::vector<Conflict> conflicts = {}; // in the order of the merged tree; what was removed comes first
+    // Node by node: of its properties, then of its children, each in the order that the list gets, in which
+    // what one side removed comes behind what the other has.
+    std::vector<Conflict> conflicts = {};
 };
 
 // What either side changed of `base` is changed, added or removed. A property that both changed otherwise, or
-// one changed and the other removed, is a conflict and comes out as `prefer` says. A node that one side
-// removed stays for what the other side changed or added in it, each of which is a conflict. A list whose
-// order one side alone changed has that order; else it has the order of the first side, with what the second
-// added behind. The merged tree is one of its own; the three stay as they are, and two of them may be the
-// same. Takes time in proportion to the trees, and no stack however deep they are.
+// one changed and the other removed, is a conflict and comes out as `prefer` says. Of a node
+// that one side removed each property that the other side changed or added in it, at any depth, is a
+// conflict: if `prefer` is the side that removed it, all of it goes; else it stays for these alone. A list
+// whose order one side alone changed has that order; else it has the order of the first side, with what the
+// second added behind. The merged tree is one of its own; the three stay as they are, and two of them may be
+// the same. Takes time in proportion to the trees, and no stack however deep they are.
 [[nodiscard]] PM_KIT_API Merged merge(const Tree& base, const Tree& first, const Tree& second,
                                       Prefer prefer = Prefer::first);
 
