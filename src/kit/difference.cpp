@@ -138,11 +138,8 @@ public:
         const bool has_property = !path.ends_with('\\') && (properties[0] || properties[1]);
         if (!has_node && !has_property) return false;
         if (!enter_all(place.parent)) return true;
-        if (has_node) {
-            compare_sides(nodes[0], nodes[1]);
-        } else {
-            compare_sides(properties[0], properties[1]);
-        }
+        if (has_property) compare_sides(properties[0], properties[1]);
+        if (has_node) compare_sides(nodes[0], nodes[1]);
         return true;
     }
     std::vector<Difference> take() { return std::move(m_differences); }

@@ -183,7 +183,7 @@ TEST_F(Compare, OneNodeThatOnlyOneSideHasIsAddedItself) {
                 ElementsAre("+ \\deep\\node\\", "+ \\deep\\node\\p: long 1"));
 }
 
-TEST_F(Compare, OnePropertyAloneWhereNoNodeHasThePath) {
+TEST_F(Compare, OnePropertyAloneAndTheNodeOfItsPath) {
     b.set("\\x", 2);
     a.set("\\n\\old", 1);
     EXPECT_THAT(texts(compare_at(a, b, "\\x").value()), ElementsAre("~ \\x: long 1 -> long 2"));
@@ -194,7 +194,8 @@ TEST_F(Compare, OnePropertyAloneWhereNoNodeHasThePath) {
     EXPECT_FALSE(compare_at(a, b, "\\none"));
     EXPECT_FALSE(compare_at(a, b, "\\none\\x"));
     b.set("\\x\\p", 1);
-    EXPECT_THAT(texts(compare_at(a, b, "\\x").value()), ElementsAre("+ \\x\\", "+ \\x\\p: long 1"));
+    EXPECT_THAT(texts(compare_at(a, b, "\\x").value()),
+                ElementsAre("~ \\x: long 1 -> long 2", "+ \\x\\", "+ \\x\\p: long 1"));
 }
 
 TEST_F(Compare, LineForTheEyeHasNoControlCharacters) {

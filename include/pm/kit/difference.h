@@ -62,9 +62,9 @@ struct CompareOptions {
 [[nodiscard]] PM_KIT_API std::vector<Difference> compare(const Tree& first, const Tree& second,
                                                          const CompareOptions& options = {});
 
-// The same of what has this path (pattern.h: full_path()) alone, the node or else the property. The paths are
-// whole ones, and so are those that the patterns match. Nothing if neither tree has it; if one has, it is
-// added or removed itself.
+// The same of what has this path (pattern.h: full_path()) alone: the property and the node, of a path that
+// ends in a backslash the node. The paths are whole ones, and so are those that the patterns match. Nothing
+// if neither tree has either; what one has alone is added or removed itself.
 [[nodiscard]] PM_KIT_API std::optional<std::vector<Difference>>
 compare_at(const Tree& first, const Tree& second, std::string_view path, const CompareOptions& options = {});
 
