@@ -8,6 +8,7 @@
 #include <pm/kit/difference.h>
 #include <pm/kit/pattern.h>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace pm::kit {
 
@@ -19,6 +20,10 @@ std::string_view parent_of(std::string_view path) {
 
 std::string_view name_of(std::string_view path) {
     return path.substr(path.rfind('\\') + 1);
+}
+
+bool is_ascii(std::string_view text) {
+    return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 // The text of a string that is one, as its units; nothing for other values.
@@ -55,13 +60,14 @@ bool is_beginning(const Bytes& part, const Bytes& whole) {
     return part.size() < whole.size() && std::equal(part.begin(), part.end(), whole.begin());
 }
 
-LossKind kind_of(const Difference& difference) {
+LossKind kind_of(const Difference& difference, bool guessed) {
     if (difference.change == Change::type) return LossKind::retyped;
     const std::optional<std::u16string> before = text_of(difference.before);
     const std::optional<std::u16string> after = text_of(difference.after);
     if (before && after) {
         if (is_re_encoded(*before, *after)) return LossKind::re_encoded;
-        return before->starts_with(*after) ? LossKind::cut : LossKind::changed;
+        if (before->starts_with(*after)) return LossKind::cut;
+        return guessed && !is_ascii(to_utf8(*before)) ? LossKind::re_encoded : LossKind::changed;
     }
     const auto bytes = [](const std::optional<Stored>& side) {
         return side && side->bytes ? *side->bytes : Bytes();
@@ -76,8 +82,7 @@ LossKind kind_of(const Difference& difference) {
 
 struct Case {
     const Loss& loss;
-    PM_Object::FileType type;
-    bool stopped;
+    const ReadBack& back;
 };
 
 bool holds(const std::string& path, std::string_view characters) {
@@ -85,7 +90,7 @@ bool holds(const std::string& path, std::string_view characters) {
 }
 
 bool is_property_text(const Case& c) {
-    return c.type != PM_Object::FILE_DOC;
+    return c.back.type != PM_Object::FILE_DOC;
 }
 
 bool has_no_value(const Case& c) {
@@ -105,7 +110,7 @@ bool is_named_version(const Case& c) {
     std::string path = c.loss.path;
     std::ranges::transform(path, path.begin(),
                            [](char a) { return a >= 'A' && a <= 'Z' ? static_cast<char>(a + 32) : a; });
-    return c.type == PM_Object::FILE_DOC && path.find(name) != std::string::npos;
+    return c.back.type == PM_Object::FILE_DOC && path.find(name) != std::string::npos;
 }
 
 bool is_empty_node(const Case& c) {
@@ -113,7 +118,7 @@ bool is_empty_node(const Case& c) {
 }
 
 bool is_beside_sections(const Case& c) {
-    return c.type == PM_Object::FILE_DPIA && c.loss.before && c.loss.path.rfind('\\') == 0;
+    return c.back.type == PM_Object::FILE_DPIA && c.loss.before && c.loss.path.rfind('\\') == 0;
 }
 
 bool was_bool(const Case& c) {
@@ -142,8 +147,16 @@ bool is_negative_zero(const Case& c) {
     return number != nullptr && *number == 0 && std::signbit(*number);
 }
 
+bool is_guessed_name(const Case& c) {
+    return c.back.guessed && !is_ascii(c.loss.path);
+}
+
+bool is_guessed_text(const Case& c) {
+    return c.back.guessed;
+}
+
 bool is_behind_the_end(const Case& c) {
-    return c.stopped;
+    return c.back.stopped;
 }
 
 bool is_any(const Case&) {
@@ -156,11 +169,14 @@ struct Why {
     std::string_view text;
 };
 
+constexpr std::string_view guess_text = "all that isn't ASCII could be UTF-8, and is read as that";
+
 // The first that applies.
 constexpr Why reasons[] = {
     {LossKind::lost, has_no_value, "a property without a value isn't written, nor are those behind it"},
     {LossKind::lost, is_beside_sections, "a dpia file holds nothing beside its sections"},
     {LossKind::lost, is_empty_node, "a node in which there is nothing isn't read back"},
+    {LossKind::lost, is_guessed_name, guess_text},
     {LossKind::lost, is_comment, "a line that begins with \";\" is a comment"},
     {LossKind::lost, has_odd_name, "a name isn't one that property text can hold"},
     {LossKind::lost, is_named_version, "a compound file gives nothing back that is named \"Version\""},
@@ -172,22 +188,26 @@ constexpr Why reasons[] = {
     {LossKind::cut, is_any, "the end of the value is missing"},
     {LossKind::retyped, was_bool, "a compound file gives truth values back as numbers"},
     {LossKind::retyped, is_any, "the form in the file is that of another type"},
+    {LossKind::re_encoded, is_guessed_text, guess_text},
     {LossKind::re_encoded, is_any, "not all of its characters are in the code page"},
     {LossKind::changed, is_negative_zero, "property text has no negative zero"},
     {LossKind::changed, holds_line_end, "a text ends at its first line end"},
     {LossKind::changed, is_inexact, "a text that is no wide one with its terminator isn't kept"},
     {LossKind::changed, is_any, "another value comes back"},
+    {LossKind::renamed, is_guessed_name, guess_text},
     {LossKind::renamed, is_any, "it comes back under another name"},
+    {LossKind::moved, is_guessed_name, guess_text},
     {LossKind::moved, is_any, "it comes back in another place"},
     {LossKind::appeared, is_any, "nothing of this path was asked for"},
     {LossKind::order, is_any, "the order isn't kept"},
 };
 
-std::string reason_of(const Case& c, unsigned code_page) {
+std::string reason_of(const Case& c) {
     const auto* const found = std::ranges::find_if(
         reasons, [&](const Why& why) { return why.kind == c.loss.kind && why.applies(c); });
     std::string text(found->text);
-    if (c.loss.kind == LossKind::re_encoded) text += fmt::format(" {}", code_page);
+    const bool tells_page = c.loss.kind == LossKind::re_encoded && !c.back.guessed;
+    if (tells_page) text += fmt::format(" {}", c.back.code_page);
     return text;
 }
 
@@ -249,9 +269,54 @@ private:
     Places m_by_name;
 };
 
+// ---- order
+
+// The children of a node, or its properties.
+struct List {
+    std::string path; // of the node
+    bool of_nodes;
+};
+
+std::vector<std::string> paths_in(const Node& top, const List& list) {
+    std::vector<std::string> paths;
+    for (const Match& match : find_all(top, Pattern(escaped(list.path)))) {
+        for (const Node child : match.node.children()) {
+            if (list.of_nodes) paths.push_back(fmt::format("{}{}\\", list.path, child.name()));
+        }
+        for (const Property property : match.node.properties()) {
+            if (!list.of_nodes) paths.push_back(list.path + property.name());
+        }
+    }
+    return paths;
+}
+
+using NewPaths = std::unordered_map<std::string, std::string>;
+
+NewPaths new_paths(const std::vector<Loss>& losses) {
+    NewPaths renamed;
+    for (const Loss& loss : losses) {
+        if (loss.kind == LossKind::renamed) renamed.emplace(loss.path, loss.new_path);
+    }
+    return renamed;
+}
+
+// Whether what both have stands in the same order.
+bool keeps_order(std::vector<std::string> before, std::vector<std::string> after, const NewPaths& renamed) {
+    for (std::string& path : before) {
+        if (const auto found = renamed.find(path); found != renamed.end()) path = found->second;
+    }
+    const auto keep_those_of = [](std::vector<std::string>& paths, const std::vector<std::string>& others) {
+        const std::unordered_set<std::string> known(others.begin(), others.end());
+        std::erase_if(paths, [&known](const std::string& path) { return !known.contains(path); });
+    };
+    keep_those_of(before, after);
+    keep_those_of(after, before);
+    return before == after;
+}
+
 class Measurement {
 public:
-    explicit Measurement(PM_Object::FileType type) : m_type(type) {}
+    explicit Measurement(const ReadBack& back) : m_back(back) {}
 
     // `next` is the difference behind it, null at the end.
     void add(const Difference& difference, const Difference* next) {
@@ -264,21 +329,27 @@ public:
             m_strictness = true;
             return;
         case Change::order:
-            return add_order(difference);
+            m_reordered.push_back({difference.path, difference.moved.front().ends_with('\\')});
+            return;
         default:
-            m_measured.losses.push_back(
-                {kind_of(difference), difference.path, {}, {}, difference.before, difference.after});
+            m_measured.losses.push_back({kind_of(difference, m_back.guessed),
+                                         difference.path,
+                                         {},
+                                         {},
+                                         difference.before,
+                                         difference.after});
         }
     }
 
-    Measured finish(const Node& intended, const ReadBack& back) {
+    Measured finish(const Node& intended) {
         Appeared appeared(m_measured.losses);
         for (Loss& loss : m_measured.losses) {
             if (loss.kind == LossKind::lost && loss.before) appeared.pair(loss);
         }
         appeared.remove_taken();
+        add_orders(intended);
         for (Loss& loss : m_measured.losses) {
-            loss.reason = reason_of({loss, m_type, back.stopped}, back.code_page);
+            loss.reason = reason_of({loss, m_back});
         }
         if (m_measured.losses.size() > 1) sort_by(intended);
         if (m_order) {
@@ -296,11 +367,17 @@ private:
         m_measured.losses.push_back({kind, difference.path, {}, {}, difference.before, difference.after});
     }
 
-    void add_order(const Difference& difference) {
-        if (m_type == PM_Object::FILE_DOC) {
-            m_order = true;
-        } else {
-            m_measured.losses.push_back({LossKind::order, difference.path, {}, {}, {}, {}});
+    // What comes back elsewhere, or was never asked for, is told already and tells nothing of the order.
+    void add_orders(const Node& intended) {
+        if (m_reordered.empty()) return;
+        const NewPaths renamed = new_paths(m_measured.losses);
+        for (const List& list : m_reordered) {
+            if (keeps_order(paths_in(intended, list), paths_in(m_back.tree, list), renamed)) continue;
+            if (m_back.type == PM_Object::FILE_DOC) {
+                m_order = true;
+            } else {
+                m_measured.losses.push_back({LossKind::order, list.path, {}, {}, {}, {}});
+            }
         }
     }
 
@@ -316,8 +393,9 @@ private:
         std::ranges::stable_sort(m_measured.losses, {}, place);
     }
 
-    PM_Object::FileType m_type;
+    const ReadBack& m_back;
     Measured m_measured;
+    std::vector<List> m_reordered;
     bool m_order = false;
     bool m_strictness = false;
 };
@@ -325,12 +403,12 @@ private:
 } // namespace
 
 Measured measure(const Node& intended, const ReadBack& back) {
-    Measurement measurement(back.type);
+    Measurement measurement(back);
     const std::vector<Difference> differences = compare(intended, back.tree);
     for (std::size_t i = 0; i < differences.size(); ++i) {
         measurement.add(differences[i], i + 1 < differences.size() ? &differences[i + 1] : nullptr);
     }
-    return measurement.finish(intended, back);
+    return measurement.finish(intended);
 }
 
 } // namespace pm::kit

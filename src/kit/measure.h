@@ -20,6 +20,7 @@ struct ReadBack {
     PM_Object::FileType type;
     unsigned code_page;
     bool stopped; // the reading didn't come to the end
+    bool guessed; // the code page is that of UTF-8 because all text could be
 };
 
 // Losses in the order of the intended tree, those of nothing in it behind.

@@ -9,6 +9,7 @@
 #include <pm/error_number.h>
 #include <pm/exception.h>
 #include <pm/inspect.h>
+#include <pm/kit/encoding.h>
 #include <pm/kit/error.h>
 #include <pm/kit/loss.h>
 #include <pm/kit/stored.h>
@@ -161,16 +162,18 @@ private:
 
 struct Back {
     FileContent content;
+    unsigned code_page = 0; // 0: the one that is set
+    bool guessed = false;
     std::string failure; // what ended it before anything could be read
 };
 
-Back read_back(const std::string& bytes, const WriteOptions& options) {
+Back read_as(unsigned code_page, const std::string& bytes, const WriteOptions& options) {
     Back back;
-    const bool as_utf8 = options.utf8 && options.type == PM_Object::FILE_PIA;
+    back.code_page = code_page;
     const Input input{.file = "what would be written",
                       .type = options.type,
                       .section = {},
-                      .code_page = as_utf8 ? utf8_code_page : 0,
+                      .code_page = code_page,
                       .on_report = {},
                       .keep_going = true};
     try {
@@ -180,6 +183,16 @@ Back read_back(const std::string& bytes, const WriteOptions& options) {
     } catch (const ZT_Exception& e) {
         back.failure = fmt::format("{} ({})", error_text(e.m_number), e.m_number);
     }
+    return back;
+}
+
+Back as_a_reader(const std::string& bytes, const WriteOptions& options) {
+    const bool is_pia = options.type == PM_Object::FILE_PIA;
+    Back back = read_as(options.utf8 && is_pia ? utf8_code_page : 0, bytes, options);
+    if (!options.guessed || options.utf8 || !is_pia) return back;
+    if (text_encoding(back.content.tree) != TextEncoding::utf8) return back;
+    back = read_as(utf8_code_page, bytes, options);
+    back.guessed = true;
     return back;
 }
 
@@ -254,8 +267,10 @@ Prepared prepare(const Tree& intended, const WriteOptions& options) {
     } catch (const ZT_Exception&) {
         prepared.bytes = Salvage(*top, options).run(unwritten);
     }
-    const Back back = read_back(prepared.bytes, options);
-    const ReadBack read{back.content.tree.root(), options.type, pm_system_code_page(), back.content.stopped};
+    const Back back = as_a_reader(prepared.bytes, options);
+    const ReadBack read{back.content.tree.root(), options.type,
+                        back.code_page != 0 ? back.code_page : pm_system_code_page(), back.content.stopped,
+                        back.guessed};
     Measured measured = measure(*top, read);
     prepared.notes = std::move(measured.notes);
     prepared.losses = std::move(measured.losses);
@@ -270,6 +285,11 @@ Prepared prepare(const Tree& intended, const WriteOptions& options) {
         measure_tag(back.content, options, prepared.losses);
     }
     return prepared;
+}
+
+FileContent read_back(const std::string& bytes, const WriteOptions& options) {
+    const ScopedCodePage code_page(options.code_page);
+    return as_a_reader(bytes, options).content;
 }
 
 } // namespace pm::kit

@@ -149,6 +149,36 @@ TEST(PiaLosses, WhatComesBackElsewhereIsThatOfOnePropertyAlone) {
     EXPECT_THAT(losses(renamed + moved, {}), ElementsAre(told[1], told[0]));
 }
 
+TEST(PiaLosses, OrderIsThatOfWhatComesBack) {
+    EXPECT_THAT(losses("set \\\u0416 long 1\nset \\o long 2", {}),
+                ElementsAre("\\\u0416: renamed: it comes back under another name: \\?"));
+    EXPECT_THAT(losses("set \\x{y\\z long 1\nset \\n\\o long 2\nset \\x\\p long 3", {}),
+                ElementsAre("\\x{y\\z: moved: it comes back in another place: \\x\\z",
+                            "\\: order: the order isn't kept"));
+}
+
+TEST(PiaLosses, TextThatIsTakenForUtf8) {
+    const std::string script = "set \\name string \"\u00C3\u00BC\"\nset \\\u00C3\u00A4 long 1\n"
+                               "set \\n\u00C3\u00B6\\p long 2";
+    EXPECT_THAT(losses(script, {}), IsEmpty());
+    EXPECT_THAT(losses(script, {.utf8 = true, .guessed = true}), IsEmpty());
+    EXPECT_THAT(losses(script + "\nset \\q string \"\u00FC\"", {.guessed = true}), IsEmpty());
+    EXPECT_THAT(
+        losses(script, {.guessed = true}),
+        ElementsAre("\\name: re-encoded: all that isn't ASCII could be UTF-8, and is read as that: "
+                    "string \"\u00C3\u00BC\" -> string \"\u00FC\"",
+                    "\\\u00C3\u00A4: renamed: all that isn't ASCII could be UTF-8, and is read as that: "
+                    "\\\u00E4",
+                    "\\n\u00C3\u00B6\\p: moved: all that isn't ASCII could be UTF-8, and is read as "
+                    "that: \\n\u00F6\\p"));
+}
+
+TEST(PiaLosses, UnpairedSurrogateIsNotInUtf8) {
+    EXPECT_THAT(losses("set \\a string \"\\ud800\"", {.utf8 = true}),
+                ElementsAre("\\a: re-encoded: not all of its characters are in the code page 65001: "
+                            "string \"\\ud800\" -> string \"?\""));
+}
+
 TEST(PiaLosses, WhatTheFormatHasNoFormFor) {
     EXPECT_THAT(losses("set \\e\\f\\\nset \\g\\p long 1", {}),
                 ElementsAre("\\e\\f\\: lost: a node in which there is nothing isn't read back"));

@@ -183,6 +183,10 @@ void set_code_page(unsigned code_page) {
     code_page_is_told = true;
 }
 
+bool is_code_page_told() {
+    return code_page_is_told;
+}
+
 std::optional<std::string> content_at_hand(const std::string& file, std::string_view work) {
     try {
         if (file != "-" && kind_of(file) != FileKind::special) return std::nullopt;

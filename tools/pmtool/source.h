@@ -61,5 +61,7 @@ std::vector<pm::kit::Section> sections_of(const SourceOptions& options);
 
 // Set for the process by --code-page; without it the code page of a text may be found out.
 void set_code_page(unsigned code_page);
+// Whether it was.
+bool is_code_page_told();
 
 } // namespace pmtool

@@ -19,7 +19,7 @@ enum class LossKind {
     lost,       // it isn't there any more
     cut,        // the text or data is shorter
     retyped,    // another type
-    re_encoded, // characters that the code page hasn't
+    re_encoded, // characters that the code page hasn't, or that are read as others
     changed,    // another value for any other reason
     renamed,    // the same value under another name
     moved,      // the same value in another node
@@ -56,6 +56,8 @@ struct WriteOptions {
     // Of a DPIA file, whose sections are the nodes below the subtree: the names and info texts, by
     // Section::node. A node that isn't among them is a section of its own name without an info text.
     std::vector<Section> sections = {};
+    // PIA: it is read back as by a reader that takes text for UTF-8 where all of it could be (encoding.h).
+    bool guessed = false;
 };
 
 struct Prepared {
@@ -73,6 +75,10 @@ struct Prepared {
 // for a type that isn't written, a subtree that isn't there and no place for a temporary file, which DOC
 // takes; the library's exceptions for what goes wrong otherwise.
 [[nodiscard]] PM_KIT_API Prepared prepare(const Tree& intended, const WriteOptions& options);
+
+// What prepared bytes give back when they are read as `options` tell, as far as they can be. The code page
+// and the exceptions are those of prepare().
+[[nodiscard]] PM_KIT_API FileContent read_back(const std::string& bytes, const WriteOptions& options);
 
 // What a source couldn't give: its reports, sections that couldn't be read, and those of `diagnostics` that
 // tell of lost content (any with severity warning or error and a rule of that kind: repeated-name, cut-text,
