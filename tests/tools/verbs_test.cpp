@@ -25,6 +25,16 @@ protected:
     const std::string editor = "VISUAL=" + replacing_editor;
 };
 
+TEST_F(PmToolVerbs, DiffAsJsonShowsAnUnpairedSurrogateAsOneCharacter) {
+    const std::string odd = R"({"name_units":[55296],"type":"long","value":1})";
+    const std::string plain = R"({"name":"b","type":"long","value":1})";
+    folder.write("1.json", R"({"pm9":1,"properties":[)" + odd + "," + plain + "]}");
+    folder.write("2.json", R"({"pm9":1,"properties":[)" + plain + "," + odd + "]}");
+    const ToolRun result = run({"diff", "1.json", "2.json", "--from", "json", "--json"});
+    EXPECT_EQ(1, result.status);
+    EXPECT_NE(std::string::npos, result.out.find("\"\\\\\uFFFD\"")) << result.out;
+}
+
 TEST_F(PmToolVerbs, LsListsANode) {
     expect_output({"ls", "a.pia"}, "n\nx\\\nz\\\n");
     expect_output({"ls", "a.pia", "x"}, "a\nb\ny\\\n");

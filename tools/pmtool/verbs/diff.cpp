@@ -6,6 +6,7 @@
 #include "terminal.h"
 #include "text.h"
 #include "verbs/verbs.h"
+#include <algorithm>
 #include <fmt/format.h>
 #include <memory>
 #include <pm/kit/difference.h>
@@ -40,6 +41,12 @@ void add_value(Json& row, std::string_view name, const std::optional<kit::Stored
     }
 }
 
+std::vector<std::string> shown_all(std::vector<std::string> paths) {
+    std::ranges::transform(paths, paths.begin(),
+                           [](const std::string& path) { return shown(pm::to_utf16(path)); });
+    return paths;
+}
+
 void print_json(const std::vector<kit::Difference>& differences) {
     Json list = Json::array();
     for (const kit::Difference& difference : differences) {
@@ -48,7 +55,7 @@ void print_json(const std::vector<kit::Difference>& differences) {
         row.text("path", shown(pm::to_utf16(difference.path)));
         add_value(row, "before", difference.before);
         add_value(row, "after", difference.after);
-        if (difference.change == kit::Change::order) row.texts("moved", difference.moved);
+        if (difference.change == kit::Change::order) row.texts("moved", shown_all(difference.moved));
         list.append(std::move(row));
     }
     fmt::print("{}", list.dump());
