@@ -88,13 +88,17 @@ bool is_compressed(std::string_view tag) {
     return tag.find(compression_word) != std::string_view::npos;
 }
 
-// A tag without the word that asks for compression, and its comma.
-std::string without_compression(std::string_view tag) {
+// A tag without the items that ask for compression, and their commas: with all that hold its word, or with
+// those alone that are nothing else.
+enum class Items { all, plain };
+
+std::string without_compression(std::string_view tag, Items items) {
     std::string kept;
     while (!tag.empty()) {
         const std::size_t comma = std::min(tag.find(','), tag.size());
         const std::string_view item = tag.substr(0, comma);
-        if (!is_compressed(item)) kept += (kept.empty() ? "" : ",") + std::string(item);
+        const bool goes = items == Items::all ? is_compressed(item) : item == compression_word;
+        if (!goes) kept += (kept.empty() ? "" : ",") + std::string(item);
         tag.remove_prefix(std::min(comma + 1, tag.size()));
     }
     return kept;
@@ -106,8 +110,8 @@ void add_pia_changes(const FileContent& source, const WriteOptions& options,
     if (source.compressed != compressed) {
         lines.emplace_back(compressed ? "the body is compressed now" : "the body is no longer compressed");
     }
-    const std::string before = without_compression(source.tag);
-    const std::string after = without_compression(options.tag);
+    const std::string before = without_compression(source.tag, Items::plain);
+    const std::string after = without_compression(options.tag, Items::plain);
     if (before != after) {
         lines.push_back(
             fmt::format("the header's tag {} becomes {}", quoted_text(before), quoted_text(after)));
@@ -118,7 +122,7 @@ void add_pia_changes(const FileContent& source, const WriteOptions& options,
     }
     if (source.compressed || source.bytes.empty()) return;
     WriteOptions plain = options;
-    plain.tag = after;
+    plain.tag = without_compression(options.tag, Items::all);
     plain.subtree = "\\";
     const std::string body = body_of(source.bytes);
     const std::string uncommented = without_comments(body);
@@ -170,7 +174,8 @@ std::vector<Loss> source_losses(const FileContent& source, std::span<const Diagn
 std::vector<std::string> form_changes(const FileContent& source, const WriteOptions& options) {
     std::vector<std::string> lines;
     if (source.type != options.type) {
-        const bool tag_goes = !without_compression(source.tag).empty() && options.type != PM_Object::FILE_PIA;
+        const bool tag_goes =
+            !without_compression(source.tag, Items::plain).empty() && options.type != PM_Object::FILE_PIA;
         if (tag_goes) lines.push_back(fmt::format("the header's tag {} isn't kept", quoted_text(source.tag)));
         return lines;
     }

@@ -46,6 +46,19 @@ protected:
     }
 };
 
+TEST_F(PmToolNeverLoses, TextThatWouldBeTakenForUtf8IsALoss) {
+    write("s.pia", "a=1\n");
+    expect_kept({"set", "s.pia", "name", "\u00C3\u00BC"}, "s.pia",
+                {"\\name: re-encoded: all that isn't ASCII could be UTF-8, and is read as that: string "
+                 "\"\u00C3\u00BC\" -> string \"\u00FC\"",
+                 "; --utf8 keeps all characters"});
+    expect_kept({"set", "s.pia", "\u00C3\u00BC", "1"}, "s.pia",
+                {"\\\u00C3\u00BC: renamed: ", "; --utf8 keeps all characters"});
+    expect_output({"--code-page", "1252", "set", "s.pia", "other", "\u00C3\u00BC", "-o", "told.pia"}, "");
+    expect_output({"set", "s.pia", "name", "\u00C3\u00BC", "--utf8"}, "");
+    expect_output({"get", "s.pia", "name"}, "\u00C3\u00BC\n");
+}
+
 TEST_F(PmToolNeverLoses, PlotterInAFileOfADashedNameStaysOneSection) {
     copy_sample("office.pc2", "my-office.pc2");
     EXPECT_EQ(0, run({"convert", "my-office.pc2", "x.dpia"}).status);

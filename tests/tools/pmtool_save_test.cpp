@@ -35,6 +35,47 @@ TEST_F(PmToolSave, CompressionNeedsNoTag) {
     EXPECT_TRUE(folder.read("b.pia").starts_with("PIAFILEVERSION_2.0,compress\r\n"));
 }
 
+TEST_F(PmToolSave, EditKeepsTheTagAsItIs) {
+    for (const std::string tag : {"T compress", "decompressed,K", "compress,T", "T,compress"}) {
+        expect_output({"convert", "a.pia", "t.pia", "--tag", tag}, "");
+        expect_output({"set", "t.pia", "a", "2"}, "");
+        EXPECT_TRUE(folder.read("t.pia").starts_with("PIAFILEVERSION_2.0," + tag + "\r\n")) << tag;
+        expect_output({"get", "t.pia", "a"}, "2\n");
+    }
+}
+
+TEST_F(PmToolSave, ConvertTellsWhatItDropsOfTheTag) {
+    expect_output({"convert", "a.pia", "t.pia", "--tag", "decompressed,K"}, "");
+    const ToolRun result = run({"convert", "t.pia", "b.pia"});
+    EXPECT_EQ(0, result.status);
+    EXPECT_EQ("pmtool: b.pia: note: \"decompressed\" of the header's tag isn't kept\n", result.err);
+    EXPECT_TRUE(folder.read("b.pia").starts_with("PIAFILEVERSION_2.0,K\r\n"));
+    expect_output({"convert", "t.pia", "b.pia", "--tag", "decompressed,K"}, "");
+}
+
+TEST_F(PmToolSave, DryRunShowsWhatIsWritten) {
+    expect_output({"dump", "a.pia", "-o", "a.json"}, "");
+    folder.write("script", "set \\a loose long 1\n");
+    expect_output({"apply", "a.json", "script", "--from", "json", "--dry-run"}, "~ \\a: loose\n");
+    EXPECT_EQ("", run({"apply", "a.pia", "script", "--dry-run"}).out);
+    const ToolRun result = run({"set", "a.pia", "b", "\u0416", "--lossy", "--dry-run"});
+    EXPECT_EQ(0, result.status);
+    EXPECT_EQ("+ \\b: string \"?\"\n", result.out);
+}
+
+TEST_F(PmToolSave, BaseThatIsTooDeepIsToldWithTheFile) {
+    expect_output({"dump", "a.pia", "-o", "a.json"}, "");
+    std::string base;
+    for (int i = 0; i < 256; ++i) {
+        base += "\\n";
+    }
+    const ToolRun result = run({"convert", "--from", "json", "a.json", "b.json", "--base", base});
+    EXPECT_EQ(2, result.status);
+    EXPECT_EQ(
+        "pmtool: a.json: The path is empty, has too many levels or holds an unknown name (error 51): x\n",
+        result.err);
+}
+
 TEST_F(PmToolSave, CompressedSampleIsMadePlain) {
     expect_output({"convert", sample_folder + "/plotter-compressed.pia", "b.pia"}, "");
     EXPECT_TRUE(folder.read("b.pia").starts_with("PIAFILEVERSION_2.0,DX4200CFG_1.0\r\nname="));

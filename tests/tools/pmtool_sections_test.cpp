@@ -11,6 +11,11 @@ protected:
         folder.write("a.pia", "PIAFILEVERSION_2.0,\na=1\n");
         folder.write("b.pia", "PIAFILEVERSION_2.0,\nx{\n b=2\n}\n");
     }
+    void expect_told(const std::vector<std::string>& arguments, int status, const std::string& line) const {
+        const ToolRun result = run(arguments);
+        EXPECT_EQ(status, result.status);
+        EXPECT_EQ("pmtool: " + line + "\n", result.err);
+    }
 };
 
 TEST_F(PmToolSections, SectionsAreListedWithTheirInfo) {
@@ -87,11 +92,71 @@ TEST_F(PmToolSections, ExtractWritesOneSection) {
     expect_output({"compare", "x.pia", "y.pia"}, "x.pia and y.pia hold equal trees.\n");
 }
 
+TEST_F(PmToolSections, InfoTextThatAFormatHasNoPlaceForIsANote) {
+    const std::string office = "the info text of section Office isn't kept";
+    expect_told({"convert", "s.dpia", "x.pia", "--section", "Office"}, 0, "x.pia: note: " + office);
+    expect_told({"extract", "s.dpia", "Office", "-o", "x.pia"}, 0, "x.pia: note: " + office);
+    expect_told({"convert", "s.dpia", "x.json"}, 0,
+                "x.json: note: " + office + "; the info text of section Workshop isn't kept");
+}
+
+TEST_F(PmToolSections, MovedSectionKeepsItsInfoText) {
+    const std::string shown = run({"mv", "s.dpia", "\\Office\\", "\\Bureau\\", "--dry-run"}).out;
+    EXPECT_TRUE(shown.ends_with("~ \\Bureau\\: info text \"\" -> \"Drawing office, third floor\"\n"))
+        << shown;
+    expect_output({"mv", "s.dpia", "\\Office\\", "\\Bureau\\"}, "");
+    expect_output({"sections", "s.dpia"}, "Workshop\tPlotter beside the paint shop\n"
+                                          "Archive\n"
+                                          "Bureau\tDrawing office, third floor\n");
+}
+
+TEST_F(PmToolSections, SectionThatGoesWhereAnotherComesLosesItsInfoTextAloud) {
+    const std::string lost = "s.dpia: \\Office\\: lost: the section's info text isn't kept: string \"Drawing "
+                             "office, third floor\" -> nothing\n"
+                             "pmtool: s.dpia: not written: 1 loss; --lossy writes nevertheless";
+    folder.write("script", "rm \\Office\\\nset \\Bureau\\p long 1\n");
+    expect_told({"apply", "s.dpia", "script"}, 2, lost);
+    expect_told({"mv", "s.dpia", "\\Office\\", "\\Archive\\Office\\"}, 2, lost);
+    expect_output({"rm", "s.dpia", "\\Office\\"}, "");
+    expect_output({"sections", "s.dpia"}, "Workshop\tPlotter beside the paint shop\nArchive\n");
+}
+
+TEST_F(PmToolSections, InfoTextsAreMergedThreeWays) {
+    const auto bundle = [&](const std::string& file, const std::string& info) {
+        expect_output({"bundle", "-o", file, "A=a.pia", "--info", "A=" + info}, "");
+    };
+    bundle("base.dpia", "one");
+    bundle("two.dpia", "two");
+    bundle("three.dpia", "three");
+    expect_output({"merge", "base.dpia", "base.dpia", "two.dpia", "-o", "m.dpia"}, "");
+    expect_output({"sections", "m.dpia"}, "A\ttwo\n");
+    expect_output({"merge", "base.dpia", "two.dpia", "base.dpia", "-o", "m.dpia"}, "");
+    expect_output({"sections", "m.dpia"}, "A\ttwo\n");
+    expect_no({"merge", "base.dpia", "three.dpia", "two.dpia", "-o", "m.dpia"},
+              "conflict: \\A\\: info text \"one\" -> \"three\" | \"two\"\n");
+    expect_output({"sections", "m.dpia"}, "A\tthree\n");
+}
+
+TEST_F(PmToolSections, RootOfASectionStays) {
+    expect_trouble({"rm", "s.dpia", "\\", "--section", "Office"}, "s.dpia: \\: the root stays");
+    expect_trouble({"mv", "s.dpia", "\\", "\\x\\", "--section", "Office"},
+                   "s.dpia: \\: the root stays what and where it is");
+    folder.write("script", "set \\p long 1\nrm \\\n");
+    expect_trouble({"apply", "s.dpia", "script", "--section", "Office"},
+                   "s.dpia: line 2 of the script: \\: the root stays");
+}
+
+TEST_F(PmToolSections, DryRunShowsAChangedInfoText) {
+    expect_output({"bundle", "-o", "t.dpia", "A=a.pia", "--info", "A=old"}, "");
+    expect_output({"bundle", "t.dpia", "--replace", "A=a.pia", "--info", "A=new", "--dry-run"},
+                  "~ \\A\\: info text \"old\" -> \"new\"\n");
+}
+
 TEST_F(PmToolSections, ConvertNeedsASectionToBeChosen) {
     expect_trouble(
         {"convert", "s.dpia", "x.pia"},
         "s.dpia: a dpia file holds several trees; choose one with --section (Office, Workshop, Archive)");
-    expect_output({"convert", "s.dpia", "x.pia", "--section", "Office"}, "");
+    EXPECT_EQ(0, run({"convert", "s.dpia", "x.pia", "--section", "Office"}).status);
     expect_output({"get", "x.pia", "name"}, run({"get", "s.dpia", "name", "--section", "Office"}).out);
 }
 

@@ -65,6 +65,43 @@ Failure failure_of(const Source& source, std::span<const kit::Edit> edits, const
     return edit_failure(source.file, told, exit_trouble);
 }
 
+// The root of a section is a node of the file's tree, which could go; to the user it is the root.
+void require_below_root(const std::string& file, const kit::Edit& edit) {
+    const bool removes = edit.verb == kit::Edit::Verb::remove;
+    if (edit.verb == kit::Edit::Verb::set || kit::full_path(edit.path) != "\\") return;
+    const std::string_view reason = removes ? "the root stays" : "the root stays what and where it is";
+    throw edit_failure(file, kit::Error(fmt::format("\\: {}", reason), edit.line), exit_trouble);
+}
+
+// The name of a node below the root, where that is what a path or target stands for.
+std::optional<std::string> section_node(const std::string& text) {
+    const kit::Pattern pattern(text);
+    std::string name = kit::full_path(pattern.path()).substr(1);
+    if (name.ends_with('\\')) name.pop_back();
+    const bool is_one = pattern.is_literal() && !name.empty() && name.find('\\') == std::string::npos;
+    return is_one ? std::optional(name) : std::nullopt;
+}
+
+// A section that is moved takes its info text along. One that is gone stays in the list, so that its text is
+// told as lost, unless it was removed alone: where another has come, it may be the same one anew.
+std::vector<kit::Section> sections_after(std::vector<kit::Section> sections, std::span<const kit::Edit> edits,
+                                         const pm::Tree& changed) {
+    bool moved_away = false;
+    for (const kit::Edit& edit : edits) {
+        if (edit.verb != kit::Edit::Verb::move) continue;
+        const std::optional<std::string> target = section_node(edit.target);
+        const auto moved = std::ranges::find(sections, section_node(edit.path), &kit::Section::node);
+        moved_away = moved_away || !target;
+        if (target && moved != sections.end()) moved->name = moved->node = *target;
+    }
+    const auto is_new = [&](const pm::Node& node) {
+        return std::ranges::find(sections, node.name(), &kit::Section::node) == sections.end();
+    };
+    if (moved_away || std::ranges::any_of(changed.root().children(), is_new)) return sections;
+    std::erase_if(sections, [&](const kit::Section& section) { return !changed.node('\\' + section.node); });
+    return sections;
+}
+
 pm::Tree changed_tree(const Source& source, std::span<const kit::Edit> edits) try {
     const Progress progress("changing " + source.file);
     return kit::applied(source.content.tree, edits);
@@ -110,12 +147,13 @@ std::vector<kit::Match> EditedFile::require(const std::string& path) const {
 int EditedFile::change(std::span<const kit::Edit> edits) {
     std::vector<kit::Edit> placed(edits.begin(), edits.end());
     for (kit::Edit& edit : placed) {
+        if (!m_base.empty()) require_below_root(m_source.file, edit);
         edit.path = full(edit.path);
         if (!edit.target.empty()) edit.target = full(edit.target);
     }
     const pm::Tree changed = changed_tree(m_source, placed);
     try {
-        return write(changed);
+        return write(changed, placed);
     } catch (const kit::Error& e) {
         throw edit_failure(m_source.file, e, exit_trouble);
     }
@@ -125,10 +163,11 @@ int EditedFile::replace(const pm::Tree& tree) {
     return change(kit::edits_of(kit::compare(root(), tree.root())));
 }
 
-int EditedFile::write(const pm::Tree& changed) {
+int EditedFile::write(const pm::Tree& changed, std::span<const kit::Edit> edits) {
     const Format& format = m_source.is_json ? format_named("json") : format_of(m_source.content.type);
-    const kit::WriteOptions form =
+    kit::WriteOptions form =
         m_source.is_json ? form_of(format, m_target, m_source) : same_form(m_source, m_target);
+    form.sections = sections_after(form.sections, edits, changed);
     Writing writing{changed, format, form, losses_of_reading(m_source), &m_source.content.tree};
     if (!m_source.is_json) writing.rewritten = &m_source.content;
     return write_by_rule(writing, m_target);

@@ -34,7 +34,7 @@ public:
     int replace(const pm::Tree& tree);
 
 private:
-    int write(const pm::Tree& changed);
+    int write(const pm::Tree& changed, std::span<const pm::kit::Edit> edits);
 
     TargetOptions m_target;
     std::optional<TargetLock> m_lock;

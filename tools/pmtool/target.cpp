@@ -23,17 +23,48 @@ namespace kit = pm::kit;
 constexpr std::string_view compression_mark = "compress";
 constexpr unsigned utf8_code_page = 65001;
 
+bool asks_for_compression(std::string_view text) {
+    return text.find(compression_mark) != std::string_view::npos;
+}
+
 std::string with_compression(const std::string& tag) {
-    if (tag.find(compression_mark) != std::string::npos) return tag;
+    if (asks_for_compression(tag)) return tag;
     return tag + (tag.empty() ? "" : ",") + std::string(compression_mark);
 }
 
-kit::Prepared prepare(const Writing& writing, const TargetOptions& options) {
-    if (writing.format.is_json()) {
-        const std::optional<pm::Node> top = writing.tree.node(writing.form.subtree);
-        if (!top) throw Failure(fmt::format("{}: there is no such node", writing.form.subtree));
-        return {kit::to_json(*top), {}, {}};
+// What stands between the commas of a tag.
+std::vector<std::string> items_of(const std::string& tag) {
+    std::vector<std::string> items;
+    for (std::size_t at = 0; at <= tag.size();) {
+        const std::size_t end = std::min(tag.find(',', at), tag.size());
+        items.push_back(tag.substr(at, end - at));
+        at = end + 1;
     }
+    return items;
+}
+
+// A tag without what asks for compression.
+std::string without_compression(const std::string& tag) {
+    std::vector<std::string> items = items_of(tag);
+    std::erase_if(items, asks_for_compression);
+    return fmt::format("{}", fmt::join(items, ","));
+}
+
+// A section that goes without being asked to takes its info text along.
+void add_gone_sections(const Writing& writing, kit::Prepared& prepared) {
+    if (!writing.format.is(PM_Object::FILE_DPIA)) return;
+    for (const kit::Section& section : writing.form.sections) {
+        if (section.info.empty() || writing.tree.node('\\' + section.node)) continue;
+        prepared.losses.push_back({kit::LossKind::lost,
+                                   fmt::format("\\{}\\", section.node),
+                                   {},
+                                   "the section's info text isn't kept",
+                                   kit::make_stored(pm::Value(section.info)),
+                                   {}});
+    }
+}
+
+kit::Prepared prepare_file(const Writing& writing, const TargetOptions& options) {
     const Progress progress("making " + options.file);
     const SignalDelay delay; // a compound file is made in a temporary one
     try {
@@ -43,6 +74,17 @@ kit::Prepared prepare(const Writing& writing, const TargetOptions& options) {
     } catch (const ZT_Exception& e) {
         throw Failure(describe(make_report(e, options.file), options.file));
     }
+}
+
+kit::Prepared prepare(const Writing& writing, const TargetOptions& options) {
+    if (writing.format.is_json()) {
+        const std::optional<pm::Node> top = writing.tree.node(writing.form.subtree);
+        if (!top) throw Failure(fmt::format("{}: there is no such node", writing.form.subtree));
+        return {kit::to_json(*top), {}, {}};
+    }
+    kit::Prepared prepared = prepare_file(writing, options);
+    add_gone_sections(writing, prepared);
+    return prepared;
 }
 
 void tell(const std::string& file, std::string_view kind, const std::string& text) {
@@ -57,11 +99,17 @@ bool fits_utf8(const Writing& writing) {
     return writing.format.is(PM_Object::FILE_PIA) && !writing.form.utf8;
 }
 
+// Text that the code page hasn't, or a name: whose change is told as one of place.
+bool is_of_encoding(const kit::Loss& loss) {
+    const bool moves = loss.kind == kit::LossKind::renamed || loss.kind == kit::LossKind::moved;
+    const auto is_ascii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    return loss.kind == kit::LossKind::re_encoded || (moves && !std::ranges::all_of(loss.path, is_ascii));
+}
+
 // What to do about losses, behind the number of them.
 std::string advice(const Writing& writing, const kit::Prepared& prepared) {
     std::string text;
-    const bool is_encoding = std::ranges::any_of(
-        prepared.losses, [](const kit::Loss& loss) { return loss.kind == kit::LossKind::re_encoded; });
+    const bool is_encoding = std::ranges::any_of(prepared.losses, is_of_encoding);
     if (!writing.dropped.empty()) text += "; pmtool check tells what is wrong with the input";
     if (is_encoding && fits_utf8(writing)) text += "; --utf8 keeps all characters";
     return text + "; --lossy writes nevertheless";
@@ -85,6 +133,7 @@ bool tell_losses(const Writing& writing, const kit::Prepared& prepared, const Ta
 
 void tell_form(const Writing& writing, const kit::Prepared& prepared, const TargetOptions& options) {
     std::vector<std::string> notes = prepared.notes;
+    notes.insert(notes.end(), writing.notes.begin(), writing.notes.end());
     if (writing.rewritten != nullptr) {
         const std::vector<std::string> changes = kit::form_changes(*writing.rewritten, writing.form);
         notes.insert(notes.end(), changes.begin(), changes.end());
@@ -93,24 +142,46 @@ void tell_form(const Writing& writing, const kit::Prepared& prepared, const Targ
     tell(options.file, "note: ", fmt::format("{}", fmt::join(notes, "; ")));
 }
 
-// The tree of a target that is there; an empty one if it isn't or can't be read.
-pm::Tree tree_of(const std::string& file) {
+// What a target that is there holds; nothing if it isn't or can't be read.
+kit::FileContent content_of(const std::string& file) {
     if (kind_of(file) != FileKind::regular) return {};
     try {
-        return read_source({file}, Damage::keep).content.tree;
+        return read_source({file}, Damage::keep).content;
     } catch (const std::exception&) {
         return {};
     }
 }
 
-void show_changes(const Writing& writing, const TargetOptions& options) {
-    const pm::Tree there = writing.before == nullptr ? tree_of(options.file) : pm::Tree();
-    const pm::Tree& before = writing.before == nullptr ? there : *writing.before;
+void show_info_texts(const std::vector<kit::Section>& before, const std::vector<kit::Section>& after) {
+    const auto info_in = [](const std::vector<kit::Section>& sections, const kit::Section& section) {
+        const auto found = std::ranges::find(sections, section.node, &kit::Section::node);
+        return found != sections.end() ? found->info : std::string();
+    };
+    for (const kit::Section& section : after) {
+        const std::string info = info_in(before, section);
+        if (info == section.info) continue;
+        fmt::print("~ {}: info text {} -> {}\n", kit::printable_text(fmt::format("\\{}\\", section.node)),
+                   in_quotes(info), in_quotes(section.info));
+    }
+}
+
+// With --lossy what the file would give back, else what was asked for.
+void show_changes(const Writing& writing, const kit::Prepared& prepared, const TargetOptions& options) {
+    const kit::FileContent there = writing.before == nullptr ? content_of(options.file) : kit::FileContent();
+    const pm::Tree& before = writing.before == nullptr ? there.tree : *writing.before;
     const std::optional<pm::Node> top = writing.tree.node(writing.form.subtree);
     if (!top) return;
-    for (const kit::Difference& difference : kit::compare(before.root(), *top, {.strictness = false})) {
+    const bool differs = options.lossy && !prepared.losses.empty();
+    const SignalDelay delay; // as for making it
+    const pm::Tree written = differs ? kit::read_back(prepared.bytes, writing.form).tree : pm::Tree();
+    const kit::CompareOptions compare{.strictness = writing.format.is_json()};
+    for (const kit::Difference& difference :
+         kit::compare(before.root(), differs ? written.root() : *top, compare)) {
         fmt::print("{}\n", kit::difference_text(difference));
     }
+    if (!writing.format.is(PM_Object::FILE_DPIA)) return;
+    show_info_texts(writing.before == nullptr ? there.sections : writing.rewritten->sections,
+                    writing.form.sections);
 }
 
 void require_pia(const Format& format, const TargetOptions& options) {
@@ -152,15 +223,28 @@ TargetLock::TargetLock(const TargetOptions& target, std::initializer_list<Source
     m_lock.emplace(end_of_links(target.file));
 }
 
-std::string without_compression(const std::string& tag) {
-    std::string kept;
-    for (std::size_t at = 0; at <= tag.size();) {
-        const std::size_t end = std::min(tag.find(',', at), tag.size());
-        const std::string item = tag.substr(at, end - at);
-        if (item.find(compression_mark) == std::string::npos) kept += (kept.empty() ? "" : ",") + item;
-        at = end + 1;
+std::vector<std::string> dropped_tag_items(const Source& source, const kit::WriteOptions& form) {
+    std::vector<std::string> lines;
+    if (form.type != PM_Object::FILE_PIA) return lines;
+    const std::vector<std::string> kept = items_of(form.tag);
+    for (const std::string& item : items_of(source.content.tag)) {
+        const bool is_more = asks_for_compression(item) && item != compression_mark;
+        if (is_more && std::ranges::find(kept, item) == kept.end()) {
+            lines.push_back(fmt::format("{} of the header's tag isn't kept", in_quotes(item)));
+        }
     }
-    return kept;
+    return lines;
+}
+
+std::vector<std::string> dropped_info_texts(const Source& source) {
+    std::vector<std::string> lines;
+    if (source.is_json || source.content.type != PM_Object::FILE_DPIA) return lines;
+    for (const kit::Section& section : source.content.sections) {
+        const bool is_read = source.section.empty() || source.section == section.name;
+        if (!is_read || section.info.empty()) continue;
+        lines.push_back(fmt::format("the info text of section {} isn't kept", printable(section.name)));
+    }
+    return lines;
 }
 
 kit::WriteOptions form_of(const Format& format, const TargetOptions& options, const Source& source) {
@@ -176,14 +260,17 @@ kit::WriteOptions form_of(const Format& format, const TargetOptions& options, co
         form.utf8 = options.utf8 || (is_utf8 && options.code_page == 0);
     }
     if (form.utf8) form.code_page = 0;
+    form.guessed = form.code_page == 0 && !is_code_page_told();
     return form;
 }
 
 kit::WriteOptions same_form(const Source& source, const TargetOptions& options) {
     const Format& format = format_of(source.content.type);
     TargetOptions kept = options;
-    kept.compress = kept.compress || source.content.compressed;
-    if (!format.is(PM_Object::FILE_PIA)) kept.compress = options.compress;
+    if (format.is(PM_Object::FILE_PIA)) {
+        kept.compress = options.compress || source.content.compressed;
+        if (!options.tag) kept.tag = source.content.tag;
+    }
     kit::WriteOptions form = form_of(format, kept, source);
     form.sections = source.content.sections;
     return form;
@@ -196,7 +283,7 @@ int write_by_rule(const Writing& writing, const TargetOptions& options) {
     if (!options.dry_run) require_target(options.file);
     const kit::Prepared prepared = prepare(writing, options);
     const bool is_lossy = tell_losses(writing, prepared, options);
-    if (options.dry_run) show_changes(writing, options);
+    if (options.dry_run) show_changes(writing, prepared, options);
     if (is_lossy && !options.lossy) return exit_trouble;
     tell_form(writing, prepared, options);
     if (!options.dry_run) save_safely(options.file, prepared.bytes, options.backup);

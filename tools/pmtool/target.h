@@ -23,6 +23,7 @@ struct Writing {
     const pm::Tree* before = nullptr;      // what --dry-run compares with; null: the target as it is
     // The file that is written anew, for what changes in form only.
     const pm::kit::FileContent* rewritten = nullptr;
+    std::vector<std::string> notes = {}; // what else is told and no loss
 };
 
 // With --lossy bad lines are losses that are told; without it the first of them ends a verb that makes a new
@@ -49,7 +50,9 @@ pm::kit::WriteOptions form_of(const Format& format, const TargetOptions& options
 // The form that a file has already, with what the options change of it.
 pm::kit::WriteOptions same_form(const Source& source, const TargetOptions& options);
 
-// The free text in the header of a PIA file without the word that asks for compression.
-std::string without_compression(const std::string& tag);
+// What an output of another form has no place for, a line each: items of a PIA tag that ask for compression
+// and tell something else, too; info texts of sections.
+std::vector<std::string> dropped_tag_items(const Source& source, const pm::kit::WriteOptions& form);
+std::vector<std::string> dropped_info_texts(const Source& source);
 
 } // namespace pmtool

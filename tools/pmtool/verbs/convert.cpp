@@ -1,5 +1,6 @@
 #include "failure.h"
 #include "file_name.h"
+#include "report_handler.h"
 #include "source.h"
 #include "system.h"
 #include "target.h"
@@ -7,6 +8,7 @@
 #include "verbs/verbs.h"
 #include <algorithm>
 #include <fmt/format.h>
+#include <iterator>
 #include <memory>
 #include <pm/kit/pattern.h>
 #include <pm/kit/stored.h>
@@ -31,7 +33,14 @@ pm::Tree placed(const ConvertOptions& options, const Source& source) {
     const std::optional<pm::Node> top = source.content.tree.node(subtree);
     if (!top) throw no_such_path(options.source.file, subtree);
     pm::Tree tree;
-    kit::copy(*top, tree, kit::full_path(options.base));
+    try {
+        kit::copy(*top, tree, kit::full_path(options.base));
+    } catch (const PM_Memory_Exception&) {
+        throw;
+    } catch (const ZT_Exception& e) {
+        const std::string file = options.source.file == "-" ? "standard input" : options.source.file;
+        throw Failure(describe(make_report(e, file), file));
+    }
     return tree;
 }
 
@@ -75,6 +84,7 @@ int convert_to_dpia(const ConvertOptions& options, const Source& source, const F
     kit::copy(content.root(), tree, '\\' + section.node);
     Writing writing{tree, format, form, losses};
     writing.form.sections = {section};
+    if (source.content.by_section) writing.notes = dropped_info_texts(source);
     return write_by_rule(writing, options.target);
 }
 
@@ -88,7 +98,10 @@ int convert(ConvertOptions options) {
     const std::vector<std::string> losses = losses_unless_told(options.source, source);
     if (format.is(PM_Object::FILE_DPIA)) return convert_to_dpia(options, source, format, losses);
     const pm::Tree tree = placed(options, source);
-    return write_by_rule({tree, format, form_of(format, options.target, source), losses}, options.target);
+    Writing writing{tree, format, form_of(format, options.target, source), losses};
+    writing.notes = dropped_tag_items(source, writing.form);
+    std::ranges::move(dropped_info_texts(source), std::back_inserter(writing.notes));
+    return write_by_rule(writing, options.target);
 }
 
 constexpr Verb verb = {

@@ -22,8 +22,9 @@ int extract(ExtractOptions options) {
     const TargetLock lock(options.target, {&options.source});
     const Source source = read_source(options.source, damage_by(options.target));
     const std::vector<std::string> losses = losses_unless_told(options.source, source);
-    return write_by_rule({source.content.tree, format, form_of(format, options.target, source), losses},
-                         options.target);
+    Writing writing{source.content.tree, format, form_of(format, options.target, source), losses};
+    writing.notes = dropped_info_texts(source);
+    return write_by_rule(writing, options.target);
 }
 
 constexpr Verb verb = {

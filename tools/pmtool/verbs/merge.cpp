@@ -30,9 +30,9 @@ void require_one_input(const MergeOptions& options) {
 }
 
 // Where the conflicts are told: the merged file may be on standard output.
-void print_conflicts(const MergeOptions& options, const std::vector<kit::Conflict>& conflicts) {
-    for (const kit::Conflict& conflict : conflicts) {
-        const std::string line = fmt::format("conflict: {}\n", kit::conflict_text(conflict));
+void print_conflicts(const MergeOptions& options, const std::vector<std::string>& conflicts) {
+    for (const std::string& conflict : conflicts) {
+        const std::string line = fmt::format("conflict: {}\n", conflict);
         options.target.file == "-" ? print_error(line) : fmt::print("{}", line);
     }
 }
@@ -57,6 +57,37 @@ std::vector<std::string> losses_of(const Source& base, const Source& first, cons
     return losses;
 }
 
+std::optional<std::string> info_in(const Source& source, const std::string& node) {
+    const auto& sections = source.content.sections;
+    const auto found = std::ranges::find(sections, node, &kit::Section::node);
+    return found != sections.end() ? std::optional(found->info) : std::nullopt;
+}
+
+std::string side_text(const std::optional<std::string>& info) {
+    return info ? in_quotes(*info) : "-";
+}
+
+// The sections of the merged tree; what both sides made of an info text, and not alike, becomes a conflict.
+std::vector<kit::Section> merged_sections(const pm::Tree& tree, const Source& base, const Source& first,
+                                          const Source& second, std::vector<std::string>& conflicts) {
+    std::vector<kit::Section> sections = first.content.sections;
+    std::ranges::copy_if(second.content.sections, std::back_inserter(sections),
+                         [&](const kit::Section& each) { return !info_in(first, each.node); });
+    std::erase_if(sections, [&](const kit::Section& section) { return !tree.node('\\' + section.node); });
+    for (kit::Section& section : sections) {
+        const std::optional<std::string> before = info_in(base, section.node);
+        const std::string there = before.value_or("");
+        const std::string a = info_in(first, section.node).value_or(there);
+        const std::string b = info_in(second, section.node).value_or(there);
+        section.info = a == there ? b : a;
+        if (a == b || a == there || b == there) continue;
+        conflicts.push_back(fmt::format("{}: info text {} -> {} | {}",
+                                        kit::printable_text(fmt::format("\\{}\\", section.node)),
+                                        side_text(before), in_quotes(a), in_quotes(b)));
+    }
+    return sections;
+}
+
 int merge(MergeOptions options) {
     require_one_input(options);
     const TargetLock lock(options.target, {&options.base, &options.first, &options.second});
@@ -69,14 +100,17 @@ int merge(MergeOptions options) {
     Writing writing{merged.tree, format,
                     is_same ? same_form(first, options.target) : form_of(format, options.target, first),
                     losses_of(base, first, second)};
-    for (const kit::Section& section : second.content.sections) {
-        const auto same = [&](const kit::Section& each) { return each.node == section.node; };
-        if (std::ranges::none_of(writing.form.sections, same)) writing.form.sections.push_back(section);
+    std::vector<std::string> conflicts;
+    std::ranges::transform(merged.conflicts, std::back_inserter(conflicts), kit::conflict_text);
+    if (format.is(PM_Object::FILE_DPIA)) {
+        writing.form.sections = merged_sections(merged.tree, base, first, second, conflicts);
+    } else {
+        writing.notes = dropped_info_texts(first);
     }
     const int status = write_by_rule(writing, options.target);
-    print_conflicts(options, merged.conflicts);
+    print_conflicts(options, conflicts);
     if (status != exit_ok) return status;
-    return merged.conflicts.empty() ? exit_ok : exit_negative;
+    return conflicts.empty() ? exit_ok : exit_negative;
 }
 
 constexpr Verb verb = {
