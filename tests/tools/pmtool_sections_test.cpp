@@ -117,8 +117,11 @@ TEST_F(PmToolSections, SectionThatGoesWhereAnotherComesLosesItsInfoTextAloud) {
     folder.write("script", "rm \\Office\\\nset \\Bureau\\p long 1\n");
     expect_told({"apply", "s.dpia", "script"}, 2, lost);
     expect_told({"mv", "s.dpia", "\\Office\\", "\\Archive\\Office\\"}, 2, lost);
-    expect_output({"rm", "s.dpia", "\\Office\\"}, "");
+    folder.write("removal", "mv \\Archive\\stamp\\ \\Archive\\seal\\\nrm \\Office\\\n");
+    expect_output({"apply", "s.dpia", "removal"}, "");
     expect_output({"sections", "s.dpia"}, "Workshop\tPlotter beside the paint shop\nArchive\n");
+    expect_output({"rm", "s.dpia", "\\Workshop\\"}, "");
+    expect_output({"sections", "s.dpia"}, "Archive\n");
 }
 
 TEST_F(PmToolSections, InfoTextsAreMergedThreeWays) {

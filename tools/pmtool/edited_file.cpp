@@ -91,7 +91,8 @@ std::vector<kit::Section> sections_after(std::vector<kit::Section> sections, std
         if (edit.verb != kit::Edit::Verb::move) continue;
         const std::optional<std::string> target = section_node(edit.target);
         const auto moved = std::ranges::find(sections, section_node(edit.path), &kit::Section::node);
-        moved_away = moved_away || !target;
+        const bool may_be_one = moved != sections.end() || !kit::Pattern(edit.path).is_literal();
+        moved_away = moved_away || (may_be_one && !target);
         if (target && moved != sections.end()) moved->name = moved->node = *target;
     }
     const auto is_new = [&](const pm::Node& node) {
