@@ -66,8 +66,9 @@ std::vector<std::string_view> told_of(std::span<const std::string_view> list) {
 void expect_owner(const CompatibilityOptions& options) {
     constexpr int most_owner = 3;
     const int owner = options.owner.value_or(0);
-    if (owner < 0 || owner > most_owner)
+    if (owner < 0 || owner > most_owner) {
         throw Error("An owner is a number from 0 to 3, not " + std::to_string(owner) + '.');
+    }
 }
 
 ExplainedFindings run(const Start& configuration, const Start& description,

@@ -80,8 +80,9 @@ void check_timeout(Checker& check, Setting& setting, Range IoMethod::*range, std
                 path + "max_" + std::string(name),
                 name == "input_timeout" ? "The timeout of input" : "The timeout of output",
                 (parameter.is_default ? "," : "") + where_by_default(parameter));
-    if (check.findings.size() != before && parameter.severity)
+    if (check.findings.size() != before && parameter.severity) {
         check.findings.back().severity = *parameter.severity;
+    }
 }
 
 void check_rate(Checker& check, Setting& setting) {
@@ -231,8 +232,9 @@ void check_handshake(Checker& check) {
         check_bits(check, setting, "\\io\\method\\" + method->name + "\\handshakes",
                    offered ? std::optional<double>(*offered) : std::nullopt, "handshake", handshake_words,
                    where_by_default(parameter));
-        if (check.findings.size() != before && parameter.severity)
+        if (check.findings.size() != before && parameter.severity) {
             check.findings.back().severity = *parameter.severity;
+        }
     }
 }
 
