@@ -41,6 +41,14 @@ TEST_F(ReportTool, ShowsOneSectionOfAConfiguration) {
     EXPECT_THAT(page.out, HasSubstr("sections.dpia[Workshop]</h2>"));
 }
 
+TEST_F(ReportTool, RefusesAFileThatDescribesSeveralDevices) {
+    ASSERT_EQ(run({"convert", sample_folder + "/dx4200", "device.pia", "--utf8"}).status, 0);
+    ASSERT_EQ(run({"bundle", "-o", "two.dpia", "A=device.pia", "B=device.pia"}).status, 0);
+    expect_trouble({"report", "two.dpia"},
+                   "two.dpia: the file describes several devices; write one to a file of its own with pmtool "
+                   "extract (A, B)");
+}
+
 TEST_F(ReportTool, WritesToAFile) {
     const auto done = run({"report", sample_folder + "/plotter.pia", "-o", "page.html"});
     EXPECT_EQ(done.status, 0);

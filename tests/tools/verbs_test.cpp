@@ -317,6 +317,14 @@ TEST_F(PmToolVerbs, ShellsCompleteVerbsAndOptions) {
     EXPECT_EQ(2, run({"completion", "csh"}).status);
 }
 
+TEST_F(PmToolVerbs, ShellsFindTheVerbBehindAnOptionWithItsValue) {
+    for (const std::string shell : {"bash", "zsh"}) {
+        const std::string script = run({"completion", shell}).out;
+        EXPECT_NE(std::string::npos, script.find("        --code-page) ((++i));;\n        -*) ;;\n"))
+            << shell;
+    }
+}
+
 TEST_F(PmToolVerbs, ColoursAreForTerminalsOrWhoAsks) {
     EXPECT_EQ(std::string::npos, run({"tree", "a.pia"}).out.find('\x1B'));
     EXPECT_NE(std::string::npos, run({"tree", "a.pia", "--color", "always"}).out.find('\x1B'));

@@ -79,6 +79,10 @@ private:
         return m_content.substr(entry.offset, entry.size);
     }
     [[nodiscard]] bool is_inside(const Entry& entry) const { return entry.end() <= m_content.size(); }
+    // Of what is there of a section that the end of the file cuts.
+    [[nodiscard]] std::uint64_t end_of(const Entry& entry) const {
+        return std::min<std::uint64_t>(entry.end(), m_content.size());
+    }
     void say(Rule rule, std::string message, const std::string& section = {}, std::uint32_t number = 0,
              std::optional<Severity> severity = {}) {
         m_findings.add({.rule = rule,
@@ -209,27 +213,27 @@ void DirectoryCheck::check_ranges() {
 }
 
 void DirectoryCheck::check_neighbours() {
-    std::vector<const Entry*> inside;
+    std::vector<const Entry*> there;
     for (const Entry& entry : m_entries) {
-        if (is_inside(entry) && entry.size > 0) inside.push_back(&entry);
+        if (entry.offset < end_of(entry)) there.push_back(&entry);
     }
-    std::stable_sort(inside.begin(), inside.end(),
+    std::stable_sort(there.begin(), there.end(),
                      [](const Entry* a, const Entry* b) { return a->offset < b->offset; });
     std::uint64_t end = m_data;
     const Entry* last = nullptr;
-    for (const Entry* entry : inside) {
+    for (const Entry* entry : there) {
         if (last != nullptr && entry->offset < end) {
             say(Rule::directory_overlap,
                 fmt::format("The section shares {} bytes with {}.",
-                            std::min(end, entry->end()) - entry->offset, in_quotes(last->shown)),
+                            std::min(end, end_of(*entry)) - entry->offset, in_quotes(last->shown)),
                 entry->shown);
         } else if (entry->offset > end) {
             say(Rule::directory_gap,
                 fmt::format("{} bytes in front of the section belong to none.", entry->offset - end),
                 entry->shown);
         }
-        if (entry->end() > end) {
-            end = entry->end();
+        if (end_of(*entry) > end) {
+            end = end_of(*entry);
             last = entry;
         }
     }

@@ -218,6 +218,30 @@ TEST(DpiaRows, SectionOfNoBytesIsNoNeighbour) {
     });
 }
 
+TEST(DpiaRows, WhatIsLeftOfACutSectionIsNoTail) {
+    const std::string cut = "DPIA `A: a=1` `gap 5` `longer 9` `B: b=2`";
+    expect_said({
+        {"trailing-data", cut, {}},
+        {"directory-gap", cut, {"[B] 5 bytes in front of the section belong to none."}},
+    });
+}
+
+TEST(DpiaRows, SectionsThatAreCutShareWhatIsLeftOfThem) {
+    expect_said({
+        {"directory-overlap",
+         "DPIA `longer 100` `A: a=1` `back 23` `B: a=1`",
+         {"[B] The section shares 46 bytes with \"A\"."}},
+    });
+}
+
+TEST(DpiaRows, SectionThatBeginsBehindTheFileIsNoNeighbour) {
+    const std::string behind = "DPIA `A: a=1` `back 4294967273` `B: b=2`";
+    expect_said({
+        {"trailing-data", behind, {"23 bytes behind the last section aren't read."}},
+        {"directory-gap", behind, {}},
+    });
+}
+
 TEST(DpiaRows, SectionInsideAnotherSharesItsBytes) {
     expect_said({
         {"directory-overlap",

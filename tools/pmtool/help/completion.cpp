@@ -55,7 +55,7 @@ void append_bash_values(std::string& out, const std::vector<OptionWords>& option
 }
 
 // Passes the values of options that stand in front of the verb.
-void append_bash_skip(std::string& out, const std::vector<OptionWords>& options) {
+void append_skip(std::string& out, const std::vector<OptionWords>& options) {
     std::vector<std::string> names;
     for (const OptionWords& option : options) {
         if (option.value.empty() || option.value_is_optional) continue;
@@ -70,7 +70,7 @@ std::string bash(const Commands& commands) {
                       "    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} verb= i\n"
                       "    for ((i = 1; i < COMP_CWORD; ++i)); do\n"
                       "        case ${COMP_WORDS[i]} in\n";
-    append_bash_skip(out, commands.common_options());
+    append_skip(out, commands.common_options());
     out += "        -*) ;;\n"
            "        *) verb=${COMP_WORDS[i]}; break;;\n"
            "        esac\n"
@@ -117,8 +117,16 @@ std::string zsh(const Commands& commands) {
             out += fmt::format("        {}\n", quoted(fmt::format("{}:{}", name, entry->verb.summary)));
         }
     }
-    out += "    )\n    if (( CURRENT == 2 )); then\n        _describe verb verbs\n        return\n    fi\n"
-           "    case $words[2] in\n";
+    out += "    )\n    local verb= i\n"
+           "    for ((i = 2; i < CURRENT; ++i)); do\n"
+           "        case $words[i] in\n";
+    append_skip(out, commands.common_options());
+    out += "        -*) ;;\n"
+           "        *) verb=$words[i]; break;;\n"
+           "        esac\n"
+           "    done\n"
+           "    if [[ -z $verb ]]; then\n        _describe verb verbs\n        return\n    fi\n"
+           "    case $verb in\n";
     for (const auto& entry : commands.all()) {
         out += fmt::format("    {})\n        _arguments -s", fmt::join(entry->names(), "|"));
         for (const OptionWords& option : all_options(commands, *entry)) {

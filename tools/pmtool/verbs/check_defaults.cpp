@@ -5,6 +5,7 @@
 #include "system.h"
 #include <algorithm>
 #include <filesystem>
+#include <fmt/format.h>
 #include <iterator>
 #include <pm/kit/stored.h>
 #include <system_error>
@@ -130,12 +131,15 @@ DefaultFindings findings_of_defaults(const SourceOptions& options,
     return findings;
 }
 
-std::vector<std::string> described_sections(const Source& source) {
-    std::vector<std::string> names;
+void require_one_description(const Source& source) {
+    std::vector<std::string> sections;
     for_each_section(source, [&](const std::string& name, const pm::Tree& part) {
-        if (kit::find_description(part)) names.push_back(name);
+        if (kit::find_description(part)) sections.push_back(name);
     });
-    return names;
+    if (sections.size() < 2) return;
+    throw Failure(fmt::format("{}: the file describes several devices; write one to a file of its own with "
+                              "pmtool extract ({})",
+                              source.file, fmt::join(sections, ", ")));
 }
 
 } // namespace pmtool

@@ -22,7 +22,7 @@ struct DefaultFinding {
 std::vector<DefaultFinding> findings_of_defaults(const SourceOptions& options,
                                                  const std::optional<std::string>& content);
 
-// The names of the sections of a DPIA file that hold a description; none of a file of one tree.
-std::vector<std::string> described_sections(const Source& source);
+// Failure if several sections of a DPIA file hold descriptions: nobody says which is meant.
+void require_one_description(const Source& source);
 
 } // namespace pmtool

@@ -66,15 +66,6 @@ std::vector<Part> parts_of(const Source& source, const std::string& section) {
     return parts;
 }
 
-// Nobody says which of several is meant.
-void require_one_description(const Source& source) {
-    const std::vector<std::string> sections = described_sections(source);
-    if (sections.size() < 2) return;
-    throw Failure(fmt::format("{}: the file describes several devices; write one to a file of its own with "
-                              "pmtool extract ({})",
-                              source.file, fmt::join(sections, ", ")));
-}
-
 class DeviceChecker {
 public:
     DeviceChecker(const DeviceCheck& check, const kit::CompatibilityMap& map)

@@ -2,6 +2,7 @@
 #include "options.h"
 #include "safe_save.h"
 #include "source.h"
+#include "verbs/check_defaults.h"
 #include "verbs/verbs.h"
 #include <fmt/format.h>
 #include <memory>
@@ -59,6 +60,7 @@ private:
         const Source& source = read({.file = options.file});
         const pm::Tree& tree = source.content.tree;
         if (const auto base = kit::find_description(tree)) {
+            require_one_description(source);
             m_description = &tree;
             m_input.description = {options.file, tree.node(*base).value_or(tree.root()),
                                    kit::explain_description(tree)};
