@@ -96,20 +96,20 @@ std::string part_name(const std::string& file, const std::string& section, const
 class Teller {
 public:
     Teller(const std::string& file, const Format& format, const std::optional<std::string>& content)
-        : m_file(file), m_format(format), m_finder(finder(content)) {}
+        : m_file(file), m_format(format), m_content(content) {}
 
     std::string text(Report report, const std::string& section) {
-        if (is_bad_line(report) && section.empty()) report.line = m_finder.find(report);
+        if (is_bad_line(report) && section.empty()) report.line = finder().find(report);
         m_line = report.line;
         return describe(report, part_name(m_file, section, m_format));
     }
 
     // What else is lost where the line that was told last ended the reading; empty for nothing.
-    std::string rest_text(const std::string& section, bool is_plain) const {
+    std::string rest_text(const std::string& section, bool is_plain) {
         const std::string name = part_name(m_file, section, m_format);
         const bool counts = is_plain && m_line > 0 && m_format.is_text && !m_format.is(PM_Object::FILE_CFG);
         if (!counts) return name + ": reading ended there; what stands behind that line isn't read";
-        const std::size_t count = m_finder.lines_behind(m_line);
+        const std::size_t count = finder().lines_behind(m_line);
         if (count == 0) return {};
         return fmt::format("{}: reading ended at line {}; {} behind it {} read", name, m_line,
                            count == 1 ? "the line" : fmt::format("the {} lines", count),
@@ -117,15 +117,18 @@ public:
     }
 
 private:
-    LineFinder finder(const std::optional<std::string>& content) const {
+    // Goes through the whole text, so that it is made for the first line that has to be found.
+    LineFinder& finder() {
         const PM_Object::FileType type = *m_format.type;
-        if (!m_format.is_text) return {"", type};
-        return content ? LineFinder(*content, type) : LineFinder::of_file(m_file, type);
+        if (m_finder) return *m_finder;
+        if (!m_format.is_text) return m_finder.emplace("", type);
+        return m_finder.emplace(m_content ? LineFinder(*m_content, type) : LineFinder::of_file(m_file, type));
     }
 
     const std::string& m_file;
     const Format& m_format;
-    LineFinder m_finder;
+    const std::optional<std::string>& m_content;
+    std::optional<LineFinder> m_finder;
     int m_line = 0; // of the last report
 };
 
