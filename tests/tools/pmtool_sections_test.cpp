@@ -140,6 +140,21 @@ TEST_F(PmToolSections, InfoTextsAreMergedThreeWays) {
     expect_output({"sections", "m.dpia"}, "A\tthree\n");
 }
 
+TEST_F(PmToolSections, InfoTextOfASectionThatTheOtherSideRemovedIsAConflict) {
+    expect_output({"bundle", "-o", "base.dpia", "A=a.pia", "B=a.pia", "--info", "A=one"}, "");
+    expect_output({"bundle", "-o", "told.dpia", "A=a.pia", "B=a.pia", "--info", "A=two"}, "");
+    expect_output({"bundle", "-o", "gone.dpia", "B=a.pia"}, "");
+    expect_no({"merge", "base.dpia", "gone.dpia", "told.dpia", "-o", "m.dpia"},
+              "conflict: \\A\\: info text \"one\" -> - | \"two\"\n");
+    expect_output({"sections", "m.dpia"}, "B\n");
+    expect_no({"merge", "base.dpia", "told.dpia", "gone.dpia", "-o", "m.dpia"},
+              "conflict: \\A\\: info text \"one\" -> \"two\" | -\n");
+    expect_output({"sections", "m.dpia"}, "B\nA\ttwo\n");
+    expect_output({"diff", "m.dpia", "told.dpia", "--no-order"}, "m.dpia and told.dpia hold equal trees.\n");
+    expect_output({"merge", "base.dpia", "base.dpia", "gone.dpia", "-o", "m.dpia"}, "");
+    expect_output({"sections", "m.dpia"}, "B\n");
+}
+
 TEST_F(PmToolSections, RootOfASectionStays) {
     expect_trouble({"rm", "s.dpia", "\\", "--section", "Office"}, "s.dpia: \\: the root stays");
     expect_trouble({"mv", "s.dpia", "\\", "\\x\\", "--section", "Office"},

@@ -8,6 +8,7 @@
 #include <iterator>
 #include <memory>
 #include <pm/kit/merge.h>
+#include <pm/kit/stored.h>
 
 namespace pmtool {
 
@@ -67,25 +68,58 @@ std::string side_text(const std::optional<std::string>& info) {
     return info ? in_quotes(*info) : "-";
 }
 
+std::string info_conflict(const kit::Section& section, const std::optional<std::string>& before,
+                          const std::optional<std::string>& a, const std::optional<std::string>& b) {
+    return fmt::format("{}: info text {} -> {} | {}",
+                       kit::printable_text(fmt::format("\\{}\\", section.node)), side_text(before),
+                       side_text(a), side_text(b));
+}
+
+struct Sides {
+    const Source& base;
+    const Source& first;
+    const Source& second;
+};
+
 // The sections of the merged tree; what both sides made of an info text, and not alike, becomes a conflict.
-std::vector<kit::Section> merged_sections(const pm::Tree& tree, const Source& base, const Source& first,
-                                          const Source& second, std::vector<std::string>& conflicts) {
-    std::vector<kit::Section> sections = first.content.sections;
-    std::ranges::copy_if(second.content.sections, std::back_inserter(sections),
-                         [&](const kit::Section& each) { return !info_in(first, each.node); });
+std::vector<kit::Section> merged_sections(const pm::Tree& tree, const Sides& sides,
+                                          std::vector<std::string>& conflicts) {
+    std::vector<kit::Section> sections = sides.first.content.sections;
+    std::ranges::copy_if(sides.second.content.sections, std::back_inserter(sections),
+                         [&](const kit::Section& each) { return !info_in(sides.first, each.node); });
     std::erase_if(sections, [&](const kit::Section& section) { return !tree.node('\\' + section.node); });
     for (kit::Section& section : sections) {
-        const std::optional<std::string> before = info_in(base, section.node);
+        const std::optional<std::string> before = info_in(sides.base, section.node);
         const std::string there = before.value_or("");
-        const std::string a = info_in(first, section.node).value_or(there);
-        const std::string b = info_in(second, section.node).value_or(there);
+        const std::string a = info_in(sides.first, section.node).value_or(there);
+        const std::string b = info_in(sides.second, section.node).value_or(there);
         section.info = a == there ? b : a;
         if (a == b || a == there || b == there) continue;
-        conflicts.push_back(fmt::format("{}: info text {} -> {} | {}",
-                                        kit::printable_text(fmt::format("\\{}\\", section.node)),
-                                        side_text(before), in_quotes(a), in_quotes(b)));
+        conflicts.push_back(info_conflict(section, before, a, b));
     }
     return sections;
+}
+
+// What a side has for the info text of a section of the base; nothing if the section went.
+std::optional<std::string> info_left(const Source& side, const kit::Section& section) {
+    if (!side.content.tree.node('\\' + section.node)) return std::nullopt;
+    return info_in(side, section.node).value_or(section.info);
+}
+
+// A section that one side removed and whose info text the other changed is a conflict, too, and stays as A
+// has it.
+void merge_removed_sections(pm::Tree& tree, std::vector<kit::Section>& sections, const Sides& sides,
+                            std::vector<std::string>& conflicts) {
+    for (const kit::Section& section : sides.base.content.sections) {
+        const std::optional<std::string> a = info_left(sides.first, section);
+        const std::optional<std::string> b = info_left(sides.second, section);
+        if (a.has_value() == b.has_value() || (a ? *a : *b) == section.info) continue;
+        conflicts.push_back(info_conflict(section, section.info, a, b));
+        const std::string path = '\\' + section.node;
+        if (!a || tree.node(path)) continue;
+        kit::copy(*sides.first.content.tree.node(path), tree, path);
+        sections.push_back({section.name, *a, section.node});
+    }
 }
 
 int merge(MergeOptions options) {
@@ -103,7 +137,9 @@ int merge(MergeOptions options) {
     std::vector<std::string> conflicts;
     std::ranges::transform(merged.conflicts, std::back_inserter(conflicts), kit::conflict_text);
     if (format.is(PM_Object::FILE_DPIA)) {
-        writing.form.sections = merged_sections(merged.tree, base, first, second, conflicts);
+        const Sides sides{base, first, second};
+        writing.form.sections = merged_sections(merged.tree, sides, conflicts);
+        merge_removed_sections(merged.tree, writing.form.sections, sides, conflicts);
     } else {
         writing.notes = dropped_info_texts(first);
     }
