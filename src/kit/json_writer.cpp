@@ -6,6 +6,7 @@
 #include <pm/detail/utf.h>
 #include <pm/kit/json.h>
 #include <set>
+#include <vector>
 
 namespace pm::kit {
 
@@ -86,11 +87,10 @@ public:
 
     void document(const Node& node) {
         m_out += '{';
-        if (m_options.plain) {
-            plain_members(node, 0);
-        } else {
-            member(1, "\"pm9\": 1");
-            node_members(node, 0, 1);
+        if (!m_options.plain) member(1, "\"pm9\": 1");
+        open(node);
+        while (!m_levels.empty()) {
+            step();
         }
         line(0);
         m_out += "}\n";
@@ -119,45 +119,80 @@ private:
         m_out += m_last = bracket;
     }
 
-    void node_members(const Node& node, int depth, int level) {
-        member(level, "\"properties\": [");
-        for (const Property property : node.properties()) {
-            member(level + 1, fmt::format("{{{}}}", property_members(property)));
+    // ---- the nodes from the top to the one that is written
+    //
+    // They are held here, as a tree may be deeper than the stack.
+    struct Level {
+        Node node;
+        const PM_Node* next = nullptr;    // the child whose turn it is
+        bool is_cut = false;              // nothing is told of its children
+        std::set<std::string> taken = {}; // the keys, where they are names
+    };
+
+    [[nodiscard]] int depth() const { return static_cast<int>(m_levels.size()) - 1; }
+    // Of the members of the last node.
+    [[nodiscard]] int level() const { return m_options.plain ? depth() + 1 : 2 * depth() + 1; }
+
+    void open(const Node& node) {
+        m_levels.push_back({node});
+        Level& opened = m_levels.back();
+        opened.is_cut = m_options.levels > 0 && depth() == m_options.levels;
+        if (!opened.is_cut) opened.next = node.view().first_child;
+        m_options.plain ? plain_members(opened) : members(opened);
+    }
+    void members(const Level& opened) {
+        member(level(), "\"properties\": [");
+        for (const Property property : opened.node.properties()) {
+            member(level() + 1, fmt::format("{{{}}}", property_members(property)));
         }
-        close(level, ']', !node.properties().empty());
-        if (m_options.levels > 0 && depth == m_options.levels) {
-            if (!node.children().empty()) member(level, "\"more\": true");
-            return;
+        close(level(), ']', !opened.node.properties().empty());
+        if (!opened.is_cut) {
+            member(level(), "\"nodes\": [");
+        } else if (!opened.node.children().empty()) {
+            member(level(), "\"more\": true");
         }
-        member(level, "\"nodes\": [");
-        for (const Node child : node.children()) {
-            member(level + 1, "{");
-            member(level + 2, name_member(child.name16()));
-            node_members(child, depth + 1, level + 2);
-            close(level + 1, '}', true);
+    }
+    void plain_members(Level& opened) {
+        for (const Property property : opened.node.properties()) {
+            member(level(), fmt::format("{}: {}", key(opened, property.name16()), plain_value(property)));
         }
-        close(level, ']', !node.children().empty());
+    }
+    // Names that would come out alike, such as those with different surrogates, get "\" behind them.
+    static std::string key(Level& opened, std::u16string_view name) {
+        std::u16string text(name);
+        std::string shown = json_text(text);
+        while (!opened.taken.insert(shown).second) {
+            shown = json_text(text += u'\\');
+        }
+        return shown;
     }
 
-    // Names that would come out alike, such as those with different surrogates, get "\" behind them.
-    void plain_members(const Node& node, int depth) {
-        std::set<std::string> taken;
-        const auto key = [&taken](std::u16string_view name) {
-            std::u16string text(name);
-            std::string shown = json_text(text);
-            while (!taken.insert(shown).second) {
-                shown = json_text(text += u'\\');
-            }
-            return shown;
-        };
-        for (const Property property : node.properties()) {
-            member(depth + 1, fmt::format("{}: {}", key(property.name16()), plain_value(property)));
+    void step() {
+        Level& last = m_levels.back();
+        if (last.next == nullptr) {
+            finish();
+            return;
         }
-        if (m_options.levels > 0 && depth == m_options.levels) return;
-        for (const Node child : node.children()) {
-            member(depth + 1, key(child.name16()) + ": {");
-            plain_members(child, depth + 1);
-            close(depth + 1, '}', !child.properties().empty() || !child.children().empty());
+        const Node child(*last.next);
+        last.next = child.view().next_sibling;
+        if (m_options.plain) {
+            member(level(), key(last, child.name16()) + ": {");
+        } else {
+            member(level() + 1, "{");
+            member(level() + 2, name_member(child.name16()));
+        }
+        open(child);
+    }
+    void finish() {
+        const Node node = m_levels.back().node;
+        const bool has_nodes = !node.children().empty();
+        if (!m_options.plain && !m_levels.back().is_cut) close(level(), ']', has_nodes);
+        m_levels.pop_back();
+        if (m_levels.empty()) return;
+        if (m_options.plain) {
+            close(level(), '}', has_nodes || !node.properties().empty());
+        } else {
+            close(level() + 1, '}', true);
         }
     }
 
@@ -171,6 +206,7 @@ private:
     std::ostream* m_stream;
     std::string m_out;
     char m_last = '{';
+    std::vector<Level> m_levels;
 };
 
 } // namespace

@@ -51,47 +51,62 @@ public:
         : m_walk(pattern), m_only_nodes(pattern.only_nodes()), m_tree(tree) {}
 
     std::vector<Match> run(const Node& root) {
-        if (m_walk.matches()) m_found.push_back({"\\", root, std::nullopt});
-        if (m_walk.may_match_below()) go_below(root, "\\");
+        if (m_walk.matches()) m_found.push_back({m_path, root, std::nullopt});
+        if (m_walk.may_match_below()) open(root);
+        while (!m_levels.empty()) {
+            step();
+        }
         return std::move(m_found);
     }
 
 private:
-    void go_below(const Node& node, const std::string& path) {
+    // A node whose content is gone through. They are held here, as a tree may be deeper than the stack.
+    struct Level {
+        const PM_Node* next; // the child whose turn it is; null behind the last
+        bool is_only;        // the others are left out
+        std::size_t length;  // of the node's path
+    };
+
+    void open(const Node& node) {
         const std::u16string* const name = m_tree ? m_walk.only_name() : nullptr;
         if (name != nullptr) {
-            look_up(node, path, *name);
+            const PM_Property* const property = m_tree->find_property(*node.handle(), *name);
+            if (property != nullptr) take(node, Property(*property));
+        } else {
+            for (const Property property : node.properties()) {
+                take(node, property);
+            }
+        }
+        const PM_Node* const child =
+            name != nullptr ? m_tree->find_child(*node.handle(), *name) : node.view().first_child;
+        m_levels.push_back({child, name != nullptr, m_path.size()});
+    }
+    void step() {
+        Level& level = m_levels.back();
+        m_path.resize(level.length);
+        if (level.next == nullptr) {
+            m_levels.pop_back();
+            m_walk.leave();
             return;
         }
-        for (const Property property : node.properties()) {
-            take(node, path, property);
-        }
-        for (const Node child : node.children()) {
-            take(child, path);
-        }
-    }
-    void look_up(const Node& node, const std::string& path, const std::u16string& name) {
-        const PM_Property* const property = m_tree->find_property(*node.handle(), name);
-        if (property != nullptr) take(node, path, Property(*property));
-        const PM_Node* const child = m_tree->find_child(*node.handle(), name);
-        if (child != nullptr) take(Node(*child), path);
-    }
-    void take(const Node& node, const std::string& path, const Property& property) {
-        if (m_only_nodes || !m_walk.matches_below(property.name16(), false)) return;
-        m_found.push_back({path + property.name(), node, property});
-    }
-    void take(const Node& child, const std::string& path) {
+        const Node child(*level.next);
+        level.next = level.is_only ? nullptr : child.view().next_sibling;
         m_walk.enter(child.name16());
-        const std::string child_path = path + child.name() + '\\';
-        if (m_walk.matches()) m_found.push_back({child_path, child, std::nullopt});
-        if (m_walk.may_match_below()) go_below(child, child_path);
-        m_walk.leave();
+        (m_path += child.name()) += '\\';
+        if (m_walk.matches()) m_found.push_back({m_path, child, std::nullopt});
+        m_walk.may_match_below() ? open(child) : m_walk.leave();
+    }
+    void take(const Node& node, const Property& property) {
+        if (m_only_nodes || !m_walk.matches_below(property.name16(), false)) return;
+        m_found.push_back({m_path + property.name(), node, property});
     }
 
     PatternWalk m_walk;
     bool m_only_nodes;
     std::optional<TreeBuilder> m_tree;
     std::vector<Match> m_found;
+    std::string m_path = "\\"; // of the node it stands on
+    std::vector<Level> m_levels;
 };
 
 } // namespace

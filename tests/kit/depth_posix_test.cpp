@@ -69,6 +69,17 @@ TEST(DeepTree, ComesBackFromJson) {
     });
 }
 
+TEST(DeepTree, IsWrittenAsPlainJson) {
+    run_on_small_stack([] {
+        std::string members = "\"p\": 1";
+        for (std::size_t level = 1; level < levels; ++level) {
+            members = "\"p\": 1, \"n\": {" + members + "}";
+        }
+        EXPECT_EQ("{\"n\": {" + members + "}}\n",
+                  pm::kit::to_json(deep_tree(), {.indent = -1, .plain = true}));
+    });
+}
+
 TEST(DeepTree, IsCopied) {
     run_on_small_stack([] { EXPECT_TRUE(pm::kit::identical(deep_tree(), pm::kit::copy(deep_tree()))); });
 }
@@ -92,6 +103,18 @@ TEST(DeepTree, IsPreparedReadAndCheckedInEachFormatThatIsWritten) {
             check.round_trip = true;
             EXPECT_THAT(pm::kit::check_content(prepared.bytes, "deep", check), testing::IsEmpty());
         }
+    });
+}
+
+TEST(DeepTree, TellsWhatCantBeWritten) {
+    run_on_small_stack([] {
+        Tree tree = deep_tree();
+        tree.set(path_of_level(levels) + "\\q", std::string(2000, 'x'));
+        pm::kit::WriteOptions options;
+        options.type = PM_Object::FILE_DOC;
+        const auto losses = pm::kit::prepare(tree, options).losses;
+        ASSERT_EQ(1U, losses.size());
+        EXPECT_EQ(path_of_level(levels) + "\\q", losses[0].path);
     });
 }
 
