@@ -148,6 +148,18 @@ TEST(PiaRows, PathsThatAreTooLongOrHoldAnIndex) {
     });
 }
 
+TEST(PiaRows, NameOfSeparatorsIsThePropertyBesideTheNode) {
+    expect_said({
+        {"retyped-name",
+         "PIA `a=\"x` `a\\\\b=1` `\\\\=1`",
+         {"4:1 54 \\a: \"\\\" is a whole number here and a text on line 2."}},
+        {"repeated-name",
+         "PIA `n{` `\\\\=2` `n=3` `}` `n=4`",
+         {"6:1 \\n: \"n\" is set on line 3 already, and that value is lost."}},
+        {"odd-name", "PIA `n{` `\\\\=2` `}`", {"3:1 \\n: The \"\\\" in \"\\\" separates nodes."}},
+    });
+}
+
 TEST(PiaRows, CompressedBodyOfNothing) {
     expect_said({
         {"damaged-compression",

@@ -281,9 +281,7 @@ PiaBody::Target PiaBody::target_of(std::string_view name) {
         path.pop_back();
     }
     const std::size_t last = path.rfind('\\');
-    if (last == std::string::npos || name.find_first_not_of('\\') == std::string_view::npos) {
-        return {0, {}, last != std::string::npos, m_depth};
-    }
+    if (last == std::string::npos) return {};
     const std::string_view kept = m_names.emplace_back(path.substr(last + 1));
     std::size_t depth = 0;
     const std::size_t node = node_of(std::string_view(path).substr(0, last), depth);
@@ -294,7 +292,8 @@ std::string PiaBody::path_of(std::string_view name) const {
     std::string path = m_path;
     if (!path.ends_with('\\')) path += '\\';
     path += m_source.utf8(name);
-    return path;
+    // A name that is separators alone is the node's own, beside it.
+    return std::string(cut_end(path, "\\"));
 }
 
 void PiaBody::say(Rule rule, const char* at, std::string message, std::uint32_t number, std::string path) {
