@@ -9,6 +9,8 @@
 #include <memory>
 #include <pm/kit/merge.h>
 #include <pm/kit/stored.h>
+#include <string_view>
+#include <unordered_map>
 
 namespace pmtool {
 
@@ -58,11 +60,27 @@ std::vector<std::string> losses_of(const Source& base, const Source& first, cons
     return losses;
 }
 
-std::optional<std::string> info_in(const Source& source, const std::string& node) {
-    const auto& sections = source.content.sections;
-    const auto found = std::ranges::find(sections, node, &kit::Section::node);
-    return found != sections.end() ? std::optional(found->info) : std::nullopt;
-}
+// One of the files, with its info texts by the nodes of their sections.
+class Side {
+public:
+    explicit Side(const Source& source) : m_content(source.content) {
+        for (const kit::Section& section : sections()) {
+            m_infos.emplace(section.node, section.info);
+        }
+    }
+    [[nodiscard]] const std::vector<kit::Section>& sections() const { return m_content.sections; }
+    [[nodiscard]] std::optional<pm::Node> node(const std::string& name) const {
+        return m_content.tree.node('\\' + name);
+    }
+    [[nodiscard]] std::optional<std::string> info(const std::string& node) const {
+        const auto found = m_infos.find(node);
+        return found != m_infos.end() ? std::optional<std::string>(found->second) : std::nullopt;
+    }
+
+private:
+    const kit::FileContent& m_content;
+    std::unordered_map<std::string_view, std::string_view> m_infos;
+};
 
 std::string side_text(const std::optional<std::string>& info) {
     return info ? in_quotes(*info) : "-";
@@ -76,23 +94,23 @@ std::string info_conflict(const kit::Section& section, const std::optional<std::
 }
 
 struct Sides {
-    const Source& base;
-    const Source& first;
-    const Source& second;
+    Side base;
+    Side first;
+    Side second;
 };
 
 // The sections of the merged tree; what both sides made of an info text, and not alike, becomes a conflict.
 std::vector<kit::Section> merged_sections(const pm::Tree& tree, const Sides& sides,
                                           std::vector<std::string>& conflicts) {
-    std::vector<kit::Section> sections = sides.first.content.sections;
-    std::ranges::copy_if(sides.second.content.sections, std::back_inserter(sections),
-                         [&](const kit::Section& each) { return !info_in(sides.first, each.node); });
+    std::vector<kit::Section> sections = sides.first.sections();
+    std::ranges::copy_if(sides.second.sections(), std::back_inserter(sections),
+                         [&](const kit::Section& each) { return !sides.first.info(each.node); });
     std::erase_if(sections, [&](const kit::Section& section) { return !tree.node('\\' + section.node); });
     for (kit::Section& section : sections) {
-        const std::optional<std::string> before = info_in(sides.base, section.node);
+        const std::optional<std::string> before = sides.base.info(section.node);
         const std::string there = before.value_or("");
-        const std::string a = info_in(sides.first, section.node).value_or(there);
-        const std::string b = info_in(sides.second, section.node).value_or(there);
+        const std::string a = sides.first.info(section.node).value_or(there);
+        const std::string b = sides.second.info(section.node).value_or(there);
         section.info = a == there ? b : a;
         if (a == b || a == there || b == there) continue;
         conflicts.push_back(info_conflict(section, before, a, b));
@@ -101,23 +119,23 @@ std::vector<kit::Section> merged_sections(const pm::Tree& tree, const Sides& sid
 }
 
 // What a side has for the info text of a section of the base; nothing if the section went.
-std::optional<std::string> info_left(const Source& side, const kit::Section& section) {
-    if (!side.content.tree.node('\\' + section.node)) return std::nullopt;
-    return info_in(side, section.node).value_or(section.info);
+std::optional<std::string> info_left(const Side& side, const kit::Section& section) {
+    if (!side.node(section.node)) return std::nullopt;
+    return side.info(section.node).value_or(section.info);
 }
 
 // A section that one side removed and whose info text the other changed is a conflict, too, and stays as A
 // has it.
 void merge_removed_sections(pm::Tree& tree, std::vector<kit::Section>& sections, const Sides& sides,
                             std::vector<std::string>& conflicts) {
-    for (const kit::Section& section : sides.base.content.sections) {
+    for (const kit::Section& section : sides.base.sections()) {
         const std::optional<std::string> a = info_left(sides.first, section);
         const std::optional<std::string> b = info_left(sides.second, section);
         if (a.has_value() == b.has_value() || (a ? *a : *b) == section.info) continue;
         conflicts.push_back(info_conflict(section, section.info, a, b));
         const std::string path = '\\' + section.node;
         if (!a || tree.node(path)) continue;
-        kit::copy(*sides.first.content.tree.node(path), tree, path);
+        kit::copy(*sides.first.node(section.node), tree, path);
         sections.push_back({section.name, *a, section.node});
     }
 }
@@ -137,7 +155,7 @@ int merge(MergeOptions options) {
     std::vector<std::string> conflicts;
     std::ranges::transform(merged.conflicts, std::back_inserter(conflicts), kit::conflict_text);
     if (format.is(PM_Object::FILE_DPIA)) {
-        const Sides sides{base, first, second};
+        const Sides sides{Side(base), Side(first), Side(second)};
         writing.form.sections = merged_sections(merged.tree, sides, conflicts);
         merge_removed_sections(merged.tree, writing.form.sections, sides, conflicts);
     } else {
