@@ -175,13 +175,10 @@ std::string distinction(const Property& property, bool has_other_type) {
     static constexpr std::array<std::string_view, 6> types{"no value", "integer",     "number",
                                                            "text",     "truth value", "bytes"};
     const auto value = value_of(property);
-    if (!value) {
-        return "otherwise";
-    }
-    if (has_other_type) {
+    if (value && has_other_type) {
         return std::string(types[value->index()]);
     }
-    const auto* number = std::get_if<double>(&*value);
+    const auto* number = value ? std::get_if<double>(&*value) : nullptr;
     return number != nullptr ? fmt::format("{}", *number) : "otherwise";
 }
 

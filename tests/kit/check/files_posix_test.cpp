@@ -37,6 +37,21 @@ TEST(CheckUnreadable, FolderThatMayNotBeListedIsTold) {
     EXPECT_EQ(told, said(folder.path().string()));
 }
 
+// It can be listed, but of what is in it nobody learns what it is.
+TEST(CheckUnreadable, WhatAClosedFolderHoldsIsTold) {
+    const pm::test::TempFolder folder;
+    const std::filesystem::path closed = folder / "closed";
+    std::filesystem::create_directory(closed);
+    ASSERT_EQ(0, mkfifo((closed / "a").c_str(), 0600));
+    std::filesystem::permissions(folder.path(), std::filesystem::perms(0755));
+    std::filesystem::permissions(closed, std::filesystem::perms(0444));
+    const bool was_root = pm::test::drop_rights_of_root();
+    const Lines told = said(closed.string());
+    if (was_root) pm::test::take_back_rights_of_root();
+    std::filesystem::permissions(closed, std::filesystem::perms(0700));
+    EXPECT_EQ(Lines{"unreadable 61 The file can't be opened."}, told);
+}
+
 TEST(CheckUnreadable, WhatIsNoFileInAFolderIsPassedOver) {
     const pm::test::TempFolder folder;
     folder.write("b.pia", "PIAFILEVERSION_2.0\nb\n");

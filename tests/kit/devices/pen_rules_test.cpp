@@ -106,6 +106,19 @@ TEST(PenWidth, InInchesIsToldOfInInches) {
             "is above the most, 0.05511811 inches. (0.003937008 to 0.05511811)"});
 }
 
+TEST(PenWidth, LimitBelowAllDecimalsIsToldInInchesWithAllItsDigits) {
+    pm::Tree device = small_device();
+    device.set("\\physical_pen\\min_width", 0.0);
+    device.set("\\physical_pen\\max_width", 1e-14);
+    EXPECT_EQ(answer_of("pen-width",
+                        tree_of({{"\\Plotter/User\\IsMetric", 0}, {"\\Plotter/User\\LineWidth", 1.0}}),
+                        device)
+                  .findings,
+              Lines{"error \\Plotter/User\\LineWidth = 1 @ \\physical_pen\\max_width = 1e-14: The pen's "
+                    "width, 1 inch, is above the most, 3.9370078740157483e-16 inches. (0 to "
+                    "3.9370078740157483e-16)"});
+}
+
 TEST(PenWidth, OfferedInInchesPasses) {
     EXPECT_EQ(found("pen-width", {{"\\Plotter/User\\IsMetric", 0},
                                   {"\\Plotter/Device/WidthTable\\Color1", 0.003937008},

@@ -366,6 +366,16 @@ TEST(Comparison, OfEqualOnesHasNothingThatDiffers) {
     EXPECT_THAT(page.texts("tr", "group"), ElementsAre("General", "Media"));
 }
 
+// Neither says what it holds: only that they differ.
+TEST(Comparison, TellsApartWhatCannotBeRead) {
+    RawObject a;
+    RawObject b;
+    a.setData(u"\\copies", "12345", 5, PROP_LONG, -1, true);
+    b.setData(u"\\copies", "1234567", 7, PROP_BOOL, -1, true);
+    EXPECT_THAT(side_by_side(pm::root_of(a), pm::root_of(b)).texts("tr", "setting differs"),
+                ElementsAre("≠ Copiesunreadable otherwiseunreadable otherwise"));
+}
+
 TEST(Comparison, OfOnesThatAgreeInNothingHasNothingAlike) {
     Tree a;
     Tree b;
