@@ -43,12 +43,6 @@ Tree with_data_nodes(const Node& top, const WriteOptions& options) {
     return shaped;
 }
 
-std::string saved_to_file(const Tree& tree, const SaveOptions& options) {
-    const ScratchFile file;
-    tree.save(file.name(), options);
-    return file.content();
-}
-
 std::string saved_to_stream(const Tree& tree, const SaveOptions& options) {
     std::stringstream stream;
     tree.save(stream, options);
@@ -56,13 +50,30 @@ std::string saved_to_stream(const Tree& tree, const SaveOptions& options) {
     return std::move(stream).str();
 }
 
-std::string bytes_of(const Tree& tree, const WriteOptions& options, const std::string& subtree) {
-    const SaveOptions save{options.type, options.tag, subtree, options.utf8};
-    if (options.type == PM_Object::FILE_DOC) return saved_to_file(tree, save);
-    if (options.type == PM_Object::FILE_PIA) return saved_to_stream(tree, save);
-    const SaveOptions whole{options.type, options.tag};
-    return saved_to_stream(with_data_nodes(*tree.node(subtree), options), whole);
-}
+// Gives what a tree is saved as.
+class Saver {
+public:
+    explicit Saver(const WriteOptions& options) : m_options(options) {}
+
+    std::string bytes(const Tree& tree, const std::string& subtree) {
+        const SaveOptions save{m_options.type, m_options.tag, subtree, m_options.utf8};
+        if (m_options.type == PM_Object::FILE_DOC) return saved_to_file(tree, save);
+        if (m_options.type == PM_Object::FILE_PIA) return saved_to_stream(tree, save);
+        const SaveOptions whole{m_options.type, m_options.tag};
+        return saved_to_stream(with_data_nodes(*tree.node(subtree), m_options), whole);
+    }
+
+private:
+    // One file for all saves: that the disk forgets one costs more than the save.
+    std::string saved_to_file(const Tree& tree, const SaveOptions& options) {
+        if (!m_file) m_file.emplace();
+        tree.save(m_file->name(), options);
+        return m_file->content();
+    }
+
+    const WriteOptions& m_options;
+    std::optional<ScratchFile> m_file;
+};
 
 // ---- what can't be written at all
 
@@ -87,14 +98,14 @@ std::vector<Item> items_of(const Node& top) {
 // Finds the items that keep a tree from being written, by halves, and writes the others.
 class Salvage {
 public:
-    Salvage(const Node& top, const WriteOptions& options)
-        : m_top(top), m_options(options), m_items(items_of(top)) {}
+    Salvage(const Node& top, PM_Object::FileType type, Saver& saver)
+        : m_top(top), m_type(type), m_saver(saver), m_items(items_of(top)) {}
 
     std::string run(std::vector<Loss>& losses) {
         // What fails for nothing, fails for another reason than the tree.
-        static_cast<void>(bytes_of(Tree(), m_options, "\\"));
+        static_cast<void>(m_saver.bytes(Tree(), "\\"));
         sift(0, m_items.size(), losses);
-        return bytes_of(tree_of(m_left), m_options, "\\");
+        return m_saver.bytes(tree_of(m_left), "\\");
     }
 
 private:
@@ -102,7 +113,7 @@ private:
         const std::vector<Item> items(m_items.begin() + static_cast<std::ptrdiff_t>(begin),
                                       m_items.begin() + static_cast<std::ptrdiff_t>(end));
         try {
-            static_cast<void>(bytes_of(tree_of(items), m_options, "\\"));
+            static_cast<void>(m_saver.bytes(tree_of(items), "\\"));
             m_left.insert(m_left.end(), items.begin(), items.end());
         } catch (const PM_Memory_Exception&) {
             throw;
@@ -147,13 +158,14 @@ private:
             loss.path += item.property->name();
             loss.before = stored(*item.property);
         }
-        loss.reason = fmt::format("it can't be written to a {} file: {} ({})", format_name(m_options.type),
+        loss.reason = fmt::format("it can't be written to a {} file: {} ({})", format_name(m_type),
                                   error_text(e.m_number), e.m_number);
         return loss;
     }
 
     Node m_top;
-    const WriteOptions& m_options;
+    PM_Object::FileType m_type;
+    Saver& m_saver;
     std::vector<Item> m_items;
     std::vector<Item> m_left;
 };
@@ -259,13 +271,14 @@ Prepared prepare(const Tree& intended, const WriteOptions& options) {
     if (!top) throw Error(fmt::format("{}: there is no such node", printable_text(options.subtree)));
     const ScopedCodePage code_page(options.code_page);
     Prepared prepared;
+    Saver saver(options);
     std::vector<Loss> unwritten;
     try {
-        prepared.bytes = bytes_of(intended, options, options.subtree);
+        prepared.bytes = saver.bytes(intended, options.subtree);
     } catch (const PM_Memory_Exception&) {
         throw;
     } catch (const ZT_Exception&) {
-        prepared.bytes = Salvage(*top, options).run(unwritten);
+        prepared.bytes = Salvage(*top, options.type, saver).run(unwritten);
     }
     const Back back = as_a_reader(prepared.bytes, options);
     const ReadBack read{back.content.tree.root(), options.type,
